@@ -1,0 +1,23 @@
+# The language level, warnings and sanitizers that every target of the project is built with.
+find_package(Threads REQUIRED)
+
+add_library(options INTERFACE)
+target_compile_features(options INTERFACE cxx_std_20)
+target_compile_options(options INTERFACE -Wall -Wextra -Wpedantic -Wconversion -Wshadow)
+target_link_libraries(options INTERFACE Threads::Threads)
+set(CMAKE_CXX_EXTENSIONS OFF)
+
+if(RAVELINK_WARNINGS_AS_ERRORS)
+  target_compile_options(options INTERFACE -Werror)
+endif()
+
+if(RAVELINK_SANITIZERS)
+  # Without -fno-sanitize-recover=all an undefined-behaviour report leaves the exit status at 0.
+  set(sanitizer_flags -fsanitize=${RAVELINK_SANITIZERS} -fno-sanitize-recover=all
+                      -fno-omit-frame-pointer)
+  target_compile_options(options INTERFACE ${sanitizer_flags})
+  target_link_options(options INTERFACE ${sanitizer_flags})
+else()
+  # A released program starts faster and runs on machines with another libstdc++.
+  target_link_options(options INTERFACE $<$<CONFIG:Release>:-static-libstdc++> $<$<CONFIG:Release>:-static-libgcc>)
+endif()

@@ -1,0 +1,51 @@
+#pragma once
+
+#include "core/object/BasicClass.h"
+
+namespace core {
+
+/// A counted reference to a T (a ReferenceCounted created with new), or an empty one.
+/// The object lives as long as one reference holds it.
+template <class T>
+class ClassRef : public BasicClass {
+public:
+    ClassRef() = default;
+    ClassRef(T* object) { Set(object); }
+    ClassRef(ClassRef const& other) : ReferenceCounted(), BasicClass() { Set(other.object_); }
+    ~ClassRef() override { Set(nullptr); }
+
+    ClassRef& operator=(ClassRef const& other) {
+        Set(other.object_);
+        return *this;
+    }
+    ClassRef& operator=(T* object) {
+        Set(object);
+        return *this;
+    }
+
+    char const* ClassName() const override { return "ClassRef"; }
+
+    /// Holds object (null: nothing) in the place of what was held. Setting the object already
+    /// held is safe: it is added before it is released.
+    void Set(T* object) {
+        if (object != nullptr) {
+            object->_addRef();
+        }
+        T* const before = object_;
+        object_ = object;
+        if (before != nullptr) {
+            before->_release();
+        }
+    }
+
+    /// The object held, still owned by the references; null when empty.
+    T* Get() const { return object_; }
+    T* operator->() const { return object_; }
+    T& operator*() const { return *object_; }
+    explicit operator bool() const { return object_ != nullptr; }
+
+private:
+    T* object_ = nullptr;
+};
+
+}  // namespace core

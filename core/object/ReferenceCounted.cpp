@@ -1,0 +1,95 @@
+#include "core/object/ReferenceCounted.h"
+
+#include <mutex>
+
+#include "sys/platform/locker.h"
+
+namespace core {
+
+namespace {
+
+struct ReferenceLock {
+    sys::locker counts;
+    sys::locker guard;
+    unsigned users = 0;
+
+    ReferenceLock() { guard.init(true); }
+};
+
+/// Never destroyed: static objects may count references until the very end of the process.
+ReferenceLock& referenceLock() {
+    static auto& lock = *new ReferenceLock;
+    return lock;
+}
+
+}  // namespace
+
+void _initReferenceMutex() {
+    ReferenceLock& lock = referenceLock();
+    std::lock_guard guarded(lock.guard);
+    if (lock.users++ == 0) {
+        lock.counts.init(true);
+    }
+}
+
+void _doneReferenceMutex() {
+    ReferenceLock& lock = referenceLock();
+    std::lock_guard guarded(lock.guard);
+    if (--lock.users == 0) {
+        lock.counts.done();
+    }
+}
+
+ReferenceCounted::ReferenceCounted() {
+    _initReferenceMutex();
+}
+
+ReferenceCounted::ReferenceCounted(ReferenceCounted const&) {
+    _initReferenceMutex();
+}
+
+ReferenceCounted& ReferenceCounted::operator=(ReferenceCounted const&) {
+    return *this;
+}
+
+ReferenceCounted::~ReferenceCounted() {
+    _doneReferenceMutex();
+}
+
+int ReferenceCounted::_addRef() {
+    std::lock_guard guarded(referenceLock().counts);
+    ++count_;
+    _addRefCalled(count_);
+    return count_;
+}
+
+int ReferenceCounted::_release() {
+    int left = 0;
+    {
+        std::lock_guard guarded(referenceLock().counts);
+        if (count_ < 1) {
+            return 0;
+        }
+        left = --count_;
+        _releaseCalled(left);
+    }
+    if (left == 0) {
+        delete this;
+    }
+    return left;
+}
+
+int ReferenceCounted::_getRefCount() const {
+    std::lock_guard guarded(referenceLock().counts);
+    return count_;
+}
+
+void ReferenceCounted::_addRefCalled(int) {}
+
+void ReferenceCounted::_releaseCalled(int) {}
+
+void _deferDeletion(ReferenceCounted* object) {
+    delete object;
+}
+
+}  // namespace core

@@ -1,0 +1,64 @@
+#include <gtest/gtest.h>
+
+#include <thread>
+#include <vector>
+
+#include "core/object/BasicClass.h"
+#include "core/object/ClassRef.h"
+
+namespace {
+
+class Counted : public core::BasicClass {
+public:
+    explicit Counted(bool& deleted) : deleted_(deleted) {}
+    ~Counted() override { deleted_ = true; }
+    void _addRefCalled(int count) override { seen.push_back(count); }
+    void _releaseCalled(int count) override { seen.push_back(-count); }
+
+    std::vector<int> seen;
+
+private:
+    bool& deleted_;
+};
+
+TEST(ReferenceCounted, LivesAsLongAsItsReferences) {
+    bool deleted = false;
+    auto* object = new Counted(deleted);
+    EXPECT_EQ(object->_release(), 0) << "without holders a release changes nothing";
+    ASSERT_FALSE(deleted);
+
+    core::ClassRef<Counted> first(object);
+    core::ClassRef<Counted> second(first);
+    EXPECT_EQ(object->_getRefCount(), 2);
+    second.Set(object);
+    EXPECT_EQ(object->_getRefCount(), 2) << "setting the object already held changes nothing";
+    first.Set(nullptr);
+    first.Set(nullptr);
+    EXPECT_EQ(object->seen, (std::vector{1, 2, 3, -2, -1}));
+    ASSERT_FALSE(deleted);
+    second = nullptr;
+    EXPECT_TRUE(deleted);
+}
+
+TEST(ReferenceCounted, CountsOnSeveralThreads) {
+    bool deleted = false;
+    {
+        core::ClassRef<Counted> shared(new Counted(deleted));
+        std::vector<std::thread> threads;
+        for (int i = 0; i < 4; ++i) {
+            threads.emplace_back([copy = shared] {
+                for (int round = 0; round < 1000; ++round) {
+                    core::ClassRef<Counted> held(copy);
+                }
+            });
+        }
+        for (std::thread& thread : threads) {
+            thread.join();
+        }
+        threads.clear();
+        EXPECT_EQ(shared->_getRefCount(), 1);
+    }
+    EXPECT_TRUE(deleted);
+}
+
+}  // namespace
