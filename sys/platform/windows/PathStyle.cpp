@@ -1,0 +1,9 @@
+#include "sys/platform/PathStyle.h"
+
+namespace sys {
+
+PathStyle const& pathStyle() {
+    return windowsPathStyle;
+}
+
+}  // namespace sys
