@@ -1,0 +1,115 @@
+#include "core/text/String.h"
+
+#include <algorithm>
+#include <memory>
+
+#include "core/text/Buffer.h"
+#include "core/text/StringPool.h"
+#include "core/text/TextBuilder.h"
+
+namespace core {
+
+void String::SetString(char const* text, int length) {
+    if (text == nullptr || length == 0) {
+        Clear();
+        return;
+    }
+    if (length < 0) {
+        setPieces(text);
+        return;
+    }
+    auto const* const end =
+        static_cast<char const*>(std::memchr(text, '\0', static_cast<std::size_t>(length)));
+    setPieces({text, end != nullptr ? static_cast<std::size_t>(end - text)
+                                    : static_cast<std::size_t>(length)});
+}
+
+void String::SetString(char c, int count) {
+    TextBuilder text;
+    text.Append(c, count);
+    *this = text.AsString();
+}
+
+void String::SetBuffer(void const* data, int size) {
+    SetString(static_cast<char const*>(data), std::max(size, 0));
+}
+
+void String::SetBuffer(Buffer const& bytes) {
+    SetBuffer(bytes.GetData(), bytes.GetSize());
+}
+
+String String::OfChar(char c, int count) {
+    String result;
+    result.SetString(c, count);
+    return result;
+}
+
+void String::CopyOnWrite(int newLength) {
+    bool const shared = data_ != nullptr && data_->count > 1;
+    if (newLength < 0 && !shared) {
+        return;
+    }
+    std::string_view const before = View();
+    auto const length =
+        newLength < 0 ? before.size() : static_cast<std::size_t>(std::min(newLength, MaxLength));
+    if (length == 0) {
+        Clear();
+        return;
+    }
+    if (!shared && data_ != nullptr && length == before.size()) {
+        return;
+    }
+
+    std::unique_ptr<char[]> room(new char[length + 1]);
+    std::size_t const kept = std::min(length, before.size());
+    std::memcpy(room.get(), before.data(), kept);
+    std::memset(room.get() + kept, 0, length + 1 - kept);
+    adopt(room.release());
+}
+
+char* String::GetBuffer(int length) {
+    if (length > MaxLength) {
+        return nullptr;
+    }
+    CopyOnWrite(length);
+    return data_ != nullptr ? data_->buffer : nullptr;
+}
+
+void String::freeBlock(StringData* data) {
+    StringPool::Instance().Release(data);
+}
+
+void String::setPieces(std::string_view first, std::string_view second, std::string_view third) {
+    std::size_t left = MaxLength;
+    std::size_t length = 0;
+    for (std::string_view* piece : {&first, &second, &third}) {
+        *piece = piece->substr(0, left);
+        left -= piece->size();
+        length += piece->size();
+    }
+    if (length == 0) {
+        Clear();
+        return;
+    }
+
+    char* const text = new char[length + 1];
+    char* end = text;
+    for (std::string_view piece : {first, second, third}) {
+        end = std::copy(piece.begin(), piece.end(), end);
+    }
+    *end = '\0';
+    adopt(text);
+}
+
+void String::adopt(char* buffer) {
+    if (data_ != nullptr && data_->count == 1) {
+        delete[] std::exchange(data_->buffer, buffer);
+        return;
+    }
+    deleteStringData(std::exchange(data_, nullptr));
+    data_ = StringPool::Instance().Take();
+    data_->buffer = buffer;
+    data_->count = 1;
+}
+
+}  // namespace core

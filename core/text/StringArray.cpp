@@ -1,0 +1,155 @@
+#include "core/text/StringArray.h"
+
+#include <algorithm>
+#include <new>
+
+#include "core/text/TextBuilder.h"
+
+namespace core {
+
+StringArray::StringArray(int step) : step_(std::clamp(step, 1, MaxStep)) {}
+
+StringArray::StringArray(StringArray const& other)
+    : ReferenceCounted(), BasicClass(), step_(other.step_), separator_(other.separator_) {
+    Add(other);
+}
+
+StringArray& StringArray::operator=(StringArray const& other) {
+    if (this != &other) {
+        Clear();
+        step_ = other.step_;
+        separator_ = other.separator_;
+        Add(other);
+    }
+    return *this;
+}
+
+StringArray::~StringArray() = default;
+
+char const* StringArray::ClassName() const {
+    return "StringArray";
+}
+
+void StringArray::Clear() {
+    entries_.reset();
+    count_ = 0;
+    capacity_ = 0;
+}
+
+int StringArray::Add(String const& text) {
+    return append(std::make_unique<String>(text));
+}
+
+int StringArray::Add(String const& name, String const& value) {
+    TextBuilder pair;
+    pair.Append(name.View());
+    pair.Append(separator_.View());
+    pair.Append(value.View());
+    return append(std::make_unique<String>(pair.AsString()));
+}
+
+void StringArray::Add(StringArray const& other) {
+    int const count = other.count_;
+    for (int i = 0; i < count; ++i) {
+        Add(other.Get(i));
+    }
+}
+
+void StringArray::Delete(int index) {
+    if (!has(index)) {
+        return;
+    }
+    std::move(&entries_[static_cast<std::size_t>(index) + 1],
+              &entries_[static_cast<std::size_t>(count_)],
+              &entries_[static_cast<std::size_t>(index)]);
+    --count_;
+    entries_[static_cast<std::size_t>(count_)].reset();
+}
+
+int StringArray::IndexOf(String const& text, int start) const {
+    for (int i = std::max(start, 0); i < count_; ++i) {
+        if (!Get(i).IsEmpty() && Get(i).CompareIC(text) == 0) {
+            return i;
+        }
+    }
+    return -1;
+}
+
+int StringArray::IndexOfName(String const& name, int start) const {
+    for (int i = std::max(start, 0); i < count_; ++i) {
+        String const found = GetNameByIndex(i);
+        if (!found.IsEmpty() && found.CompareIC(name) == 0) {
+            return i;
+        }
+    }
+    return -1;
+}
+
+void StringArray::SetSeparator(String const& separator) {
+    separator_ = separator.IsEmpty() ? String("=") : separator;
+}
+
+String StringArray::GetNameByIndex(int index) const {
+    return has(index) ? Get(index).LeftOf(separator_) : String();
+}
+
+String StringArray::GetValueByIndex(int index) const {
+    bool const pair = has(index) && Get(index).Find(separator_) > 0;
+    return pair ? Get(index).RightOf(separator_) : String();
+}
+
+String StringArray::GetValueByName(String const& name) const {
+    int const index = IndexOfName(name);
+    return index >= 0 ? GetValueByIndex(index) : String();
+}
+
+void StringArray::SetNameByIndex(int index, String const& name) {
+    if (has(index)) {
+        Get(index) = name + separator_ + GetValueByIndex(index);
+    }
+}
+
+void StringArray::SetValueByIndex(int index, String const& value) {
+    if (has(index)) {
+        Get(index) = GetNameByIndex(index) + separator_ + value;
+    }
+}
+
+int StringArray::SetValueByName(String const& name, String const& value) {
+    int const index = IndexOfName(name);
+    if (index < 0) {
+        return Add(name, value);
+    }
+    SetValueByIndex(index, value);
+    return index;
+}
+
+String StringArray::AsString() const {
+    TextBuilder result;
+    for (int i = 0; i < count_; ++i) {
+        result.Append(Get(i).View());
+        result.Append("\r\n");
+    }
+    return result.AsString();
+}
+
+void StringArray::grow() {
+    if (capacity_ > MaxCapacity - step_) {
+        throw std::bad_alloc();
+    }
+    int const larger = capacity_ + step_;
+    auto entries = std::make_unique<std::unique_ptr<String>[]>(static_cast<std::size_t>(larger));
+    std::move(entries_.get(), entries_.get() + count_, entries.get());
+    entries_ = std::move(entries);
+    capacity_ = larger;
+}
+
+int StringArray::append(std::unique_ptr<String> entry) {
+    if (count_ == capacity_) {
+        grow();
+    }
+    entries_[static_cast<std::size_t>(count_)] = std::move(entry);
+    return count_++;
+}
+
+}  // namespace core

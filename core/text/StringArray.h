@@ -1,0 +1,87 @@
+#pragma once
+
+#include <memory>
+
+#include "core/object/BasicClass.h"
+#include "core/text/String.h"
+
+namespace core {
+
+class IStream;
+class StringPCharList;
+
+/// An ordered list that owns its texts, also used as a list of pairs: an entry is then name,
+/// separator ("=" at first), value, and the first separator splits it. A pair needs a name: in an
+/// entry without a separator, or with it in front, name and value are both empty.
+///
+/// Lookups ignore case and answer -1 or the empty text when nothing matches. An index outside the
+/// list changes nothing and gives the empty text; only Get and [] must be given a valid one. For
+/// one thread at a time.
+class StringArray : public BasicClass {
+public:
+    /// Empty; the storage will grow by step entries at a time (1 to MaxStep).
+    explicit StringArray(int step = 16);
+    StringArray(StringArray const& other);
+    StringArray& operator=(StringArray const& other);
+    ~StringArray() override;
+
+    static constexpr int MaxStep = 0x10000;
+    /// More entries are refused as memory that is not there: std::bad_alloc.
+    static constexpr int MaxCapacity = 0x1FC00000;
+
+    char const* ClassName() const override;
+
+    int Count() const { return count_; }
+    /// The entries that fit before the storage grows again.
+    int Capacity() const { return capacity_; }
+    /// An entry stays where it is until it is deleted.
+    String& Get(int index) { return *entries_[static_cast<std::size_t>(index)]; }
+    String const& Get(int index) const { return *entries_[static_cast<std::size_t>(index)]; }
+    String& operator[](int index) { return Get(index); }
+    String const& operator[](int index) const { return Get(index); }
+
+    /// Deletes all entries and frees the storage.
+    void Clear();
+    /// Appends a copy of text; returns its index.
+    int Add(String const& text);
+    /// Appends the pair; returns its index. The name may be there already.
+    int Add(String const& name, String const& value);
+    /// Appends copies of all entries of other, which may be this array.
+    void Add(StringArray const& other);
+    void Delete(int index);
+
+    /// The first entry at or after start that equals text; an empty entry never does.
+    int IndexOf(String const& text, int start = 0) const;
+    /// The first pair at or after start with that name.
+    int IndexOfName(String const& name, int start = 0) const;
+
+    String const& GetSeparator() const { return separator_; }
+    /// For all entries, those that are there included; empty means "=".
+    void SetSeparator(String const& separator);
+
+    String GetNameByIndex(int index) const;
+    String GetValueByIndex(int index) const;
+    String GetValueByName(String const& name) const;
+    /// Replaces one part of the pair. An entry that is no pair becomes one of the given part and
+    /// an empty other one.
+    void SetNameByIndex(int index, String const& name);
+    void SetValueByIndex(int index, String const& value);
+    /// Sets the value of the first pair with that name, or appends one; returns its index.
+    int SetValueByName(String const& name, String const& value);
+
+    /// All entries, each followed by CR LF.
+    String AsString() const;
+
+private:
+    bool has(int index) const { return index >= 0 && index < count_; }
+    void grow();
+    int append(std::unique_ptr<String> entry);
+
+    std::unique_ptr<std::unique_ptr<String>[]> entries_;
+    int count_ = 0;
+    int capacity_ = 0;
+    int step_;
+    String separator_ = "=";
+};
+
+}  // namespace core

@@ -1,0 +1,194 @@
+#include <cerrno>
+#include <cmath>
+#include <cstdlib>
+#include <limits>
+
+#include "core/text/String.h"
+#include "core/text/readNumber.h"
+
+namespace core {
+
+namespace {
+
+constexpr auto largest32 = static_cast<unsigned long long>(std::numeric_limits<int>::max());
+constexpr auto largest64 = static_cast<unsigned long long>(std::numeric_limits<long long>::max());
+
+void report(int* errorPosition, std::size_t length, std::string_view text) {
+    if (errorPosition != nullptr) {
+        *errorPosition = length == text.size() ? -1 : static_cast<int>(length);
+    }
+}
+
+long long readSigned(std::string_view text, int base, unsigned long long largest,
+                     int* errorPosition, long long defaultValue) {
+    ReadNumber const number = readNumber(text, base, true, largest);
+    if (number.length == 0) {
+        return defaultValue;
+    }
+    report(errorPosition, number.length, text);
+    return signedValue(number);
+}
+
+unsigned long long readHex(std::string_view text, unsigned long long largest, int* errorPosition,
+                           unsigned long long defaultValue) {
+    ReadNumber const number = readNumber(text, 16, false, largest);
+    if (number.length == 0) {
+        return defaultValue;
+    }
+    report(errorPosition, number.length, text);
+    return number.magnitude;
+}
+
+bool isWhole(std::string_view text, ReadNumber const& number) {
+    return number.length > 0 && number.length == text.size() && !number.cut;
+}
+
+/// The number behind a prefix that has only white space before it; length counts from the start
+/// of text.
+ReadNumber readPrefixed(String const& text, unsigned long long largest) {
+    struct Prefix {
+        char const* text;
+        int base;
+    };
+    static constexpr Prefix prefixes[] = {{"0x", 16}, {"0b", 2}, {"0", 8}};
+
+    std::string_view const whole = text.View();
+    std::size_t const start = whole.find_first_not_of(" \t\r\n");
+    for (Prefix const& prefix : prefixes) {
+        int const found = text.FindIC(prefix.text);
+        if (found < 0 || static_cast<std::size_t>(found) != start) {
+            continue;
+        }
+        std::size_t const digits = start + std::string_view(prefix.text).size();
+        // A blank behind the prefix would be skipped like one in front of a number.
+        bool const blank = digits < whole.size() && String::IsWhiteSpace(whole[digits]);
+        ReadNumber number = readNumber(whole.substr(digits), prefix.base, false, largest);
+        number.length = number.length > 0 && !blank ? number.length + digits : 0;
+        return number;
+    }
+    return {};
+}
+
+/// The general reader: words, a whole decimal number, or a prefix. Length 0 when it failed.
+ReadNumber readGeneral(String const& text, unsigned long long largest) {
+    std::size_t const size = text.View().size();
+    String const word = text.Trim();
+    if (word.CompareIC("max") == 0) {
+        return {largest, false, false, size};
+    }
+    if (word.CompareIC("min") == 0) {
+        return {largest + 1, true, false, size};
+    }
+    ReadNumber const decimal = readNumber(text.View(), 10, true, largest);
+    return decimal.length > 0 && decimal.length == size ? decimal : readPrefixed(text, largest);
+}
+
+long long readGeneral(String const& text, unsigned long long largest, int* errorPosition,
+                      long long defaultValue) {
+    ReadNumber const number = readGeneral(text, largest);
+    if (number.length == 0) {
+        return defaultValue;
+    }
+    report(errorPosition, number.length, text.View());
+    return signedValue(number);
+}
+
+}  // namespace
+
+int String::ToDecimal32(int* errorPosition, int defaultValue) const {
+    return static_cast<int>(readSigned(View(), 10, largest32, errorPosition, defaultValue));
+}
+
+long long String::ToDecimal64(int* errorPosition, long long defaultValue) const {
+    return readSigned(View(), 10, largest64, errorPosition, defaultValue);
+}
+
+unsigned String::ToHex32(int* errorPosition, unsigned defaultValue) const {
+    constexpr unsigned long long largest = std::numeric_limits<unsigned>::max();
+    return static_cast<unsigned>(readHex(View(), largest, errorPosition, defaultValue));
+}
+
+unsigned long long String::ToHex64(int* errorPosition, unsigned long long defaultValue) const {
+    constexpr unsigned long long largest = std::numeric_limits<unsigned long long>::max();
+    return readHex(View(), largest, errorPosition, defaultValue);
+}
+
+long long String::ToCustom(int base, int* errorPosition, long long defaultValue) const {
+    return readSigned(View(), base, largest64, errorPosition, defaultValue);
+}
+
+int String::ToInt32(int* errorPosition, int defaultValue) const {
+    return static_cast<int>(readGeneral(*this, largest32, errorPosition, defaultValue));
+}
+
+long long String::ToInt64(int* errorPosition, long long defaultValue) const {
+    return readGeneral(*this, largest64, errorPosition, defaultValue);
+}
+
+double String::ToFloat(int* errorPosition, double defaultValue) const {
+    int const errorBefore = errno;
+    errno = 0;
+    char* end = nullptr;
+    double value = std::strtod(getCString(), &end);
+    // Beyond the range strtod answers infinity, which is also what it reads from "inf".
+    if (errno == ERANGE && std::isinf(value)) {
+        value = std::copysign(std::numeric_limits<double>::max(), value);
+    }
+    errno = errorBefore;
+
+    auto const length = static_cast<std::size_t>(end - getCString());
+    if (length == 0) {
+        return defaultValue;
+    }
+    report(errorPosition, length, View());
+    return length == View().size() ? value : defaultValue;
+}
+
+bool String::ToBool(bool defaultValue) const {
+    struct Word {
+        char const* text;
+        bool value;
+    };
+    static constexpr Word words[] = {{"true", true},   {"yes", true}, {"on", true},
+                                     {"false", false}, {"no", false}, {"off", false}};
+
+    ReadNumber const number = readNumber(View(), 10, true, largest64);
+    if (number.length > 0 && number.length == View().size()) {
+        return number.magnitude != 0;
+    }
+    for (Word const& word : words) {
+        if (CompareIC(word.text) == 0) {
+            return word.value;
+        }
+    }
+    return defaultValue;
+}
+
+bool String::IsDecimal32() const {
+    return isWhole(View(), readNumber(View(), 10, true, largest32));
+}
+
+bool String::IsDecimal64() const {
+    return isWhole(View(), readNumber(View(), 10, true, largest64));
+}
+
+bool String::IsFloat() const {
+    int errorPosition = 0;
+    ToFloat(&errorPosition, 0);
+    return errorPosition == -1;
+}
+
+bool String::IsHex() const {
+    return !IsEmpty() &&
+           View().find_first_not_of("0123456789ABCDEFabcdef") == std::string_view::npos;
+}
+
+bool String::IsInt32() const {
+    return isWhole(View(), readGeneral(*this, largest32));
+}
+
+bool String::IsInt64() const {
+    return isWhole(View(), readGeneral(*this, largest64));
+}
+
+}  // namespace core

@@ -1,0 +1,74 @@
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+
+#include "core/text/String.h"
+#include "core/text/TextBuilder.h"
+
+namespace core {
+
+String String::GetAligned(int width, Align align, char fill) const {
+    std::string_view const text = View();
+    if (width <= static_cast<int>(text.size())) {
+        return *this;
+    }
+    TextBuilder result;
+    result.AppendAligned(text, width, align, fill);
+    return result.AsString();
+}
+
+String String::sprintf(char const* format, ...) {
+    va_list args;
+    va_start(args, format);
+    String result = vsprintf(format, args);
+    va_end(args);
+    return result;
+}
+
+String String::vsprintf(char const* format, va_list args) {
+    if (format == nullptr) {
+        return {};
+    }
+    char text[512];
+    va_list again;
+    va_copy(again, args);
+    int const length = std::vsnprintf(text, sizeof text, format, args);
+    String result;
+    if (length < static_cast<int>(sizeof text)) {
+        result.SetString(text, std::max(length, 0));
+    } else {
+        int const room = std::min(length, MaxLength);
+        char* const buffer = result.GetBuffer(room);
+        std::vsnprintf(buffer, static_cast<std::size_t>(room) + 1, format, again);
+    }
+    va_end(again);
+    return result;
+}
+
+String String::FormatByteSize(long long bytes, bool roundUp) {
+    struct Unit {
+        int exponent;
+        char const* name;
+    };
+    static constexpr Unit units[] = {{40, "TB"}, {30, "GB"}, {20, "MB"}, {10, "KB"}, {0, "B"}};
+
+    auto const value = static_cast<double>(bytes);
+    auto const* const unit = std::find_if(std::begin(units), std::end(units) - 1, [&](Unit each) {
+        return value > std::ldexp(1.5, each.exponent);
+    });
+    double const scaled = std::ldexp(value, -unit->exponent);
+    char text[64];
+    if (roundUp) {
+        std::snprintf(text, sizeof text, "%lli %s", static_cast<long long>(std::ceil(scaled)),
+                      unit->name);
+    } else {
+        std::snprintf(text, sizeof text, "%0.1f %s", scaled, unit->name);
+    }
+    return text;
+}
+
+String FormatByteSize(long long bytes, bool roundUp) {
+    return String::FormatByteSize(bytes, roundUp);
+}
+
+}  // namespace core

@@ -1,0 +1,46 @@
+#include "core/text/readNumber.h"
+
+#include "core/text/String.h"
+
+namespace core {
+
+namespace {
+
+int digitOf(char c) {
+    if (String::IsNumeric(c)) {
+        return c - '0';
+    }
+    return String::IsAlphabetic(c) ? String::ToUpper(c) - 'A' + 10 : 36;
+}
+
+/// White space as the C library's number readers skip it.
+constexpr char leadingSpace[] = " \t\n\v\f\r";
+
+}  // namespace
+
+ReadNumber readNumber(std::string_view text, int base, bool sign, unsigned long long largest) {
+    ReadNumber result;
+    std::size_t at = text.find_first_not_of(leadingSpace);
+    if (base < 2 || base > 36 || at == std::string_view::npos) {
+        return result;
+    }
+    if (sign && (text[at] == '-' || text[at] == '+')) {
+        result.negative = text[at] == '-';
+        ++at;
+    }
+    unsigned long long const limit = result.negative ? largest + 1 : largest;
+    auto const radix = static_cast<unsigned long long>(base);
+    for (; at < text.size() && digitOf(text[at]) < base; ++at) {
+        auto const digit = static_cast<unsigned long long>(digitOf(text[at]));
+        result.cut = result.cut || digit > limit || result.magnitude > (limit - digit) / radix;
+        result.magnitude = result.cut ? limit : result.magnitude * radix + digit;
+        result.length = at + 1;
+    }
+    return result;
+}
+
+long long signedValue(ReadNumber const& number) {
+    return static_cast<long long>(number.negative ? 0 - number.magnitude : number.magnitude);
+}
+
+}  // namespace core
