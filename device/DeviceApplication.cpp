@@ -86,9 +86,9 @@ bool DeviceApplication::Init() {
                         .argi(1, address.GetAsString(true).Replace("|", ":")),
                     failed);
     }
-    Console::write(String::format("- Listening on: %1")
-                       .argi(1, server_->GetBoundName(0).Replace("|", ":")),
-                   true);
+    Console::write(
+        String::format("- Listening on: %1").argi(1, server_->GetBoundName(0).Replace("|", ":")),
+        true);
     return true;
 }
 

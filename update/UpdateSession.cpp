@@ -32,8 +32,8 @@ bool isStage(UpdateNotification const& response) {
 
 bool UpdateApplication::Init() {
     if (!core::Socket::init()) {
-        return QuitWithError("Socket init error", "Unable to initialize the WinSock stack correctly",
-                             true);
+        return QuitWithError("Socket init error",
+                             "Unable to initialize the WinSock stack correctly", true);
     }
     bool const complete = RunSession();
     core::Socket::done();
@@ -179,8 +179,7 @@ bool UpdateApplication::AwaitCompletion(UpdateSession& session) {
     println("  The update process may take a while. Please wait...", true);
     for (;;) {
         CountDownTimer silence(static_cast<unsigned long long>(limits.notification));
-        int const result =
-            GetResponse(session.socket, session.response, limits.notification, true);
+        int const result = GetResponse(session.socket, session.response, limits.notification, true);
         if (result < 0) {
             return QuitWithList();
         }

@@ -13,9 +13,9 @@ using core::String;
 
 namespace {
 
-int const pieceSize = 16384;        ///< bytes read and sent at a time
-int const reportStep = 262'144;     ///< bytes from one progress report to the next
-int const writabilityPoll = 25;     ///< ms of waiting between two looks at the stall timer
+int const pieceSize = 16384;     ///< bytes read and sent at a time
+int const reportStep = 262'144;  ///< bytes from one progress report to the next
+int const writabilityPoll = 25;  ///< ms of waiting between two looks at the stall timer
 
 String sizeInColor(int bytes, int color) {
     return Console::color(core::FormatByteSize(bytes, false), Console::Color{color});

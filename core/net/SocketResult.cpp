@@ -15,13 +15,13 @@ struct ErrnoRow {
 
 /// 9 and 10 are never produced; the gap is part of the published numbering.
 constexpr ErrnoRow errnoTable[] = {
-    {ENOMEM, 6},        {EFAULT, 7},       {EBADF, 11},         {EINVAL, 11},
-    {ENOBUFS, 12},      {ENOTSOCK, 13},    {ENOTCONN, 14},      {EACCES, 15},
-    {EADDRINUSE, 16},   {EADDRNOTAVAIL, 17}, {ELOOP, 18},       {ENAMETOOLONG, 19},
-    {ENOENT, 20},       {ENOTDIR, 21},     {EROFS, 22},         {EPERM, 23},
-    {EAFNOSUPPORT, 24}, {EALREADY, 25},    {ECONNREFUSED, 26},  {EINPROGRESS, 27},
-    {EINTR, 28},        {EISCONN, 29},     {ENETUNREACH, 30},   {ETIMEDOUT, 31},
-    {EOPNOTSUPP, 32},   {EWOULDBLOCK, 33}, {ECONNABORTED, 34},  {EMFILE, 35},
+    {ENOMEM, 6},        {EFAULT, 7},         {EBADF, 11},        {EINVAL, 11},
+    {ENOBUFS, 12},      {ENOTSOCK, 13},      {ENOTCONN, 14},     {EACCES, 15},
+    {EADDRINUSE, 16},   {EADDRNOTAVAIL, 17}, {ELOOP, 18},        {ENAMETOOLONG, 19},
+    {ENOENT, 20},       {ENOTDIR, 21},       {EROFS, 22},        {EPERM, 23},
+    {EAFNOSUPPORT, 24}, {EALREADY, 25},      {ECONNREFUSED, 26}, {EINPROGRESS, 27},
+    {EINTR, 28},        {EISCONN, 29},       {ENETUNREACH, 30},  {ETIMEDOUT, 31},
+    {EOPNOTSUPP, 32},   {EWOULDBLOCK, 33},   {ECONNABORTED, 34}, {EMFILE, 35},
     {ENFILE, 36},       {EPROTO, 37},
 };
 

@@ -11,7 +11,7 @@ inline constexpr SocketResult success = 0;
 inline constexpr SocketResult failed = 1;
 inline constexpr SocketResult wrongState = 4;  ///< already open, or not open
 inline constexpr SocketResult invalid = 11;
-inline constexpr SocketResult noAddress = 12;    ///< the name gave no address
+inline constexpr SocketResult noAddress = 12;  ///< the name gave no address
 inline constexpr SocketResult emptyAddress = 13;
 }  // namespace socket_result
 

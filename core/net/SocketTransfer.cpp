@@ -10,8 +10,8 @@ namespace platform = sys::platform;
 
 namespace {
 
-int const receiveSlice = 10;   ///< ms of RecvUntil between two looks at its timer
-int const transferSlice = 5;   ///< ms of Read and Write between two looks at theirs
+int const receiveSlice = 10;  ///< ms of RecvUntil between two looks at its timer
+int const transferSlice = 5;  ///< ms of Read and Write between two looks at theirs
 
 /// Moves bytes with move(done) whenever check(ms) says ready, until all have gone or the time is
 /// over: the bytes moved, or the negative result of the very first attempt.

@@ -89,8 +89,8 @@ bool Application::CommandLinePrepare(int argc, char const* const* argv, String c
     return true;
 }
 
-int Application::AddToArguments(String const& key, String const& values,
-                                StringArray const& grammar, StringArray& errors) {
+int Application::AddToArguments(String const& key, String const& values, StringArray const& grammar,
+                                StringArray& errors) {
     String const shown = Requote(key).AppendNew(' ');
     int const entry = findInGrammar(grammar, key);
     if (entry < 0) {

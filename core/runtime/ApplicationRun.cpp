@@ -8,8 +8,8 @@ namespace core {
 
 namespace {
 
-int const initPause = 10;          ///< ms between two calls of Init
-int const longestLoopWait = 500;   ///< ms that a pass of the main loop waits at most
+int const initPause = 10;         ///< ms between two calls of Init
+int const longestLoopWait = 500;  ///< ms that a pass of the main loop waits at most
 unsigned long long const second = 1000;
 
 }  // namespace

@@ -58,9 +58,7 @@ String Record::getNumber() const {
     if (numberText_.GetLength() > 0) {
         return numberText_;
     }
-    return String::format("%1.%2")
-        .argi(1, major_)
-        .argi(2, minor_, 2, 10, String::AlignRight, '0');
+    return String::format("%1.%2").argi(1, major_).argi(2, minor_, 2, 10, String::AlignRight, '0');
 }
 
 String Record::getNumberAndBuild() const {

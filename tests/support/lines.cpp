@@ -22,7 +22,8 @@ std::string outputOf(std::function<void()> const& action) {
 }
 
 std::string replaced(std::string text, std::string const& find, std::string const& with) {
-    for (auto at = text.find(find); at != std::string::npos; at = text.find(find, at + with.size())) {
+    for (auto at = text.find(find); at != std::string::npos;
+         at = text.find(find, at + with.size())) {
         text.replace(at, find.size(), with);
     }
     return text;

@@ -9,11 +9,11 @@ namespace update {
 /// Device to updater: every record that the device sends.
 struct UpdateNotification {
     enum Code : std::uint32_t {
-        Accepted = 1,    ///< value: the token that header and trailer return
+        Accepted = 1,  ///< value: the token that header and trailer return
         Received = 2,
         Checked = 3,
         Processing = 4,
-        Complete = 5,    ///< value: a RestartKind
+        Complete = 5,           ///< value: a RestartKind
         Error = 0x80000001,     ///< value: a DeviceStatus
         ErrorAlt = 0x80000002,  ///< the same; devices send either
     };

@@ -240,12 +240,18 @@ SocketDomain domainOf(void const* address, int length) {
 int resolve(char const* host, char const* service, SocketDomain domain, SocketType type,
             ResolvedEntry*& chain) {
     addrinfo hints{};
-    hints.ai_flags = AI_ADDRCONFIG | AI_V4MAPPED;
     hints.ai_family = domainNumber(domain);
     hints.ai_socktype = typeNumber(type);
     hints.ai_protocol = protocolNumber(type);
     addrinfo* found = nullptr;
-    int const error = getaddrinfo(host, service, &hints, &found);
+    // AI_ADDRCONFIG finds not even 127.0.0.1 on a machine without a network: an address in numbers
+    // is taken without it.
+    hints.ai_flags = AI_NUMERICHOST | AI_V4MAPPED;
+    int error = getaddrinfo(host, service, &hints, &found);
+    if (error == EAI_NONAME) {
+        hints.ai_flags = AI_ADDRCONFIG | AI_V4MAPPED;
+        error = getaddrinfo(host, service, &hints, &found);
+    }
     if (error == 0) {
         chain = reinterpret_cast<ResolvedEntry*>(found);
     }

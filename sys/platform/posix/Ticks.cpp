@@ -10,7 +10,8 @@ std::uint32_t tickCount() {
     // Counted from the first call, not from the machine's start: a run of less than 49 days never
     // meets the wrap by chance.
     static auto const origin = steady_clock::now();
-    return static_cast<std::uint32_t>(duration_cast<milliseconds>(steady_clock::now() - origin).count());
+    return static_cast<std::uint32_t>(
+        duration_cast<milliseconds>(steady_clock::now() - origin).count());
 }
 
 void sleepMilliseconds(std::uint32_t ms) {

@@ -33,8 +33,8 @@ TEST(Crc32, AgreesWithZlibForEveryLengthAlignmentAndSplit) {
     for (int length = 0; length < 2000; length = length < 80 ? length + 1 : length + 131) {
         for (int offset = 0; offset < 16; ++offset) {
             auto const* const bytes = data.data() + offset;
-            auto const expected = static_cast<unsigned int>(
-                ::crc32(0, bytes, static_cast<unsigned int>(length)));
+            auto const expected =
+                static_cast<unsigned int>(::crc32(0, bytes, static_cast<unsigned int>(length)));
             ASSERT_EQ(crc32::update(bytes, length, 0), expected) << length << " at " << offset;
             int const split = length == 0 ? 0 : static_cast<int>(random()) % (length + 1);
             int const head = split < 0 ? -split : split;
