@@ -11,9 +11,12 @@ namespace {
 
 int const octetCount = 4;
 
-/// The number that the whole item is; otherwise when any of it is something else.
+/// The number that the whole item is, cut to the range of an int; otherwise when any of it is
+/// something else.
 int wholeNumber(String const& item, int otherwise) {
-    return item.IsDecimal32() ? item.ToDecimal32(otherwise) : otherwise;
+    int errorPosition = 0;
+    int const value = item.ToDecimal32(&errorPosition, otherwise);
+    return errorPosition == -1 ? value : otherwise;
 }
 
 /// The item as an octet, or -1.

@@ -19,7 +19,7 @@ char const* AppStatus::ClassName() const {
 }
 
 String AppStatus::getFilePath() const {
-    return String::format("%1/%2.status").argi(2, name_).argi(1, folder_);
+    return folder_.AppendNew(String::format("/%1.status").argi(1, name_));
 }
 
 bool AppStatus::writeToFile(int status) const {

@@ -75,7 +75,7 @@ String Record::getShort() const {
 String Record::getLong(bool withDescription) const {
     String text = getShort();
     if (modelName_.GetLength() > 0) {
-        text = String::format("%1 (%2)").argi(2, modelName_).argi(1, text);
+        text = text.AppendNew(" (").AppendNew(modelName_).AppendNew(")");
     }
     String const description = firstLine(description_);
     return withDescription && description.GetLength() > 0
