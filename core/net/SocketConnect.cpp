@@ -14,6 +14,19 @@ int const largestBacklog = std::numeric_limits<int>::max();
 
 using AddressCall = int (*)(platform::SocketHandle, void*, int&);
 
+/// Tries the addresses of the chain in order until one succeeds; the result of the last attempt.
+template <class Attempt>
+SocketResult firstSuccess(ClassRef<AddressInfo> const& info, Attempt attempt) {
+    SocketResult result = socket_result::failed;
+    for (ClassRef<AddressInfo> entry = info; entry; entry = entry->Next()) {
+        result = attempt(ClassRef<SocketAddr>(entry->GetSocketAddress().Get()));
+        if (result == socket_result::success) {
+            break;
+        }
+    }
+    return result;
+}
+
 ClassRef<SocketAddr> readAddress(AddressCall call, platform::SocketHandle handle) {
     unsigned char bytes[platform::addressRoom];
     int length = sizeof bytes;
@@ -28,14 +41,8 @@ SocketResult Socket::Connect(String const& text) {
 }
 
 SocketResult Socket::Connect(ClassRef<AddressInfo> const& info) {
-    SocketResult result = socket_result::failed;
-    for (ClassRef<AddressInfo> entry = info; entry; entry = entry->Next()) {
-        result = Connect(ClassRef<SocketAddr>(entry->GetSocketAddress().Get()));
-        if (result == socket_result::success) {
-            break;
-        }
-    }
-    return result;
+    return firstSuccess(info,
+                        [this](ClassRef<SocketAddr> const& address) { return Connect(address); });
 }
 
 SocketResult Socket::Connect(ClassRef<SocketAddr> const& address) {
@@ -79,14 +86,8 @@ void Socket::SetTarget(String const& target) {
 }
 
 SocketResult Socket::Bind(ClassRef<AddressInfo> const& info) {
-    SocketResult result = socket_result::failed;
-    for (ClassRef<AddressInfo> entry = info; entry; entry = entry->Next()) {
-        result = Bind(ClassRef<SocketAddr>(entry->GetSocketAddress().Get()));
-        if (result == socket_result::success) {
-            break;
-        }
-    }
-    return result;
+    return firstSuccess(info,
+                        [this](ClassRef<SocketAddr> const& address) { return Bind(address); });
 }
 
 SocketResult Socket::Bind(ClassRef<SocketAddr> const& address) {

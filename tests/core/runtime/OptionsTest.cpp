@@ -34,11 +34,11 @@ std::string parsed(std::vector<char const*> words, char const* with = grammar) {
         String longName;
         String values;
         EXPECT_TRUE(application().GetOption(i, shortName, longName, values));
-        result +=
-            (i > 0 ? " " : "") + std::string(shortName.getCString()) + "=" + values.getCString();
+        result.append(i > 0 ? " " : "").append(shortName.getCString());
+        result.append("=").append(values.getCString());
     }
     for (int i = 0; i < errors.Count(); ++i) {
-        result += " ! " + std::string(errors[i].getCString());
+        result.append(" ! ").append(errors[i].getCString());
     }
     return result;
 }
