@@ -4,7 +4,7 @@
 
 #include "tests/support/TemporaryFolder.h"
 #include "tests/support/lines.h"
-#include "tests/update/ScenarioDevice.h"
+#include "tests/device/ScenarioDevice.h"
 
 namespace {
 

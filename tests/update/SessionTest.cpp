@@ -6,7 +6,7 @@
 #include "device/Behaviour.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tests/support/lines.h"
-#include "tests/update/ScenarioDevice.h"
+#include "tests/device/ScenarioDevice.h"
 #include "tests/update/TestedUpdater.h"
 #include "update/protocol/UpdateNotification.h"
 

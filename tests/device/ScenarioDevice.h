@@ -16,7 +16,7 @@ public:
     using Act = std::function<bool(device::Moment const&, device::Wire&)>;
 
     /// Listens on a free port; without an act the device is honest.
-    explicit ScenarioDevice(Act act = {});
+    explicit ScenarioDevice(Act act = {}, device::DeviceLimits const& limits = {});
     ScenarioDevice(ScenarioDevice const&) = delete;
     ScenarioDevice& operator=(ScenarioDevice const&) = delete;
     ~ScenarioDevice();

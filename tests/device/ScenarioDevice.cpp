@@ -1,12 +1,12 @@
-#include "tests/update/ScenarioDevice.h"
+#include "tests/device/ScenarioDevice.h"
 
 #include <chrono>
 
 #include "tests/support/lines.h"
 
-ScenarioDevice::ScenarioDevice(Act act) {
+ScenarioDevice::ScenarioDevice(Act act, device::DeviceLimits const& limits) {
     behaviour_.act = std::move(act);
-    server_ = std::make_unique<device::DeviceServer>(behaviour_, record_);
+    server_ = std::make_unique<device::DeviceServer>(behaviour_, record_, limits);
     server_->AddBind("127.0.0.1|0");
     server_->StartListen();
 }
