@@ -1,5 +1,7 @@
 #include "core/net/Address.h"
 
+#include <utility>
+
 namespace core {
 
 SocketResult Address::DecomposeAddress(String const& text, String& host, String& service) {
@@ -7,9 +9,10 @@ SocketResult Address::DecomposeAddress(String const& text, String& host, String&
     if (bar < 1) {
         return socket_result::invalid;
     }
-    String const whole(text);  // host or service may be the same object as text
-    host = whole.Left(bar);
-    service = whole.Copy(bar + 1, -1);
+    // Host or service may be the same object as text: both parts are taken before one is stored.
+    String left = text.Left(bar);
+    service = text.Copy(bar + 1, -1);
+    host = std::move(left);
     return socket_result::success;
 }
 

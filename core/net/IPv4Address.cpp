@@ -139,11 +139,11 @@ bool IPv4Address::SameAs(IPv4Address const& other, bool withPort) const {
 }
 
 String IPv4Address::GetAsString(bool withPort) const {
-    String const host = String::format("%1.%2.%3.%4")
-                            .argi(1, static_cast<int>(octets_[3]))
-                            .argi(2, static_cast<int>(octets_[2]))
-                            .argi(3, static_cast<int>(octets_[1]))
-                            .argi(4, static_cast<int>(octets_[0]));
+    String host = String::format("%1.%2.%3.%4")
+                      .argi(1, static_cast<int>(octets_[3]))
+                      .argi(2, static_cast<int>(octets_[2]))
+                      .argi(3, static_cast<int>(octets_[1]))
+                      .argi(4, static_cast<int>(octets_[0]));
     if (!withPort || port_ == noPort) {
         return host;
     }

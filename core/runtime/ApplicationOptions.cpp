@@ -164,9 +164,8 @@ bool Application::GetOption(int index, String& shortName, String& longName, Stri
 
 void Application::SplitOption(String const& option, String& shortName, String& longName) {
     int const bar = option.Find('|', 0);
-    String const whole(option);
-    shortName = bar < 0 ? whole : whole.Left(bar);
-    longName = bar < 0 ? String() : whole.Copy(bar + 1, -1);
+    shortName = bar < 0 ? option : option.Left(bar);
+    longName = bar < 0 ? String() : option.Copy(bar + 1, -1);
 }
 
 bool Application::SameOption(String const& one, String const& other) {

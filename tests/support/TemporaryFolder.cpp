@@ -22,7 +22,7 @@ TemporaryFolder::~TemporaryFolder() {
 }
 
 std::string TemporaryFolder::Write(std::string const& name, std::string const& content) const {
-    std::string const path = PathOf(name);
+    std::string path = PathOf(name);
     std::ofstream(path, std::ios::binary) << content;
     return path;
 }

@@ -2,9 +2,9 @@
 
 #include <cstdio>
 
+#include "tests/device/ScenarioDevice.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tests/support/lines.h"
-#include "tests/device/ScenarioDevice.h"
 
 namespace {
 

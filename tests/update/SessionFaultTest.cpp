@@ -3,9 +3,9 @@
 #include <algorithm>
 
 #include "device/Behaviour.h"
+#include "tests/device/ScenarioDevice.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tests/support/lines.h"
-#include "tests/device/ScenarioDevice.h"
 #include "tests/update/TestedUpdater.h"
 #include "update/protocol/UpdateNotification.h"
 
@@ -21,7 +21,7 @@ using Act = ScenarioDevice::Act;
 int const untilStopped = 1'000'000;  ///< ms, ended by the device's stop
 
 /// An honest device but for one step.
-Act at(Step step, std::function<bool(Wire&)> fault) {
+Act at(Step step, std::function<bool(Wire&)> const& fault) {
     return [=](Moment const& moment, Wire& wire) {
         return moment.step == step ? fault(wire) : device::Behaviour().Act(moment, wire);
     };

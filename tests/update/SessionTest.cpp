@@ -4,9 +4,9 @@
 #include <fstream>
 
 #include "device/Behaviour.h"
+#include "tests/device/ScenarioDevice.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tests/support/lines.h"
-#include "tests/device/ScenarioDevice.h"
 #include "tests/update/TestedUpdater.h"
 #include "update/protocol/UpdateNotification.h"
 
