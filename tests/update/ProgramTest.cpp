@@ -110,6 +110,34 @@ TEST(Program, AnOctetTooBigLeavesAnAddressToTry) {
                      ""}));
 }
 
+TEST(Program, ATerminalGetsColoursAndOneProgressLineInPlace) {
+    support::TemporaryFolder const folder;
+    std::string const file = folder.Write("update.rvl", std::string(600'000, 'x'));
+    std::string const inPlace = "\x1B[F\x1B[G";
+    std::string const blanks = "          ";
+    for (char const* const terminal : {"xterm", "dumb"}) {
+        bool const capable = std::string(terminal) == "xterm";
+        auto const again = [&](std::string const& text, std::string const& size, int color) {
+            return capable ? inPlace + text + "\x1B[" + std::to_string(color) + "m" + size +
+                                 "\x1B[39m" + blanks
+                           : text + size + blanks;
+        };
+        ScenarioDevice device;
+        std::string output;
+        for (std::string const& line :
+             run("TERM=" + std::string(terminal) + " script -qec '" RAVELINK " -o " + file +
+                 " -a " + device.Address() + "' /dev/null < /dev/null")
+                 .lines) {
+            output += support::replaced(line, "\r", "") + "\n";
+        }
+        EXPECT_NE(output.find(again(">   Transferred by now: ", "512.0 KB", 93) + "\n" +
+                              again("- File completely sent: ", "585.9 KB", 92) + "\n"),
+                  std::string::npos)
+            << output;
+        EXPECT_EQ(output.find("\x1B") != std::string::npos, capable);
+    }
+}
+
 TEST(Program, UpdatesADeviceAlthoughNobodyListens) {
     support::TemporaryFolder const folder;
     std::string const file = folder.Write("update.rvl", std::string(1'000'000, 'x'));
