@@ -7,13 +7,16 @@
 #include <string_view>
 #include <utility>
 
-#include "core/text/MChar.h"
 #include "sys/platform/PathStyle.h"
 
 namespace core {
 
 class Buffer;
 class StringArray;
+template <class Word>
+class MChar;
+using MChar4 = MChar<unsigned int>;
+using MChar8 = MChar<unsigned long long>;
 
 /// The one text type: 8-bit characters without NUL, shared between copies until one of them
 /// changes. Copying costs a counter, an empty text costs nothing.
