@@ -58,7 +58,7 @@ Placeholder findLowest(std::string_view text, std::size_t start) {
 }
 
 Placeholder findNamed(std::string_view text, String const& name, std::size_t start) {
-    for (std::size_t at = text.find("%[", start); at != npos; at = text.find("%[", at + 2)) {
+    for (std::size_t at = text.find("%[", start); at != npos; at = text.find("%[", start)) {
         std::size_t const end = text.find(']', at);
         if (end == npos) {
             return {};
@@ -66,6 +66,7 @@ Placeholder findNamed(std::string_view text, String const& name, std::size_t sta
         if (name.CompareIC(String(text.substr(at + 2, end - at - 2))) == 0) {
             return {0, at, end + 1 - at};
         }
+        start = end + 1;
     }
     return {};
 }
