@@ -13,6 +13,9 @@ struct PaddedText {
     int width = 0;
     String::Align align = String::AlignDefault;
     char fill = '\0';
+
+    /// Nothing stands around the text.
+    bool IsPlain() const { return sign.empty() && width <= static_cast<int>(text.size()); }
 };
 
 }  // namespace core

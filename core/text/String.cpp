@@ -80,24 +80,22 @@ void String::freeBlock(StringData* data) {
 }
 
 void String::setPieces(std::string_view first, std::string_view second, std::string_view third) {
-    std::size_t left = MaxLength;
-    std::size_t length = 0;
-    for (std::string_view* piece : {&first, &second, &third}) {
-        *piece = piece->substr(0, left);
-        left -= piece->size();
-        length += piece->size();
-    }
+    std::size_t length = first.size() + second.size() + third.size();
     if (length == 0) {
         Clear();
         return;
     }
-
-    char* const text = new char[length + 1];
-    char* end = text;
-    for (std::string_view piece : {first, second, third}) {
-        end = std::copy(piece.begin(), piece.end(), end);
+    if (length > MaxLength) {
+        first = first.substr(0, MaxLength);
+        second = second.substr(0, MaxLength - first.size());
+        third = third.substr(0, MaxLength - first.size() - second.size());
+        length = MaxLength;
     }
-    *end = '\0';
+    char* const text = new char[length + 1];
+    first.copy(text, first.size());
+    second.copy(text + first.size(), second.size());
+    third.copy(text + first.size() + second.size(), third.size());
+    text[length] = '\0';
     adopt(text);
 }
 

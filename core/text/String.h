@@ -2,18 +2,31 @@
 
 #include <climits>
 #include <compare>
+#include <concepts>
 #include <cstdarg>
 #include <cstring>
 #include <string_view>
+#include <type_traits>
 #include <utility>
 
-#include "core/text/MChar.h"
 #include "sys/platform/PathStyle.h"
 
 namespace core {
 
 class Buffer;
 class StringArray;
+template <class Word>
+class MChar;
+using MChar4 = MChar<unsigned int>;
+using MChar8 = MChar<unsigned long long>;
+
+/// What is written as a whole number: the integers, and the enumerations that count as such.
+template <class Value>
+concept Integer = std::integral<Value> ||
+    (std::is_enum_v<Value>&& std::is_convertible_v<Value, long long>);
+
+struct PaddedText;
+class NumberText;
 
 /// The one text type: 8-bit characters without NUL, shared between copies until one of them
 /// changes. Copying costs a counter, an empty text costs nothing.
@@ -30,8 +43,11 @@ class String {
 public:
     /// How a text is placed in a wider field. A number takes AlignDefault as AlignRight, a text
     /// as AlignLeft; any value not named here is AlignLeft.
-    enum class Align { AlignDefault = 0, AlignLeft = 1, AlignRight = 2, AlignCenter = 3 };
-    using enum Align;
+    enum class Align { Default = 0, Left = 1, Right = 2, Center = 3 };
+    static constexpr Align AlignDefault = Align::Default;
+    static constexpr Align AlignLeft = Align::Left;
+    static constexpr Align AlignRight = Align::Right;
+    static constexpr Align AlignCenter = Align::Center;
 
     /// The longest text, in characters. Whatever would get longer is cut here.
     static constexpr int MaxLength = 0x4000000;
@@ -337,35 +353,40 @@ public:
     // by that call, but by later ones. A placeholder that is not there is ignored, one that nobody
     // fills stays. A value longer than width is not cut; a fill below 32 means space.
 
+    /// Starts a chain: the text itself.
     [[nodiscard]] static String format(String const& text) { return text; }
+    [[nodiscard]] static String format(char const* text) { return text; }
+
+    // A call on a temporary text, as each but the first of a chain is, works in its record.
 
     [[nodiscard]] String argi(int index, String const& value, int width = 0,
-                              Align align = AlignDefault, char fill = '\0') const;
+                              Align align = AlignDefault, char fill = '\0') && {
+        return std::move(*this).argi(index, value.getCString(), width, align, fill);
+    }
+    [[nodiscard]] String argi(int index, String const& value, int width = 0,
+                              Align align = AlignDefault, char fill = '\0') const& {
+        return String(*this).argi(index, value, width, align, fill);
+    }
     [[nodiscard]] String argi(int index, char const* value, int width = 0,
-                              Align align = AlignDefault, char fill = '\0') const;
+                              Align align = AlignDefault, char fill = '\0') &&;
+    [[nodiscard]] String argi(int index, char const* value, int width = 0,
+                              Align align = AlignDefault, char fill = '\0') const& {
+        return String(*this).argi(index, value, width, align, fill);
+    }
     /// A base outside 2..36 makes the whole result "*ERR*", so that the mistake shows. Bases other
     /// than 10 write the 64 bits of a negative number and pad on the left with "0" by themselves.
     /// A fill other than space stands between the sign and the digits, and the sign comes on top
     /// of width: -5 in 3 with "0" is "-005".
-    [[nodiscard]] String argi(int index, long long value, int width = 0, int base = 10,
-                              Align align = AlignDefault, char fill = '\0') const;
-    [[nodiscard]] String argi(int index, unsigned long long value, int width = 0, int base = 10,
-                              Align align = AlignDefault, char fill = '\0') const;
-    [[nodiscard]] String argi(int index, int value, int width = 0, int base = 10,
-                              Align align = AlignDefault, char fill = '\0') const {
-        return argi(index, static_cast<long long>(value), width, base, align, fill);
+    template <Integer Value>
+    [[nodiscard]] String argi(int index, Value value, int width = 0, int base = 10,
+                              Align align = AlignDefault, char fill = '\0') && {
+        fillInInteger(index, widened(value), width, base, align, fill);
+        return std::move(*this);
     }
-    [[nodiscard]] String argi(int index, unsigned value, int width = 0, int base = 10,
-                              Align align = AlignDefault, char fill = '\0') const {
-        return argi(index, static_cast<unsigned long long>(value), width, base, align, fill);
-    }
-    [[nodiscard]] String argi(int index, long value, int width = 0, int base = 10,
-                              Align align = AlignDefault, char fill = '\0') const {
-        return argi(index, static_cast<long long>(value), width, base, align, fill);
-    }
-    [[nodiscard]] String argi(int index, unsigned long value, int width = 0, int base = 10,
-                              Align align = AlignDefault, char fill = '\0') const {
-        return argi(index, static_cast<unsigned long long>(value), width, base, align, fill);
+    template <Integer Value>
+    [[nodiscard]] String argi(int index, Value value, int width = 0, int base = 10,
+                              Align align = AlignDefault, char fill = '\0') const& {
+        return String(*this).argi(index, value, width, base, align, fill);
     }
     /// Written as printf writes it; format is one of "aAeEfFgG" (anything else counts as "g"), a
     /// negative precision means printf's own.
@@ -385,25 +406,12 @@ public:
                               Align align = AlignDefault, char fill = '\0') const;
     [[nodiscard]] String argn(String const& name, char const* value, int width = 0,
                               Align align = AlignDefault, char fill = '\0') const;
-    [[nodiscard]] String argn(String const& name, long long value, int width = 0, int base = 10,
-                              Align align = AlignDefault, char fill = '\0') const;
-    [[nodiscard]] String argn(String const& name, unsigned long long value, int width = 0,
-                              int base = 10, Align align = AlignDefault, char fill = '\0') const;
-    [[nodiscard]] String argn(String const& name, int value, int width = 0, int base = 10,
+    template <Integer Value>
+    [[nodiscard]] String argn(String const& name, Value value, int width = 0, int base = 10,
                               Align align = AlignDefault, char fill = '\0') const {
-        return argn(name, static_cast<long long>(value), width, base, align, fill);
-    }
-    [[nodiscard]] String argn(String const& name, unsigned value, int width = 0, int base = 10,
-                              Align align = AlignDefault, char fill = '\0') const {
-        return argn(name, static_cast<unsigned long long>(value), width, base, align, fill);
-    }
-    [[nodiscard]] String argn(String const& name, long value, int width = 0, int base = 10,
-                              Align align = AlignDefault, char fill = '\0') const {
-        return argn(name, static_cast<long long>(value), width, base, align, fill);
-    }
-    [[nodiscard]] String argn(String const& name, unsigned long value, int width = 0, int base = 10,
-                              Align align = AlignDefault, char fill = '\0') const {
-        return argn(name, static_cast<unsigned long long>(value), width, base, align, fill);
+        String result(*this);
+        result.fillInInteger(name, widened(value), width, base, align, fill);
+        return result;
     }
     [[nodiscard]] String argn(String const& name, double value, int width = 0, char format = 'g',
                               int precision = -1, Align align = AlignDefault,
@@ -529,6 +537,24 @@ private:
                    std::string_view third = {});
     /// Makes buffer (new char[], from now on owned) the text, in a record of its own.
     void adopt(char* buffer);
+    template <Integer Value>
+    static auto widened(Value value) {
+        if constexpr (std::unsigned_integral<Value>) {
+            return static_cast<unsigned long long>(value);
+        } else {
+            return static_cast<long long>(value);
+        }
+    }
+    /// Puts value into every place of the placeholder, in this text.
+    void fillIn(int index, PaddedText const& value);
+    void fillIn(String const& name, PaddedText const& value);
+    template <class Key, class Value>
+    void fillInInteger(Key const& key, Value value, int width, int base, Align align, char fill);
+    template <class Key>
+    void fillInNumber(Key const& key, NumberText const& number);
+    template <class Finder>
+    void substitute(PaddedText const& value, Finder find);
+
     template <class Unit>
     void setUnits(Unit const* units, int length);
     template <class Unit>

@@ -4,11 +4,11 @@
 
 #include "core/object/BasicClass.h"
 #include "core/text/String.h"
+#include "core/text/StringPCharList.h"
 
 namespace core {
 
 class IStream;
-class StringPCharList;
 
 /// An ordered list that owns its texts, also used as a list of pairs: an entry is then name,
 /// separator ("=" at first), value, and the first separator splits it. A pair needs a name: in an
@@ -72,9 +72,33 @@ public:
     /// All entries, each followed by CR LF.
     String AsString() const;
 
+    // Text in and out. Lines end at LF, CR or CR LF when they are read, with CR LF when they are
+    // written. Loading takes the place of all entries; when a stream is null or fails, the result
+    // is false and the list stays as it was. Streams are used, not owned.
+
+    void LoadFrom(String const& text);
+    bool LoadFrom(IStream* stream);
+    /// Leaves out blank lines and those whose first character behind white space is "#" or ";",
+    /// and takes the white space off around lines, names and values.
+    void LoadAsConfFileFrom(String const& text);
+    bool LoadAsConfFileFrom(IStream* stream);
+    bool SaveTo(IStream* stream) const;
+
+    /// Appends the values of name[0], name[1] ... to list, as many as the value of name.count
+    /// says, but not more than there are entries here; a missing one is an empty text. Returns
+    /// their number.
+    int GetCountedList(String const& name, StringArray& list) const;
+    /// Stores list in that form.
+    void SetCountedList(String const& name, StringArray const& list);
+
+    /// The entries, or one part of each, as C strings of their own.
+    StringPCharList AsPCharList(StringPCharList::ListType type = StringPCharList::Entries) const;
+
 private:
     bool has(int index) const { return index >= 0 && index < count_; }
     void grow();
+    void takeEntries(StringArray& other);
+    void takeConfLines(StringArray const& lines);
     int append(std::unique_ptr<String> entry);
 
     std::unique_ptr<std::unique_ptr<String>[]> entries_;

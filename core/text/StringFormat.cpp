@@ -34,15 +34,23 @@ Placeholder nextNumbered(std::string_view text, std::size_t start) {
     return {};
 }
 
-/// The first placeholder with that number; 0 or below: with the lowest number there is.
-Placeholder findNumbered(std::string_view text, int index, std::size_t start) {
-    Placeholder lowest;
-    for (Placeholder each = nextNumbered(text, start); each.position != npos;
-         each = nextNumbered(text, each.position + each.length)) {
-        if (each.index == index && index > 0) {
+/// The first placeholder with that number.
+Placeholder findNumber(std::string_view text, int number, std::size_t start) {
+    for (;;) {
+        Placeholder const each = nextNumbered(text, start);
+        if (each.position == npos || each.index == number) {
             return each;
         }
-        if (index <= 0 && (lowest.position == npos || each.index < lowest.index)) {
+        start = each.position + each.length;
+    }
+}
+
+/// The first of those that have the lowest number there is.
+Placeholder findLowest(std::string_view text, std::size_t start) {
+    Placeholder lowest = nextNumbered(text, start);
+    for (Placeholder each = lowest; each.position != npos;
+         each = nextNumbered(text, each.position + each.length)) {
+        if (each.index < lowest.index) {
             lowest = each;
         }
     }
@@ -50,7 +58,7 @@ Placeholder findNumbered(std::string_view text, int index, std::size_t start) {
 }
 
 Placeholder findNamed(std::string_view text, String const& name, std::size_t start) {
-    for (std::size_t at = text.find("%[", start); at != npos; at = text.find("%[", at + 2)) {
+    for (std::size_t at = text.find("%[", start); at != npos; at = text.find("%[", start)) {
         std::size_t const end = text.find(']', at);
         if (end == npos) {
             return {};
@@ -58,95 +66,106 @@ Placeholder findNamed(std::string_view text, String const& name, std::size_t sta
         if (name.CompareIC(String(text.substr(at + 2, end - at - 2))) == 0) {
             return {0, at, end + 1 - at};
         }
+        start = end + 1;
     }
     return {};
 }
 
-/// find(from) gives the placeholder to fill at or after from.
-template <class Find>
-String substitute(String const& text, std::string_view whole, PaddedText const& value, Find find) {
-    Placeholder place = find(0);
-    if (place.position == npos) {
-        return text;
-    }
-    TextBuilder result;
-    std::size_t done = 0;
-    for (; place.position != npos; place = find(done)) {
-        result.Append(whole.substr(done, place.position - done));
-        result.Append(value.sign);
-        result.AppendAligned(value.text, value.width, value.align, value.fill);
-        done = place.position + place.length;
-    }
-    result.Append(whole.substr(done));
-    return result.AsString();
+String pointerText(void const* value) {
+    return String::format("0x%1").argi(1, reinterpret_cast<std::uintptr_t>(value), 8, 16);
 }
 
-/// The number to fill; with 0 or below the lowest is chosen once, for all its occurrences.
-String fillIn(String const& text, int index, PaddedText const& value) {
-    std::string_view const whole = text.View();
-    if (index <= 0) {
-        index = findNumbered(whole, index, 0).index;
-    }
-    return substitute(text, whole, value, [whole, index](std::size_t from) {
-        return findNumbered(whole, index, from);
-    });
-}
-
-String fillIn(String const& text, String const& name, PaddedText const& value) {
-    std::string_view const whole = text.View();
-    return substitute(text, whole, value,
-                      [whole, &name](std::size_t from) { return findNamed(whole, name, from); });
-}
-
-template <class Key>
-String fillIn(String const& text, Key const& key, NumberText const& number) {
-    return number.IsValid() ? fillIn(text, key, number.Padded()) : String("*ERR*");
-}
-
-template <class Key>
-String fillPointer(String const& text, Key const& key, void const* value) {
-    auto const bits = static_cast<unsigned long long>(reinterpret_cast<std::uintptr_t>(value));
-    String const shown = String::format("0x%1").argi(1, bits, 8, 16);
-    return fillIn(text, key, PaddedText{{}, shown.View()});
-}
-
-template <class Key>
-String fillErrno(String const& text, Key const& key, bool withText) {
+String errnoText(bool withText) {
     int const number = errno;
-    String shown = String::format("%1").argi(1, number);
-    if (withText) {
-        shown += ": ";
-        shown += number == 0 ? String("OK") : errnoDescription(number);
+    String const shown = String::format("%1").argi(1, number);
+    if (!withText) {
+        return shown;
     }
-    return fillIn(text, key, PaddedText{{}, shown.View()});
+    return shown + ": " + (number == 0 ? String("OK") : errnoDescription(number));
 }
 
 }  // namespace
 
-String String::argi(int index, String const& value, int width, Align align, char fill) const {
-    return fillIn(*this, index, PaddedText{{}, value.View(), width, align, fill});
+/// find(from) gives the placeholder to fill at or after from.
+template <class Finder>
+void String::substitute(PaddedText const& value, Finder find) {
+    std::string_view const text = View();
+    Placeholder place = find(text, 0);
+    if (place.position == npos) {
+        return;
+    }
+    std::size_t done = place.position + place.length;
+    std::string_view before = text.substr(0, place.position);
+    place = find(text, done);
+    if (place.position == npos && value.IsPlain()) {
+        // Nearly every call; it needs no collecting.
+        setPieces(before, value.text, text.substr(done));
+        return;
+    }
+    TextBuilder result;
+    for (;;) {
+        result.Append(before);
+        result.Append(value.sign);
+        result.AppendAligned(value.text, value.width, value.align, value.fill);
+        if (place.position == npos) {
+            break;
+        }
+        before = text.substr(done, place.position - done);
+        done = place.position + place.length;
+        place = find(text, done);
+    }
+    setPieces(result.View(), text.substr(done));
 }
 
-String String::argi(int index, char const* value, int width, Align align, char fill) const {
-    return fillIn(*this, index, PaddedText{{}, value != nullptr ? value : "", width, align, fill});
+void String::fillIn(int index, PaddedText const& value) {
+    // With 0 or below, the lowest number is chosen once, for all its occurrences.
+    int const number = index > 0 ? index : findLowest(View(), 0).index;
+    substitute(value, [number](std::string_view text, std::size_t from) {
+        return findNumber(text, number, from);
+    });
 }
 
-String String::argi(int index, long long value, int width, int base, Align align, char fill) const {
-    return fillIn(*this, index, NumberText(value, width, base, align, fill));
+void String::fillIn(String const& name, PaddedText const& value) {
+    // A copy of its own: the name may be this text.
+    substitute(value, [wanted = name](std::string_view text, std::size_t from) {
+        return findNamed(text, wanted, from);
+    });
 }
 
-String String::argi(int index, unsigned long long value, int width, int base, Align align,
-                    char fill) const {
-    return fillIn(*this, index, NumberText(value, width, base, align, fill));
+template <class Key>
+void String::fillInNumber(Key const& key, NumberText const& number) {
+    if (number.IsValid()) {
+        fillIn(key, number.Padded());
+    } else {
+        SetString("*ERR*");
+    }
+}
+
+template <class Key, class Value>
+void String::fillInInteger(Key const& key, Value value, int width, int base, Align align,
+                           char fill) {
+    fillInNumber(key, NumberText(value, width, base, align, fill));
+}
+
+template void String::fillInInteger(int const&, long long, int, int, Align, char);
+template void String::fillInInteger(int const&, unsigned long long, int, int, Align, char);
+template void String::fillInInteger(String const&, long long, int, int, Align, char);
+template void String::fillInInteger(String const&, unsigned long long, int, int, Align, char);
+
+String String::argi(int index, char const* value, int width, Align align, char fill) && {
+    fillIn(index, PaddedText{{}, value != nullptr ? value : "", width, align, fill});
+    return std::move(*this);
 }
 
 String String::argi(int index, double value, int width, char format, int precision, Align align,
                     char fill) const {
-    return fillIn(*this, index, NumberText(value, width, format, precision, align, fill));
+    String result(*this);
+    result.fillInNumber(index, NumberText(value, width, format, precision, align, fill));
+    return result;
 }
 
 String String::argi(int index, void const* value) const {
-    return fillPointer(*this, index, value);
+    return argi(index, pointerText(value));
 }
 
 String String::argi_choice(int index, bool condition, String const& ifTrue, String const& ifFalse,
@@ -155,36 +174,30 @@ String String::argi_choice(int index, bool condition, String const& ifTrue, Stri
 }
 
 String String::argi_errno(int index, bool withText) const {
-    return fillErrno(*this, index, withText);
+    return argi(index, errnoText(withText));
 }
 
 String String::argn(String const& name, String const& value, int width, Align align,
                     char fill) const {
-    return fillIn(*this, name, PaddedText{{}, value.View(), width, align, fill});
+    return argn(name, value.getCString(), width, align, fill);
 }
 
 String String::argn(String const& name, char const* value, int width, Align align,
                     char fill) const {
-    return fillIn(*this, name, PaddedText{{}, value != nullptr ? value : "", width, align, fill});
-}
-
-String String::argn(String const& name, long long value, int width, int base, Align align,
-                    char fill) const {
-    return fillIn(*this, name, NumberText(value, width, base, align, fill));
-}
-
-String String::argn(String const& name, unsigned long long value, int width, int base, Align align,
-                    char fill) const {
-    return fillIn(*this, name, NumberText(value, width, base, align, fill));
+    String result(*this);
+    result.fillIn(name, PaddedText{{}, value != nullptr ? value : "", width, align, fill});
+    return result;
 }
 
 String String::argn(String const& name, double value, int width, char format, int precision,
                     Align align, char fill) const {
-    return fillIn(*this, name, NumberText(value, width, format, precision, align, fill));
+    String result(*this);
+    result.fillInNumber(name, NumberText(value, width, format, precision, align, fill));
+    return result;
 }
 
 String String::argn(String const& name, void const* value) const {
-    return fillPointer(*this, name, value);
+    return argn(name, pointerText(value));
 }
 
 String String::argn_choice(String const& name, bool condition, String const& ifTrue,
@@ -193,12 +206,13 @@ String String::argn_choice(String const& name, bool condition, String const& ifT
 }
 
 String String::argn_errno(String const& name, bool withText) const {
-    return fillErrno(*this, name, withText);
+    return argn(name, errnoText(withText));
 }
 
 int String::findArgPlaceHolderByIndex(int index, int& position, int& length, int start) const {
+    auto const from = static_cast<std::size_t>(start > 0 ? start : 0);
     Placeholder const found =
-        findNumbered(View(), index, static_cast<std::size_t>(start > 0 ? start : 0));
+        index > 0 ? findNumber(View(), index, from) : findLowest(View(), from);
     position = found.position != npos ? static_cast<int>(found.position) : -1;
     length = static_cast<int>(found.length);
     return found.index;

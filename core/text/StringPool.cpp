@@ -11,12 +11,13 @@ StringPool& StringPool::Instance() {
 
 String::StringData* StringPool::Take() {
     std::lock_guard guarded(lock_);
-    if (firstFree_ == nullptr) {
-        addChunk();
+    String::StringData* record = firstFree_;
+    if (record != nullptr) {
+        firstFree_ = record->nextFree;
+    } else {
+        record = takeFresh();
     }
-    String::StringData* const record = firstFree_;
-    firstFree_ = record->nextFree;
-    --freeCount_;
+    ++used_;
     record->count = 0;
     record->buffer = nullptr;
     return record;
@@ -27,28 +28,37 @@ void StringPool::Release(String::StringData* record) {
     std::lock_guard guarded(lock_);
     record->nextFree = firstFree_;
     firstFree_ = record;
-    ++freeCount_;
-    if (freeCount_ == chunks_.size() * RecordsPerChunk) {
-        // A new vector, because clear() would keep the table of the chunks.
-        chunks_ = decltype(chunks_)();
-        firstFree_ = nullptr;
-        freeCount_ = 0;
+    if (--used_ == 0) {
+        deleteChunks();
     }
 }
 
 int StringPool::ChunkCount() {
     std::lock_guard guarded(lock_);
-    return static_cast<int>(chunks_.size());
+    return chunkCount_;
 }
 
-void StringPool::addChunk() {
-    chunks_.push_back(std::make_unique<String::StringData[]>(RecordsPerChunk));
-    String::StringData* const records = chunks_.back().get();
-    for (int i = RecordsPerChunk - 1; i >= 0; --i) {
-        records[i].nextFree = firstFree_;
-        firstFree_ = &records[i];
+/// The records of a new chunk are not linked up front: a lone text would pay for all of them.
+String::StringData* StringPool::takeFresh() {
+    if (fresh_ == RecordsPerChunk) {
+        auto* const chunk = new Chunk;
+        chunk->next = chunks_;
+        chunks_ = chunk;
+        ++chunkCount_;
+        fresh_ = 0;
     }
-    freeCount_ += RecordsPerChunk;
+    return &chunks_->records[fresh_++];
+}
+
+void StringPool::deleteChunks() {
+    while (chunks_ != nullptr) {
+        Chunk* const chunk = chunks_;
+        chunks_ = chunk->next;
+        delete chunk;
+    }
+    chunkCount_ = 0;
+    fresh_ = RecordsPerChunk;
+    firstFree_ = nullptr;
 }
 
 }  // namespace core

@@ -1,7 +1,6 @@
 #pragma once
 
-#include <memory>
-#include <vector>
+#include <cstddef>
 
 #include "core/text/String.h"
 #include "sys/platform/locker.h"
@@ -27,14 +26,24 @@ public:
     int ChunkCount();
 
 private:
+    struct Chunk {
+        Chunk* next;
+        String::StringData records[RecordsPerChunk];
+    };
+
     StringPool() { lock_.init(); }
-    void addChunk();
+    String::StringData* takeFresh();
+    void deleteChunks();
 
     // Made once and never torn down: another thread could be waiting for it at that moment.
     sys::locker lock_;
-    std::vector<std::unique_ptr<String::StringData[]>> chunks_;
+    /// The newest chunk; its records from fresh_ on were never handed out.
+    Chunk* chunks_ = nullptr;
+    int fresh_ = RecordsPerChunk;
+    int chunkCount_ = 0;
     String::StringData* firstFree_ = nullptr;
-    std::size_t freeCount_ = 0;
+    /// Records handed out and not yet taken back.
+    std::size_t used_ = 0;
 };
 
 }  // namespace core

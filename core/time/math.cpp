@@ -5,8 +5,13 @@
 
 namespace core::math {
 
+namespace {
+
+using Limits = std::numeric_limits<long long>;
+
+}  // namespace
+
 long long RoundToInt64(double value) {
-    using Limits = std::numeric_limits<long long>;
     constexpr double end = 9223372036854775808.0;
     if (std::isnan(value)) {
         return 0;
@@ -16,6 +21,32 @@ long long RoundToInt64(double value) {
         return Limits::max();
     }
     return rounded < -end ? Limits::min() : static_cast<long long>(rounded);
+}
+
+long long AddSaturated(long long left, long long right) {
+    if (right > 0 && left > Limits::max() - right) {
+        return Limits::max();
+    }
+    return right < 0 && left < Limits::min() - right ? Limits::min() : left + right;
+}
+
+long long SubtractSaturated(long long left, long long right) {
+    if (right < 0 && left > Limits::max() + right) {
+        return Limits::max();
+    }
+    return right > 0 && left < Limits::min() + right ? Limits::min() : left - right;
+}
+
+long long ComposeSaturated(long long count, long long unit, long long rest) {
+    if (count < 0) {
+        // Counted from the end of the unit: at the range's lower end its start may lie outside.
+        ++count;
+        rest -= unit;
+    }
+    if (count > Limits::max() / unit) {
+        return Limits::max();
+    }
+    return count < Limits::min() / unit ? Limits::min() : AddSaturated(count * unit, rest);
 }
 
 }  // namespace core::math

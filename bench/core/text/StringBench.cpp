@@ -1,0 +1,140 @@
+// Each operation of a text beside the same work done with the standard library.
+#include <benchmark/benchmark.h>
+
+#include <cmath>
+#include <cstdio>
+#include <string>
+#include <vector>
+
+#include "core/text/String.h"
+#include "core/text/StringArray.h"
+
+namespace {
+
+using core::String;
+
+constexpr char const* address = "192.168.100.200";
+constexpr char const* longText = "a text that is too long for the short form of a standard string";
+constexpr char const* listText = "alpha,beta,,gamma,delta,epsilon,zeta,eta,theta,iota,kappa,lambda";
+
+void FormatConnecting(benchmark::State& state) {
+    String const host(address);
+    int port = 3007;
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(port);
+        String text = String::format("- Connecting to: %1:%2 ...").argi(1, host).argi(2, port);
+        benchmark::DoNotOptimize(text);
+    }
+}
+BENCHMARK(FormatConnecting);
+
+void FormatConnectingSnprintf(benchmark::State& state) {
+    std::string const host(address);
+    int port = 3007;
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(port);
+        char room[128];
+        std::snprintf(room, sizeof room, "- Connecting to: %s:%d ...", host.c_str(), port);
+        std::string text(room);
+        benchmark::DoNotOptimize(text);
+    }
+}
+BENCHMARK(FormatConnectingSnprintf);
+
+void ByteSize(benchmark::State& state) {
+    long long bytes = 123456789;
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(bytes);
+        String text = core::FormatByteSize(bytes, false);
+        benchmark::DoNotOptimize(text);
+    }
+}
+BENCHMARK(ByteSize);
+
+void ByteSizeSnprintf(benchmark::State& state) {
+    long long bytes = 123456789;
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(bytes);
+        char room[64];
+        std::snprintf(room, sizeof room, "%0.1f %s", std::ldexp(static_cast<double>(bytes), -20),
+                      "MB");
+        std::string text(room);
+        benchmark::DoNotOptimize(text);
+    }
+}
+BENCHMARK(ByteSizeSnprintf);
+
+template <class Text>
+void Copy(benchmark::State& state) {
+    Text const original(longText);
+    for (auto _ : state) {
+        Text copy(original);
+        benchmark::DoNotOptimize(copy);
+    }
+}
+BENCHMARK(Copy<String>);
+BENCHMARK(Copy<std::string>);
+
+template <class Text>
+void AppendTen(benchmark::State& state) {
+    Text const piece("a piece of text;");
+    for (auto _ : state) {
+        Text text;
+        for (int i = 0; i < 10; ++i) {
+            text += piece;
+        }
+        benchmark::DoNotOptimize(text);
+    }
+}
+BENCHMARK(AppendTen<String>);
+BENCHMARK(AppendTen<std::string>);
+
+void Split(benchmark::State& state) {
+    String const text(listText);
+    String const delimiters(",");
+    for (auto _ : state) {
+        core::StringArray list(16);
+        benchmark::DoNotOptimize(text.Split(list, delimiters));
+    }
+}
+BENCHMARK(Split);
+
+void SplitStandard(benchmark::State& state) {
+    std::string const text(listText);
+    for (auto _ : state) {
+        std::vector<std::string> list;
+        for (std::size_t start = 0; start < text.size();) {
+            std::size_t const end = std::min(text.find(',', start), text.size());
+            list.push_back(text.substr(start, end - start));
+            start = end + 1;
+        }
+        benchmark::DoNotOptimize(list);
+    }
+}
+BENCHMARK(SplitStandard);
+
+void Replace(benchmark::State& state) {
+    String const text(listText);
+    String const find(",");
+    String const with("; ");
+    for (auto _ : state) {
+        String result = text.Replace(find, with);
+        benchmark::DoNotOptimize(result);
+    }
+}
+BENCHMARK(Replace);
+
+void ReplaceStandard(benchmark::State& state) {
+    std::string const text(listText);
+    for (auto _ : state) {
+        std::string result(text);
+        for (std::size_t at = result.find(','); at != std::string::npos;
+             at = result.find(',', at + 2)) {
+            result.replace(at, 1, "; ");
+        }
+        benchmark::DoNotOptimize(result);
+    }
+}
+BENCHMARK(ReplaceStandard);
+
+}  // namespace

@@ -1,0 +1,146 @@
+#include <algorithm>
+
+#include "core/object/IStream.h"
+#include "core/text/LineSplitter.h"
+#include "core/text/StringArray.h"
+#include "core/text/StringPCharList.h"
+
+namespace core {
+
+namespace {
+
+bool readLines(IStream* stream, StringArray& lines) {
+    if (stream == nullptr) {
+        return false;
+    }
+    LineSplitter splitter(lines);
+    char piece[4096];
+    for (;;) {
+        int const got = stream->Read(piece, static_cast<int>(sizeof piece));
+        if (got < 0) {
+            return false;
+        }
+        if (got == 0) {
+            splitter.Finish();
+            return true;
+        }
+        splitter.Feed({piece, static_cast<std::size_t>(got)});
+    }
+}
+
+bool writeAll(IStream& stream, std::string_view data) {
+    while (!data.empty()) {
+        int const written = stream.Write(data.data(), static_cast<int>(data.size()));
+        if (written < 1) {
+            return false;
+        }
+        data.remove_prefix(std::min(static_cast<std::size_t>(written), data.size()));
+    }
+    return true;
+}
+
+/// The entry "name.count" of a counted list.
+String countName(String const& name) {
+    return String::format("%1.count").argi(1, name);
+}
+
+/// The entry "name[i]". The number goes in first: the name may hold a placeholder itself.
+String itemName(String const& name, int index) {
+    return String::format("%1[%2]").argi(2, index).argi(1, name);
+}
+
+}  // namespace
+
+void StringArray::LoadFrom(String const& text) {
+    // A copy of its own: the text may be an entry of this list.
+    String const source(text);
+    Clear();
+    LineSplitter splitter(*this);
+    splitter.Feed(source.View());
+    splitter.Finish();
+}
+
+bool StringArray::LoadFrom(IStream* stream) {
+    StringArray lines(step_);
+    if (!readLines(stream, lines)) {
+        return false;
+    }
+    takeEntries(lines);
+    return true;
+}
+
+void StringArray::LoadAsConfFileFrom(String const& text) {
+    StringArray lines(step_);
+    lines.LoadFrom(text);
+    takeConfLines(lines);
+}
+
+bool StringArray::LoadAsConfFileFrom(IStream* stream) {
+    StringArray lines(step_);
+    if (!lines.LoadFrom(stream)) {
+        return false;
+    }
+    takeConfLines(lines);
+    return true;
+}
+
+void StringArray::takeEntries(StringArray& other) {
+    std::swap(entries_, other.entries_);
+    std::swap(count_, other.count_);
+    std::swap(capacity_, other.capacity_);
+}
+
+void StringArray::takeConfLines(StringArray const& lines) {
+    Clear();
+    for (int i = 0; i < lines.Count(); ++i) {
+        String const line = lines[i].Trim();
+        if (line.IsEmpty() || line.IsDelimiter("#;", 0)) {
+            continue;
+        }
+        if (line.Find(separator_) > 0) {
+            Add(line.LeftOf(separator_).TrimRight(), line.RightOf(separator_).TrimLeft());
+        } else {
+            Add(line);
+        }
+    }
+}
+
+bool StringArray::SaveTo(IStream* stream) const {
+    if (stream == nullptr) {
+        return false;
+    }
+    for (int i = 0; i < count_; ++i) {
+        if (!writeAll(*stream, Get(i).View()) || !writeAll(*stream, "\r\n")) {
+            return false;
+        }
+    }
+    return true;
+}
+
+int StringArray::GetCountedList(String const& name, StringArray& list) const {
+    // Each item needs an entry, so a count above the number of entries is a lie.
+    int const count = std::min(GetValueByName(countName(name)).ToDecimal32(), count_);
+    for (int i = 0; i < count; ++i) {
+        list.Add(GetValueByName(itemName(name, i)));
+    }
+    return std::max(count, 0);
+}
+
+void StringArray::SetCountedList(String const& name, StringArray const& list) {
+    SetValueByName(countName(name), String::format("%1").argi(1, list.Count()));
+    for (int i = 0; i < list.Count(); ++i) {
+        SetValueByName(itemName(name, i), list[i]);
+    }
+}
+
+StringPCharList StringArray::AsPCharList(StringPCharList::ListType type) const {
+    StringArray texts(step_);
+    for (int i = 0; i < count_; ++i) {
+        texts.Add(type == StringPCharList::Names    ? GetNameByIndex(i)
+                  : type == StringPCharList::Values ? GetValueByIndex(i)
+                                                    : Get(i));
+    }
+    return StringPCharList(texts);
+}
+
+}  // namespace core

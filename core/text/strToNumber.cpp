@@ -1,0 +1,126 @@
+#include "core/text/strToNumber.h"
+
+#include <limits>
+#include <type_traits>
+
+#include "core/text/String.h"
+#include "core/text/readNumber.h"
+
+namespace core {
+
+namespace {
+
+std::string_view viewOf(char const* text) {
+    return text != nullptr ? text : "";
+}
+
+template <class Number>
+ReadNumber read(std::string_view text) {
+    return readNumber(text, 10, true,
+                      static_cast<unsigned long long>(std::numeric_limits<Number>::max()));
+}
+
+template <class Number>
+Number valueOf(ReadNumber const& number) {
+    if constexpr (std::is_unsigned_v<Number>) {
+        return number.negative ? 0 : static_cast<Number>(number.magnitude);
+    } else {
+        return static_cast<Number>(signedValue(number));
+    }
+}
+
+template <class Number>
+Number front(char const* text) {
+    return valueOf<Number>(read<Number>(viewOf(text)));
+}
+
+/// Stores the number that is the whole text; false, and nothing stored, when it is none.
+template <class Number>
+bool whole(std::string_view text, Number& value) {
+    ReadNumber const number = read<Number>(text);
+    if (number.length == 0 || number.length != text.size()) {
+        return false;
+    }
+    value = valueOf<Number>(number);
+    return true;
+}
+
+template <class Number>
+Number wholeOr(char const* text, Number value) {
+    whole(viewOf(text), value);
+    return value;
+}
+
+template <class Number>
+int list(char const* text, Number* values, int count, Number defaultValue, char separator) {
+    String rest(text);
+    int filled = 0;
+    for (int i = 0; values != nullptr && i < count; ++i) {
+        values[i] = defaultValue;
+        String const entry = rest.ExtractNextToken(separator).Trim();
+        filled += static_cast<int>(whole(entry.View(), values[i]));
+    }
+    return filled;
+}
+
+}  // namespace
+
+int strToInt(char const* text) {
+    return front<int>(text);
+}
+
+unsigned strToUInt(char const* text) {
+    return front<unsigned>(text);
+}
+
+long long strToInt64(char const* text) {
+    return front<long long>(text);
+}
+
+unsigned long long strToUInt64(char const* text) {
+    return front<unsigned long long>(text);
+}
+
+double strToFloat(char const* text) {
+    String const whole(text);
+    int end = -1;
+    double const value = whole.ToFloat(&end, 0);
+    // ToFloat takes whole texts only: what lies behind the number goes first.
+    return end > 0 ? whole.Left(end).ToFloat() : value;
+}
+
+int strToIntDef(char const* text, int defaultValue) {
+    return wholeOr(text, defaultValue);
+}
+
+unsigned strToUIntDef(char const* text, unsigned defaultValue) {
+    return wholeOr(text, defaultValue);
+}
+
+long long strToInt64Def(char const* text, long long defaultValue) {
+    return wholeOr(text, defaultValue);
+}
+
+unsigned long long strToUInt64Def(char const* text, unsigned long long defaultValue) {
+    return wholeOr(text, defaultValue);
+}
+
+double strToFloatDef(char const* text, double defaultValue) {
+    return String(text).ToFloat(defaultValue);
+}
+
+int strToIntArrayDef(char const* text, int* values, int count, int defaultValue, char separator) {
+    return list(text, values, count, defaultValue, separator);
+}
+
+int strToUIntArrayDef(char const* text, unsigned* values, int count, unsigned defaultValue,
+                      char separator) {
+    return list(text, values, count, defaultValue, separator);
+}
+
+int strToInt64ArrayDef(char const* text, long long* values, int count, long long defaultValue,
+                       char separator) {
+    return list(text, values, count, defaultValue, separator);
+}
+
+}  // namespace core

@@ -1,0 +1,173 @@
+#include <gtest/gtest.h>
+
+#include <cerrno>
+
+#include "core/text/String.h"
+#include "core/text/errnoDescription.h"
+#include "tests/support/PrintText.h"
+
+namespace {
+
+using core::String;
+
+TEST(StringFormat, FindsNumberedPlaceholders) {
+    struct Row {
+        char const* text;
+        int index;
+        char const* value;
+        char const* expected;
+    };
+    for (Row const& row :
+         {Row{"%1 %1", 1, "x", "x x"}, Row{"%2 then %1", 0, "a", "%2 then a"},
+          Row{"%2 %1 %1 %2", -7, "a", "%2 a a %2"}, Row{"%0 %1", 0, "a", "a %1"},
+          Row{"100%", 1, "x", "100%"}, Row{"%%1", 1, "x", "%x"}, Row{"%10", 1, "x", "%10"},
+          Row{"%1", 1, "%1", "%1"}, Row{"%1", 2, "x", "%1"}, Row{"", 1, "x", ""},
+          Row{"%01", 1, "x", "x"}, Row{"%99999999", 99999999, "x", "x"},
+          Row{"%100000000%1", 0, "x", "%100000000x"}, Row{"%1", 1, "", ""},
+          Row{"%99999999999999999999%1", 1, "x", "%99999999999999999999x"},
+          Row{"%1%1x%1", 1, "ab", "ababxab"}, Row{"% 1%a%1", 1, "x", "% 1%ax"}}) {
+        String const text(row.text);
+        EXPECT_EQ(text.argi(row.index, row.value), row.expected) << row.text;
+        EXPECT_EQ(text, row.text) << "the template stays";
+    }
+    EXPECT_EQ(String::format("%1").argi(1, "%2").argi(2, "x"), "x") << "a later call sees it";
+
+    int position = 0;
+    int length = 0;
+    String const text("%5 %12 %3");
+    EXPECT_EQ(text.findArgPlaceHolderByIndex(12, position, length), 12);
+    EXPECT_EQ(position, 3);
+    EXPECT_EQ(length, 3);
+    EXPECT_EQ(text.findArgPlaceHolderByIndex(5, position, length, 1), 0);
+    EXPECT_EQ(position, -1);
+    EXPECT_EQ(length, 0);
+}
+
+TEST(StringFormat, FindsNamedPlaceholders) {
+    EXPECT_EQ(String("%[Name]=%[name]!").argn("NAME", "x"), "x=x!");
+    EXPECT_EQ(String("%[a%[b]").argn("b", "x"), "%[a%[b]") << "a name reaches to the next \"]\"";
+    EXPECT_EQ(String("<%[n]>").argn("n", 255u, 4, 16), "<00FF>");
+    EXPECT_EQ(String("<%[n]>").argn("n", 1.5, 6, 'f', 2), "<  1.50>");
+    EXPECT_EQ(String("<%[n]>").argn_choice("n", false, "yes", "no", 4), "<no  >");
+}
+
+TEST(StringFormat, ChoosesTheOverloadByTheValue) {
+    enum Plain { Three = 3 };
+    char room[] = "text";
+    char* const pointer = room;
+    String const text("%1");
+    EXPECT_EQ(text.argi(1, "literal"), "literal");
+    EXPECT_EQ(text.argi(1, pointer), "text");
+    EXPECT_EQ(text.argi(1, static_cast<char const*>(nullptr)), "");
+    EXPECT_EQ(text.argi(1, LLONG_MIN), "-9223372036854775808");
+    EXPECT_EQ(text.argi(1, ULLONG_MAX), "18446744073709551615");
+    EXPECT_EQ(text.argi(1, sizeof(int)), "4");
+    EXPECT_EQ(text.argi(1, Three), "3");
+    EXPECT_EQ(text.argi(1, 2.5f), "2.5");
+    EXPECT_EQ(text.argi(1, reinterpret_cast<void*>(0x12FF40)), "0x0012FF40");
+    EXPECT_EQ(text.argi_choice(1, true, "on", "off"), "on");
+}
+
+TEST(StringFormat, PadsTexts) {
+    using Align = String::Align;
+    struct Row {
+        int width;
+        Align align;
+        char fill;
+        char const* expected;
+    };
+    for (Row const& row :
+         {Row{6, String::AlignCenter, '*', "**ab**"}, Row{5, String::AlignCenter, '*', "**ab*"},
+          Row{4, String::AlignRight, '\0', "  ab"}, Row{4, String::AlignLeft, '.', "ab.."},
+          Row{4, String::AlignDefault, '\t', "ab  "},
+          Row{4, static_cast<Align>(77), '\x80', "ab  "}, Row{2, String::AlignRight, '*', "ab"},
+          Row{INT_MIN, String::AlignRight, '*', "ab"}}) {
+        EXPECT_EQ(String("ab").GetAligned(row.width, row.align, row.fill), row.expected);
+        EXPECT_EQ(String("%1").argi(1, "ab", row.width, row.align, row.fill), row.expected);
+    }
+    EXPECT_EQ(String("ab").GetAligned(INT_MAX, String::AlignCenter).GetLength(), String::MaxWidth);
+}
+
+TEST(StringFormat, WritesIntegers) {
+    struct Row {
+        long long value;
+        int width;
+        int base;
+        String::Align align;
+        char fill;
+        char const* expected;
+    };
+    for (Row const& row :
+         {Row{7, 3, 10, String::AlignDefault, 0, "  7"}, Row{7, 3, 10, String::AlignLeft, 0, "7  "},
+          Row{-5, 3, 10, String::AlignDefault, 0, " -5"},
+          Row{-5, 3, 10, String::AlignDefault, '0', "-005"},
+          Row{-5, 3, 10, String::AlignCenter, '*', "-*5*"},
+          Row{-5, 3, 10, String::AlignLeft, ' ', "-5 "},
+          Row{-5, 1, 10, String::AlignDefault, '0', "-5"},
+          Row{-5, 3, 10, String::AlignDefault, '\t', "-  5"},
+          Row{255, 4, 16, String::AlignDefault, 0, "00FF"},
+          Row{255, 4, 16, String::AlignDefault, ' ', "  FF"},
+          Row{255, 4, 16, String::AlignLeft, 0, "FF  "},
+          Row{-1, 0, 16, String::AlignDefault, 0, "FFFFFFFFFFFFFFFF"},
+          Row{35, 0, 36, String::AlignDefault, 0, "Z"},
+          Row{5, 6, 2, String::AlignDefault, 0, "000101"},
+          Row{0, 0, 10, String::AlignDefault, 0, "0"}, Row{0, 2, 8, String::AlignDefault, 0, "00"},
+          Row{1, 0, 1, String::AlignDefault, 0, "*ERR*"},
+          Row{1, 0, 37, String::AlignDefault, 0, "*ERR*"},
+          Row{1, 0, INT_MIN, String::AlignDefault, 0, "*ERR*"}}) {
+        String const text =
+            String::format("%1").argi(1, row.value, row.width, row.base, row.align, row.fill);
+        EXPECT_EQ(text, row.expected) << row.value << " in " << row.width;
+    }
+    EXPECT_EQ(String("no placeholder").argi(1, 5u, 0, 99), "*ERR*");
+    EXPECT_EQ(String("%1").argi(1, ULLONG_MAX, 0, 2).GetLength(), 64);
+}
+
+TEST(StringFormat, WritesFloatingPoint) {
+    String const text("%1");
+    EXPECT_EQ(text.argi(1, 0.5, 0, 'f'), "0.500000");
+    EXPECT_EQ(text.argi(1, -1.5, 8, 'e', 1, String::AlignLeft, '.'), "-1.5e+00");
+    EXPECT_EQ(text.argi(1, -1.5, 7, 'f', 1, String::AlignDefault, '0'), "000-1.5");
+    EXPECT_EQ(text.argi(1, 1.25, 0, 'n', -1), "1.25") << "only formats of numbers reach printf";
+    String const longest = text.argi(1, -1.7976931348623157e308, 0, 'f', 5000000);
+    EXPECT_EQ(longest.GetLength(), 1 + 309 + 1 + String::MaxPrecision);
+}
+
+TEST(StringFormat, WritesErrorNumbers) {
+    errno = ENOENT;
+    String const shown = String::format("(%1)").argi_errno(1, true);
+    EXPECT_TRUE(shown.StartsWith("(2: ")) << shown.getCString();
+    EXPECT_GT(shown.GetLength(), 6);
+    errno = ENOENT;
+    EXPECT_EQ(String("(%[e])").argn_errno("e", false), "(2)");
+    errno = 0;
+    EXPECT_EQ(String("%1").argi_errno(1, true), "0: OK");
+    EXPECT_FALSE(core::errnoDescription(INT_MIN).IsEmpty());
+}
+
+TEST(StringFormat, PrintsLikeTheCLibrary) {
+    EXPECT_EQ(String::sprintf("%s-%03d", "a", 7), "a-007");
+    String const wide = String::sprintf("%*s|", 5000, "x");
+    EXPECT_EQ(wide.GetLength(), 5001);
+    EXPECT_EQ(String::sprintf("%*s", String::MaxLength + 5, "x").GetLength(), String::MaxLength);
+}
+
+TEST(StringFormat, WritesByteSizes) {
+    struct Row {
+        long long bytes;
+        char const* oneDecimal;
+        char const* roundedUp;
+    };
+    for (Row const& row :
+         {Row{0, "0.0 B", "0 B"}, Row{100, "100.0 B", "100 B"}, Row{1536, "1536.0 B", "1536 B"},
+          Row{1537, "1.5 KB", "2 KB"}, Row{1572864, "1536.0 KB", "1536 KB"},
+          Row{1572865, "1.5 MB", "2 MB"}, Row{2000000, "1.9 MB", "2 MB"},
+          Row{1610612737, "1.5 GB", "2 GB"}, Row{1649267441665, "1.5 TB", "2 TB"},
+          Row{LLONG_MAX, "8388608.0 TB", "8388608 TB"}, Row{-5, "-5.0 B", "-5 B"},
+          Row{LLONG_MIN, "-9223372036854775808.0 B", "-9223372036854775808 B"}}) {
+        EXPECT_EQ(core::FormatByteSize(row.bytes, false), row.oneDecimal);
+        EXPECT_EQ(String::FormatByteSize(row.bytes, true), row.roundedUp);
+    }
+}
+
+}  // namespace

@@ -1,0 +1,131 @@
+#include <gtest/gtest.h>
+
+#include <cerrno>
+#include <cfloat>
+#include <cmath>
+
+#include "core/text/String.h"
+#include "core/text/strToNumber.h"
+#include "tests/support/PrintText.h"
+
+namespace {
+
+using core::String;
+
+constexpr int untouched = 777;
+constexpr long long fallback = -77;
+
+struct Row {
+    char const* text;
+    long long expected;
+    int errorPosition;
+};
+
+TEST(StringNumber, ReadsDecimals) {
+    for (Row const& row :
+         {Row{"12ab", 12, 2}, Row{"", fallback, untouched}, Row{" -7", -7, -1}, Row{"+7", 7, -1},
+          Row{"-", fallback, untouched}, Row{"- 7", fallback, untouched}, Row{"7 ", 7, 1},
+          Row{"x", fallback, untouched}, Row{"9223372036854775807", LLONG_MAX, -1},
+          Row{"-9223372036854775808", LLONG_MIN, -1}, Row{"9223372036854775808", LLONG_MAX, -1},
+          Row{"-99999999999999999999999x", LLONG_MIN, 24}, Row{"\x80", fallback, untouched}}) {
+        int position = untouched;
+        String const text(row.text);
+        EXPECT_EQ(text.ToDecimal64(&position, fallback), row.expected) << row.text;
+        EXPECT_EQ(position, row.errorPosition) << row.text;
+    }
+    EXPECT_EQ(String("-3000000000").ToDecimal32(), INT_MIN);
+    EXPECT_EQ(String("3000000000").ToDecimal32(-1), INT_MAX);
+    EXPECT_TRUE(String("2147483647").IsDecimal32());
+    EXPECT_FALSE(String("2147483648").IsDecimal32());
+    EXPECT_FALSE(String("1x").IsDecimal64() || String().IsDecimal32());
+}
+
+TEST(StringNumber, ReadsOtherBases) {
+    int position = untouched;
+    EXPECT_EQ(String("1fZ").ToHex32(&position, 9), 0x1Fu);
+    EXPECT_EQ(position, 2);
+    EXPECT_EQ(String("FFFFFFFFFFFFFFFF").ToHex64(), ULLONG_MAX);
+    EXPECT_EQ(String("-1").ToHex64(9), 9u);
+    EXPECT_EQ(String("zz").ToCustom(36), 35 * 36 + 35);
+    EXPECT_EQ(String("-102").ToCustom(2, &position, 9), -2);
+    EXPECT_EQ(position, 3);
+    for (int base : {INT_MIN, -1, 0, 1, 37, INT_MAX}) {
+        EXPECT_EQ(String("11").ToCustom(base, fallback), fallback) << base;
+    }
+    EXPECT_TRUE(String("0123456789abcdefABCDEF0123").IsHex());
+    EXPECT_FALSE(String("0x1").IsHex() || String().IsHex());
+}
+
+TEST(StringNumber, ReadsIntegersOfAnyForm) {
+    for (Row const& row :
+         {Row{" 0x1F", 31, -1}, Row{"0X1f", 31, -1}, Row{"0b101", 5, -1}, Row{"017", 17, -1},
+          Row{"017z", 15, 3}, Row{"MAX", LLONG_MAX, -1}, Row{" min\n", LLONG_MIN, -1},
+          Row{"nan", fallback, untouched}, Row{"-12", -12, -1}, Row{"12 ", fallback, untouched},
+          Row{"0x", fallback, untouched}, Row{"0x 1", fallback, untouched},
+          Row{"0x-1", fallback, untouched}, Row{"0b12", 1, 3}, Row{"x0x1", fallback, untouched},
+          Row{"12ab", fallback, untouched}, Row{"", fallback, untouched},
+          Row{"0xFFFFFFFFFFFFFFFF", LLONG_MAX, -1}, Row{"0x1G", 1, 3}}) {
+        int position = untouched;
+        EXPECT_EQ(String(row.text).ToInt64(&position, fallback), row.expected) << row.text;
+        EXPECT_EQ(position, row.errorPosition) << row.text;
+    }
+    EXPECT_EQ(String("max").ToInt32(), INT_MAX);
+    EXPECT_EQ(String("0xFFFFFFFF").ToInt32(), INT_MAX);
+    EXPECT_TRUE(String("0x10").IsInt32() && String("min").IsInt64());
+    EXPECT_FALSE(String("0xFFFFFFFF").IsInt32() || String("0x1G").IsInt64());
+}
+
+TEST(StringNumber, ReadsFloatingPoint) {
+    errno = 5;
+    EXPECT_EQ(String(" 1.5e1").ToFloat(), 15);
+    EXPECT_EQ(String("1e999").ToFloat(), DBL_MAX);
+    EXPECT_EQ(errno, 5) << "reading a number leaves errno alone";
+    EXPECT_TRUE(std::isinf(String("inf").ToFloat()));
+    int position = untouched;
+    EXPECT_EQ(String("1.5x").ToFloat(&position, -1), -1);
+    EXPECT_EQ(position, 3);
+    position = untouched;
+    EXPECT_EQ(String("x").ToFloat(&position, -1), -1);
+    EXPECT_EQ(position, untouched);
+    EXPECT_TRUE(String("-.5").IsFloat());
+    EXPECT_FALSE(String("1.5 ").IsFloat() || String().IsFloat());
+}
+
+TEST(StringNumber, ReadsTruthValues) {
+    for (char const* text : {"1", "-1", "99999999999999999999", "TRUE", "Yes", "on"}) {
+        EXPECT_TRUE(String(text).ToBool()) << text;
+    }
+    for (char const* text : {"0", "-0", "false", "NO", "off"}) {
+        EXPECT_FALSE(String(text).ToBool(true)) << text;
+    }
+    for (char const* text : {"", "1x", "maybe", "yes "}) {
+        EXPECT_TRUE(String(text).ToBool(true)) << text;
+        EXPECT_FALSE(String(text).ToBool()) << text;
+    }
+}
+
+TEST(StringNumber, ReadsCStrings) {
+    EXPECT_EQ(core::strToInt("12ab"), 12);
+    EXPECT_EQ(core::strToInt(nullptr), 0);
+    EXPECT_EQ(core::strToUInt("-5"), 0u);
+    EXPECT_EQ(core::strToUInt64("18446744073709551615"), ULLONG_MAX);
+    EXPECT_EQ(core::strToUInt64("-99999999999999999999"), 0u);
+    EXPECT_EQ(core::strToFloat("2.5kg"), 2.5);
+
+    EXPECT_EQ(core::strToIntDef("12", -1), 12);
+    EXPECT_EQ(core::strToIntDef("12ab", -1), -1);
+    EXPECT_EQ(core::strToFloatDef("2.5kg", -1), -1);
+}
+
+TEST(StringNumber, ReadsLists) {
+    int ints[5];
+    EXPECT_EQ(core::strToIntArrayDef("1, 2 ,,x", ints, 5, -1), 2);
+    EXPECT_EQ((std::vector<int>(ints, ints + 5)), (std::vector{1, 2, -1, -1, -1}));
+    long long longs[2];
+    EXPECT_EQ(core::strToInt64ArrayDef(nullptr, longs, 2, 8), 0);
+    EXPECT_EQ(longs[1], 8);
+    EXPECT_EQ(core::strToIntArrayDef("1", nullptr, 5, 0), 0);
+    EXPECT_EQ(core::strToIntArrayDef("1", ints, INT_MIN, 0), 0);
+}
+
+}  // namespace

@@ -1,0 +1,120 @@
+#include <gtest/gtest.h>
+
+#include <thread>
+#include <vector>
+
+#include "core/text/Buffer.h"
+#include "core/text/String.h"
+#include "core/text/StringPool.h"
+#include "tests/support/PrintText.h"
+
+namespace {
+
+using core::String;
+using core::StringPool;
+
+TEST(String, TakesTextUpToItsLengthOrItsEnd) {
+    struct Row {
+        char const* text;
+        int length;
+        char const* expected;
+    };
+    for (Row const& row : {Row{nullptr, -1, ""}, Row{nullptr, 5, ""}, Row{"", -1, ""},
+                           Row{"abc", 0, ""}, Row{"abcdef", 3, "abc"}, Row{"ab", 10, "ab"},
+                           Row{"ab", -1, "ab"}, Row{"ab", INT_MIN, "ab"}}) {
+        String const text(row.text, row.length);
+        EXPECT_EQ(text, row.expected);
+        EXPECT_EQ(text.GetLength(), static_cast<int>(std::strlen(row.expected)));
+        EXPECT_STREQ(text.getCString(), row.expected);
+    }
+    EXPECT_EQ(String(std::string_view("ab\0cd", 5)), "ab") << "a NUL ends the text on every way in";
+    EXPECT_EQ(String::OfChar('-', 3), "---");
+    EXPECT_EQ(String::OfChar('-', -3), "");
+    EXPECT_EQ(String::OfChar('\0', 3), "");
+}
+
+TEST(String, SharesUntilOneChanges) {
+    String const original("shared");
+    String copy(original);
+    EXPECT_TRUE(copy.SameRef(original));
+    copy.SetChar(0, 'S');
+    EXPECT_EQ(original, "shared");
+    EXPECT_EQ(copy, "Shared");
+    EXPECT_TRUE(original.Copy(0).SameRef(original)) << "an unchanged result is the same record";
+    EXPECT_TRUE(original.GetAligned(3, String::AlignLeft).SameRef(original));
+
+    String own(original);
+    own.Unique();
+    EXPECT_FALSE(own.SameRef(original));
+    EXPECT_EQ(own, original);
+    EXPECT_TRUE(String().SameRef(String(""))) << "an empty text owns no record";
+}
+
+TEST(String, MakesRoom) {
+    String text("abc");
+    text.SetLength(2);
+    EXPECT_EQ(text, "ab");
+    char* const room = text.GetBuffer(5);
+    EXPECT_EQ(std::string_view(room, 6), std::string_view("ab\0\0\0\0", 6));
+    std::memcpy(room, "12345", 5);
+    EXPECT_EQ(text, "12345");
+
+    text.SetLength(0);
+    EXPECT_TRUE(text.SameRef(String()));
+    EXPECT_EQ(text.GetBuffer(), nullptr);
+    EXPECT_EQ(text.GetBuffer(INT_MAX), nullptr) << "nobody may write into room that is not there";
+
+    text.GetBuffer(4);
+    EXPECT_TRUE(text.IsEmpty());
+    EXPECT_EQ(text.Replace("", "x"), "") << "room without characters is an empty text";
+}
+
+TEST(String, IsCutAtItsLongest) {
+    String text;
+    text.SetString('x', INT_MAX);
+    EXPECT_EQ(text.GetLength(), String::MaxLength);
+    EXPECT_EQ(text.Replace("x", "yy").GetLength(), String::MaxLength);
+    text.SetLength(INT_MAX);
+    EXPECT_EQ(text.GetLength(), String::MaxLength);
+}
+
+// Each test runs in a process of its own, so that no other text keeps the pool.
+TEST(StringPool, GivesItsChunksBack) {
+    StringPool& pool = StringPool::Instance();
+    ASSERT_EQ(pool.ChunkCount(), 0);
+    {
+        std::vector<String> texts;
+        for (int i = 0; i < StringPool::RecordsPerChunk; ++i) {
+            texts.push_back(String::format("text %1").argi(1, i));
+        }
+        EXPECT_EQ(pool.ChunkCount(), 1);
+        String const another("one more than a chunk holds");
+        EXPECT_EQ(pool.ChunkCount(), 2);
+        texts.clear();
+        EXPECT_EQ(pool.ChunkCount(), 2) << "one text keeps all chunks";
+    }
+    EXPECT_EQ(pool.ChunkCount(), 0);
+}
+
+TEST(StringPool, ServesThreadsThatOwnTheirTexts) {
+    String const origin("handed over");
+    std::vector<std::thread> threads;
+    for (int i = 0; i < 4; ++i) {
+        String own(origin);
+        own.Unique();
+        threads.emplace_back([i, text = std::move(own)]() mutable {
+            for (int round = 0; round < 2000; ++round) {
+                String const copy =
+                    String::format("%1 %2 %3").argi(1, text).argi(2, i).argi(3, round);
+                ASSERT_TRUE(copy.StartsWith("handed over "));
+                text = copy.Left(11);
+            }
+        });
+    }
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+    EXPECT_EQ(origin, "handed over");
+}
+
+}  // namespace

@@ -1,0 +1,130 @@
+#include <gtest/gtest.h>
+
+#include <climits>
+#include <random>
+
+#include "core/time/Time.h"
+#include "core/time/calendar.h"
+#include "tests/support/PrintText.h"
+
+namespace {
+
+using core::Interval;
+using core::String;
+using core::Time;
+
+TEST(Time, WritesTheFixedForm) {
+    EXPECT_EQ(Time::encode(2018, 3, 7, 9, 5, 2, 45).ToString(), "2018-03-07 09:05:02.045");
+    EXPECT_EQ(Time(-1).ToString(), "1969-12-31 23:59:59.999");
+    EXPECT_EQ(Time::encode(-5, 1, 1).ToString(), "-0005-01-01 00:00:00.000");
+    EXPECT_EQ(Time(LLONG_MAX).ToString(), "292278994-08-17 07:12:55.807");
+    EXPECT_EQ(Time(LLONG_MIN).ToString(), "-292275055-05-16 16:47:04.192");
+}
+
+TEST(Time, EncodesFieldsThatCarryOver) {
+    struct Row {
+        int year, month, day, hour, minute, second, millisecond;
+        char const* expected;
+    };
+    for (Row const& row : {Row{2020, 13, 1, 0, 0, 0, 0, "2021-01-01 00:00:00.000"},
+                           Row{2020, 3, 0, 0, 0, 0, 0, "2020-02-29 00:00:00.000"},
+                           Row{2019, 3, 0, 0, 0, 0, 0, "2019-02-28 00:00:00.000"},
+                           Row{2000, 0, 31, 24, 0, 0, 0, "2000-01-01 00:00:00.000"},
+                           Row{1900, 2, 29, 0, -1, 60, 1000, "1900-03-01 00:00:01.000"}}) {
+        EXPECT_EQ(Time::encode(row.year, row.month, row.day, row.hour, row.minute, row.second,
+                               row.millisecond)
+                      .ToString(),
+                  row.expected);
+    }
+    EXPECT_EQ(Time::encode(INT_MAX, INT_MAX, INT_MAX, INT_MAX, INT_MAX, INT_MAX, INT_MAX),
+              Time(LLONG_MAX));
+    EXPECT_EQ(Time::encode(INT_MIN, INT_MIN, INT_MIN, INT_MIN, INT_MIN, INT_MIN, INT_MIN),
+              Time(LLONG_MIN));
+}
+
+TEST(Time, AgreesWithTheCLibrarysCalendar) {
+    std::mt19937_64 random(20180307);
+    std::uniform_int_distribution<long long> seconds(-60000000000, 250000000000);
+    for (int round = 0; round < 20000; ++round) {
+        std::time_t const when = seconds(random);
+        std::tm const expected = *std::gmtime(&when);
+        std::tm const fields = Time::gmtime(when);
+        ASSERT_EQ(fields.tm_year, expected.tm_year) << when;
+        ASSERT_EQ(fields.tm_yday, expected.tm_yday) << when;
+        ASSERT_EQ(fields.tm_mday, expected.tm_mday) << when;
+        ASSERT_EQ(fields.tm_wday, expected.tm_wday) << when;
+        ASSERT_EQ(fields.tm_hour * 3600 + fields.tm_min * 60 + fields.tm_sec,
+                  expected.tm_hour * 3600 + expected.tm_min * 60 + expected.tm_sec);
+        ASSERT_EQ(Time::timegm(fields), when);
+    }
+}
+
+TEST(Time, CalculatesWithoutOverflow) {
+    EXPECT_EQ(Time(5) - Time(7), Interval(-2));
+    EXPECT_EQ(Time(LLONG_MAX) + Interval(1), Time(LLONG_MAX));
+    EXPECT_EQ(Time(LLONG_MIN) - Time(1), Interval(LLONG_MIN));
+
+    Time time = Time::encode(2018, 3, 7, 9, 5, 2, 45);
+    time.ModifyDate(2020, 2, 29);
+    EXPECT_EQ(time.ToString(), "2020-02-29 09:05:02.045");
+    time.ModifyTime(23, 59, 60);
+    EXPECT_EQ(time.ToString(), "2020-03-01 00:00:00.000");
+}
+
+TEST(Time, ConvertsJulianDays) {
+    Time const noon = Time::encode(2000, 1, 1, 12);
+    EXPECT_EQ(Time::timeToJulian(noon), 2451545.0);
+    EXPECT_EQ(Time::timeToJulianModified(noon), 51544.5);
+    EXPECT_EQ(Time::julianToTimeModified(0).ToString(), "1858-11-17 00:00:00.000");
+    Time const odd = Time::encode(2018, 3, 7, 9, 5, 2, 45);
+    EXPECT_EQ(Time::julianToTime(Time::timeToJulian(odd)), odd);
+    EXPECT_EQ(Time::julianToTimeModified(Time::timeToJulianModified(odd)), odd);
+    EXPECT_EQ(Time::julianToTime(1e300), Time(LLONG_MAX));
+}
+
+TEST(Time, FormatsByPattern) {
+    Time const time = Time::encode(2018, 3, 7, 9, 5, 2, 45);
+    EXPECT_EQ(time.Format("dd.mm.yyyy, HH:MM"), "07.03.2018, 09:05");
+    EXPECT_EQ(time.Format("yyyymmddHHMMSSzzz"), "20180307090502045");
+    EXPECT_EQ(time.Format("yyy m %1 \x80"), "yyy m %1 \x80");
+}
+
+TEST(Time, ReadsWhatItWrote) {
+    std::mt19937_64 random(20180307);
+    std::uniform_int_distribution<long long> any(LLONG_MIN, LLONG_MAX);
+    for (int round = 0; round < 5000; ++round) {
+        Time const time(round % 2 == 0 ? any(random) : any(random) % 100000000000000);
+        Time read;
+        ASSERT_TRUE(read.FromString(time.ToString())) << time.ToString().getCString();
+        ASSERT_EQ(read, time);
+        ASSERT_TRUE(
+            read.FromString(time.Format("zzz SS|MM|HH dd/mm/yyyy"), "zzz SS|MM|HH dd/mm/yyyy"));
+        ASSERT_EQ(read, time);
+    }
+    Time read;
+    EXPECT_TRUE(read.FromString("20240229", "yyyymmdd"));
+    EXPECT_EQ(read, Time::encode(2024, 2, 29));
+    EXPECT_TRUE(read.FromString("07:30", "HH:MM"));
+    EXPECT_EQ(read, Time(27000000));
+}
+
+TEST(Time, RefusesWhatDoesNotFit) {
+    struct Row {
+        char const* text;
+        char const* pattern;
+    };
+    Time const before(12345);
+    for (Row const& row :
+         {Row{"", "yyyy"}, Row{"x", "x"}, Row{"", ""}, Row{"2018-13-01", "yyyy-mm-dd"},
+          Row{"2018-04-31", "yyyy-mm-dd"}, Row{"1900-02-29", "yyyy-mm-dd"},
+          Row{"2018-00-01", "yyyy-mm-dd"}, Row{"24:00", "HH:MM"}, Row{"23:60", "HH:MM"},
+          Row{"7:30", "HH:MM"}, Row{"-1:30", "HH:MM"}, Row{" 1:30", "HH:MM"},
+          Row{"07:30 ", "HH:MM"}, Row{"07:3", "HH:MM"}, Row{"07-30", "HH:MM"},
+          Row{"99999999999", "yyyy"}, Row{"-201", "yyyymm"}, Row{"18", "yyyy"}}) {
+        Time time(before);
+        EXPECT_FALSE(time.FromString(row.text, row.pattern)) << row.text << " as " << row.pattern;
+        EXPECT_EQ(time, before) << row.text;
+    }
+}
+
+}  // namespace
