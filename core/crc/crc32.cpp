@@ -1,54 +1,12 @@
 #include "core/crc/crc32.h"
 
-#include <array>
 #include <cstddef>
 #include <cstdint>
 
+#include "core/crc/crc32Folding.h"
+#include "core/crc/crc32Tables.h"
+
 namespace core::crc32 {
-
-namespace {
-
-constexpr std::size_t tableCount = 8;
-using Tables = std::array<std::array<std::uint32_t, 256>, tableCount>;
-
-/// Table 0 carries one byte through the polynomial; table k carries a byte that k more follow.
-constexpr Tables makeTables() {
-    Tables tables{};
-    for (std::uint32_t i = 0; i < 256; ++i) {
-        std::uint32_t value = i;
-        for (int bit = 0; bit < 8; ++bit) {
-            value = (value >> 1) ^ ((value & 1) != 0 ? 0xEDB88320u : 0u);
-        }
-        tables[0][i] = value;
-    }
-    for (std::size_t k = 1; k < tableCount; ++k) {
-        for (std::size_t i = 0; i < 256; ++i) {
-            std::uint32_t const previous = tables[k - 1][i];
-            tables[k][i] = (previous >> 8) ^ tables[0][previous & 0xFF];
-        }
-    }
-    return tables;
-}
-
-constexpr Tables tables = makeTables();
-
-constexpr std::uint32_t littleEndian(unsigned char const* bytes) {
-    return static_cast<std::uint32_t>(bytes[0]) | static_cast<std::uint32_t>(bytes[1]) << 8 |
-           static_cast<std::uint32_t>(bytes[2]) << 16 | static_cast<std::uint32_t>(bytes[3]) << 24;
-}
-
-/// Eight bytes at a time through the eight tables: the look-ups do not wait for one another.
-std::uint32_t updateGroups(unsigned char const* bytes, std::size_t groups, std::uint32_t c) {
-    for (; groups > 0; --groups, bytes += tableCount) {
-        c ^= littleEndian(bytes);
-        c = tables[7][c & 0xFF] ^ tables[6][(c >> 8) & 0xFF] ^ tables[5][(c >> 16) & 0xFF] ^
-            tables[4][c >> 24] ^ tables[3][bytes[4]] ^ tables[2][bytes[5]] ^ tables[1][bytes[6]] ^
-            tables[0][bytes[7]];
-    }
-    return c;
-}
-
-}  // namespace
 
 int init() {
     return 0;
@@ -63,13 +21,15 @@ unsigned int update(void const* data, int length, unsigned int crc) {
         return crc;
     }
     auto const* bytes = static_cast<unsigned char const*>(data);
-    auto const size = static_cast<std::size_t>(length);
-    std::size_t const groups = size / tableCount;
-    std::uint32_t c = updateGroups(bytes, groups, ~crc);
-    for (std::size_t i = groups * tableCount; i < size; ++i) {
-        c = tables[0][(c ^ bytes[i]) & 0xFF] ^ (c >> 8);
+    auto size = static_cast<std::size_t>(length);
+    std::uint32_t c = ~crc;
+    if (size >= foldedBlock && canFold()) {
+        std::size_t const blocks = size / foldedBlock;
+        c = updateByFolding(bytes, blocks, c);
+        bytes += blocks * foldedBlock;
+        size %= foldedBlock;
     }
-    return ~c;
+    return ~updateWithTables(bytes, size, c);
 }
 
 unsigned int update(unsigned char byte, unsigned int crc) {
@@ -91,3 +51,31 @@ unsigned int updatebe(unsigned int value, unsigned int crc) {
 }
 
 }  // namespace core::crc32
+
+namespace core {
+
+void Crc32::Update(void const* data, int length) {
+    value_ = crc32::update(data, length, value_);
+}
+
+void Crc32::Update(Buffer const& bytes) {
+    Update(bytes.GetData(), bytes.GetSize());
+}
+
+void Crc32::Update(String const& text) {
+    Update(text.getCString(), text.GetLength());
+}
+
+void Crc32::Update(unsigned char byte) {
+    value_ = crc32::update(byte, value_);
+}
+
+void Crc32::Update(unsigned int value) {
+    value_ = crc32::updatele(value, value_);
+}
+
+void Crc32::UpdateInvertByteOrder(unsigned int value) {
+    value_ = crc32::updatebe(value, value_);
+}
+
+}  // namespace core

@@ -5,7 +5,9 @@
 #include <vector>
 
 #include "core/crc/crc.h"
+#include "core/crc/crc16.h"
 #include "core/crc/crc32.h"
+#include "core/crc/crc32Tables.h"
 
 namespace {
 
@@ -36,6 +38,9 @@ TEST(Crc32, AgreesWithZlibForEveryLengthAlignmentAndSplit) {
             auto const expected =
                 static_cast<unsigned int>(::crc32(0, bytes, static_cast<unsigned int>(length)));
             ASSERT_EQ(crc32::update(bytes, length, 0), expected) << length << " at " << offset;
+            ASSERT_EQ(~crc32::updateWithTables(bytes, static_cast<std::size_t>(length), ~0U),
+                      expected)
+                << length << " at " << offset;
             int const split = length == 0 ? 0 : static_cast<int>(random()) % (length + 1);
             int const head = split < 0 ? -split : split;
             ASSERT_EQ(crc32::update(bytes + head, length - head, crc32::update(bytes, head, 0)),
@@ -43,6 +48,37 @@ TEST(Crc32, AgreesWithZlibForEveryLengthAlignmentAndSplit) {
                 << length << " split at " << head;
         }
     }
+}
+
+TEST(Crc16, KnownValues) {
+    auto const* const digits = reinterpret_cast<unsigned char const*>("123456789");
+    EXPECT_EQ(core::crc16::xmodem_update(digits, 9, 0), 0x31C3);
+    EXPECT_EQ(core::crc16::xmodem_update(digits, 0, 0x1234), 0x1234);
+    EXPECT_EQ(core::crc16::xmodem_update(nullptr, -1, 0x1234), 0x1234);
+    EXPECT_EQ(core::crc16::xmodem_update(digits + 4, 5, core::crc16::xmodem_update(digits, 4, 0)),
+              0x31C3);
+}
+
+TEST(RunningCrcs, TakeTextsBuffersBytesAndWords) {
+    core::Crc32 whole;
+    whole.Update("1234567\x01\x02\x03\x04\x04\x03\x02\x01", 15);
+    core::Crc32 pieces;
+    pieces.Update(core::String("123"));
+    pieces.Update(core::Buffer("456", 3));
+    pieces.Update(core::Buffer());
+    pieces.Update(static_cast<unsigned char>('7'));
+    pieces.Update(0x04030201u);
+    pieces.UpdateInvertByteOrder(0x04030201u);
+    EXPECT_EQ(pieces.Get(), whole.Get());
+    pieces.Restart(7);
+    EXPECT_EQ(pieces.Get(), 7u);
+
+    core::Crc16 crc16;
+    crc16.Update("123", 3);
+    crc16.Update(core::String("456"));
+    crc16.Update(core::Buffer("78", 2));
+    crc16.Update(static_cast<unsigned char>('9'));
+    EXPECT_EQ(crc16.Get(), 0x31C3);
 }
 
 }  // namespace
