@@ -45,10 +45,12 @@ TEST(ReferenceCounted, CountsOnSeveralThreads) {
     {
         core::ClassRef<Counted> shared(new Counted(deleted));
         std::vector<std::thread> threads;
+        threads.reserve(4);
         for (int i = 0; i < 4; ++i) {
             threads.emplace_back([copy = shared] {
                 for (int round = 0; round < 1000; ++round) {
-                    core::ClassRef<Counted> held(copy);
+                    core::ClassRef<Counted> held;
+                    held = copy;
                 }
             });
         }

@@ -1,0 +1,93 @@
+#include "core/crc/crc32.h"
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+
+namespace core::crc32 {
+
+namespace {
+
+constexpr std::size_t tableCount = 8;
+using Tables = std::array<std::array<std::uint32_t, 256>, tableCount>;
+
+/// Table 0 carries one byte through the polynomial; table k carries a byte that k more follow.
+constexpr Tables makeTables() {
+    Tables tables{};
+    for (std::uint32_t i = 0; i < 256; ++i) {
+        std::uint32_t value = i;
+        for (int bit = 0; bit < 8; ++bit) {
+            value = (value >> 1) ^ ((value & 1) != 0 ? 0xEDB88320u : 0u);
+        }
+        tables[0][i] = value;
+    }
+    for (std::size_t k = 1; k < tableCount; ++k) {
+        for (std::size_t i = 0; i < 256; ++i) {
+            std::uint32_t const previous = tables[k - 1][i];
+            tables[k][i] = (previous >> 8) ^ tables[0][previous & 0xFF];
+        }
+    }
+    return tables;
+}
+
+constexpr Tables tables = makeTables();
+
+constexpr std::uint32_t littleEndian(unsigned char const* bytes) {
+    return static_cast<std::uint32_t>(bytes[0]) | static_cast<std::uint32_t>(bytes[1]) << 8 |
+           static_cast<std::uint32_t>(bytes[2]) << 16 | static_cast<std::uint32_t>(bytes[3]) << 24;
+}
+
+/// Eight bytes at a time through the eight tables: the look-ups do not wait for one another.
+std::uint32_t updateGroups(unsigned char const* bytes, std::size_t groups, std::uint32_t c) {
+    for (; groups > 0; --groups, bytes += tableCount) {
+        c ^= littleEndian(bytes);
+        c = tables[7][c & 0xFF] ^ tables[6][(c >> 8) & 0xFF] ^ tables[5][(c >> 16) & 0xFF] ^
+            tables[4][c >> 24] ^ tables[3][bytes[4]] ^ tables[2][bytes[5]] ^ tables[1][bytes[6]] ^
+            tables[0][bytes[7]];
+    }
+    return c;
+}
+
+}  // namespace
+
+int init() {
+    return 0;
+}
+
+void Start(unsigned int& crc) {
+    crc = 0;
+}
+
+unsigned int update(void const* data, int length, unsigned int crc) {
+    if (length < 1) {
+        return crc;
+    }
+    auto const* bytes = static_cast<unsigned char const*>(data);
+    auto const size = static_cast<std::size_t>(length);
+    std::size_t const groups = size / tableCount;
+    std::uint32_t c = updateGroups(bytes, groups, ~crc);
+    for (std::size_t i = groups * tableCount; i < size; ++i) {
+        c = tables[0][(c ^ bytes[i]) & 0xFF] ^ (c >> 8);
+    }
+    return ~c;
+}
+
+unsigned int update(unsigned char byte, unsigned int crc) {
+    return update(&byte, 1, crc);
+}
+
+unsigned int updatele(unsigned int value, unsigned int crc) {
+    unsigned char const bytes[] = {
+        static_cast<unsigned char>(value), static_cast<unsigned char>(value >> 8),
+        static_cast<unsigned char>(value >> 16), static_cast<unsigned char>(value >> 24)};
+    return update(bytes, sizeof bytes, crc);
+}
+
+unsigned int updatebe(unsigned int value, unsigned int crc) {
+    unsigned char const bytes[] = {
+        static_cast<unsigned char>(value >> 24), static_cast<unsigned char>(value >> 16),
+        static_cast<unsigned char>(value >> 8), static_cast<unsigned char>(value)};
+    return update(bytes, sizeof bytes, crc);
+}
+
+}  // namespace core::crc32

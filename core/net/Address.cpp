@@ -1,0 +1,49 @@
+#include "core/net/Address.h"
+
+#include <utility>
+
+namespace core {
+
+SocketResult Address::DecomposeAddress(String const& text, String& host, String& service) {
+    int const bar = text.Find('|', 0);
+    if (bar < 1) {
+        return socket_result::invalid;
+    }
+    // Host or service may be the same object as text: both parts are taken before one is stored.
+    String left = text.Left(bar);
+    service = text.Copy(bar + 1, -1);
+    host = std::move(left);
+    return socket_result::success;
+}
+
+String Address::ComposeAddress(String const& host, String const& service) {
+    return host.AppendNew('|').AppendNew(service);
+}
+
+void Address::ComposeAddress(String const& host, String const& service, String& out) {
+    out = ComposeAddress(host, service);
+}
+
+ClassRef<AddressInfo> Address::GetInfo(String const& text, SocketDomain domain, SocketType type,
+                                       bool) {
+    String host(text);
+    String service;
+    DecomposeAddress(text, host, service);
+    char const* const serviceText = service.GetLength() > 0 ? service.getCString() : nullptr;
+    sys::platform::ResolvedEntry* chain = nullptr;
+    if (sys::platform::resolve(host.getCString(), serviceText, domain, type, chain) != 0) {
+        return {};
+    }
+    return new AddressInfo(chain);
+}
+
+ClassRef<AddressInfo> Address::GetInfo(String const& text, bool flag) {
+    return GetInfo(text, SocketDomain::unspecified, SocketType::stream, flag);
+}
+
+ClassRef<AddressInfo> Address::GetInfo(String const& text, SocketType type, bool flag) {
+    ClassRef<AddressInfo> const found = GetInfo(text, SocketDomain::IPv4, type, flag);
+    return found ? found : GetInfo(text, SocketDomain::IPv6, type, flag);
+}
+
+}  // namespace core

@@ -1,0 +1,7 @@
+#include "core/net/IPeer.h"
+
+namespace core {
+
+IPeer::~IPeer() = default;
+
+}  // namespace core

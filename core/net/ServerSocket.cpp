@@ -1,0 +1,157 @@
+#include "core/net/ServerSocket.h"
+
+#include "core/net/Address.h"
+#include "core/net/InfoSocketAddr.h"
+#include "core/runtime/CountDownTimer.h"
+#include "sys/scheduler.h"
+
+namespace core {
+
+namespace {
+
+int const stopSlice = 5;  ///< ms between two looks at the workers that are to end
+
+}  // namespace
+
+ServerSocket::ServerSocket(SocketType type) : type_(type) {}
+
+ServerSocket::~ServerSocket() {
+    StopListen(-1);
+}
+
+char const* ServerSocket::ClassName() const {
+    return "ServerSocket";
+}
+
+int ServerSocket::AddBind(String const& text) {
+    if (count_ == maxBinds) {
+        return -1;
+    }
+    slots_[static_cast<unsigned>(count_)].bind = text;
+    return count_++;
+}
+
+int ServerSocket::AddBind(IPv4Address const& address) {
+    return AddBind(address.GetAsString(true));
+}
+
+String ServerSocket::GetBind(int index) const {
+    return InUse(index) ? slots_[static_cast<unsigned>(index)].bind : String();
+}
+
+void ServerSocket::ClearBinds() {
+    if (IsListening()) {
+        return;
+    }
+    for (Slot& slot : slots_) {
+        slot.bind.Clear();
+    }
+    count_ = 0;
+}
+
+String ServerSocket::GetBoundName(int index) const {
+    return InUse(index) ? slots_[static_cast<unsigned>(index)].bound : String();
+}
+
+int ServerSocket::StartListen() {
+    if (count_ == 0) {
+        return -1;
+    }
+    if (IsListening()) {
+        return 0;
+    }
+    int started = 0;
+    for (int i = 0; i < count_; ++i) {
+        started += StartOne(i) == socket_result::success ? 1 : 0;
+    }
+    return started > 0 ? started : -1;
+}
+
+SocketResult ServerSocket::StartOne(int index) {
+    if (!InUse(index)) {
+        return socket_result::invalid;
+    }
+    Slot& slot = slots_[static_cast<unsigned>(index)];
+    if (slot.worker) {
+        return socket_result::wrongState;
+    }
+    ClassRef<AddressInfo> const info = Address::GetInfo(slot.bind, type_, false);
+    if (!info) {
+        return socket_result::noAddress;
+    }
+    ClassRef<Socket> const socket(new Socket(info->GetSocketAddress()->GetDomain(), type_));
+    SocketResult const result = socket->Bind(info);
+    if (result != socket_result::success) {
+        return result;
+    }
+    // Listening starts here already, so that who reads the bound address from us can connect at
+    // once; the worker tries again if it failed.
+    socket->Listen();
+    socket->GetSockName(slot.bound, true);
+    slot.worker = std::make_unique<ServerSocketThread>(*this, socket, slot.bind, index);
+    if (!slot.worker->Start()) {
+        slot.worker.reset();
+        slot.bound.Clear();
+        return socket_result::failed;
+    }
+    return socket_result::success;
+}
+
+bool ServerSocket::IsListening() const {
+    for (Slot const& slot : slots_) {
+        if (slot.worker) {
+            return true;
+        }
+    }
+    return false;
+}
+
+bool ServerSocket::Terminated(int index) const {
+    return !InUse(index) || !slots_[static_cast<unsigned>(index)].worker ||
+           slots_[static_cast<unsigned>(index)].worker->IsTerminated();
+}
+
+void ServerSocket::StopListen(long long timeoutMs) {
+    StopRange(0, maxBinds, timeoutMs);
+}
+
+void ServerSocket::StopOne(int index, long long timeoutMs) {
+    if (InUse(index)) {
+        StopRange(index, index + 1, timeoutMs);
+    }
+}
+
+void ServerSocket::StopRange(int first, int last, long long timeoutMs) {
+    for (int i = first; i < last; ++i) {
+        if (Slot& slot = slots_[static_cast<unsigned>(i)]; slot.worker) {
+            slot.worker->RequestTermination();
+        }
+    }
+    CountDownTimer timer(timeoutMs < 0 ? 0 : static_cast<unsigned long long>(timeoutMs));
+    while (!ReapFinished(first, last)) {
+        if (timeoutMs >= 0 && timer.Expired()) {
+            return;
+        }
+        sys::scheduler::sleepms(stopSlice);
+    }
+}
+
+bool ServerSocket::ReapFinished(int first, int last) {
+    bool all = true;
+    for (int i = first; i < last; ++i) {
+        Slot& slot = slots_[static_cast<unsigned>(i)];
+        if (slot.worker && !slot.worker->IsTerminated()) {
+            all = false;
+        } else if (slot.worker) {
+            slot.worker.reset();
+            slot.bound.Clear();
+        }
+    }
+    return all;
+}
+
+void ServerSocket::DoAccept(ClassRef<Socket>& accepted, String const& bind, int index) {
+    HandleConnection(accepted, bind, index);
+}
+
+}  // namespace core

@@ -1,0 +1,84 @@
+#pragma once
+
+#include <array>
+#include <memory>
+
+#include "core/net/IPv4Address.h"
+#include "core/net/ServerSocketThread.h"
+#include "core/net/Socket.h"
+#include "core/net/SocketResult.h"
+#include "core/net/SocketTypes.h"
+#include "core/object/BasicClass.h"
+#include "core/object/ClassRef.h"
+#include "core/text/String.h"
+
+namespace core {
+
+/// Listens on up to 32 local addresses, one worker thread each, and hands every connection to
+/// HandleConnection. The table of addresses belongs to one thread; handlers of different addresses
+/// run at the same time.
+class ServerSocket : public BasicClass {
+public:
+    static constexpr int maxBinds = 32;
+
+    explicit ServerSocket(SocketType type);
+    ServerSocket(ServerSocket const&) = delete;
+    ServerSocket& operator=(ServerSocket const&) = delete;
+    /// Stops the workers and waits for them. A derived class calls StopListen in its own
+    /// destructor, because its handler is gone by now.
+    ~ServerSocket() override;
+
+    char const* ClassName() const override;
+
+    /// Adds an address, host "|" service; its index, or -1 when all 32 are taken.
+    int AddBind(String const& text);
+    int AddBind(IPv4Address const& address);
+    int BindsCount() const { return count_; }
+    /// The text of an address; empty when there is none at index.
+    String GetBind(int index) const;
+    /// Removes all addresses that have no worker.
+    void ClearBinds();
+
+    /// The address that a served slot is really bound to: it differs from GetBind where the port
+    /// was 0 and a free one was taken. Empty when the slot is not served.
+    String GetBoundName(int index) const;
+
+    /// Starts a worker for every address: the number started, 0 when some are already served, -1
+    /// when there are none or none could be started.
+    int StartListen();
+    /// Starts the worker of one address; connections are taken from then on.
+    SocketResult StartOne(int index);
+    bool IsListening() const;
+    /// Whether the address has no worker or a finished one.
+    bool Terminated(int index) const;
+
+    /// Tells all workers to end and waits up to timeoutMs milliseconds for them; a worker that is
+    /// still in its handler then stays. A negative time waits as long as it takes.
+    void StopListen(long long timeoutMs);
+    void StopOne(int index, long long timeoutMs);
+
+    /// Calls the handler; used by the workers.
+    void DoAccept(ClassRef<Socket>& accepted, String const& bind, int index);
+
+protected:
+    /// Called on the worker's thread with the accepted socket, the text of the address that it
+    /// came in on, and its index. The connection is closed when nobody holds the socket any more.
+    virtual void HandleConnection(ClassRef<Socket>& socket, String const& bind, int index) = 0;
+
+private:
+    struct Slot {
+        String bind;
+        String bound;
+        std::unique_ptr<ServerSocketThread> worker;
+    };
+
+    bool InUse(int index) const { return index >= 0 && index < count_; }
+    void StopRange(int first, int last, long long timeoutMs);
+    bool ReapFinished(int first, int last);
+
+    SocketType type_;
+    std::array<Slot, maxBinds> slots_;
+    int count_ = 0;
+};
+
+}  // namespace core

@@ -1,0 +1,70 @@
+#include "core/net/ServerSocketThread.h"
+
+#include "core/net/ServerSocket.h"
+#include "sys/scheduler.h"
+
+namespace core {
+
+namespace {
+
+int const listenRetry = 2;     ///< ms between two attempts to listen
+int const acceptSlice = 100;   ///< ms of waiting between two looks at the termination request
+int const acceptBackOff = 50;  ///< ms after a failed accept: without free descriptors it would spin
+
+}  // namespace
+
+ServerSocketThread::ServerSocketThread(ServerSocket& server, ClassRef<Socket> const& socket,
+                                       String const& bind, int index)
+    : server_(server), socket_(socket), bind_(bind), index_(index) {
+    bind_.Unique();
+}
+
+ServerSocketThread::~ServerSocketThread() {
+    RequestTermination();
+    Join();
+}
+
+char const* ServerSocketThread::ClassName() const {
+    return "ServerSocketThread";
+}
+
+void ServerSocketThread::Execute() {
+    // The socket is only touched on this thread: waiting in slices ends an accept as surely as
+    // closing it from outside, and no descriptor can be reused under a running call.
+    ExecuteStream();
+    DeleteSocket();
+}
+
+void ServerSocketThread::ExecuteStream() {
+    // A client may go away between the wait and the accept, which must not wait for the next one.
+    if (!ListenUntilTermination() || !socket_->setBlocking(false)) {
+        return;
+    }
+    while (!IsTerminationRequested()) {
+        if (!socket_->CanRecv(acceptSlice)) {
+            continue;
+        }
+        ClassRef<Socket> accepted;
+        if (socket_->Accept(accepted) == socket_result::success) {
+            server_.DoAccept(accepted, bind_, index_);
+        } else {
+            sys::scheduler::sleepms(acceptBackOff);
+        }
+    }
+}
+
+bool ServerSocketThread::ListenUntilTermination() {
+    while (!IsTerminationRequested()) {
+        if (socket_->Listen() == socket_result::success) {
+            return true;
+        }
+        sys::scheduler::sleepms(listenRetry);
+    }
+    return false;
+}
+
+void ServerSocketThread::DeleteSocket() {
+    socket_.Set(nullptr);
+}
+
+}  // namespace core

@@ -1,0 +1,109 @@
+#include "core/net/Socket.h"
+
+namespace core {
+
+namespace platform = sys::platform;
+
+bool Socket::init() {
+    return platform::startSockets();
+}
+
+void Socket::done() {
+    platform::stopSockets();
+}
+
+Socket::Socket(SocketDomain domain, SocketType type) {
+    if (CreateTheSocket(domain, type) == socket_result::success) {
+        domain_ = domain;
+        type_ = type;
+    }
+}
+
+Socket::Socket(platform::SocketHandle handle, ClassRef<SocketAddr> const& peer, SocketType type)
+    : type_(type), handle_(handle) {
+    if (peer) {
+        domain_ = peer->GetDomain();
+        peer->GetName(target_, true);
+    }
+}
+
+Socket::~Socket() {
+    CloseTheSocket(false);
+}
+
+char const* Socket::ClassName() const {
+    return "Socket";
+}
+
+SocketResult Socket::CreateTheSocket(SocketDomain domain, SocketType type) {
+    if (IsOpen()) {
+        return socket_result::wrongState;
+    }
+    handle_ = platform::openSocket(domain, type);
+    return IsOpen() ? socket_result::success : LastResult();
+}
+
+SocketResult Socket::Close() {
+    return CloseTheSocket(false) ? socket_result::success : socket_result::wrongState;
+}
+
+bool Socket::CloseTheSocket(bool both) {
+    if (!IsOpen()) {
+        return false;
+    }
+    if (both) {
+        platform::shutdownBoth(handle_);
+    } else {
+        platform::shutdownSending(handle_);
+    }
+    platform::closeSocket(handle_);
+    handle_ = platform::noSocket;
+    return true;
+}
+
+bool Socket::ShutdownSend() {
+    return IsOpen() && platform::shutdownSending(handle_) == 0;
+}
+
+bool Socket::Abort() {
+    if (!IsOpen()) {
+        return false;
+    }
+    platform::resetSocket(handle_);
+    handle_ = platform::noSocket;
+    return true;
+}
+
+int Socket::checkRecv(int ms) const {
+    return IsOpen() ? platform::waitReadable(handle_, ms) : 0;
+}
+
+int Socket::checkSend(int ms) const {
+    return platform::waitWritable(handle_, ms);
+}
+
+bool Socket::CanRecv(int ms) const {
+    return checkRecv(ms) > 0;
+}
+
+bool Socket::CanSend(int ms) const {
+    return checkSend(ms) > 0;
+}
+
+bool Socket::setBlocking(bool blocking) {
+    if (!platform::setNonBlocking(handle_, !blocking)) {
+        return false;
+    }
+    blocking_ = blocking;
+    return true;
+}
+
+bool Socket::IsOpen() const {
+    return handle_ != platform::noSocket;
+}
+
+SocketResult Socket::LastResult() const {
+    return SocketResultFrom_errno(platform::lastSocketError(), true);
+}
+
+}  // namespace core

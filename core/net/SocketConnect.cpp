@@ -1,0 +1,128 @@
+#include <limits>
+
+#include "core/net/Address.h"
+#include "core/net/InfoSocketAddr.h"
+#include "core/net/Socket.h"
+
+namespace core {
+
+namespace platform = sys::platform;
+
+namespace {
+
+int const largestBacklog = std::numeric_limits<int>::max();
+
+using AddressCall = int (*)(platform::SocketHandle, void*, int&);
+
+/// Tries the addresses of the chain in order until one succeeds; the result of the last attempt.
+template <class Attempt>
+SocketResult firstSuccess(ClassRef<AddressInfo> const& info, Attempt attempt) {
+    SocketResult result = socket_result::failed;
+    for (ClassRef<AddressInfo> entry = info; entry; entry = entry->Next()) {
+        result = attempt(ClassRef<SocketAddr>(entry->GetSocketAddress().Get()));
+        if (result == socket_result::success) {
+            break;
+        }
+    }
+    return result;
+}
+
+ClassRef<SocketAddr> readAddress(AddressCall call, platform::SocketHandle handle) {
+    unsigned char bytes[platform::addressRoom];
+    int length = sizeof bytes;
+    return call(handle, bytes, length) == 0 ? new SocketAddr(bytes, length) : nullptr;
+}
+
+}  // namespace
+
+SocketResult Socket::Connect(String const& text) {
+    ClassRef<AddressInfo> const info = Address::GetInfo(text, domain_, type_, false);
+    return info ? Connect(info) : socket_result::noAddress;
+}
+
+SocketResult Socket::Connect(ClassRef<AddressInfo> const& info) {
+    return firstSuccess(info,
+                        [this](ClassRef<SocketAddr> const& address) { return Connect(address); });
+}
+
+SocketResult Socket::Connect(ClassRef<SocketAddr> const& address) {
+    if (!address) {
+        return socket_result::failed;
+    }
+    if (!IsOpen()) {
+        SocketResult const created = CreateTheSocket(domain_, type_);
+        if (created != socket_result::success) {
+            return created;
+        }
+    }
+    return ConnectOpen(*address);
+}
+
+SocketResult Socket::ConnectOpen(SocketAddr const& address) {
+    if (platform::connectSocket(handle_, address.GetBytes(), address.GetLength()) != 0) {
+        return LastResult();
+    }
+    return address.GetName(target_, true);
+}
+
+bool Socket::Connect() {
+    if (IsOpen()) {
+        return true;
+    }
+    return target_.GetLength() > 0 && Connect(String(target_)) == socket_result::success;
+}
+
+bool Socket::IsConnected() const {
+    return IsOpen() && checkRecv(0) >= 0;
+}
+
+bool Socket::GetTarget(String& target) const {
+    target = target_;
+    return IsOpen();
+}
+
+void Socket::SetTarget(String const& target) {
+    target_ = target;
+}
+
+SocketResult Socket::Bind(ClassRef<AddressInfo> const& info) {
+    return firstSuccess(info,
+                        [this](ClassRef<SocketAddr> const& address) { return Bind(address); });
+}
+
+SocketResult Socket::Bind(ClassRef<SocketAddr> const& address) {
+    if (!address) {
+        return socket_result::failed;
+    }
+    bool const bound =
+        platform::bindSocket(handle_, address->GetBytes(), address->GetLength()) == 0;
+    return bound ? socket_result::success : LastResult();
+}
+
+SocketResult Socket::Listen() {
+    return platform::listenSocket(handle_, largestBacklog) == 0 ? socket_result::success
+                                                                : LastResult();
+}
+
+SocketResult Socket::Accept(ClassRef<Socket>& accepted) {
+    unsigned char bytes[platform::addressRoom];
+    int length = sizeof bytes;
+    platform::SocketHandle const handle = platform::acceptSocket(handle_, bytes, length);
+    if (handle == platform::noSocket) {
+        return LastResult();
+    }
+    accepted = new Socket(handle, ClassRef<SocketAddr>(new SocketAddr(bytes, length)), type_);
+    return socket_result::success;
+}
+
+SocketResult Socket::GetSockName(String& name, bool numeric) const {
+    ClassRef<SocketAddr> const address = readAddress(&platform::localAddress, handle_);
+    return address ? address->GetName(name, numeric) : LastResult();
+}
+
+SocketResult Socket::GetPeerName(String& name, bool numeric) const {
+    ClassRef<SocketAddr> const address = readAddress(&platform::peerAddress, handle_);
+    return address ? address->GetName(name, numeric) : LastResult();
+}
+
+}  // namespace core

@@ -1,0 +1,118 @@
+#include <algorithm>
+
+#include "core/net/Socket.h"
+#include "core/runtime/CountDownTimer.h"
+#include "sys/scheduler.h"
+
+namespace core {
+
+namespace platform = sys::platform;
+
+namespace {
+
+int const receiveSlice = 10;  ///< ms of RecvUntil between two looks at its timer
+int const transferSlice = 5;  ///< ms of Read and Write between two looks at theirs
+
+/// Moves bytes with move(done) whenever check(ms) says ready, until all have gone or the time is
+/// over: the bytes moved, or the negative result of the very first attempt.
+template <class Check, class Move>
+int transferUntil(int length, int timeoutMs, Check check, Move move) {
+    int const limit = std::max(timeoutMs, 0);
+    int const slice = std::min(limit, transferSlice);
+    CountDownTimer timer(static_cast<unsigned long long>(limit));
+    for (int done = 0; done < length;) {
+        int const ready = check(slice);
+        int const moved = ready > 0 ? move(done) : ready;
+        if (moved < 0) {
+            return done != 0 ? done : moved;
+        }
+        done += moved;
+        if (ready > 0 && moved == 0) {
+            // An ended stream is always ready: do not spin.
+            sys::scheduler::sleepms(transferSlice);
+        }
+        if (timer.Expired()) {
+            return done;
+        }
+    }
+    return std::max(length, 0);
+}
+
+}  // namespace
+
+int Socket::Send(void const* data, int length) {
+    int const sent = platform::sendBytes(handle_, data, length);
+    lastError_ = sent < 0 ? platform::lastSocketError() : 0;
+    return sent;
+}
+
+int Socket::Send(String const& text) {
+    return Send(text.getCString(), text.GetLength());
+}
+
+int Socket::Recv(void* buffer, int length) {
+    int const got = platform::receiveBytes(handle_, buffer, length);
+    lastError_ = got < 0 ? platform::lastSocketError() : 0;
+    return got;
+}
+
+bool Socket::WouldBlock() const {
+    return platform::wouldBlock(lastError_);
+}
+
+int Socket::RecvUntil(void* buffer, int length, long long timeoutMs) {
+    CountDownTimer timer(static_cast<unsigned long long>(timeoutMs));
+    auto* const bytes = static_cast<char*>(buffer);
+    for (int received = 0; received < length;) {
+        int const ready = IsOpen() ? platform::waitReadable(handle_, receiveSlice) : -1;
+        if (ready > 0) {
+            int const got = Recv(bytes + received, length - received);
+            if (got > 0) {
+                received += got;
+                timer.Reset(CountDownTimer::samePeriod);
+                continue;
+            }
+            if (got < 0 && !WouldBlock()) {
+                return received != 0 ? received : got;
+            }
+        }
+        if (ready != 0) {
+            // An ended stream is always ready and a missing socket never waits: do not spin.
+            sys::scheduler::sleepms(receiveSlice);
+        }
+        if (timer.Expired()) {
+            return received;
+        }
+    }
+    return std::max(length, 0);
+}
+
+int Socket::Read(void* buffer, int length) {
+    auto* const bytes = static_cast<char*>(buffer);
+    return transferUntil(
+        length, readTimeout_, [this](int ms) { return checkRecv(ms); },
+        [=, this](int done) { return BytesOrNone(Recv(bytes + done, length - done)); });
+}
+
+int Socket::Write(void const* data, int length) {
+    auto const* const bytes = static_cast<char const*>(data);
+    return transferUntil(
+        length, writeTimeout_, [this](int ms) { return checkSend(ms); },
+        [=, this](int done) { return BytesOrNone(Send(bytes + done, length - done)); });
+}
+
+int Socket::BytesOrNone(int result) const {
+    return result < 0 && WouldBlock() ? 0 : result;
+}
+
+bool Socket::SetReadTimeout(int ms) {
+    readTimeout_ = ms;
+    return true;
+}
+
+bool Socket::SetWriteTimeout(int ms) {
+    writeTimeout_ = ms;
+    return true;
+}
+
+}  // namespace core

@@ -1,0 +1,48 @@
+#include "core/runtime/AppStatus.h"
+
+#include "sys/file.h"
+
+namespace core {
+
+namespace {
+
+int const statusCount = 7;
+
+}  // namespace
+
+String AppStatus::folder_("/run");
+
+AppStatus::AppStatus(String const& applicationName) : name_(applicationName) {}
+
+char const* AppStatus::ClassName() const {
+    return "AppStatus";
+}
+
+String AppStatus::getFilePath() const {
+    return folder_.AppendNew(String::format("/%1.status").argi(1, name_));
+}
+
+bool AppStatus::writeToFile(int status) const {
+    return sys::file::setFileContents(getFilePath(), String::format("%1").argi(1, status), true) ==
+           0;
+}
+
+bool AppStatus::_setStatus(Status status) const {
+    return status == none ? sys::file::remove(getFilePath()) == 0 : writeToFile(status);
+}
+
+int AppStatus::readFromFile() const {
+    String const content = sys::file::getFileContents(getFilePath()).Trim();
+    return content.IsDecimal32() ? content.ToDecimal32(-1) : -1;
+}
+
+int AppStatus::GetStatus() const {
+    int const status = readFromFile();
+    return status < statusCount ? status : none;
+}
+
+void AppStatus::setFolder(String const& folder) {
+    folder_ = folder;
+}
+
+}  // namespace core

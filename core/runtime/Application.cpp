@@ -1,0 +1,172 @@
+#include "core/runtime/Application.h"
+
+#include <cstdlib>
+
+#include "core/crc/crc.h"
+#include "sys/platform/Process.h"
+#include "sys/scheduler.h"
+
+namespace core {
+
+namespace {
+
+std::atomic<Application*> instance = nullptr;
+
+}  // namespace
+
+Application::Application(String const& name)
+    : mainThreadId_(sys::platform::currentThreadId()), name_(name), status_(name) {
+    Application* none = nullptr;
+    if (!instance.compare_exchange_strong(none, this)) {
+        std::_Exit(EXIT_FAILURE);
+    }
+    sys::platform::prepareProcess();
+    crc::init();
+    status_._setStatus(AppStatus::constructed);
+}
+
+Application::~Application() {
+    status_._setStatus(AppStatus::ended);
+    version::free();
+}
+
+char const* Application::ClassName() const {
+    return "Application";
+}
+
+int Application::_addRef() {
+    return 0;
+}
+
+int Application::_release() {
+    return 0;
+}
+
+Application* Application::Instance() {
+    return instance;
+}
+
+String Application::AppName() {
+    Application const* const application = instance;
+    return application != nullptr ? application->name_ : String("GApplication == nil");
+}
+
+unsigned Application::MainThreadID() {
+    Application const* const application = instance;
+    return application != nullptr ? application->mainThreadId_ : 0;
+}
+
+void Application::setVersionNumber(unsigned major, unsigned minor) {
+    version::record().init(name_, major, minor, version::CEDevStage::unchanged);
+}
+
+void Application::setVersionNumber(String const& text) {
+    setVersionNumber(0, 0);
+    version::record().setNumberText(text);
+}
+
+void Application::setVersionModelName(String const& name) {
+    version::record().setModelName(name);
+}
+
+void Application::setDevStage(version::CEDevStage stage) {
+    version::record().setDevStage(stage);
+}
+
+void Application::setDescription(String const& description) {
+    version::record().setDescription(description);
+}
+
+void Application::setBuildVersion(String const& build) {
+    version::record().setBuild(build);
+}
+
+void Application::clearBuildVersion() {
+    version::record().setBuild(String());
+}
+
+String Application::getVersionNumber() const {
+    return version::record().getNumber();
+}
+
+String Application::getVersionBuild() const {
+    return version::record().getNumberAndBuild();
+}
+
+String Application::getVersionShort() const {
+    return version::record().getShort();
+}
+
+String Application::getVersionLong(bool withDescription) const {
+    return version::record().getLong(withDescription);
+}
+
+String Application::getDescription() const {
+    return version::record().getDescription();
+}
+
+String Application::getBuildVersion() const {
+    return version::record().getBuild();
+}
+
+int Application::Result() {
+    return 0;
+}
+
+void Application::RequestTermination(TerminationRequest request) {
+    Application* const application = instance;
+    TerminationRequest none = noRequest;
+    if (application == nullptr || request == noRequest ||
+        !application->terminationRequest_.compare_exchange_strong(none, request)) {
+        return;
+    }
+    application->terminationEvent_.Signal();
+    application->wakeEvent_.Signal();
+}
+
+Application::TerminationRequest Application::TerminationRequested() {
+    Application const* const application = instance;
+    return application != nullptr ? application->terminationRequest_.load() : noRequest;
+}
+
+bool Application::IsTerminationRequested() {
+    return TerminationRequested() != noRequest;
+}
+
+int Application::Sleep(int ms, bool interruptible) {
+    Application* const application = instance;
+    if (interruptible && application != nullptr) {
+        application->terminationEvent_.Wait(ms);
+    } else {
+        sys::scheduler::sleepms(ms);
+    }
+    return IsTerminationRequested() ? 1 : 0;
+}
+
+void Application::WakeLoop() {
+    if (Application* const application = instance; application != nullptr) {
+        application->wakeEvent_.Signal();
+    }
+}
+
+bool Application::InitOnce() {
+    return true;
+}
+
+bool Application::Init() {
+    return true;
+}
+
+void Application::Idle1s() {}
+
+void Application::Idle5s() {}
+
+void Application::Idle10s() {}
+
+void Application::Idle30s() {}
+
+void Application::Idle60s() {}
+
+void Application::Done() {}
+
+}  // namespace core

@@ -1,0 +1,191 @@
+#include <algorithm>
+#include <limits>
+
+#include "core/runtime/Application.h"
+
+namespace core {
+
+namespace {
+
+int const growthStep = 16;
+
+/// Equal ignoring case; an absent name is equal to nothing.
+bool sameName(String const& one, String const& other) {
+    return one.GetLength() > 0 && one.CompareIC(other) == 0;
+}
+
+/// The number of values that a grammar's entry asks for. Without one no use of the option is
+/// right: a count that was forgotten shows at the first try.
+int valueCount(String const& text) {
+    return text.GetLength() == 0 ? std::numeric_limits<int>::max()
+                                 : std::max(text.ToDecimal32(0), 0);
+}
+
+/// The entry of the grammar that names the option; -1 when there is none. An entry without a name
+/// (it lacks the "=") names none.
+int findInGrammar(StringArray const& grammar, String const& key) {
+    for (int i = 0; i < grammar.Count(); ++i) {
+        String const name = grammar.GetNameByIndex(i);
+        if (name.GetLength() > 0 && Application::SameOption(name, key)) {
+            return i;
+        }
+    }
+    return -1;
+}
+
+/// An option while its values are being gathered from the words behind it.
+struct PendingOption {
+    String key;  ///< "short|" or "|long"; empty when no option has been met yet
+    String values;
+
+    void Begin(String const& word, bool isLong) {
+        int const equals = word.Find('=', 0);
+        String const name = equals > 0 ? word.Left(equals) : word;
+        values = equals > 0 ? word.Copy(equals + 1, -1) : String();
+        key = isLong ? String("|").AppendNew(name) : name.AppendNew('|');
+    }
+
+    void AddValue(String const& word) {
+        if (key.GetLength() == 0) {
+            // Positional arguments do not exist: a word before any option means nothing.
+            return;
+        }
+        values = values.GetLength() > 0 ? values.AppendNew('|').AppendNew(word) : word;
+    }
+};
+
+}  // namespace
+
+bool Application::CommandLinePrepare(int argc, char const* const* argv, String const& grammar,
+                                     StringArray& errors) {
+    if (options_) {
+        options_->Clear();
+    } else {
+        options_.Set(new StringArray(growthStep));
+    }
+    StringArray entries(growthStep);
+    grammar.Split(entries, '>');
+
+    PendingOption pending;
+    auto const commit = [&] {
+        if (pending.key.GetLength() > 0) {
+            AddToArguments(pending.key, pending.values, entries, errors);
+        }
+    };
+    for (int i = 1; i < argc; ++i) {
+        if (argv[i] == nullptr) {
+            continue;
+        }
+        String const word(argv[i]);
+        bool const isLong = word.StartsWith("--");
+        if (!isLong && !word.StartsWith("-")) {
+            pending.AddValue(word);
+            continue;
+        }
+        commit();
+        pending.Begin(word.Copy(isLong ? 2 : 1, -1), isLong);
+    }
+    commit();
+    return true;
+}
+
+int Application::AddToArguments(String const& key, String const& values, StringArray const& grammar,
+                                StringArray& errors) {
+    String const shown = Requote(key).AppendNew(' ');
+    int const entry = findInGrammar(grammar, key);
+    if (entry < 0) {
+        errors.Add("Invalid option", shown.AppendNew(values));
+        return -1;
+    }
+    String const name = grammar.GetNameByIndex(entry);
+    int const stored = FindOptionIndex(name);
+    String gathered = values;
+    if (stored >= 0) {
+        String const before = options_->GetValueByIndex(stored);
+        if (before.GetLength() > 0) {
+            gathered = before.AppendNew('|').AppendNew(values);
+        }
+    }
+    int const given = gathered.GetLength() > 0 ? gathered.CountChars('|') + 1 : 0;
+    if (given != valueCount(grammar.GetValueByIndex(entry))) {
+        errors.Add("Invalid number of arguments", shown.AppendNew(gathered.Replace("|", " ")));
+        return -1;
+    }
+    if (stored < 0) {
+        return options_->Add(name, gathered);
+    }
+    options_->SetValueByIndex(stored, gathered);
+    return stored;
+}
+
+bool Application::FindOption(String const& query) const {
+    return FindOptionIndex(query) >= 0;
+}
+
+bool Application::GetOptionValues(String const& query, String& values) const {
+    int const index = FindOptionIndex(query);
+    if (index < 0) {
+        return false;
+    }
+    values = options_->GetValueByIndex(index);
+    return true;
+}
+
+int Application::FindOptionIndex(String const& query) const {
+    String queryShort;
+    String queryLong;
+    SplitOption(query, queryShort, queryLong);
+    if (query.Find('|', 0) < 0) {
+        queryLong = queryShort;
+    }
+    for (int i = 0; i < CountOptions(); ++i) {
+        String shortName;
+        String longName;
+        SplitOption(options_->GetNameByIndex(i), shortName, longName);
+        if (sameName(shortName, queryShort) || sameName(longName, queryLong)) {
+            return i;
+        }
+    }
+    return -1;
+}
+
+int Application::CountOptions() const {
+    return options_ ? options_->Count() : 0;
+}
+
+bool Application::GetOption(int index, String& shortName, String& longName, String& values) const {
+    if (index < 0 || index >= CountOptions()) {
+        return false;
+    }
+    SplitOption(options_->GetNameByIndex(index), shortName, longName);
+    values = options_->GetValueByIndex(index);
+    return true;
+}
+
+void Application::SplitOption(String const& option, String& shortName, String& longName) {
+    int const bar = option.Find('|', 0);
+    shortName = bar < 0 ? option : option.Left(bar);
+    longName = bar < 0 ? String() : option.Copy(bar + 1, -1);
+}
+
+bool Application::SameOption(String const& one, String const& other) {
+    String oneShort;
+    String oneLong;
+    String otherShort;
+    String otherLong;
+    SplitOption(one, oneShort, oneLong);
+    SplitOption(other, otherShort, otherLong);
+    return oneShort.CompareIC(otherShort) == 0 || oneLong.CompareIC(otherLong) == 0;
+}
+
+String Application::Requote(String const& option) {
+    String shortName;
+    String longName;
+    SplitOption(option, shortName, longName);
+    if (longName.GetLength() > 0) {
+        return String("--").AppendNew(longName);
+    }
+    return shortName.GetLength() > 0 ? String("-").AppendNew(shortName) : String();
+}
+
+}  // namespace core

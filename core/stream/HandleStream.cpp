@@ -1,0 +1,47 @@
+#include "core/stream/HandleStream.h"
+
+#include <cerrno>
+
+namespace core {
+
+namespace platform = sys::platform;
+
+HandleStream::~HandleStream() {
+    Close();
+}
+
+char const* HandleStream::ClassName() const {
+    return "HandleStream";
+}
+
+int HandleStream::Read(void* buffer, int count) {
+    return IsOpened() ? platform::readFile(handle_, buffer, count) : -EBADF;
+}
+
+int HandleStream::Write(void const* data, int count) {
+    return IsOpened() ? platform::writeFile(handle_, data, count) : -EBADF;
+}
+
+int HandleStream::Stat(platform::FileStatus& status) const {
+    return IsOpened() ? platform::statFile(handle_, status) : -EBADF;
+}
+
+int HandleStream::Close() {
+    if (!IsOpened()) {
+        return 0;
+    }
+    platform::FileHandle const closing = handle_;
+    handle_ = platform::noFile;
+    return platform::closeFile(closing);
+}
+
+bool HandleStream::IsOpened() const {
+    return handle_ != platform::noFile;
+}
+
+void HandleStream::Adopt(platform::FileHandle handle) {
+    Close();
+    handle_ = handle;
+}
+
+}  // namespace core

@@ -1,0 +1,158 @@
+#include "device/Conversation.h"
+
+#include <algorithm>
+#include <limits>
+
+#include "core/crc/crc32.h"
+#include "update/protocol/UpdateNotification.h"
+#include "update/protocol/UpdateTransferHeader.h"
+#include "update/protocol/UpdateTransferTrailer.h"
+
+namespace device {
+
+using update::DeviceStatus;
+using update::UpdateNotification;
+
+namespace {
+
+std::uint32_t const pieceSize = 16384;
+std::uint32_t const largestFile = std::numeric_limits<std::int32_t>::max();
+
+/// One thing that a record must satisfy, and what the device says when it does not.
+struct Check {
+    bool holds;
+    DeviceStatus otherwise;
+};
+
+template <std::size_t count>
+std::optional<DeviceStatus> firstFault(Check const (&checks)[count]) {
+    for (Check const& check : checks) {
+        if (!check.holds) {
+            return check.otherwise;
+        }
+    }
+    return {};
+}
+
+}  // namespace
+
+Conversation::Conversation(Wire& wire, Behaviour& behaviour, Observer& observer,
+                           std::uint32_t acceptToken)
+    : wire_(wire), behaviour_(behaviour), observer_(observer), acceptToken_(acceptToken) {}
+
+Outcome Conversation::Run() {
+    if (Act(Step::Connected, {}) && TakeRequest() && TakeHeader() && TakeFile() && TakeTrailer() &&
+        ReportProgress()) {
+        outcome_ = Outcome::complete;
+    }
+    return outcome_;
+}
+
+bool Conversation::TakeRequest() {
+    if (!wire_.ReceiveRecord(request_)) {
+        return Lost(Step::Request);
+    }
+    observer_.OnRequest(request_);
+    Check const checks[] = {
+        {request_.magic == update::wireMagic, DeviceStatus::InvalidMagic},
+        {request_.magicComplement == update::wireMagicComplement,
+         DeviceStatus::InvalidMagicComplement},
+        {request_.fileSize <= largestFile, DeviceStatus::DataSizeTooBig},
+    };
+    if (auto const fault = firstFault(checks)) {
+        return Refuse(Step::Request, *fault);
+    }
+    return Answer(Step::Request, UpdateNotification::Accepted, acceptToken_);
+}
+
+bool Conversation::TakeHeader() {
+    update::UpdateTransferHeader header;
+    if (!wire_.ReceiveRecord(header)) {
+        return Lost(Step::Header);
+    }
+    observer_.OnHeader(header);
+    Check const checks[] = {
+        {header.magic == update::wireMagic, DeviceStatus::InvalidMagic},
+        {header.acceptToken == acceptToken_, DeviceStatus::InvalidPassword},
+        {header.headerConstant == update::UpdateTransferHeader::constant,
+         DeviceStatus::InvalidVersion},
+        {header.fileSize == request_.fileSize, DeviceStatus::InvalidDataSize},
+    };
+    if (auto const fault = firstFault(checks)) {
+        return Refuse(Step::Header, *fault);
+    }
+    // The updater takes silence here for consent.
+    return Act(Step::Header, {});
+}
+
+bool Conversation::TakeFile() {
+    char piece[pieceSize];
+    while (bytes_ < request_.fileSize) {
+        int const wanted = static_cast<int>(std::min(pieceSize, request_.fileSize - bytes_));
+        int const got = wire_.ReceiveSome(piece, wanted);
+        if (got == 0) {
+            return Lost(Step::Data);
+        }
+        observer_.OnData(piece, got);
+        crc_ = core::crc32::update(piece, got, crc_);
+        bytes_ += static_cast<std::uint32_t>(got);
+        if (!Act(Step::Data, {})) {
+            return false;
+        }
+    }
+    observer_.OnFile(bytes_, crc_);
+    return true;
+}
+
+bool Conversation::TakeTrailer() {
+    update::UpdateTransferTrailer trailer;
+    if (!wire_.ReceiveRecord(trailer)) {
+        return Lost(Step::Received);
+    }
+    observer_.OnTrailer(trailer);
+    Check const checks[] = {
+        {trailer.magic == update::wireMagic, DeviceStatus::InvalidMagic},
+        {trailer.fileSize == request_.fileSize, DeviceStatus::InvalidDataSize},
+        {trailer.fileCrc == request_.fileCrc, DeviceStatus::InvalidCrc},
+        {trailer.acceptToken == acceptToken_, DeviceStatus::InvalidPassword},
+    };
+    if (auto const fault = firstFault(checks)) {
+        return Refuse(Step::Received, *fault);
+    }
+    return Answer(Step::Received, UpdateNotification::Received, 0);
+}
+
+bool Conversation::ReportProgress() {
+    if (crc_ != request_.fileCrc) {
+        return Refuse(Step::Checked, DeviceStatus::WrongFileCrc);
+    }
+    return Answer(Step::Checked, UpdateNotification::Checked, 0) &&
+           Answer(Step::Processing, UpdateNotification::Processing, 0) &&
+           Answer(Step::Complete, UpdateNotification::Complete,
+                  UpdateNotification::FirmwareRestart);
+}
+
+bool Conversation::Act(Step step, std::optional<Notification> answer) {
+    return behaviour_.Act({step, bytes_, answer}, wire_);
+}
+
+bool Conversation::Answer(Step step, std::uint32_t code, std::uint32_t value) {
+    return Act(step, Notification{code, value});
+}
+
+bool Conversation::Refuse(Step step, DeviceStatus status) {
+    if (Answer(step, UpdateNotification::Error, static_cast<std::uint32_t>(status))) {
+        outcome_ = Outcome::refused;
+    }
+    return false;
+}
+
+bool Conversation::Lost(Step step) {
+    outcome_ = wire_.Why();
+    if (outcome_ == Outcome::silent) {
+        Answer(step, UpdateNotification::Error, static_cast<std::uint32_t>(DeviceStatus::Timeout));
+    }
+    return false;
+}
+
+}  // namespace device

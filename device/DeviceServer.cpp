@@ -1,0 +1,36 @@
+#include "device/DeviceServer.h"
+
+#include "device/Conversation.h"
+#include "device/Wire.h"
+
+namespace device {
+
+DeviceServer::DeviceServer(Behaviour& behaviour, Observer& observer, DeviceLimits const& limits)
+    : ServerSocket(core::SocketType::stream),
+      behaviour_(behaviour),
+      observer_(observer),
+      limits_(limits) {}
+
+DeviceServer::~DeviceServer() {
+    stop_ = true;
+    StopListen(-1);
+}
+
+char const* DeviceServer::ClassName() const {
+    return "DeviceServer";
+}
+
+void DeviceServer::HandleConnection(core::ClassRef<core::Socket>& socket, core::String const&,
+                                    int) {
+    core::String peer;
+    socket->GetTarget(peer);
+    observer_.OnConnection(peer);
+    Wire wire(*socket, limits_, observer_, stop_);
+    // The number of the update, from 1 on, serves as its token: a zeroed record never matches.
+    Conversation conversation(wire, behaviour_, observer_, ++updates_);
+    Outcome const outcome = conversation.Run();
+    wire.Finish();
+    observer_.OnEnd(outcome);
+}
+
+}  // namespace device

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <atomic>
+#include <cstdint>
+
+#include "core/net/ServerSocket.h"
+#include "device/Behaviour.h"
+#include "device/DeviceLimits.h"
+#include "device/Observer.h"
+
+namespace device {
+
+/// A simulated device: takes one update after another on each of its addresses.
+class DeviceServer : public core::ServerSocket {
+public:
+    /// Behaviour and observer must outlive the server.
+    DeviceServer(Behaviour& behaviour, Observer& observer, DeviceLimits const& limits = {});
+    /// Breaks off what is under way and stops.
+    ~DeviceServer() override;
+
+    char const* ClassName() const override;
+
+protected:
+    void HandleConnection(core::ClassRef<core::Socket>& socket, core::String const& bind,
+                          int index) override;
+
+private:
+    Behaviour& behaviour_;
+    Observer& observer_;
+    DeviceLimits const limits_;
+    std::atomic<bool> stop_ = false;
+    std::atomic<std::uint32_t> updates_ = 0;
+};
+
+}  // namespace device

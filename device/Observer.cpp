@@ -1,0 +1,23 @@
+#include "device/Observer.h"
+
+namespace device {
+
+Observer::~Observer() = default;
+
+void Observer::OnConnection(core::String const&) {}
+
+void Observer::OnRequest(update::UpdateRequest const&) {}
+
+void Observer::OnHeader(update::UpdateTransferHeader const&) {}
+
+void Observer::OnData(void const*, int) {}
+
+void Observer::OnFile(std::uint32_t, std::uint32_t) {}
+
+void Observer::OnTrailer(update::UpdateTransferTrailer const&) {}
+
+void Observer::OnNotification(std::uint32_t, std::uint32_t) {}
+
+void Observer::OnEnd(Outcome) {}
+
+}  // namespace device

@@ -1,0 +1,13 @@
+#pragma once
+
+namespace sys::platform {
+
+/// Makes the process safe for network work; called once at start-up. A write to a peer or a reader
+/// that has gone away fails instead of ending the process, and no file or socket opened later can
+/// take the place of a standard stream that was closed by the caller.
+void prepareProcess();
+
+/// The number of the calling thread; no other running thread of the process has it.
+unsigned currentThreadId();
+
+}  // namespace sys::platform

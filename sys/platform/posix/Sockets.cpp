@@ -1,0 +1,313 @@
+#include "sys/platform/Sockets.h"
+
+#include <fcntl.h>
+#include <netdb.h>
+#include <netinet/in.h>
+#include <poll.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <chrono>
+
+namespace sys::platform {
+
+namespace {
+
+using std::chrono::milliseconds;
+using std::chrono::steady_clock;
+
+int const lowestDescriptor = 3;
+
+/// Moves a socket that took the number of a closed standard stream out of the way of it.
+SocketHandle aboveStandardStreams(int socket) {
+    if (socket < 0 || socket >= lowestDescriptor) {
+        return socket;
+    }
+    int const moved = fcntl(socket, F_DUPFD_CLOEXEC, lowestDescriptor);
+    int const error = errno;
+    close(socket);
+    errno = error;
+    return moved;
+}
+
+/// poll, not select: a descriptor of 1,024 or more would make select write past its set.
+int waitFor(SocketHandle socket, short events, int ms) {
+    auto const deadline = steady_clock::now() + milliseconds(ms < 0 ? 0 : ms);
+    for (;;) {
+        auto const left = std::chrono::ceil<milliseconds>(deadline - steady_clock::now());
+        pollfd waiting{socket, events, 0};
+        int const result = poll(&waiting, 1, left.count() > 0 ? static_cast<int>(left.count()) : 0);
+        if (result < 0 && errno == EINTR) {
+            continue;
+        }
+        if (result > 0 && (waiting.revents & POLLNVAL) != 0) {
+            errno = EBADF;
+            return -1;
+        }
+        return result;
+    }
+}
+
+/// After an interrupted connect the attempt goes on by itself; its outcome is waited for.
+int finishConnect(SocketHandle socket) {
+    pollfd waiting{socket, POLLOUT, 0};
+    while (poll(&waiting, 1, -1) < 0) {
+        if (errno != EINTR) {
+            return -1;
+        }
+    }
+    int error = 0;
+    socklen_t size = sizeof error;
+    if (getsockopt(socket, SOL_SOCKET, SO_ERROR, &error, &size) != 0) {
+        return -1;
+    }
+    errno = error;
+    return error == 0 ? 0 : -1;
+}
+
+template <class Call>
+int withoutInterruption(Call call) {
+    for (;;) {
+        auto const result = call();
+        if (result >= 0 || errno != EINTR) {
+            return static_cast<int>(result);
+        }
+    }
+}
+
+sockaddr const* asAddress(void const* address) {
+    return static_cast<sockaddr const*>(address);
+}
+
+addrinfo const* asInfo(ResolvedEntry const* entry) {
+    return reinterpret_cast<addrinfo const*>(entry);
+}
+
+using NameCall = int (*)(int, sockaddr*, socklen_t*);
+
+int readName(NameCall call, SocketHandle socket, void* address, int& length) {
+    auto size = static_cast<socklen_t>(length);
+    int const result = call(socket, static_cast<sockaddr*>(address), &size);
+    length = static_cast<int>(size);
+    return result;
+}
+
+}  // namespace
+
+int domainNumber(SocketDomain domain) {
+    switch (domain) {
+        case SocketDomain::IPv4:
+            return AF_INET;
+        case SocketDomain::IPv6:
+            return AF_INET6;
+        default:
+            return AF_UNSPEC;
+    }
+}
+
+int typeNumber(SocketType type) {
+    switch (type) {
+        case SocketType::stream:
+            return SOCK_STREAM;
+        case SocketType::datagram:
+            return SOCK_DGRAM;
+        default:
+            return 0;
+    }
+}
+
+int protocolNumber(SocketType type) {
+    switch (type) {
+        case SocketType::stream:
+            return IPPROTO_TCP;
+        case SocketType::datagram:
+            return IPPROTO_UDP;
+        default:
+            return 0;
+    }
+}
+
+bool startSockets() {
+    return true;
+}
+
+void stopSockets() {}
+
+int lastSocketError() {
+    return errno;
+}
+
+bool wouldBlock(int error) {
+    return error == EAGAIN || error == EWOULDBLOCK;
+}
+
+SocketHandle openSocket(SocketDomain domain, SocketType type) {
+    return aboveStandardStreams(
+        socket(domainNumber(domain), typeNumber(type) | SOCK_CLOEXEC, protocolNumber(type)));
+}
+
+int closeSocket(SocketHandle socket) {
+    return close(socket);
+}
+
+int resetSocket(SocketHandle socket) {
+    linger const dropAtOnce{1, 0};
+    setsockopt(socket, SOL_SOCKET, SO_LINGER, &dropAtOnce, sizeof dropAtOnce);
+    return close(socket);
+}
+
+int shutdownSending(SocketHandle socket) {
+    return shutdown(socket, SHUT_WR);
+}
+
+int shutdownBoth(SocketHandle socket) {
+    return shutdown(socket, SHUT_RDWR);
+}
+
+int connectSocket(SocketHandle socket, void const* address, int length) {
+    int const result = connect(socket, asAddress(address), static_cast<socklen_t>(length));
+    return result != 0 && errno == EINTR ? finishConnect(socket) : result;
+}
+
+int bindSocket(SocketHandle socket, void const* address, int length) {
+    int const on = 1;
+    setsockopt(socket, SOL_SOCKET, SO_REUSEADDR, &on, sizeof on);
+    return bind(socket, asAddress(address), static_cast<socklen_t>(length));
+}
+
+int listenSocket(SocketHandle socket, int backlog) {
+    return listen(socket, backlog);
+}
+
+SocketHandle acceptSocket(SocketHandle socket, void* address, int& length) {
+    auto size = static_cast<socklen_t>(length);
+    int const accepted = withoutInterruption(
+        [&] { return accept4(socket, static_cast<sockaddr*>(address), &size, SOCK_CLOEXEC); });
+    length = static_cast<int>(size);
+    return aboveStandardStreams(accepted);
+}
+
+int sendBytes(SocketHandle socket, void const* data, int length) {
+    return withoutInterruption(
+        [&] { return send(socket, data, static_cast<std::size_t>(length), MSG_NOSIGNAL); });
+}
+
+int receiveBytes(SocketHandle socket, void* buffer, int length) {
+    return withoutInterruption(
+        [&] { return recv(socket, buffer, static_cast<std::size_t>(length), 0); });
+}
+
+int waitReadable(SocketHandle socket, int ms) {
+    return waitFor(socket, POLLIN, ms);
+}
+
+int waitWritable(SocketHandle socket, int ms) {
+    return waitFor(socket, POLLOUT, ms);
+}
+
+bool setNonBlocking(SocketHandle socket, bool nonBlocking) {
+    int const flags = fcntl(socket, F_GETFL);
+    if (flags < 0) {
+        return false;
+    }
+    int const wanted = nonBlocking ? flags | O_NONBLOCK : flags & ~O_NONBLOCK;
+    return fcntl(socket, F_SETFL, wanted) == 0;
+}
+
+int localAddress(SocketHandle socket, void* address, int& length) {
+    return readName(&getsockname, socket, address, length);
+}
+
+int peerAddress(SocketHandle socket, void* address, int& length) {
+    return readName(&getpeername, socket, address, length);
+}
+
+SocketDomain domainOf(void const* address, int length) {
+    if (length < static_cast<int>(sizeof(sa_family_t))) {
+        return SocketDomain::unspecified;
+    }
+    switch (asAddress(address)->sa_family) {
+        case AF_INET:
+            return SocketDomain::IPv4;
+        case AF_INET6:
+            return SocketDomain::IPv6;
+        default:
+            return SocketDomain::unspecified;
+    }
+}
+
+int resolve(char const* host, char const* service, SocketDomain domain, SocketType type,
+            ResolvedEntry*& chain) {
+    addrinfo hints{};
+    hints.ai_family = domainNumber(domain);
+    hints.ai_socktype = typeNumber(type);
+    hints.ai_protocol = protocolNumber(type);
+    addrinfo* found = nullptr;
+    // AI_ADDRCONFIG finds not even 127.0.0.1 on a machine without a network: an address in numbers
+    // is taken without it.
+    hints.ai_flags = AI_NUMERICHOST | AI_V4MAPPED;
+    int error = getaddrinfo(host, service, &hints, &found);
+    if (error == EAI_NONAME) {
+        hints.ai_flags = AI_ADDRCONFIG | AI_V4MAPPED;
+        error = getaddrinfo(host, service, &hints, &found);
+    }
+    if (error == 0) {
+        chain = reinterpret_cast<ResolvedEntry*>(found);
+    }
+    return error;
+}
+
+void freeResolved(ResolvedEntry* chain) {
+    freeaddrinfo(reinterpret_cast<addrinfo*>(chain));
+}
+
+ResolvedEntry* nextResolved(ResolvedEntry const* entry) {
+    return reinterpret_cast<ResolvedEntry*>(asInfo(entry)->ai_next);
+}
+
+void const* resolvedAddress(ResolvedEntry const* entry, int& length) {
+    length = static_cast<int>(asInfo(entry)->ai_addrlen);
+    return asInfo(entry)->ai_addr;
+}
+
+int resolvedFamilyNumber(ResolvedEntry const* entry) {
+    return asInfo(entry)->ai_family;
+}
+
+int resolvedTypeNumber(ResolvedEntry const* entry) {
+    return asInfo(entry)->ai_socktype;
+}
+
+int resolvedProtocolNumber(ResolvedEntry const* entry) {
+    return asInfo(entry)->ai_protocol;
+}
+
+int nameOfAddress(void const* address, int length, char* host, int hostSize, char* service,
+                  int serviceSize, bool numeric) {
+    int const flags = NI_NUMERICSERV | (numeric ? NI_NUMERICHOST : 0);
+    return getnameinfo(asAddress(address), static_cast<socklen_t>(length), host,
+                       static_cast<socklen_t>(hostSize), service,
+                       static_cast<socklen_t>(serviceSize), flags);
+}
+
+ResolverFailure resolverFailure(int error) {
+    switch (error) {
+        case EAI_AGAIN:
+            return ResolverFailure::temporary;
+        case EAI_BADFLAGS:
+            return ResolverFailure::badFlags;
+        case EAI_FAIL:
+            return ResolverFailure::permanent;
+        case EAI_FAMILY:
+            return ResolverFailure::family;
+        case EAI_MEMORY:
+            return ResolverFailure::memory;
+        case EAI_NONAME:
+            return ResolverFailure::noName;
+        default:
+            return ResolverFailure::other;
+    }
+}
+
+}  // namespace sys::platform

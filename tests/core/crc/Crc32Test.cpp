@@ -1,0 +1,48 @@
+#include <gtest/gtest.h>
+#include <zlib.h>
+
+#include <random>
+#include <vector>
+
+#include "core/crc/crc.h"
+#include "core/crc/crc32.h"
+
+namespace {
+
+namespace crc32 = core::crc32;
+
+TEST(Crc32, KnownValues) {
+    EXPECT_EQ(core::crc::init(), 0);
+    EXPECT_EQ(core::crc::init(), 0);
+    EXPECT_EQ(crc32::update("123456789", 9, 0), 0xCBF43926u);
+    EXPECT_EQ(crc32::update("123456789", 0, 0x1234u), 0x1234u);
+    EXPECT_EQ(crc32::update(nullptr, -1, 0x1234u), 0x1234u);
+
+    unsigned char const bytes[] = {1, 2, 3, 4};
+    unsigned int const expected = crc32::update(bytes, 4, 7);
+    EXPECT_EQ(crc32::updatele(0x04030201, 7), expected);
+    EXPECT_EQ(crc32::updatebe(0x01020304, 7), expected);
+}
+
+TEST(Crc32, AgreesWithZlibForEveryLengthAlignmentAndSplit) {
+    std::mt19937 random(3007);
+    std::vector<unsigned char> data(3000);
+    for (unsigned char& byte : data) {
+        byte = static_cast<unsigned char>(random());
+    }
+    for (int length = 0; length < 2000; length = length < 80 ? length + 1 : length + 131) {
+        for (int offset = 0; offset < 16; ++offset) {
+            auto const* const bytes = data.data() + offset;
+            auto const expected =
+                static_cast<unsigned int>(::crc32(0, bytes, static_cast<unsigned int>(length)));
+            ASSERT_EQ(crc32::update(bytes, length, 0), expected) << length << " at " << offset;
+            int const split = length == 0 ? 0 : static_cast<int>(random()) % (length + 1);
+            int const head = split < 0 ? -split : split;
+            ASSERT_EQ(crc32::update(bytes + head, length - head, crc32::update(bytes, head, 0)),
+                      expected)
+                << length << " split at " << head;
+        }
+    }
+}
+
+}  // namespace

@@ -1,0 +1,99 @@
+#include <gtest/gtest.h>
+
+#include "core/net/Address.h"
+#include "core/net/IPv4Address.h"
+#include "core/net/InfoSocketAddr.h"
+
+namespace {
+
+using core::IPv4Address;
+
+TEST(IPv4Address, SetParsesTheWholeText) {
+    int const none = IPv4Address::noPort;
+    struct Row {
+        char const* text;
+        bool good;
+        char const* octets;  ///< what is left in the octets
+        int port;
+    } const rows[] = {
+        {"192.168.0.10|5000", true, "192.168.0.10", 5000},
+        {"192.168.0.10:5000", false, "192.168.0.0", none},
+        {" 10.0.0.1 | 80 ", true, "10.0.0.1", 80},
+        {"10.0.0.1|", true, "10.0.0.1", none},
+        {"10.0.0.1", true, "10.0.0.1", none},
+        {"10.0.0.1|abc", true, "10.0.0.1", none},
+        {"10.0.0.1|80x", true, "10.0.0.1", none},
+        {"10.0.0.1|70000", true, "10.0.0.1", 70000},
+        {"10.0.0.1|-1", true, "10.0.0.1", -1},
+        {"10.0.0.1|99999999999999999999", true, "10.0.0.1", 2147483647},
+        {"10.0.0.1|80|90", true, "10.0.0.1", none},
+        {"|5000", false, "0.0.0.0", none},
+        {"", false, "0.0.0.0", none},
+        {"1.2.3", false, "0.0.0.0", none},
+        {"1.2.3.4.5", false, "0.0.0.0", none},
+        {"1.2.3.256", false, "1.2.3.0", none},
+        {"1.2.3.999|80", false, "1.2.3.0", none},
+        {"1.2..3", false, "1.2.0.0", none},
+        {"1.2.3.-4", false, "1.2.3.0", none},
+        {"1.2.3.4294967296", false, "1.2.3.0", none},
+        {"1.2.3.12ab", false, "1.2.3.0", none},
+        {"1.2.3.0x4", false, "1.2.3.0", none},
+        {"x.2.3.4", false, "0.0.0.0", none},
+        {"001.02.3.4", true, "1.2.3.4", none},
+        {"1.2.3.\xC2\xB2", false, "1.2.3.0", none},
+    };
+    for (Row const& row : rows) {
+        IPv4Address address;
+        EXPECT_EQ(address.Set(row.text), row.good) << row.text;
+        EXPECT_STREQ(address.GetAsString(false).getCString(), row.octets) << row.text;
+        EXPECT_EQ(address.Port(), row.port) << row.text;
+        EXPECT_TRUE(IPv4Address(row.text).SameAs(address, true)) << row.text;
+    }
+    IPv4Address kept(9, 9, 9, 9, 99);
+    EXPECT_FALSE(kept.Set("1.x.3.4|5"));
+    EXPECT_STREQ(kept.GetAsString(true).getCString(), "1.9.9.9|99");
+}
+
+TEST(IPv4Address, IsValidIsMoreLenient) {
+    for (char const* const good : {"1.2.3.4", " 1.2.3.4 ", "1.2.3.4.5", "255.255.255.255"}) {
+        EXPECT_TRUE(IPv4Address::IsValid(good)) << good;
+    }
+    for (char const* const bad : {"", "1.2.3", "1.2..4", "1.2.3.4|5000", "1.2.3.256", "a.b.c.d"}) {
+        EXPECT_FALSE(IPv4Address::IsValid(bad)) << bad;
+    }
+}
+
+TEST(IPv4Address, NumbersAndTexts) {
+    IPv4Address const address(0xC0A8000Au, 5000);
+    EXPECT_STREQ(address.GetAsString(true).getCString(), "192.168.0.10|5000");
+    EXPECT_EQ(address[3], 192);
+    EXPECT_EQ(address.GetAsUInt32(), 0xC0A8000Au);
+    EXPECT_STREQ(IPv4Address::ToString(256 + 1, 2, 3, 4).getCString(), "1.2.3.4");
+    EXPECT_STREQ(IPv4Address::ToString(1, 2, 3, 4, -5).getCString(), "1.2.3.4|-5");
+    IPv4Address changed(address);
+    changed.SetByte(-1, 7);
+    changed.SetByte(4, 7);
+    changed.VoidPort();
+    EXPECT_TRUE(changed.SameAs(address, false));
+    EXPECT_FALSE(changed.SameAs(address, true));
+    changed.VoidAddress();
+    changed.SetPortA(1);
+    EXPECT_TRUE(changed.IsNull());
+}
+
+TEST(Address, ResolvesNumbersToTheirBestAddress) {
+    using core::SocketDomain;
+    using core::SocketType;
+    auto const info = core::Address::GetInfo("127.0.0.1|3007", SocketType::stream, true);
+    ASSERT_TRUE(info);
+    EXPECT_FALSE(info->FindBest(SocketDomain::IPv6, SocketType::stream));
+    auto const best = info->FindBest(SocketDomain::IPv4, SocketType::stream);
+    ASSERT_TRUE(best);
+    core::String name("untouched");
+    EXPECT_EQ(core::SocketAddr().GetName(name, true), 13u);
+    EXPECT_STREQ(name.getCString(), "untouched");
+    EXPECT_EQ(best->GetSocketAddress()->GetName(name, true), 0u);
+    EXPECT_STREQ(name.getCString(), "127.0.0.1|3007");
+}
+
+}  // namespace

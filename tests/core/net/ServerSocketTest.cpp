@@ -1,0 +1,125 @@
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <filesystem>
+#include <thread>
+#include <vector>
+
+#include "core/net/ServerSocket.h"
+#include "sys/scheduler.h"
+
+namespace {
+
+using core::ClassRef;
+using core::Socket;
+using core::SocketDomain;
+using core::SocketType;
+using core::String;
+
+class EchoServer : public core::ServerSocket {
+public:
+    EchoServer() : ServerSocket(SocketType::stream) {}
+    ~EchoServer() override {
+        release = true;
+        StopListen(-1);
+    }
+
+    std::atomic<int> handled = 0;
+    std::atomic<bool> hold = false;  ///< keep the next handler until release
+    std::atomic<bool> release = false;
+
+protected:
+    void HandleConnection(ClassRef<Socket>& socket, String const& bind, int index) override {
+        EXPECT_STREQ(bind.getCString(), "127.0.0.1|0");
+        EXPECT_GE(index, 0);
+        while (hold && !release) {
+            sys::scheduler::sleepms(1);
+        }
+        char c = 0;
+        while (socket->Recv(&c, 1) == 1) {
+            socket->Send(&c, 1);
+        }
+        ++handled;
+    }
+};
+
+bool echoes(String const& address) {
+    Socket client(SocketDomain::IPv4, SocketType::stream);
+    char c = 0;
+    return client.Connect(address) == 0 && client.Send("x") == 1 &&
+           client.RecvUntil(&c, 1, 10'000) == 1 && c == 'x';
+}
+
+/// Open descriptors of this process, where the system shows them.
+long openDescriptors() {
+    std::error_code none;
+    std::filesystem::directory_iterator const entries("/proc/self/fd", none);
+    return none ? 0 : std::distance(entries, {});
+}
+
+TEST(ServerSocket, ServesStopsAndServesAgain) {
+    long const before = openDescriptors();
+    {
+        EchoServer server;
+        EXPECT_EQ(server.StartListen(), -1) << "no addresses";
+        for (int i = 0; i < core::ServerSocket::maxBinds; ++i) {
+            EXPECT_EQ(server.AddBind("127.0.0.1|0"), i);
+        }
+        EXPECT_EQ(server.AddBind("127.0.0.1|0"), -1);
+        for (int round = 1; round <= 2; ++round) {
+            EXPECT_EQ(server.StartListen(), 32);
+            EXPECT_EQ(server.StartListen(), 0);
+            EXPECT_TRUE(server.IsListening());
+            std::vector<std::thread> clients;
+            for (int i = 0; i < core::ServerSocket::maxBinds; ++i) {
+                String address = server.GetBoundName(i);
+                address.Unique();
+                clients.emplace_back([own = std::move(address)] { EXPECT_TRUE(echoes(own)); });
+            }
+            for (std::thread& client : clients) {
+                client.join();
+            }
+            server.StopListen(10'000);
+            EXPECT_FALSE(server.IsListening());
+            EXPECT_EQ(server.handled, 32 * round);
+        }
+    }
+    EXPECT_EQ(openDescriptors(), before);
+}
+
+TEST(ServerSocket, AnAddressInUseDoesNotDisturbTheOthers) {
+    EchoServer first;
+    first.AddBind("127.0.0.1|0");
+    ASSERT_EQ(first.StartListen(), 1);
+    String const taken = first.GetBoundName(0);
+
+    EchoServer second;
+    second.AddBind(taken);
+    second.AddBind("127.0.0.1|0");
+    EXPECT_EQ(second.StartListen(), 1);
+    EXPECT_TRUE(second.Terminated(0));
+    EXPECT_FALSE(second.Terminated(1));
+    EXPECT_EQ(second.StartOne(0), 16u);
+    EXPECT_EQ(second.StartOne(7), 11u);
+    EXPECT_TRUE(echoes(second.GetBoundName(1)));
+    EXPECT_TRUE(echoes(taken));
+}
+
+TEST(ServerSocket, AStopWaitsNoLongerThanToldForABusyHandler) {
+    EchoServer server;
+    server.AddBind("127.0.0.1|0");
+    ASSERT_EQ(server.StartListen(), 1);
+    server.hold = true;
+    Socket client(SocketDomain::IPv4, SocketType::stream);
+    ASSERT_EQ(client.Connect(server.GetBoundName(0)), 0u);
+    sys::scheduler::sleepms(200);
+    server.StopListen(20);
+    EXPECT_TRUE(server.IsListening());
+    client.Close();
+    server.release = true;
+    server.StopOne(0, 10'000);
+    EXPECT_FALSE(server.IsListening());
+    EXPECT_EQ(server.handled, 1);
+}
+
+}  // namespace

@@ -1,0 +1,145 @@
+#include <gtest/gtest.h>
+
+#include <cerrno>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "core/runtime/CountDownTimer.h"
+#include "sys/scheduler.h"
+#include "tests/core/net/SocketPair.h"
+
+namespace {
+
+using core::CountDownTimer;
+using core::Socket;
+using core::SocketDomain;
+using core::SocketType;
+using core::String;
+
+TEST(Socket, RecvUntilWaitsAsLongAsBytesKeepComing) {
+    SocketPair pair;
+    std::thread peer([&] {
+        for (char const c : std::string("12345678")) {
+            sys::scheduler::sleepms(100);
+            pair.far->Send(&c, 1);
+        }
+    });
+    char buffer[9] = {};
+    EXPECT_EQ(pair.near.RecvUntil(buffer, 0, 1'000'000), 0);
+    EXPECT_EQ(pair.near.RecvUntil(buffer, 8, 600), 8) << "longer in all, but never in silence";
+    EXPECT_STREQ(buffer, "12345678");
+    peer.join();
+}
+
+TEST(Socket, RecvUntilReturnsWhatCameWhenTheRestDoesNot) {
+    int const limit = 120;
+    for (bool const closes : {false, true}) {
+        SocketPair pair;
+        ASSERT_EQ(pair.far->Send("123"), 3);
+        if (closes) {
+            pair.far->Close();
+        }
+        char buffer[8];
+        CountDownTimer timer(static_cast<unsigned long long>(limit));
+        EXPECT_EQ(pair.near.RecvUntil(buffer, 8, limit), 3);
+        EXPECT_TRUE(timer.Expired()) << "a peer that has closed does not end the wait";
+    }
+    SocketPair pair;
+    pair.far->Abort();
+    char buffer[8];
+    EXPECT_LT(pair.near.RecvUntil(buffer, 8, 10'000), 0) << "a reset is known at once";
+    pair.near.Close();
+    EXPECT_EQ(pair.near.RecvUntil(buffer, 8, 20), 0);
+}
+
+TEST(Socket, ANonBlockingSendNeverWaits) {
+    SocketPair pair;
+    ASSERT_TRUE(pair.near.setBlocking(false));
+    EXPECT_FALSE(pair.near.getBlocking());
+    std::vector<char> const data(1 << 20);
+    int taken = 0;
+    while (taken >= 0) {
+        taken = pair.near.Send(data.data(), static_cast<int>(data.size()));
+    }
+    EXPECT_TRUE(pair.near.WouldBlock());
+    EXPECT_FALSE(pair.near.CanSend(0));
+    EXPECT_EQ(pair.near.Write(data.data(), 10), 0) << "the write time-out holds";
+
+    pair.far->Abort();
+    EXPECT_TRUE(pair.near.CanSend(10'000));
+    EXPECT_EQ(pair.near.Send("x"), -1);
+    EXPECT_FALSE(pair.near.WouldBlock());
+    EXPECT_EQ(pair.near.Send("x"), -1) << "and no signal ends the process";
+}
+
+TEST(Socket, ReadAndWriteHaveADeadlineForAll) {
+    SocketPair pair;
+    std::string const text(3'000'000, 'x');
+    std::thread writer(
+        [&] { EXPECT_EQ(pair.far->Write(text.data(), static_cast<int>(text.size())), 3'000'000); });
+    std::vector<char> buffer(text.size());
+    pair.near.SetReadTimeout(20'000);
+    EXPECT_EQ(pair.near.Read(buffer.data(), 3'000'000), 3'000'000);
+    writer.join();
+    EXPECT_EQ(std::string(buffer.begin(), buffer.end()), text);
+    pair.near.SetReadTimeout(20);
+    EXPECT_EQ(pair.near.Read(buffer.data(), 1), 0);
+    pair.near.SetReadTimeout(-1);
+    EXPECT_EQ(pair.near.Read(buffer.data(), 1), 0);
+}
+
+TEST(Socket, HalfClose) {
+    SocketPair pair;
+    EXPECT_TRUE(pair.near.ShutdownSend());
+    char c = 0;
+    EXPECT_EQ(pair.far->Recv(&c, 1), 0);
+    EXPECT_EQ(pair.far->Send("y"), 1);
+    EXPECT_EQ(pair.near.RecvUntil(&c, 1, 10'000), 1);
+    EXPECT_EQ(c, 'y');
+}
+
+TEST(Socket, OpensAndCloses) {
+    SocketPair pair;
+    String near;
+    String far;
+    EXPECT_TRUE(pair.near.GetTarget(far));
+    EXPECT_EQ(pair.far->GetSockName(near, true), 0u);
+    EXPECT_STREQ(near.getCString(), far.getCString());
+    EXPECT_TRUE(pair.near.Connect()) << "open already";
+    EXPECT_TRUE(pair.near.IsConnected());
+    EXPECT_EQ(pair.near.CreateTheSocket(SocketDomain::IPv4, SocketType::stream), 4u);
+    EXPECT_EQ(pair.near.Close(), 0u);
+    EXPECT_EQ(pair.near.Close(), 4u);
+    EXPECT_FALSE(pair.near.CloseTheSocket(true));
+    EXPECT_FALSE(pair.near.Abort());
+    EXPECT_FALSE(pair.near.IsConnected());
+    EXPECT_EQ(pair.near.Send("x"), -1);
+
+    // Nobody listens any more: refused, also on the way through the target.
+    EXPECT_EQ(pair.near.Connect(near), 26u);
+    pair.near.Close();
+    EXPECT_FALSE(pair.near.Connect());
+    Socket unset(SocketDomain::IPv4, SocketType::stream);
+    unset.Close();
+    EXPECT_FALSE(unset.Connect()) << "no target";
+}
+
+TEST(SocketResult, Mappings) {
+    struct Row {
+        int error;
+        core::SocketResult result;
+    } const rows[] = {
+        {0, 0},         {ENOMEM, 6},       {EBADF, 11},  {EINVAL, 11},       {ECONNREFUSED, 26},
+        {ENOTCONN, 14}, {EWOULDBLOCK, 33}, {EPROTO, 37}, {ECONNRESET, 1},    {EPIPE, 1},
+        {-1, 1},        {ENETUNREACH, 30}, {EINTR, 28},  {ECONNABORTED, 34},
+    };
+    for (Row const& row : rows) {
+        EXPECT_EQ(core::SocketResultFrom_errno(row.error, false), row.result) << row.error;
+    }
+    EXPECT_EQ(core::SocketResultFrom_errno(0, true), 1u);
+    EXPECT_EQ(core::SocketResultFrom_EAI(0), 0u);
+    EXPECT_EQ(core::SocketResultFrom_EAI(123456), 1u);
+}
+
+}  // namespace

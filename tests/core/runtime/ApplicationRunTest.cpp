@@ -1,0 +1,162 @@
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <thread>
+
+#include "core/runtime/Application.h"
+#include "core/runtime/CountDownTimer.h"
+#include "tests/support/StatusFolder.h"
+
+namespace {
+
+using core::Application;
+using core::AppStatus;
+
+// A process has one application, whose termination cannot be withdrawn: each life is lived in a
+// process of its own, which tells its story on standard error.
+
+struct Life : private support::StatusFolder, public Application {
+    Life() : Application("life") {}
+
+    int failingInits = 0;
+    bool terminateInInit = false;
+    std::thread other;
+
+    static void tell(char const* event) {
+        std::fprintf(stderr, "%s:%d ", event, AppStatus("life").GetStatus());
+    }
+    bool InitOnce() override {
+        tell("once");
+        return false;
+    }
+    bool Init() override {
+        tell("init");
+        if (terminateInInit) {
+            RequestTermination(noRequest);
+            RequestTermination(normalRequest);
+        }
+        if (failingInits-- > 0) {
+            return false;
+        }
+        other = std::thread([] {
+            Application::Sleep(20, false);
+            Application::RequestTermination(Application::normalRequest);
+        });
+        return true;
+    }
+    void Done() override { tell("done"); }
+
+    [[noreturn]] void Live() {
+        tell("born");
+        Run();
+        tell("ended");
+        if (other.joinable()) {
+            other.join();
+        }
+        std::exit(TerminationRequested());
+    }
+};
+
+TEST(ApplicationRun, Lives) {
+    EXPECT_EXIT(
+        {
+            Life life;
+            life.failingInits = 2;
+            life.Live();
+        },
+        testing::ExitedWithCode(1), "^born:1 once:2 init:2 init:2 init:2 done:4 ended:6 $");
+    EXPECT_EXIT(
+        {
+            Life life;
+            life.failingInits = 2;
+            life.terminateInInit = true;
+            life.Live();
+        },
+        testing::ExitedWithCode(1), "^born:1 once:2 init:2 ended:6 $")
+        << "Done is for those whose Init was finished";
+}
+
+TEST(ApplicationRun, OneApplicationAProcess) {
+    EXPECT_EXIT(
+        {
+            Life first;
+            Life second;
+        },
+        testing::ExitedWithCode(1), "^$");
+    EXPECT_EXIT(
+        {
+            bool const none = Application::Instance() == nullptr &&
+                              Application::AppName() == "GApplication == nil" &&
+                              !Application::IsTerminationRequested();
+            Application::RequestTermination(Application::normalRequest);
+            Life life;
+            bool const one = Application::Instance() == &life && Application::AppName() == "life";
+            std::exit(none && one && !Application::IsTerminationRequested() ? 7 : 0);
+        },
+        testing::ExitedWithCode(7), "");
+}
+
+TEST(ApplicationRun, TerminationEndsSleepsAndWaits) {
+    EXPECT_EXIT(
+        {
+            Life life;
+            core::Event event;
+            bool good = event.Wait(1) == core::Event::timedOut && Application::Sleep(1, true) == 0;
+            event.Signal();
+            good = good && event.Wait(0) == core::Event::signalled &&
+                   event.Wait(0) == core::Event::signalled;
+            event.Clear();
+            std::thread other([] {
+                Application::Sleep(20, false);
+                Application::RequestTermination(Application::normalRequest);
+            });
+            good = good && event.Wait(1'000'000) == core::Event::terminating &&
+                   Application::Sleep(1'000'000, true) == 1 && Application::Sleep(0, false) == 1;
+            other.join();
+            std::exit(good ? 7 : 0);
+        },
+        testing::ExitedWithCode(7), "");
+}
+
+TEST(AppStatus, TheFileHoldsTheNumber) {
+    support::TemporaryFolder const folder;
+    AppStatus::setFolder(folder.Path().c_str());
+    AppStatus const status("name");
+    EXPECT_STREQ(status.getFilePath().getCString(), folder.PathOf("name.status").c_str());
+    EXPECT_EQ(status.readFromFile(), -1);
+    EXPECT_EQ(status.GetStatus(), -1);
+    EXPECT_FALSE(status._setStatus(AppStatus::none));
+    EXPECT_TRUE(status._setStatus(AppStatus::running));
+    EXPECT_EQ(status.GetStatus(), 3);
+    EXPECT_TRUE(status.writeToFile(9));
+    EXPECT_EQ(status.readFromFile(), 9);
+    EXPECT_EQ(status.GetStatus(), 0);
+    for (char const* const content : {"", "x", "3x", "-", "\n"}) {
+        folder.Write("name.status", content);
+        EXPECT_EQ(status.readFromFile(), -1) << content;
+    }
+    EXPECT_TRUE(status._setStatus(AppStatus::none));
+    EXPECT_EQ(status.readFromFile(), -1);
+
+    std::filesystem::create_directory(folder.PathOf("name.status"));
+    EXPECT_FALSE(status._setStatus(AppStatus::running)) << "a folder in its place is no crash";
+    EXPECT_EQ(status.readFromFile(), -1);
+}
+
+TEST(Version, Texts) {
+    core::version::Record record;
+    record.init("tool", 1, 0, core::version::CEDevStage::unchanged);
+    EXPECT_STREQ(record.getLong(true).getCString(), "tool 1.00");
+    record.setModelName("Model %1");
+    record.setDescription("What it does\nand more");
+    EXPECT_STREQ(record.getLong(true).getCString(), "tool 1.00 (Model %1) - What it does");
+    EXPECT_STREQ(record.getLong(false).getCString(), "tool 1.00 (Model %1)");
+    record.setBuild("77");
+    record.setDevStage(core::version::CEDevStage::beta);
+    EXPECT_STREQ(record.getLong(false).getCString(), "tool 1.00 build 77 beta (Model %1)");
+    record.init("tool", 12, 345, core::version::CEDevStage::unchanged);
+    EXPECT_STREQ(record.getNumber().getCString(), "12.345");
+}
+
+}  // namespace

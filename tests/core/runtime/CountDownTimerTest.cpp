@@ -1,0 +1,59 @@
+#include <gtest/gtest.h>
+
+#include "core/runtime/CountDownTimer.h"
+#include "sys/scheduler.h"
+
+namespace {
+
+using core::CountDownTimer;
+
+std::uint32_t now = 0;
+
+class CountDownTimerTest : public testing::Test {
+protected:
+    CountDownTimerTest() {
+        now = 1000;
+        sys::scheduler::setTickSource([] { return now; });
+    }
+    ~CountDownTimerTest() override { sys::scheduler::setTickSource(nullptr); }
+};
+
+TEST_F(CountDownTimerTest, CountsDownAndStartsAnew) {
+    CountDownTimer timer(5000ULL);
+    EXPECT_FALSE(timer.Expired());
+    EXPECT_EQ(timer.Remaining(100, 1000), 1000u);
+    EXPECT_EQ(timer.RemainingTimeout(100, ~0U), 5000u);
+    now += 4950;
+    EXPECT_EQ(timer.Elapsed(), 4950u);
+    EXPECT_EQ(timer.Remaining(0, CountDownTimer::unlimited), 50u);
+    EXPECT_EQ(timer.Remaining(100, 1000), 100u);
+    now += 49;
+    EXPECT_FALSE(timer.Expired());
+    now += 1;
+    EXPECT_TRUE(timer.Expired());
+    EXPECT_EQ(timer.Remaining(100, 1000), 0u) << "not the minimum";
+
+    timer.Reset(CountDownTimer::samePeriod);
+    EXPECT_EQ(timer.Remaining(0, CountDownTimer::unlimited), 5000u);
+    timer.Reset(core::Interval(70));
+    EXPECT_EQ(timer.Remaining(0, CountDownTimer::unlimited), 70u);
+    timer.Reset(0);
+    EXPECT_TRUE(timer.Expired());
+    timer.WaitForIt();
+
+    EXPECT_TRUE(CountDownTimer().Expired());
+    EXPECT_TRUE(CountDownTimer(0ULL).Expired());
+    EXPECT_EQ(CountDownTimer(1ULL << 40).RemainingTimeout(0, ~0U), ~0U);
+}
+
+TEST_F(CountDownTimerTest, TheTickJumpsBackAtItsWrap) {
+    now = 0xFFFFFFFF;
+    CountDownTimer timer(10ULL);
+    now = 5;
+    EXPECT_FALSE(timer.Expired());
+    EXPECT_EQ(timer.Remaining(0, 1000), 1000u);
+    EXPECT_EQ(sys::scheduler::getcurrtickus(), 5000u);
+    EXPECT_EQ(sys::scheduler::getcurrtickns(), 5000000u);
+}
+
+}  // namespace

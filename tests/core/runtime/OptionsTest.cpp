@@ -1,0 +1,102 @@
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "core/runtime/Application.h"
+#include "tests/support/StatusFolder.h"
+
+namespace {
+
+using core::Application;
+using core::String;
+
+char const grammar[] = "h|help=0>o|origin=1>a|address=1>p|pair=2>c|count";
+
+struct TestedApplication : private support::StatusFolder, public Application {
+    TestedApplication() : Application("options") {}
+};
+
+Application& application() {
+    static TestedApplication theApplication;
+    return theApplication;
+}
+
+/// The stored options as "name=values", joined by blanks, and behind " ! " the errors.
+std::string parsed(std::vector<char const*> words, char const* with = grammar) {
+    core::StringArray errors(16);
+    words.insert(words.begin(), "program");
+    EXPECT_TRUE(application().CommandLinePrepare(static_cast<int>(words.size()), words.data(), with,
+                                                 errors));
+    std::string result;
+    for (int i = 0; i < application().CountOptions(); ++i) {
+        String shortName;
+        String longName;
+        String values;
+        EXPECT_TRUE(application().GetOption(i, shortName, longName, values));
+        result.append(i > 0 ? " " : "").append(shortName.getCString());
+        result.append("=").append(values.getCString());
+    }
+    for (int i = 0; i < errors.Count(); ++i) {
+        result.append(" ! ").append(errors[i].getCString());
+    }
+    return result;
+}
+
+TEST(Options, Grammar) {
+    struct Row {
+        std::vector<char const*> words;
+        char const* expected;
+    } const rows[] = {
+        {{}, ""},
+        {{"-h"}, "h="},
+        {{"-h", "x"}, " ! Invalid number of arguments=-h x"},
+        {{"-o", "f"}, "o=f"},
+        {{"-o=f"}, "o=f"},
+        {{"--origin", "f"}, "o=f"},
+        {{"--ORIGIN=f"}, "o=f"},
+        {{"-o=a=b"}, "o=a=b"},
+        {{"-o", "a", "-o", "b"}, "o=a ! Invalid number of arguments=-o a b"},
+        {{"-o", "a", "-o"}, "o=a ! Invalid number of arguments=-o a "},
+        {{"-o"}, " ! Invalid number of arguments=-o "},
+        {{"-p", "a", "b"}, "p=a|b"},
+        {{"-p", "a", "-p", "b"},
+         " ! Invalid number of arguments=-p a ! Invalid number of arguments=-p b"},
+        {{"-p=a|b"}, "p=a|b"},
+        {{"-x"}, " ! Invalid option=-x "},
+        {{"-x", "a", "b"}, " ! Invalid option=-x a|b"},
+        {{"--extra=1"}, " ! Invalid option=--extra 1"},
+        {{"-ho", "f"}, " ! Invalid option=-ho f"},
+        {{"-c", "1"}, " ! Invalid option=-c 1"},
+        {{"file", "-h"}, "h="},
+        {{"-"}, " ! Invalid option= "},
+        {{"--"}, " ! Invalid option= "},
+        {{"-="}, " ! Invalid option=-= "},
+        {{"", "-o", ""}, " ! Invalid number of arguments=-o "},
+        {{nullptr, "-h", nullptr}, "h="},
+    };
+    for (Row const& row : rows) {
+        EXPECT_EQ(parsed(row.words), row.expected);
+    }
+}
+
+TEST(Options, MalformedGrammars) {
+    for (char const* const bad : {"", ">", "=", ">>=>", "h", "=0>", "h|help", "h|help=x"}) {
+        EXPECT_NE(parsed({"-h", "a"}, bad).find(" ! Invalid "), std::string::npos) << bad;
+    }
+    EXPECT_EQ(parsed({"-h"}, "h|help=-7"), "h=") << "a negative count is 0";
+}
+
+TEST(Options, Queries) {
+    parsed({"-o", "file"});
+    for (char const* const query : {"o", "O", "origin", "o|origin", "x|Origin", "o|x"}) {
+        String values;
+        EXPECT_TRUE(application().GetOptionValues(query, values)) << query;
+        EXPECT_STREQ(values.getCString(), "file");
+    }
+    for (char const* const query : {"", "|", "origins", "orig", "a"}) {
+        EXPECT_FALSE(application().FindOption(query)) << query;
+    }
+}
+
+}  // namespace

@@ -1,0 +1,48 @@
+#include "tests/device/ScenarioDevice.h"
+
+#include <chrono>
+
+#include "tests/support/lines.h"
+
+ScenarioDevice::ScenarioDevice(Act act, device::DeviceLimits const& limits) {
+    behaviour_.act = std::move(act);
+    server_ = std::make_unique<device::DeviceServer>(behaviour_, record_, limits);
+    server_->AddBind("127.0.0.1|0");
+    server_->StartListen();
+}
+
+ScenarioDevice::~ScenarioDevice() = default;
+
+std::string ScenarioDevice::Address() const {
+    return support::replaced(server_->GetBoundName(0).getCString(), "|", ":");
+}
+
+std::string ScenarioDevice::Port() const {
+    std::string const address = Address();
+    return address.substr(address.find(':') + 1);
+}
+
+std::vector<device::Outcome> ScenarioDevice::End(std::size_t conversations) {
+    std::unique_lock locked(record_.mutex);
+    record_.ended.wait_for(locked, std::chrono::seconds(20),
+                           [&] { return record_.outcomes.size() >= conversations; });
+    locked.unlock();
+    server_.reset();
+    return record_.outcomes;
+}
+
+bool ScenarioDevice::ScriptedBehaviour::Act(device::Moment const& moment, device::Wire& wire) {
+    return act ? act(moment, wire) : Behaviour::Act(moment, wire);
+}
+
+void ScenarioDevice::Record::OnData(void const* bytes, int length) {
+    file.append(static_cast<char const*>(bytes), static_cast<std::size_t>(length));
+}
+
+void ScenarioDevice::Record::OnEnd(device::Outcome outcome) {
+    {
+        std::lock_guard locked(mutex);
+        outcomes.push_back(outcome);
+    }
+    ended.notify_all();
+}

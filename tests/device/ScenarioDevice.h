@@ -1,0 +1,50 @@
+#pragma once
+
+#include <condition_variable>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <vector>
+
+#include "device/DeviceServer.h"
+
+/// A device in this process that does what a scenario says, and keeps what it sees.
+class ScenarioDevice {
+public:
+    /// Acts in the place of an honest device; see device::Behaviour::Act.
+    using Act = std::function<bool(device::Moment const&, device::Wire&)>;
+
+    /// Listens on a free port; without an act the device is honest.
+    explicit ScenarioDevice(Act act = {}, device::DeviceLimits const& limits = {});
+    ScenarioDevice(ScenarioDevice const&) = delete;
+    ScenarioDevice& operator=(ScenarioDevice const&) = delete;
+    ~ScenarioDevice();
+
+    /// "127.0.0.1:Port"
+    std::string Address() const;
+    std::string Port() const;
+    /// Waits until a number of conversations have come to their end and stops the device: how they
+    /// ended.
+    std::vector<device::Outcome> End(std::size_t conversations = 1);
+    /// All bytes of files that came, once the device has ended.
+    std::string const& File() const { return record_.file; }
+
+private:
+    struct ScriptedBehaviour : device::Behaviour {
+        ScenarioDevice::Act act;
+        bool Act(device::Moment const& moment, device::Wire& wire) override;
+    };
+    struct Record : device::Observer {
+        std::string file;
+        std::mutex mutex;
+        std::condition_variable ended;
+        std::vector<device::Outcome> outcomes;
+        void OnData(void const* bytes, int length) override;
+        void OnEnd(device::Outcome outcome) override;
+    };
+
+    ScriptedBehaviour behaviour_;
+    Record record_;
+    std::unique_ptr<device::DeviceServer> server_;
+};

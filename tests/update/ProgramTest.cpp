@@ -1,0 +1,222 @@
+#include <gtest/gtest.h>
+
+#include <cstdio>
+
+#include "tests/device/ScenarioDevice.h"
+#include "tests/support/TemporaryFolder.h"
+#include "tests/support/lines.h"
+
+namespace {
+
+using Lines = std::vector<std::string>;
+
+struct Ran {
+    Lines lines;
+    int status;
+};
+
+/// Runs a shell command line; its standard output and exit status.
+Ran run(std::string const& command) {
+    std::string output;
+    std::FILE* const pipe = popen(command.c_str(), "r");
+    EXPECT_NE(pipe, nullptr);
+    for (int c = std::fgetc(pipe); c != EOF; c = std::fgetc(pipe)) {
+        output.push_back(static_cast<char>(c));
+    }
+    int const status = pclose(pipe);
+    return {support::linesOf(output), status};
+}
+
+std::string const banner = "ravelink 1.00 (Halvoren) - Ethernet Updater";
+Lines const usage = {
+    "Usage:",
+    "\travelink [OPTIONS] -o originFile -a ipAddress",
+    "where:",
+    "\t-o, --origin *   : The update archive file name",
+    "\t-a, --address *  : The IPv4 address in the form AAA.BBB.CCC.DDD:Port",
+    "and options:",
+    "\t-h, --help       : Show this screen",
+    "",
+};
+
+TEST(Program, CommandLinesThatReachNoDevice) {
+    support::TemporaryFolder const folder;
+    std::string const file = folder.Write("update.rvl", "x");
+    std::string const strange = folder.PathOf("100%1=%s.rvl");
+    struct Row {
+        std::string arguments;
+        Lines errors;
+        bool showsUsage;
+    } const rows[] = {
+        {"", {"*** Origin file name missing: Please provide the correct -o option"}, false},
+        {"-h", {}, true},
+        {"--HELP -o " + file + " -a 127.0.0.1", {}, true},
+        {"-x", {"*** Invalid option: -x "}, true},
+        {"--bad=1 -h x",
+         {"*** Invalid option: --bad 1", "*** Invalid number of arguments: -h x"},
+         true},
+        {"-o a -o b", {"*** Invalid number of arguments: -o a b"}, true},
+        {"-o " + folder.PathOf("none"),
+         {"*** Update file missing: Cannot find the file \"" + folder.PathOf("none") +
+          "\". Please provide the correct path"},
+         false},
+        {"-o '" + strange + "'",
+         {"*** Update file missing: Cannot find the file \"" +
+          support::replaced(strange, "=", ": ") + "\". Please provide the correct path"},
+         false},
+        {"-o " + folder.Path(),
+         {"*** Update file missing: Cannot find the file \"" + folder.Path() +
+          "\". Please provide the correct path"},
+         false},
+        {"-t x -i y -o " + file,
+         {"*** Sensor IP address missing: Please provide the correct -a option"},
+         false},
+        {"-o=" + file + " --address=10.0.0:7",
+         {"*** Bad address: The address provided (10.0.0|7) is not a valid IPv4 address. Please "
+          "use the form IP:Port"},
+         false},
+        {"--origin " + file + " -a 127.0.0.1:99999",
+         {"*** Invalid port: The address provided (127.0.0.1|99999) does not contain a valid "
+          "port. Please use the form IP|Port"},
+         false},
+        {"-o " + file + " -a 127.0.0.1:0",
+         {"*** Invalid port: The address provided (127.0.0.1|0) does not contain a valid port. "
+          "Please use the form IP|Port"},
+         false},
+    };
+    for (Row const& row : rows) {
+        Lines expected = {banner};
+        expected.insert(expected.end(), row.errors.begin(), row.errors.end());
+        if (!row.errors.empty()) {
+            expected.push_back("");
+        }
+        if (row.showsUsage) {
+            expected.insert(expected.end(), usage.begin(), usage.end());
+        }
+        Ran const ran = run(RAVELINK " " + row.arguments);
+        EXPECT_EQ(ran.lines, expected) << row.arguments;
+        EXPECT_EQ(ran.status, 0) << row.arguments;
+    }
+}
+
+TEST(Program, AnOctetTooBigLeavesAnAddressToTry) {
+    support::TemporaryFolder const folder;
+    // Port 1 of 127.0.0.0, which no connection can be made to.
+    Ran const ran = run(RAVELINK " -o " + folder.Write("update.rvl", "x") + " -a 127.0.0.999:1");
+    EXPECT_EQ(ran.lines,
+              (Lines{banner, "- Connecting to: 127.0.0.0:3007 ...",
+                     "*** Connection failed: Unable to connect to (127.0.0.0|3007). Please check "
+                     "the address and try again",
+                     ""}));
+}
+
+TEST(Program, ATerminalGetsColoursAndOneProgressLineInPlace) {
+    support::TemporaryFolder const folder;
+    std::string const file = folder.Write("update.rvl", std::string(600'000, 'x'));
+    std::string const inPlace = "\x1B[F\x1B[G";
+    std::string const blanks = "          ";
+    for (char const* const terminal : {"xterm", "dumb"}) {
+        bool const capable = std::string(terminal) == "xterm";
+        auto const again = [&](std::string const& text, std::string const& size, int color) {
+            return capable ? inPlace + text + "\x1B[" + std::to_string(color) + "m" + size +
+                                 "\x1B[39m" + blanks
+                           : text + size + blanks;
+        };
+        ScenarioDevice device;
+        std::string output;
+        for (std::string const& line :
+             run("TERM=" + std::string(terminal) + " script -qec '" RAVELINK " -o " + file +
+                 " -a " + device.Address() + "' /dev/null < /dev/null")
+                 .lines) {
+            output += support::replaced(line, "\r", "") + "\n";
+        }
+        EXPECT_NE(output.find(again(">   Transferred by now: ", "512.0 KB", 93) + "\n" +
+                              again("- File completely sent: ", "585.9 KB", 92) + "\n"),
+                  std::string::npos)
+            << output;
+        EXPECT_EQ(output.find("\x1B") != std::string::npos, capable);
+    }
+}
+
+TEST(Program, UpdatesADeviceAlthoughNobodyListens) {
+    support::TemporaryFolder const folder;
+    std::string const file = folder.Write("update.rvl", std::string(1'000'000, 'x'));
+    for (char const* const output : {"| head -1", ">&-", "> /dev/full", "<&- >&- 2>&-"}) {
+        ScenarioDevice device;
+        run(RAVELINK " -o " + file + " -a " + device.Address() + " " + output);
+        EXPECT_EQ(device.End(), std::vector{device::Outcome::complete}) << output;
+    }
+}
+
+/// A shell script that updates a device of its own on a free port: the updater's last line, the
+/// device's exit status, its first and its last line.
+std::string rehearsal(support::TemporaryFolder const& folder) {
+    std::string const log = folder.PathOf("device.log");
+    return "{ " RAVELINK_DEVICE " -b 127.0.0.1:0 --once > " + log +
+           "; echo $?; } &\n"
+           "for i in $(seq 500); do a=$(sed -n 's/- Listening on: //p' " +
+           log +
+           " 2>&1)\n"
+           "case $a in 127*) break;; esac; sleep 0.02; done\n" RAVELINK " -o " +
+           folder.Write("update.rvl", "x") + " -a $a | tail -1; wait\n" + "sed -n 1p " + log +
+           "; tail -1 " + log + "\n";
+}
+
+Lines const rehearsed = {
+    "The device is updated and it will restart itself if needed.",
+    "0",
+    "ravelink-device 1.00 (Halvoren) - Simulated Device",
+    "- The update is complete.",
+};
+
+TEST(Program, DeviceListensOnAFreePortAndEndsAfterOneUpdate) {
+    support::TemporaryFolder const folder;
+    EXPECT_EQ(run("sh " + folder.Write("rehearsal.sh", rehearsal(folder))).lines, rehearsed);
+}
+
+TEST(Program, LoopbackNeedsNoNetworkAndAnUnreachablePeerIsTold) {
+    std::string const alone = "unshare --map-root-user --net ";
+    if (run(alone + "ip link set lo up 2>&1").status != 0) {
+        GTEST_SKIP() << "no network namespaces to be had here";
+    }
+    support::TemporaryFolder const folder;
+    std::string const script = folder.Write(
+        "alone.sh", "ip link set lo up\n" RAVELINK " -o " + folder.Write("update.rvl", "x") +
+                        " -a 10.0.0.7 | sed -n 3p\n" + rehearsal(folder));
+    Lines expected = rehearsed;
+    expected.insert(expected.begin(),
+                    "*** Connection failed: Unable to connect to (10.0.0.7|3007). Please check the "
+                    "address and try again");
+    EXPECT_EQ(run(alone + "sh " + script).lines, expected);
+}
+
+TEST(Program, DeviceReportsItsOwnMistakes) {
+    struct Row {
+        std::string arguments;
+        std::string error;
+        int status;
+    };
+    ScenarioDevice taken;
+    for (Row const& row : {
+             Row{"-x", "*** Invalid option: -x ", 2},
+             Row{"-b nowhere",
+                 "*** Bad address: The address provided (nowhere) is not a valid IPv4 address. "
+                 "Please use the form IP:Port",
+                 2},
+             Row{"-b 127.0.0.1:65536",
+                 "*** Invalid port: The address provided (127.0.0.1:65536) does not contain a "
+                 "valid port. Please use a port from 0 to 65535",
+                 2},
+             Row{"-b " + taken.Address(),
+                 "*** Unable to listen: The address (" + taken.Address() +
+                     ") is in use or is not one of this machine",
+                 1},
+         }) {
+        Ran const ran = run(RAVELINK_DEVICE " " + row.arguments + "; echo $?");
+        ASSERT_GE(ran.lines.size(), 3u) << row.arguments;
+        EXPECT_EQ(ran.lines[1], row.error);
+        EXPECT_EQ(ran.lines.back(), std::to_string(row.status)) << row.arguments;
+    }
+}
+
+}  // namespace

@@ -1,0 +1,172 @@
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+
+#include "device/Behaviour.h"
+#include "tests/device/ScenarioDevice.h"
+#include "tests/support/TemporaryFolder.h"
+#include "tests/support/lines.h"
+#include "tests/update/TestedUpdater.h"
+#include "update/protocol/UpdateNotification.h"
+
+namespace {
+
+using device::Moment;
+using device::Outcome;
+using device::Step;
+using device::Wire;
+using update::UpdateNotification;
+using Lines = std::vector<std::string>;
+
+/// Bytes that no shift, repetition or loss leaves the same.
+std::string contentOf(std::size_t size) {
+    std::string content(size, '\0');
+    std::uint32_t state = 2463534242;
+    for (char& byte : content) {
+        state = state * 1664525 + 1013904223;
+        byte = static_cast<char>(state >> 24);
+    }
+    return content;
+}
+
+class SessionTest : public testing::Test {
+protected:
+    SessionTest() { TestedUpdater::Instance().UseProductLimits(); }
+
+    Lines RunSession(ScenarioDevice const& device, std::string const& path) {
+        Lines lines = TestedUpdater::Instance().RunSession(path, device.Address());
+        for (std::string& line : lines) {
+            line = support::replaced(line, device.Port(), "PORT");
+        }
+        return lines;
+    }
+
+    support::TemporaryFolder folder_;
+};
+
+TEST_F(SessionTest, CompleteUpdates) {
+    struct Row {
+        std::size_t size;
+        Lines transfer;
+    } const rows[] = {
+        {0, {"- File completely sent: 0.0 B"}},
+        {1, {"- File completely sent: 1.0 B"}},
+        {262'143, {"- File completely sent: 256.0 KB"}},
+        {262'144,
+         {">   Transferred by now: 256.0 KB", "- File completely sent: 256.0 KB          "}},
+        {600'001,
+         {">   Transferred by now: 256.0 KB", ">   Transferred by now: 512.0 KB          ",
+          "- File completely sent: 585.9 KB          "}},
+    };
+    for (Row const& row : rows) {
+        ScenarioDevice device;
+        std::string const content = contentOf(row.size);
+        Lines expected = {"- Connecting to: 127.0.0.1:PORT ...", "  Connected!",
+                          "- The device has accepted our request."};
+        expected.insert(expected.end(), row.transfer.begin(), row.transfer.end());
+        for (char const* const line :
+             {"  The update process may take a while. Please wait...",
+              "- The device has received the update file.",
+              "- The device has checked the update file.",
+              "- The device is processing the update file.", "- The update process is complete.",
+              "  The firmware is restarting.",
+              "The device is updated and it will restart itself if needed."}) {
+            expected.push_back(line);
+        }
+        EXPECT_EQ(RunSession(device, folder_.Write("update.rvl", content)), expected) << row.size;
+        EXPECT_EQ(device.End(), std::vector{Outcome::complete});
+        EXPECT_TRUE(device.File() == content) << row.size;
+    }
+}
+
+TEST_F(SessionTest, ABigFileAndAnotherUpdateOnTheSameDevice) {
+    ScenarioDevice device;
+    std::string const content = contentOf(5'000'000);
+    std::string const path = folder_.Write("update.rvl", content);
+    EXPECT_EQ(RunSession(device, path).size(), 3u + 19 + 1 + 7);
+    EXPECT_EQ(RunSession(device, path).size(), 3u + 19 + 1 + 7);
+    device.End(2);
+    EXPECT_TRUE(device.File() == content + content);
+}
+
+TEST_F(SessionTest, EveryRestartKind) {
+    struct Row {
+        std::uint32_t kind;
+        Lines lines;
+    } const rows[] = {
+        {1, {"  The firmware is restarting."}},
+        {2, {"  The hardware is restarting."}},
+        {3, {"  Please power off the device and then power on again."}},
+        {7, {}},
+    };
+    std::string const path = folder_.Write("update.rvl", "x");
+    for (Row const& row : rows) {
+        ScenarioDevice device([&](Moment const& moment, Wire& wire) {
+            return moment.step == Step::Complete
+                       ? wire.Notify(UpdateNotification::Complete, row.kind)
+                       : device::Behaviour().Act(moment, wire);
+        });
+        Lines expected = {"- The update process is complete."};
+        expected.insert(expected.end(), row.lines.begin(), row.lines.end());
+        expected.push_back("The device is updated and it will restart itself if needed.");
+        Lines const lines = RunSession(device, path);
+        ASSERT_GE(lines.size(), expected.size());
+        EXPECT_EQ(Lines(lines.end() - static_cast<long>(expected.size()), lines.end()), expected);
+    }
+}
+
+TEST_F(SessionTest, AcceptTokenComesBackInHeaderAndTrailer) {
+    // An honest device refuses a wrong token with "Invalid password", so completion is the proof.
+    ScenarioDevice device;
+    std::string const path = folder_.Write("update.rvl", "x");
+    for (int round = 0; round < 3; ++round) {
+        EXPECT_EQ(RunSession(device, path).back(),
+                  "The device is updated and it will restart itself if needed.");
+    }
+}
+
+TEST_F(SessionTest, AFileThatGrowsPutsNoExtraByteOnTheWire) {
+    std::string const content = contentOf(100'000);
+    std::string const path = folder_.Write("update.rvl", content);
+    ScenarioDevice device([&](Moment const& moment, Wire& wire) {
+        if (moment.step == Step::Header) {
+            std::ofstream(path, std::ios::binary | std::ios::app) << "more";
+        }
+        return device::Behaviour().Act(moment, wire);
+    });
+    EXPECT_EQ(RunSession(device, path).back(),
+              "The device is updated and it will restart itself if needed.");
+    device.End();
+    EXPECT_TRUE(device.File() == content);
+}
+
+TEST_F(SessionTest, AFileThatShrinksIsAnError) {
+    std::string const path = folder_.Write("update.rvl", contentOf(100'000));
+    ScenarioDevice device([&](Moment const& moment, Wire& wire) {
+        if (moment.step == Step::Header) {
+            std::filesystem::resize_file(path, 50'000);
+        }
+        return device::Behaviour().Act(moment, wire);
+    });
+    Lines const lines = RunSession(device, path);
+    ASSERT_GE(lines.size(), 2u);
+    EXPECT_EQ(lines[lines.size() - 2],
+              "*** Error reading from the file: Error occurred reading the file \"" + path +
+                  "\". This is a mess");
+    EXPECT_EQ(device.End(), std::vector{Outcome::ended});
+}
+
+TEST_F(SessionTest, AFileBeyondTheProtocolsReachIsRefusedBeforeAnythingIsSent) {
+    std::string const path = folder_.Write("update.rvl", "");
+    std::filesystem::resize_file(path, 2'147'483'648);
+    ScenarioDevice device;
+    EXPECT_EQ(RunSession(device, path),
+              (Lines{"- Connecting to: 127.0.0.1:PORT ...", "  Connected!",
+                     "*** Update file too big: The file \"" + path +
+                         "\" exceeds the maximum of 2147483647 bytes",
+                     ""}));
+    EXPECT_EQ(device.End(), std::vector{Outcome::ended});
+}
+
+}  // namespace

@@ -1,0 +1,58 @@
+#include "update/UpdateApplication.h"
+
+#include "core/console/errorLine.h"
+#include "update/print.h"
+#include "update/usage.h"
+
+namespace update {
+
+using core::String;
+
+namespace {
+
+/// -t and -i are accepted and have no effect: scripts of the field still give them.
+char const grammar[] = "h|help=0>o|origin=1>a|address=1>t|type=1>i|id=1";
+
+}  // namespace
+
+UpdateApplication::UpdateApplication() : core::Application("ravelink") {
+    setVersionModelName("Halvoren");
+    setVersionNumber(1, 0);
+    setDevStage(core::version::CEDevStage::release);
+    setDescription("Ethernet Updater\n");
+}
+
+void UpdateApplication::Main(int argc, char const* const* argv) {
+    println(getVersionLong(true), true);
+    CommandLinePrepare(argc, argv, grammar, errors);
+    if (errors.Count() > 0) {
+        showErrors();
+        showUsage();
+        return;
+    }
+    if (FindOption("h")) {
+        showUsage();
+        return;
+    }
+    Run();
+}
+
+bool UpdateApplication::QuitWithError(String const& title, String const& message, bool show) {
+    if (title.GetLength() > 0) {
+        errors.Add(title, message);
+    }
+    RequestTermination(normalRequest);
+    if (show) {
+        showErrors();
+    }
+    return false;
+}
+
+void UpdateApplication::showErrors() const {
+    for (int i = 0; i < errors.Count(); ++i) {
+        println(core::errorLine(errors[i]), true);
+    }
+    println("", true);
+}
+
+}  // namespace update

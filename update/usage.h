@@ -1,0 +1,8 @@
+#pragma once
+
+namespace update {
+
+/// Prints the usage screen.
+void showUsage();
+
+}  // namespace update
