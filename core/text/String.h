@@ -75,7 +75,8 @@ public:
     ~String() { deleteStringData(data_); }
 
     String& operator=(String const& other) {
-        SetString(other);
+        String copy(other);
+        std::swap(data_, copy.data_);
         return *this;
     }
     String& operator=(String&& other) noexcept {
@@ -94,12 +95,7 @@ public:
     /// count times c; empty when count is below 1 or c is NUL.
     void SetString(char c, int count);
     /// Shares the other text's record.
-    void SetString(String const& other) {
-        StringData* const before = data_;
-        data_ = other.data_;
-        addHolder();
-        deleteStringData(before);
-    }
+    void SetString(String const& other) { *this = other; }
     /// Each code unit cut to its low 8 bits, up to the first unit that gives a NUL. length is in
     /// units, -1 means up to the NUL.
     void SetString(unsigned short const* units, int length = -1);

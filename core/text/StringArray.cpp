@@ -10,7 +10,7 @@ namespace core {
 StringArray::StringArray(int step) : step_(std::clamp(step, 1, MaxStep)) {}
 
 StringArray::StringArray(StringArray const& other)
-    : ReferenceCounted(), BasicClass(), step_(other.step_), separator_(other.separator_) {
+    : ReferenceCounted(other), BasicClass(other), step_(other.step_), separator_(other.separator_) {
     Add(other);
 }
 

@@ -52,12 +52,12 @@ String itemName(String const& name, int index) {
 }  // namespace
 
 void StringArray::LoadFrom(String const& text) {
-    // A copy of its own: the text may be an entry of this list.
-    String const source(text);
-    Clear();
-    LineSplitter splitter(*this);
-    splitter.Feed(source.View());
+    // A list of its own first: the text may be an entry of this one.
+    StringArray lines(step_);
+    LineSplitter splitter(lines);
+    splitter.Feed(text.View());
     splitter.Finish();
+    takeEntries(lines);
 }
 
 bool StringArray::LoadFrom(IStream* stream) {

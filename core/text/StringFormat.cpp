@@ -20,7 +20,7 @@ struct Placeholder {
 };
 
 /// The next numbered placeholder of text at or after start, whichever number it has.
-Placeholder nextNumbered(std::string_view text, std::size_t start) {
+inline Placeholder nextNumbered(std::string_view text, std::size_t start) {
     for (std::size_t at = text.find('%', start); at != npos; at = text.find('%', start)) {
         int index = 0;
         for (start = at + 1; start < text.size() && String::IsNumeric(text[start]); ++start) {
@@ -77,7 +77,7 @@ String pointerText(void const* value) {
 
 String errnoText(bool withText) {
     int const number = errno;
-    String const shown = String::format("%1").argi(1, number);
+    String shown = String::format("%1").argi(1, number);
     if (!withText) {
         return shown;
     }

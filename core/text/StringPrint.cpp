@@ -32,6 +32,8 @@ String String::vsprintf(char const* format, va_list args) {
     char text[512];
     va_list again;
     va_copy(again, args);
+    // The checker does not see that the caller started args.
+    // NOLINTNEXTLINE(clang-analyzer-valist.Uninitialized)
     int const length = std::vsnprintf(text, sizeof text, format, args);
     String result;
     if (length < static_cast<int>(sizeof text)) {
@@ -47,16 +49,19 @@ String String::vsprintf(char const* format, va_list args) {
 
 String String::FormatByteSize(long long bytes, bool roundUp) {
     struct Unit {
-        int exponent;
+        double bytes;
         char const* name;
     };
-    static constexpr Unit units[] = {{40, "TB"}, {30, "GB"}, {20, "MB"}, {10, "KB"}, {0, "B"}};
+    static constexpr Unit units[] = {{1099511627776.0, "TB"},
+                                     {1073741824.0, "GB"},
+                                     {1048576.0, "MB"},
+                                     {1024.0, "KB"},
+                                     {1.0, "B"}};
 
     auto const value = static_cast<double>(bytes);
-    auto const* const unit = std::find_if(std::begin(units), std::end(units) - 1, [&](Unit each) {
-        return value > std::ldexp(1.5, each.exponent);
-    });
-    double const scaled = std::ldexp(value, -unit->exponent);
+    auto const* const unit = std::find_if(std::begin(units), std::end(units) - 1,
+                                          [&](Unit each) { return value > 1.5 * each.bytes; });
+    double const scaled = value / unit->bytes;
     char text[64];
     if (roundUp) {
         std::snprintf(text, sizeof text, "%lli %s", static_cast<long long>(std::ceil(scaled)),

@@ -65,7 +65,7 @@ String String::GetProperty(String const& name, int start) const {
             continue;
         }
         rest = withoutFront(behind.substr(1), blank);
-        String const value(takeValue(rest));
+        String value(takeValue(rest));
         if (!found.IsEmpty() && found.CompareIC(name) == 0) {
             return value;
         }

@@ -7,51 +7,12 @@ namespace core {
 
 namespace {
 
-bool equalIC(char left, char right) {
-    return String::ToUpper(left) == String::ToUpper(right);
-}
-
-}  // namespace
-
-std::size_t findText(std::string_view text, std::string_view pattern, std::size_t start) {
-    if (pattern.empty()) {
-        return start <= text.size() ? text.size() : std::string_view::npos;
-    }
-    return text.find(pattern, start);
-}
-
-std::size_t findTextIC(std::string_view text, std::string_view pattern, std::size_t start) {
-    if (pattern.empty() || start > text.size()) {
-        return findText(text, pattern, start);
-    }
-    auto const found = std::search(text.begin() + static_cast<std::ptrdiff_t>(start), text.end(),
-                                   pattern.begin(), pattern.end(), equalIC);
-    return found != text.end() ? static_cast<std::size_t>(found - text.begin())
-                               : std::string_view::npos;
-}
-
-namespace {
-
 int position(std::size_t found) {
     return found != std::string_view::npos ? static_cast<int>(found) : -1;
 }
 
 std::size_t clipped(int start) {
     return static_cast<std::size_t>(std::max(start, 0));
-}
-
-int rfindIC(std::string_view text, std::string_view pattern, int start) {
-    if (start < 0) {
-        return -1;
-    }
-    // A match may begin at start and reach past it.
-    text = text.substr(0, static_cast<std::size_t>(start) + pattern.size());
-    if (pattern.empty()) {
-        return static_cast<int>(text.size());
-    }
-    auto const found =
-        std::find_end(text.begin(), text.end(), pattern.begin(), pattern.end(), equalIC);
-    return found != text.end() ? static_cast<int>(found - text.begin()) : -1;
 }
 
 }  // namespace
@@ -81,11 +42,11 @@ int String::RFind(String const& pattern, int start) const {
 }
 
 int String::RFindIC(char c, int start) const {
-    return rfindIC(View(), {&c, 1}, start);
+    return start < 0 ? -1 : position(rfindTextIC(View(), {&c, 1}, clipped(start)));
 }
 
 int String::RFindIC(String const& pattern, int start) const {
-    return rfindIC(View(), pattern.View(), start);
+    return start < 0 ? -1 : position(rfindTextIC(View(), pattern.View(), clipped(start)));
 }
 
 int String::CountChars(char c) const {

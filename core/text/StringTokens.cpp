@@ -21,11 +21,9 @@ String cut(String& text, int found, bool keepLeft) {
 }  // namespace
 
 int String::Split(StringArray& out, String const& delimiters) const {
-    // Copies of their own: the texts may be entries of out.
-    String const text(*this);
-    String const set(delimiters);
-    for (std::string_view rest = text.View(); !rest.empty();) {
-        std::string_view const piece = rest.substr(0, rest.find_first_of(set.View()));
+    // Both texts may be entries of out: adding leaves them where they are.
+    for (std::string_view rest = View(); !rest.empty();) {
+        std::string_view const piece = rest.substr(0, rest.find_first_of(delimiters.View()));
         out.Add(String(piece));
         rest.remove_prefix(std::min(piece.size() + 1, rest.size()));
     }

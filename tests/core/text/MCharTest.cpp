@@ -17,9 +17,7 @@ TEST(MChar, PacksTextInMemoryOrder) {
     if constexpr (std::endian::native == std::endian::little) {
         EXPECT_TRUE(magic == MChar8(0x3932313542525851ull));
         EXPECT_TRUE(magic == 0x3932313542525851ull);
-        EXPECT_EQ(static_cast<unsigned long long>(magic), 0x3932313542525851ull);
     }
-    EXPECT_EQ(magic.SafeDump(), "QXRB5129");
 
     MChar4 const shorter(String("AB"));
     EXPECT_EQ(std::string_view(shorter.ptr(), 4), std::string_view("AB\0\0", 4));
@@ -34,7 +32,6 @@ TEST(MChar, ShowsAnyByteSafely) {
     EXPECT_EQ(MChar4("\x1F\x20\x7F\x80").SafeDump(), "? \x7F?");
     EXPECT_EQ(String::FromMultiChar4(MChar4("A\nB"), true), "A?B?");
     EXPECT_EQ(String::FromMultiChar4(MChar4("A\nB"), false), "A\nB");
-    EXPECT_EQ(String::FromMultiChar8(MChar8(), true), "????????");
 }
 
 }  // namespace

@@ -3,12 +3,12 @@
 #include <cerrno>
 
 #include "core/text/String.h"
-#include "core/text/errnoDescription.h"
 #include "tests/support/PrintText.h"
 
 namespace {
 
 using core::String;
+using Align = String::Align;
 
 TEST(StringFormat, FindsNumberedPlaceholders) {
     struct Row {
@@ -34,20 +34,16 @@ TEST(StringFormat, FindsNumberedPlaceholders) {
 
     int position = 0;
     int length = 0;
-    String const text("%5 %12 %3");
-    EXPECT_EQ(text.findArgPlaceHolderByIndex(12, position, length), 12);
-    EXPECT_EQ(position, 3);
-    EXPECT_EQ(length, 3);
-    EXPECT_EQ(text.findArgPlaceHolderByIndex(5, position, length, 1), 0);
-    EXPECT_EQ(position, -1);
-    EXPECT_EQ(length, 0);
+    EXPECT_EQ(String("%5 %12 %3").findArgPlaceHolderByIndex(12, position, length), 12);
+    EXPECT_EQ(position * 10 + length, 33);
+    EXPECT_EQ(String("%5 %12 %3").findArgPlaceHolderByIndex(5, position, length, 1), 0);
+    EXPECT_EQ(position * 10 + length, -10);
 }
 
 TEST(StringFormat, FindsNamedPlaceholders) {
     EXPECT_EQ(String("%[Name]=%[name]!").argn("NAME", "x"), "x=x!");
     EXPECT_EQ(String("%[a%[b]").argn("b", "x"), "%[a%[b]") << "a name reaches to the next \"]\"";
     EXPECT_EQ(String("<%[n]>").argn("n", 255u, 4, 16), "<00FF>");
-    EXPECT_EQ(String("<%[n]>").argn("n", 1.5, 6, 'f', 2), "<  1.50>");
     EXPECT_EQ(String("<%[n]>").argn_choice("n", false, "yes", "no", 4), "<no  >");
 }
 
@@ -58,10 +54,8 @@ TEST(StringFormat, ChoosesTheOverloadByTheValue) {
     String const text("%1");
     EXPECT_EQ(text.argi(1, "literal"), "literal");
     EXPECT_EQ(text.argi(1, pointer), "text");
-    EXPECT_EQ(text.argi(1, static_cast<char const*>(nullptr)), "");
     EXPECT_EQ(text.argi(1, LLONG_MIN), "-9223372036854775808");
     EXPECT_EQ(text.argi(1, ULLONG_MAX), "18446744073709551615");
-    EXPECT_EQ(text.argi(1, sizeof(int)), "4");
     EXPECT_EQ(text.argi(1, Three), "3");
     EXPECT_EQ(text.argi(1, 2.5f), "2.5");
     EXPECT_EQ(text.argi(1, reinterpret_cast<void*>(0x12FF40)), "0x0012FF40");
@@ -69,23 +63,13 @@ TEST(StringFormat, ChoosesTheOverloadByTheValue) {
 }
 
 TEST(StringFormat, PadsTexts) {
-    using Align = String::Align;
-    struct Row {
-        int width;
-        Align align;
-        char fill;
-        char const* expected;
-    };
-    for (Row const& row :
-         {Row{6, String::AlignCenter, '*', "**ab**"}, Row{5, String::AlignCenter, '*', "**ab*"},
-          Row{4, String::AlignRight, '\0', "  ab"}, Row{4, String::AlignLeft, '.', "ab.."},
-          Row{4, String::AlignDefault, '\t', "ab  "},
-          Row{4, static_cast<Align>(77), '\x80', "ab  "}, Row{2, String::AlignRight, '*', "ab"},
-          Row{INT_MIN, String::AlignRight, '*', "ab"}}) {
-        EXPECT_EQ(String("ab").GetAligned(row.width, row.align, row.fill), row.expected);
-        EXPECT_EQ(String("%1").argi(1, "ab", row.width, row.align, row.fill), row.expected);
-    }
-    EXPECT_EQ(String("ab").GetAligned(INT_MAX, String::AlignCenter).GetLength(), String::MaxWidth);
+    String const text("ab");
+    EXPECT_EQ(String("[%1]").argi(1, text, 6, Align::Center, '*'), "[**ab**]");
+    EXPECT_EQ(String("[%1]").argi(1, text, 5, Align::Center, '*'), "[**ab*]");
+    EXPECT_EQ(text.GetAligned(4, Align::Right), "  ab");
+    EXPECT_EQ(text.GetAligned(4, static_cast<Align>(77), '\x80'), "ab  ");
+    EXPECT_EQ(text.GetAligned(INT_MIN, Align::Right), "ab");
+    EXPECT_EQ(text.GetAligned(INT_MAX, Align::Center).GetLength(), String::MaxWidth);
 }
 
 TEST(StringFormat, WritesIntegers) {
@@ -98,36 +82,25 @@ TEST(StringFormat, WritesIntegers) {
         char const* expected;
     };
     for (Row const& row :
-         {Row{7, 3, 10, String::AlignDefault, 0, "  7"}, Row{7, 3, 10, String::AlignLeft, 0, "7  "},
-          Row{-5, 3, 10, String::AlignDefault, 0, " -5"},
-          Row{-5, 3, 10, String::AlignDefault, '0', "-005"},
-          Row{-5, 3, 10, String::AlignCenter, '*', "-*5*"},
-          Row{-5, 3, 10, String::AlignLeft, ' ', "-5 "},
-          Row{-5, 1, 10, String::AlignDefault, '0', "-5"},
-          Row{-5, 3, 10, String::AlignDefault, '\t', "-  5"},
-          Row{255, 4, 16, String::AlignDefault, 0, "00FF"},
-          Row{255, 4, 16, String::AlignDefault, ' ', "  FF"},
-          Row{255, 4, 16, String::AlignLeft, 0, "FF  "},
-          Row{-1, 0, 16, String::AlignDefault, 0, "FFFFFFFFFFFFFFFF"},
-          Row{35, 0, 36, String::AlignDefault, 0, "Z"},
-          Row{5, 6, 2, String::AlignDefault, 0, "000101"},
-          Row{0, 0, 10, String::AlignDefault, 0, "0"}, Row{0, 2, 8, String::AlignDefault, 0, "00"},
-          Row{1, 0, 1, String::AlignDefault, 0, "*ERR*"},
-          Row{1, 0, 37, String::AlignDefault, 0, "*ERR*"},
-          Row{1, 0, INT_MIN, String::AlignDefault, 0, "*ERR*"}}) {
+         {Row{7, 3, 10, Align::Default, 0, "  7"}, Row{-5, 3, 10, Align::Default, 0, " -5"},
+          Row{-5, 3, 10, Align::Default, '0', "-005"}, Row{-5, 3, 10, Align::Center, '*', "-*5*"},
+          Row{-5, 3, 10, Align::Default, '\t', "-  5"}, Row{255, 4, 16, Align::Default, 0, "00FF"},
+          Row{255, 4, 16, Align::Default, ' ', "  FF"},
+          Row{-1, 0, 16, Align::Default, 0, "FFFFFFFFFFFFFFFF"},
+          Row{35, 0, 36, Align::Default, 0, "Z"}, Row{5, 6, 2, Align::Default, 0, "000101"},
+          Row{1, 0, 1, Align::Default, 0, "*ERR*"},
+          Row{1, 0, INT_MIN, Align::Default, 0, "*ERR*"}}) {
         String const text =
             String::format("%1").argi(1, row.value, row.width, row.base, row.align, row.fill);
         EXPECT_EQ(text, row.expected) << row.value << " in " << row.width;
     }
     EXPECT_EQ(String("no placeholder").argi(1, 5u, 0, 99), "*ERR*");
-    EXPECT_EQ(String("%1").argi(1, ULLONG_MAX, 0, 2).GetLength(), 64);
 }
 
 TEST(StringFormat, WritesFloatingPoint) {
     String const text("%1");
-    EXPECT_EQ(text.argi(1, 0.5, 0, 'f'), "0.500000");
-    EXPECT_EQ(text.argi(1, -1.5, 8, 'e', 1, String::AlignLeft, '.'), "-1.5e+00");
-    EXPECT_EQ(text.argi(1, -1.5, 7, 'f', 1, String::AlignDefault, '0'), "000-1.5");
+    EXPECT_EQ(text.argi(1, -1.5, 8, 'e', 1, Align::Left, '.'), "-1.5e+00");
+    EXPECT_EQ(text.argi(1, -1.5, 7, 'f', 1, Align::Default, '0'), "000-1.5");
     EXPECT_EQ(text.argi(1, 1.25, 0, 'n', -1), "1.25") << "only formats of numbers reach printf";
     String const longest = text.argi(1, -1.7976931348623157e308, 0, 'f', 5000000);
     EXPECT_EQ(longest.GetLength(), 1 + 309 + 1 + String::MaxPrecision);
@@ -137,18 +110,12 @@ TEST(StringFormat, WritesErrorNumbers) {
     errno = ENOENT;
     String const shown = String::format("(%1)").argi_errno(1, true);
     EXPECT_TRUE(shown.StartsWith("(2: ")) << shown.getCString();
-    EXPECT_GT(shown.GetLength(), 6);
-    errno = ENOENT;
-    EXPECT_EQ(String("(%[e])").argn_errno("e", false), "(2)");
     errno = 0;
     EXPECT_EQ(String("%1").argi_errno(1, true), "0: OK");
-    EXPECT_FALSE(core::errnoDescription(INT_MIN).IsEmpty());
 }
 
 TEST(StringFormat, PrintsLikeTheCLibrary) {
     EXPECT_EQ(String::sprintf("%s-%03d", "a", 7), "a-007");
-    String const wide = String::sprintf("%*s|", 5000, "x");
-    EXPECT_EQ(wide.GetLength(), 5001);
     EXPECT_EQ(String::sprintf("%*s", String::MaxLength + 5, "x").GetLength(), String::MaxLength);
 }
 

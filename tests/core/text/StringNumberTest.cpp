@@ -34,7 +34,6 @@ TEST(StringNumber, ReadsDecimals) {
         EXPECT_EQ(position, row.errorPosition) << row.text;
     }
     EXPECT_EQ(String("-3000000000").ToDecimal32(), INT_MIN);
-    EXPECT_EQ(String("3000000000").ToDecimal32(-1), INT_MAX);
     EXPECT_TRUE(String("2147483647").IsDecimal32());
     EXPECT_FALSE(String("2147483648").IsDecimal32());
     EXPECT_FALSE(String("1x").IsDecimal64() || String().IsDecimal32());
@@ -46,7 +45,6 @@ TEST(StringNumber, ReadsOtherBases) {
     EXPECT_EQ(position, 2);
     EXPECT_EQ(String("FFFFFFFFFFFFFFFF").ToHex64(), ULLONG_MAX);
     EXPECT_EQ(String("-1").ToHex64(9), 9u);
-    EXPECT_EQ(String("zz").ToCustom(36), 35 * 36 + 35);
     EXPECT_EQ(String("-102").ToCustom(2, &position, 9), -2);
     EXPECT_EQ(position, 3);
     for (int base : {INT_MIN, -1, 0, 1, 37, INT_MAX}) {
@@ -69,7 +67,6 @@ TEST(StringNumber, ReadsIntegersOfAnyForm) {
         EXPECT_EQ(String(row.text).ToInt64(&position, fallback), row.expected) << row.text;
         EXPECT_EQ(position, row.errorPosition) << row.text;
     }
-    EXPECT_EQ(String("max").ToInt32(), INT_MAX);
     EXPECT_EQ(String("0xFFFFFFFF").ToInt32(), INT_MAX);
     EXPECT_TRUE(String("0x10").IsInt32() && String("min").IsInt64());
     EXPECT_FALSE(String("0xFFFFFFFF").IsInt32() || String("0x1G").IsInt64());
@@ -84,9 +81,6 @@ TEST(StringNumber, ReadsFloatingPoint) {
     int position = untouched;
     EXPECT_EQ(String("1.5x").ToFloat(&position, -1), -1);
     EXPECT_EQ(position, 3);
-    position = untouched;
-    EXPECT_EQ(String("x").ToFloat(&position, -1), -1);
-    EXPECT_EQ(position, untouched);
     EXPECT_TRUE(String("-.5").IsFloat());
     EXPECT_FALSE(String("1.5 ").IsFloat() || String().IsFloat());
 }
@@ -106,13 +100,9 @@ TEST(StringNumber, ReadsTruthValues) {
 
 TEST(StringNumber, ReadsCStrings) {
     EXPECT_EQ(core::strToInt("12ab"), 12);
-    EXPECT_EQ(core::strToInt(nullptr), 0);
-    EXPECT_EQ(core::strToUInt("-5"), 0u);
-    EXPECT_EQ(core::strToUInt64("18446744073709551615"), ULLONG_MAX);
     EXPECT_EQ(core::strToUInt64("-99999999999999999999"), 0u);
     EXPECT_EQ(core::strToFloat("2.5kg"), 2.5);
 
-    EXPECT_EQ(core::strToIntDef("12", -1), 12);
     EXPECT_EQ(core::strToIntDef("12ab", -1), -1);
     EXPECT_EQ(core::strToFloatDef("2.5kg", -1), -1);
 }
@@ -121,11 +111,6 @@ TEST(StringNumber, ReadsLists) {
     int ints[5];
     EXPECT_EQ(core::strToIntArrayDef("1, 2 ,,x", ints, 5, -1), 2);
     EXPECT_EQ((std::vector<int>(ints, ints + 5)), (std::vector{1, 2, -1, -1, -1}));
-    long long longs[2];
-    EXPECT_EQ(core::strToInt64ArrayDef(nullptr, longs, 2, 8), 0);
-    EXPECT_EQ(longs[1], 8);
-    EXPECT_EQ(core::strToIntArrayDef("1", nullptr, 5, 0), 0);
-    EXPECT_EQ(core::strToIntArrayDef("1", ints, INT_MIN, 0), 0);
 }
 
 }  // namespace
