@@ -57,8 +57,7 @@ bool canFold() {
 }
 
 [[gnu::target("avx,pclmul")]] std::uint32_t updateByFolding(unsigned char const* bytes,
-                                                                    std::size_t blocks,
-                                                                    std::uint32_t c) {
+                                                            std::size_t blocks, std::uint32_t c) {
     __m128i const by512 = _mm_set_epi64x(by512High, by512Low);
     __m128i const by128 = _mm_set_epi64x(by128High, by128Low);
     __m128i lane0 = _mm_xor_si128(load(bytes), _mm_cvtsi32_si128(static_cast<int>(c)));

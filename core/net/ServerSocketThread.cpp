@@ -15,7 +15,11 @@ int const acceptBackOff = 50;  ///< ms after a failed accept: without free descr
 
 ServerSocketThread::ServerSocketThread(ServerSocket& server, ClassRef<Socket> const& socket,
                                        String const& bind, int index)
-    : server_(server), socket_(socket), bind_(bind), index_(index) {
+    : Thread(String::format("serve %1").argi(1, index)),
+      server_(server),
+      socket_(socket),
+      bind_(bind),
+      index_(index) {
     bind_.Unique();
 }
 

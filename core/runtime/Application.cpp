@@ -3,12 +3,16 @@
 #include <cstdlib>
 
 #include "core/crc/crc.h"
+#include "core/runtime/timer.h"
+#include "sys/pid.h"
 #include "sys/platform/Process.h"
 #include "sys/scheduler.h"
 
 namespace core {
 
 namespace {
+
+int const delayBeforeClearing = 10'000;  ///< ms that a delayed request keeps the process-ID record
 
 std::atomic<Application*> instance = nullptr;
 
@@ -22,12 +26,15 @@ Application::Application(String const& name)
     }
     sys::platform::prepareProcess();
     crc::init();
+    timerInit();
     status_._setStatus(AppStatus::constructed);
 }
 
 Application::~Application() {
     status_._setStatus(AppStatus::ended);
+    timerDone();
     version::free();
+    FulfillTerminationRequest();
 }
 
 char const* Application::ClassName() const {
@@ -54,6 +61,47 @@ String Application::AppName() {
 unsigned Application::MainThreadID() {
     Application const* const application = instance;
     return application != nullptr ? application->mainThreadId_ : 0;
+}
+
+unsigned Application::ProcessID() {
+    Application const* const application = instance;
+    return application != nullptr ? application->processId_ : 0;
+}
+
+unsigned Application::SessionID() {
+    Application const* const application = instance;
+    return application != nullptr ? application->sessionId_ : 0;
+}
+
+bool Application::IsADaemon() {
+    Application const* const application = instance;
+    return application != nullptr && application->HasFlag(daemonFlag);
+}
+
+bool Application::IsUsingSysLog() {
+    Application const* const application = instance;
+    return application != nullptr && application->HasFlag(sysLogFlag);
+}
+
+bool Application::IsTerminated() {
+    Application const* const application = instance;
+    return application != nullptr && application->HasFlag(fulfilledFlag);
+}
+
+bool Application::Daemonize(String const&) {
+    return false;
+}
+
+unsigned Application::FulfillTerminationRequest() {
+    unsigned const before = flags_;
+    if (HasFlag(daemonFlag) && !HasFlag(fulfilledFlag)) {
+        flags_ |= fulfilledFlag;
+        if (terminationRequest_ == delayedRequest) {
+            sys::scheduler::sleepms(delayBeforeClearing);
+        }
+        sys::pid::clear(name_);
+    }
+    return before;
 }
 
 void Application::setVersionNumber(unsigned major, unsigned minor) {
@@ -135,18 +183,44 @@ bool Application::IsTerminationRequested() {
 
 int Application::Sleep(int ms, bool interruptible) {
     Application* const application = instance;
+    bool ended = false;
     if (interruptible && application != nullptr) {
-        application->terminationEvent_.Wait(ms);
+        ended = application->terminationEvent_.Wait(ms) != Event::timedOut;
     } else {
         sys::scheduler::sleepms(ms);
     }
-    return IsTerminationRequested() ? 1 : 0;
+    if (IsTerminationRequested()) {
+        return 1;
+    }
+    return ended ? 2 : 0;
 }
 
 void Application::WakeLoop() {
     if (Application* const application = instance; application != nullptr) {
         application->wakeEvent_.Signal();
     }
+}
+
+ClassRef<ExecutionLink> Application::Dispatch(ClassRef<ExecutionBit> const& bit,
+                                              ExecutionQueueAbstract::ExecutionPriority priority) {
+    return mainQueue_.Dispatch(bit, priority);
+}
+
+char const* Application::MainExecutionQueue::ClassName() const {
+    return "MainExecutionQueue";
+}
+
+void Application::MainExecutionQueue::ScheduleItem(ClassRef<ExecutionLink> const& item,
+                                                   unsigned long long now) {
+    if (!item->IsCancelled() && item->Bit()->Execute(now) && !item->IsCancelled()) {
+        Requeue(item);
+    } else {
+        item->SetDone();
+    }
+}
+
+void Application::MainExecutionQueue::Dispatched() {
+    WakeLoop();
 }
 
 bool Application::InitOnce() {

@@ -6,6 +6,9 @@
 #include "core/object/ClassRef.h"
 #include "core/runtime/AppStatus.h"
 #include "core/runtime/Event.h"
+#include "core/runtime/ExecutionBit.h"
+#include "core/runtime/ExecutionLink.h"
+#include "core/runtime/ExecutionQueueAbstract.h"
 #include "core/runtime/version.h"
 #include "core/text/String.h"
 #include "core/text/StringArray.h"
@@ -22,6 +25,7 @@ public:
     enum TerminationRequest {
         noRequest = 0,
         normalRequest = 1,
+        delayedRequest = 2,  ///< a daemon keeps its process-ID record for 10 more seconds
     };
 
     /// A second application in one process ends the process at once with exit code 1.
@@ -41,6 +45,16 @@ public:
     static String AppName();
     /// The number of the thread that constructed the application or called Run; 0 without one.
     static unsigned MainThreadID();
+    /// Of the daemon that the process has become; 0 otherwise.
+    static unsigned ProcessID();
+    static unsigned SessionID();
+    static bool IsADaemon();
+    static bool IsUsingSysLog();
+    /// Always false: no platform of ours makes daemons of its programs.
+    bool Daemonize(String const& name);
+    /// A number of the program's own for its phase; the frame sets it too, as Run goes on.
+    void setApplicationStatus(int status) { applicationStatus_ = status; }
+    int getApplicationStatus() const { return applicationStatus_; }
 
     // The version record.
     void setVersionNumber(unsigned major, unsigned minor);
@@ -96,11 +110,18 @@ public:
     static void RequestTermination(TerminationRequest request);
     static TerminationRequest TerminationRequested();
     static bool IsTerminationRequested();
+    /// Takes a daemon's process-ID record back, once; returns the process flags from before.
+    unsigned FulfillTerminationRequest();
+    static bool IsTerminated();
     /// Sleeps ms milliseconds: 1 when termination is requested by then, else 0. An interruptible
     /// sleep ends at the request.
     static int Sleep(int ms, bool interruptible);
     /// Makes the main loop go through a pass now.
     static void WakeLoop();
+    /// Queues a bit, to be run on the main thread by the main loop; returns its link. From any
+    /// thread.
+    ClassRef<ExecutionLink> Dispatch(ClassRef<ExecutionBit> const& bit,
+                                     ExecutionQueueAbstract::ExecutionPriority priority);
 
 protected:
     /// Called once, before the first Init; the result is not looked at.
@@ -117,15 +138,39 @@ protected:
     virtual void Done();
 
 private:
+    /// Runs its items itself, on the thread that takes them.
+    class MainExecutionQueue : public ExecutionQueueAbstract {
+    public:
+        char const* ClassName() const override;
+        void ScheduleItem(ClassRef<ExecutionLink> const& item, unsigned long long now) override;
+
+    protected:
+        void Dispatched() override;
+    };
+
+    enum ProcessFlag : unsigned {
+        daemonFlag = 1U << 0,
+        sysLogFlag = 1U << 1,
+        fulfilledFlag = 1U << 31,
+    };
+
+    bool HasFlag(ProcessFlag flag) const { return (flags_ & flag) != 0; }
     bool Initialise();
     void Loop();
+    unsigned long long RunNextBit(unsigned long long now);
+
+    int applicationStatus_ = 0;
 
     Event terminationEvent_;
     std::atomic<TerminationRequest> terminationRequest_ = noRequest;
+    unsigned flags_ = 0;
+    unsigned processId_ = 0;
+    unsigned sessionId_ = 0;
     unsigned mainThreadId_;
     String name_;
     AppStatus status_;
     ClassRef<StringArray> options_;  ///< empty until CommandLinePrepare
+    MainExecutionQueue mainQueue_;
     Event wakeEvent_;
 };
 

@@ -12,18 +12,29 @@ int const initPause = 10;         ///< ms between two calls of Init
 int const longestLoopWait = 500;  ///< ms that a pass of the main loop waits at most
 unsigned long long const second = 1000;
 
+/// The wait of a pass, in ms, when the next work is due at the given tick.
+int waitUntil(unsigned long long due) {
+    unsigned long long const now = sys::scheduler::getcurrtickms();
+    return due >= now && due - now <= longestLoopWait ? static_cast<int>(due - now)
+                                                      : longestLoopWait;
+}
+
 }  // namespace
 
 void Application::Run() {
     mainThreadId_ = sys::platform::currentThreadId();
+    applicationStatus_ = 1;
     status_._setStatus(AppStatus::initialising);
     InitOnce();
     if (Initialise()) {
+        applicationStatus_ = 3;
         status_._setStatus(AppStatus::running);
         Loop();
+        applicationStatus_ = 4;
         status_._setStatus(AppStatus::terminating);
         Done();
     }
+    applicationStatus_ = 5;
     status_._setStatus(AppStatus::ended);
 }
 
@@ -33,6 +44,7 @@ bool Application::Initialise() {
             return true;
         }
         sys::scheduler::sleepms(initPause);
+        applicationStatus_ = 2;
     }
     return false;
 }
@@ -49,14 +61,16 @@ void Application::Loop() {
                                    {10 * second, &Application::Idle10s, base},
                                    {30 * second, &Application::Idle30s, base},
                                    {60 * second, &Application::Idle60s, base}}};
+    unsigned long long nextDue = 0;
     while (!IsTerminationRequested()) {
-        if (wakeEvent_.Wait(longestLoopWait) == Event::signalled) {
+        if (wakeEvent_.Wait(waitUntil(nextDue)) == Event::signalled) {
             wakeEvent_.Clear();
         }
         if (IsTerminationRequested()) {
             return;
         }
         unsigned long long const now = sys::scheduler::getcurrtickms();
+        nextDue = RunNextBit(now);
         for (IdleHook& hook : hooks) {
             if (now > hook.last + hook.period) {
                 // By the period, not to now: a hook that fell behind catches up, one call a pass.
@@ -66,6 +80,21 @@ void Application::Loop() {
             }
         }
     }
+}
+
+/// Runs the next bit that is due, if any; the tick at which the next one is.
+unsigned long long Application::RunNextBit(unsigned long long now) {
+    ClassRef<ExecutionLink> item = mainQueue_.GetNextItemToSchedule();
+    if (!item) {
+        return mainQueue_.GetFirstExecutionTick();
+    }
+    mainQueue_.ScheduleItem(item, now);
+    item.Set(nullptr);
+    unsigned long long const next = mainQueue_.GetFirstExecutionTick();
+    if (next <= now) {
+        wakeEvent_.Signal();
+    }
+    return next;
 }
 
 }  // namespace core

@@ -23,6 +23,8 @@ CountDownTimer::CountDownTimer(unsigned long long ms)
 CountDownTimer::CountDownTimer(Interval const& interval)
     : CountDownTimer(static_cast<unsigned long long>(interval.GetMilliseconds())) {}
 
+CountDownTimer::CountDownTimer(TimeVal const& time) : CountDownTimer(time.ToInterval()) {}
+
 char const* CountDownTimer::ClassName() const {
     return "CountDownTimer";
 }
@@ -37,6 +39,10 @@ void CountDownTimer::Reset(unsigned long long ms) {
 
 void CountDownTimer::Reset(Interval const& interval) {
     Reset(static_cast<unsigned long long>(interval.GetMilliseconds()));
+}
+
+void CountDownTimer::Reset(TimeVal const& time) {
+    Reset(time.ToInterval());
 }
 
 unsigned long long CountDownTimer::Elapsed() const {

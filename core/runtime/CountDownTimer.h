@@ -2,6 +2,7 @@
 
 #include "core/object/BasicClass.h"
 #include "core/time/Interval.h"
+#include "core/time/TimeVal.h"
 
 namespace core {
 
@@ -18,12 +19,14 @@ public:
     /// Expires ms milliseconds from now.
     explicit CountDownTimer(unsigned long long ms);
     explicit CountDownTimer(Interval const& interval);
+    explicit CountDownTimer(TimeVal const& time);
 
     char const* ClassName() const override;
 
     /// Starts anew with ms milliseconds, or with the period it had for samePeriod.
     void Reset(unsigned long long ms);
     void Reset(Interval const& interval);
+    void Reset(TimeVal const& time);
 
     /// Milliseconds since the start.
     unsigned long long Elapsed() const;

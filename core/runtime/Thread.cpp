@@ -2,7 +2,11 @@
 
 #include <system_error>
 
+#include "sys/platform/Process.h"
+
 namespace core {
+
+Thread::Thread(String const& name) : name_(name) {}
 
 Thread::~Thread() {
     Join();
@@ -19,6 +23,7 @@ bool Thread::Start() {
     running_ = true;
     try {
         thread_ = std::thread([this] {
+            sys::platform::nameThread(name_.getCString());
             Execute();
             running_ = false;
         });

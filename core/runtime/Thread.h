@@ -4,6 +4,7 @@
 #include <thread>
 
 #include "core/object/BasicClass.h"
+#include "core/text/String.h"
 
 namespace core {
 
@@ -13,7 +14,8 @@ namespace core {
 /// object to run on.
 class Thread : public BasicClass {
 public:
-    Thread() = default;
+    /// The name is shown by debuggers and system tools, which cut it to what they have room for.
+    explicit Thread(String const& name = String());
     Thread(Thread const&) = delete;
     Thread& operator=(Thread const&) = delete;
     ~Thread() override;
@@ -30,11 +32,13 @@ public:
     bool IsTerminated() const { return !running_; }
     /// Waits until Execute has ended.
     void Join();
+    String const& Name() const { return name_; }
 
 protected:
     virtual void Execute() = 0;
 
 private:
+    String const name_;
     std::thread thread_;
     std::atomic<bool> terminationRequested_ = false;
     std::atomic<bool> running_ = false;

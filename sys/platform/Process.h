@@ -10,4 +10,8 @@ void prepareProcess();
 /// The number of the calling thread; no other running thread of the process has it.
 unsigned currentThreadId();
 
+/// Names the calling thread for debuggers and system tools; a name too long is cut, an empty one
+/// changes nothing.
+void nameThread(char const* name);
+
 }  // namespace sys::platform

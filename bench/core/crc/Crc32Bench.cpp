@@ -43,9 +43,8 @@ void Crc32Tables(benchmark::State& state) {
 }
 
 void Crc32Zlib(benchmark::State& state) {
-    run(state, [](unsigned char const* bytes, std::size_t size) {
-        return ::crc32_z(0, bytes, size);
-    });
+    run(state,
+        [](unsigned char const* bytes, std::size_t size) { return ::crc32_z(0, bytes, size); });
 }
 
 void Crc32Libdeflate(benchmark::State& state) {

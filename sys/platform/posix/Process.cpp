@@ -1,8 +1,11 @@
 #include "sys/platform/Process.h"
 
 #include <fcntl.h>
+#include <pthread.h>
 #include <signal.h>
 #include <unistd.h>
+
+#include <string_view>
 
 namespace sys::platform {
 
@@ -18,6 +21,15 @@ void prepareProcess() {
 
 unsigned currentThreadId() {
     return static_cast<unsigned>(gettid());
+}
+
+void nameThread(char const* name) {
+    std::string_view const fitting = std::string_view(name).substr(0, 15);
+    if (!fitting.empty()) {
+        char text[16] = {};
+        fitting.copy(text, fitting.size());
+        pthread_setname_np(pthread_self(), text);
+    }
 }
 
 }  // namespace sys::platform

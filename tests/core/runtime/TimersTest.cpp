@@ -1,6 +1,8 @@
 #include <gtest/gtest.h>
 
+#include "core/runtime/Chronometer.h"
 #include "core/runtime/CountDownTimer.h"
+#include "core/runtime/FailCounter.h"
 #include "sys/scheduler.h"
 
 namespace {
@@ -9,16 +11,16 @@ using core::CountDownTimer;
 
 std::uint32_t now = 0;
 
-class CountDownTimerTest : public testing::Test {
+class TimersTest : public testing::Test {
 protected:
-    CountDownTimerTest() {
+    TimersTest() {
         now = 1000;
         sys::scheduler::setTickSource([] { return now; });
     }
-    ~CountDownTimerTest() override { sys::scheduler::setTickSource(nullptr); }
+    ~TimersTest() override { sys::scheduler::setTickSource(nullptr); }
 };
 
-TEST_F(CountDownTimerTest, CountsDownAndStartsAnew) {
+TEST_F(TimersTest, CountsDownAndStartsAnew) {
     CountDownTimer timer(5000ULL);
     EXPECT_FALSE(timer.Expired());
     EXPECT_EQ(timer.Remaining(100, 1000), 1000u);
@@ -37,6 +39,8 @@ TEST_F(CountDownTimerTest, CountsDownAndStartsAnew) {
     EXPECT_EQ(timer.Remaining(0, CountDownTimer::unlimited), 5000u);
     timer.Reset(core::Interval(70));
     EXPECT_EQ(timer.Remaining(0, CountDownTimer::unlimited), 70u);
+    timer.Reset(core::TimeVal(2, 500'000));
+    EXPECT_EQ(timer.Remaining(0, CountDownTimer::unlimited), 2500u);
     timer.Reset(0);
     EXPECT_TRUE(timer.Expired());
     timer.WaitForIt();
@@ -46,7 +50,7 @@ TEST_F(CountDownTimerTest, CountsDownAndStartsAnew) {
     EXPECT_EQ(CountDownTimer(1ULL << 40).RemainingTimeout(0, ~0U), ~0U);
 }
 
-TEST_F(CountDownTimerTest, TheTickJumpsBackAtItsWrap) {
+TEST_F(TimersTest, TheTickJumpsBackAtItsWrap) {
     now = 0xFFFFFFFF;
     CountDownTimer timer(10ULL);
     now = 5;
@@ -54,6 +58,34 @@ TEST_F(CountDownTimerTest, TheTickJumpsBackAtItsWrap) {
     EXPECT_EQ(timer.Remaining(0, 1000), 1000u);
     EXPECT_EQ(sys::scheduler::getcurrtickus(), 5000u);
     EXPECT_EQ(sys::scheduler::getcurrtickns(), 5000000u);
+}
+
+TEST_F(TimersTest, ChronometerMeasuresLapsAndTheWhole) {
+    core::Chronometer chronometer;
+    EXPECT_EQ(chronometer.LapNS(), 0u);
+    EXPECT_EQ(chronometer.StopNS(), 0u);
+    EXPECT_TRUE(chronometer.Start());
+    EXPECT_FALSE(chronometer.Start());
+    now += 3;
+    EXPECT_EQ(chronometer.LapNS(), 3'000'000u);
+    now += 4;
+    EXPECT_EQ(chronometer.LapNS(), 4'000'000u);
+    now += 5;
+    EXPECT_EQ(chronometer.StopNS(), 12'000'000u);
+    EXPECT_EQ(chronometer.StopNS(), 0u);
+    EXPECT_FALSE(chronometer.Start()) << "a stopped one is reset first";
+    chronometer.Reset();
+    EXPECT_TRUE(chronometer.Start());
+}
+
+TEST_F(TimersTest, FailCounterCountsDown) {
+    core::FailCounter three(3);
+    EXPECT_FALSE(three.Check());
+    EXPECT_FALSE(three.Check());
+    EXPECT_TRUE(three.Check());
+    EXPECT_TRUE(three.Check());
+    EXPECT_TRUE(core::FailCounter(1).Check());
+    EXPECT_TRUE(core::FailCounter().Check());
 }
 
 }  // namespace

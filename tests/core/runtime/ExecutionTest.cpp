@@ -1,0 +1,139 @@
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <cstdio>
+#include <cstdlib>
+#include <functional>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "core/runtime/Application.h"
+#include "sys/scheduler.h"
+#include "tests/support/StatusFolder.h"
+
+namespace {
+
+using core::Application;
+using core::ClassRef;
+using core::ExecutionBit;
+using core::ExecutionLink;
+using Queue = core::ExecutionQueueAbstract;
+
+std::atomic<std::uint32_t> now = 10'000;
+
+class Bit : public ExecutionBit {
+public:
+    explicit Bit(std::function<bool()> work, unsigned long long notBefore = 0)
+        : ExecutionBit(notBefore), work_(std::move(work)) {}
+    bool Execute(unsigned long long) override { return work_(); }
+
+private:
+    std::function<bool()> work_;
+};
+
+// An application ends with its process: each runs in a process of its own.
+struct Worker : private support::StatusFolder, public Application {
+    Worker() : Application("worker") {
+        sys::scheduler::setTickSource([] { return now.load(); });
+    }
+
+    std::string story;
+
+    ClassRef<ExecutionLink> Add(char const* word, Queue::ExecutionPriority priority,
+                                unsigned long long notBefore = 0) {
+        auto const work = [this, word] { return story += word, false; };
+        return Dispatch(new Bit(work, notBefore), priority);
+    }
+    void Idle1s() override { story += "1"; }
+    void Idle5s() override { story += "5"; }
+    void Idle10s() override { story += "X"; }
+
+    [[noreturn]] void Work() {
+        Run();
+        std::fputs(story.c_str(), stderr);
+        std::exit(7);
+    }
+};
+
+TEST(Execution, ByPriorityAndTick) {
+    EXPECT_EXIT(
+        {
+            Worker worker;
+            worker.Add("late ", Queue::highest, 10'030);
+            worker.Add("later ", Queue::lowest, 10'040);
+            worker.Add("low ", Queue::lowest);
+            worker.Add("cancelled ", Queue::normal)->Cancel();
+            worker.Add("normal ", Queue::normal);
+            worker.Add("too high ", static_cast<Queue::ExecutionPriority>(7));
+            ClassRef<ExecutionLink> const done = worker.Add("high ", Queue::high);
+            worker.Dispatch(nullptr, Queue::high);
+            int rounds = 0;
+            worker.Dispatch(new Bit([&] {
+                                worker.story += done->IsDone() ? "tick " : "too early ";
+                                now += 10;
+                                if (++rounds == 5) {
+                                    Application::RequestTermination(Application::normalRequest);
+                                }
+                                return true;
+                            }),
+                            Queue::low);
+            worker.Work();
+        },
+        testing::ExitedWithCode(7),
+        "^too high high normal tick tick tick late tick tick $");
+}
+
+TEST(Execution, IdleHooksCatchUpOneAPass) {
+    EXPECT_EXIT(
+        {
+            Worker worker;
+            int passes = 0;
+            worker.Dispatch(new Bit([&] {
+                                now = 20'001;
+                                worker.story += "-";
+                                if (++passes == 15) {
+                                    Application::RequestTermination(Application::normalRequest);
+                                }
+                                return true;
+                            }),
+                            Queue::normal);
+            worker.Work();
+        },
+        testing::ExitedWithCode(7), "^-(-1){10}-5-5-X-$");
+}
+
+TEST(Execution, AnyThreadDispatchesAndEndsTheLoop) {
+    EXPECT_EXIT(
+        {
+            Worker worker;
+            std::atomic<int> executed = 0;
+            std::vector<std::thread> threads;
+            for (int t = 0; t < 4; ++t) {
+                threads.emplace_back([&worker, &executed] {
+                    for (int i = 0; i < 100; ++i) {
+                        worker.Dispatch(new Bit([&] {
+                                            if (++executed == 400) {
+                                                Application::RequestTermination(
+                                                    Application::normalRequest);
+                                            }
+                                            return false;
+                                        }),
+                                        Queue::normal);
+                    }
+                });
+            }
+            worker.story = "all";
+            std::thread joiner([&] {
+                for (std::thread& thread : threads) {
+                    thread.join();
+                }
+            });
+            worker.Run();
+            joiner.join();
+            std::exit(executed == 400 ? 7 : 0);
+        },
+        testing::ExitedWithCode(7), "");
+}
+
+}  // namespace
