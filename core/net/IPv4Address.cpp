@@ -4,6 +4,7 @@
 
 #include "core/net/Address.h"
 #include "core/text/StringArray.h"
+#include "core/text/strToNumber.h"
 
 namespace core {
 
@@ -11,17 +12,9 @@ namespace {
 
 int const octetCount = 4;
 
-/// The number that the whole item is, cut to the range of an int; otherwise when any of it is
-/// something else.
-int wholeNumber(String const& item, int otherwise) {
-    int errorPosition = 0;
-    int const value = item.ToDecimal32(&errorPosition, otherwise);
-    return errorPosition == -1 ? value : otherwise;
-}
-
 /// The item as an octet, or -1.
 int octetOf(String const& item) {
-    int const value = wholeNumber(item, -1);
+    int const value = strToIntDef(item.getCString(), -1);
     return value >= 0 && value <= 255 ? value : -1;
 }
 
@@ -98,7 +91,7 @@ bool IPv4Address::Set(String const& text) {
         }
         SetByte(octetCount - 1 - i, octet);
     }
-    port_ = wholeNumber(port, noPort);
+    port_ = strToIntDef(port.getCString(), noPort);
     return true;
 }
 

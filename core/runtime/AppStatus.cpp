@@ -1,5 +1,6 @@
 #include "core/runtime/AppStatus.h"
 
+#include "core/text/strToNumber.h"
 #include "sys/file.h"
 
 namespace core {
@@ -32,8 +33,7 @@ bool AppStatus::_setStatus(Status status) const {
 }
 
 int AppStatus::readFromFile() const {
-    String const content = sys::file::getFileContents(getFilePath()).Trim();
-    return content.IsDecimal32() ? content.ToDecimal32(-1) : -1;
+    return strToIntDef(sys::file::getFileContents(getFilePath()).Trim().getCString(), -1);
 }
 
 int AppStatus::GetStatus() const {

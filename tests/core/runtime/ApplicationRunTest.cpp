@@ -136,6 +136,9 @@ TEST(AppStatus, TheFileHoldsTheNumber) {
         folder.Write("name.status", content);
         EXPECT_EQ(status.readFromFile(), -1) << content;
     }
+    folder.Write("name.status", "99999999999");
+    EXPECT_EQ(status.readFromFile(), 2147483647) << "cut to the range";
+    EXPECT_EQ(status.GetStatus(), 0);
     EXPECT_TRUE(status._setStatus(AppStatus::none));
     EXPECT_EQ(status.readFromFile(), -1);
 

@@ -85,6 +85,12 @@ TEST(Options, MalformedGrammars) {
         EXPECT_NE(parsed({"-h", "a"}, bad).find(" ! Invalid "), std::string::npos) << bad;
     }
     EXPECT_EQ(parsed({"-h"}, "h|help=-7"), "h=") << "a negative count is 0";
+    std::string huge;
+    for (int i = 0; i < 5000; ++i) {
+        huge.append("x").append(std::to_string(i)).append("|long=99999999999>");
+    }
+    EXPECT_EQ(parsed({"-X4999"}, huge.c_str()), " ! Invalid number of arguments=-X4999 ");
+    EXPECT_EQ(parsed({"-\x01\xC3\xA4", "\xFF"}), " ! Invalid option=-\x01\xC3\xA4 \xFF");
 }
 
 TEST(Options, Queries) {
