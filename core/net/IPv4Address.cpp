@@ -127,6 +127,25 @@ unsigned int IPv4Address::GetAsUInt32() const {
     return number;
 }
 
+unsigned int IPv4Address::GetAsUInt32Mask() const {
+    // The negative of a number has all bits above its lowest set one inverted.
+    unsigned int const number = GetAsUInt32();
+    return number | (0U - number);
+}
+
+IPv4Address IPv4Address::GetNetwork(IPv4Address const& mask) const {
+    return IPv4Address(GetAsUInt32() & mask.GetAsUInt32Mask());
+}
+
+IPv4Address IPv4Address::GetBroadcast(IPv4Address const& mask) const {
+    return IPv4Address(GetAsUInt32() | ~mask.GetAsUInt32Mask());
+}
+
+IPv4Address IPv4Address::GetPreferredGateway(IPv4Address const& mask, bool first) const {
+    return first ? IPv4Address(GetNetwork(mask).GetAsUInt32() + 1)
+                 : IPv4Address(GetBroadcast(mask).GetAsUInt32() - 1);
+}
+
 bool IPv4Address::SameAs(IPv4Address const& other, bool withPort) const {
     return GetAsUInt32() == other.GetAsUInt32() && (!withPort || port_ == other.port_);
 }

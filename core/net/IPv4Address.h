@@ -1,8 +1,7 @@
 #pragma once
 
-#include <limits>
-
 #include "core/net/AddressInfo.h"
+#include "core/net/noPort.h"
 #include "core/object/ClassRef.h"
 #include "core/text/String.h"
 
@@ -13,7 +12,7 @@ namespace core {
 class IPv4Address {
 public:
     /// The port of an address that has none.
-    static constexpr int noPort = std::numeric_limits<int>::min();
+    static constexpr int noPort = core::noPort;
 
     /// 0.0.0.0 without a port.
     IPv4Address() = default;
@@ -60,6 +59,14 @@ public:
 
     /// 192.168.0.10 is 0xC0A8000A.
     unsigned int GetAsUInt32() const;
+    /// This address as a netmask: all bits from its lowest set one upwards, so that holes do not
+    /// count (255.0.255.0 is 255.255.255.0); 0 for 0.0.0.0.
+    unsigned int GetAsUInt32Mask() const;
+    /// The first and the last address of the network that a mask makes around this one, and the
+    /// address behind the first or before the last. Without a port.
+    IPv4Address GetNetwork(IPv4Address const& mask) const;
+    IPv4Address GetBroadcast(IPv4Address const& mask) const;
+    IPv4Address GetPreferredGateway(IPv4Address const& mask, bool first) const;
     bool SameAs(IPv4Address const& other, bool withPort) const;
 
     /// "A.B.C.D", and with withPort "|Port" behind it when there is a port.

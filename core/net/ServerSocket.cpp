@@ -1,5 +1,8 @@
 #include "core/net/ServerSocket.h"
 
+#include <algorithm>
+#include <utility>
+
 #include "core/net/Address.h"
 #include "core/net/InfoSocketAddr.h"
 #include "core/runtime/CountDownTimer.h"
@@ -39,6 +42,25 @@ String ServerSocket::GetBind(int index) const {
     return InUse(index) ? slots_[static_cast<unsigned>(index)].bind : String();
 }
 
+int ServerSocket::RemoveBind(int index) {
+    if (!InUse(index)) {
+        return -1;
+    }
+    if (slots_[static_cast<unsigned>(index)].worker) {
+        return -2;
+    }
+    auto const removed = slots_.begin() + index;
+    std::move(removed + 1, slots_.begin() + count_, removed);
+    slots_[static_cast<unsigned>(count_ - 1)] = Slot();
+    for (int i = index; i < count_; ++i) {
+        if (Slot const& slot = slots_[static_cast<unsigned>(i)]; slot.worker) {
+            slot.worker->SetIndex(i);
+        }
+    }
+    count_ = std::min(count_ + 1, maxBinds);
+    return 0;
+}
+
 void ServerSocket::ClearBinds() {
     if (IsListening()) {
         return;
@@ -75,7 +97,10 @@ SocketResult ServerSocket::StartOne(int index) {
     if (slot.worker) {
         return socket_result::wrongState;
     }
-    ClassRef<AddressInfo> const info = Address::GetInfo(slot.bind, type_, false);
+    ClassRef<AddressInfo> info;
+    if (!slot.bind.IsEmpty()) {
+        info = Address::GetInfo(slot.bind, type_, false);
+    }
     if (!info) {
         return socket_result::noAddress;
     }
@@ -84,9 +109,11 @@ SocketResult ServerSocket::StartOne(int index) {
     if (result != socket_result::success) {
         return result;
     }
-    // Listening starts here already, so that who reads the bound address from us can connect at
-    // once; the worker tries again if it failed.
-    socket->Listen();
+    if (type_ == SocketType::stream) {
+        // Here already, so that who reads the bound address from us can connect at once; the
+        // worker tries again if it failed.
+        socket->Listen();
+    }
     socket->GetSockName(slot.bound, true);
     slot.worker = std::make_unique<ServerSocketThread>(*this, socket, slot.bind, index);
     if (!slot.worker->Start()) {

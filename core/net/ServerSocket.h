@@ -36,6 +36,11 @@ public:
     int BindsCount() const { return count_; }
     /// The text of an address; empty when there is none at index.
     String GetBind(int index) const;
+    /// Empties the place of an address and moves those behind it down by one; -1 when there is none
+    /// at index, -2 when it has a worker. The count is raised by one, not lowered: with n addresses
+    /// before, places n - 1 and n are empty after. Programs that remove and add again rely on the
+    /// free places; a full table stays at 32.
+    int RemoveBind(int index);
     /// Removes all addresses that have no worker.
     void ClearBinds();
 

@@ -8,7 +8,7 @@ namespace core {
 namespace {
 
 int const listenRetry = 2;     ///< ms between two attempts to listen
-int const acceptSlice = 100;   ///< ms of waiting between two looks at the termination request
+int const waitSlice = 100;     ///< ms of waiting between two looks at the termination request
 int const acceptBackOff = 50;  ///< ms after a failed accept: without free descriptors it would spin
 
 }  // namespace
@@ -35,7 +35,11 @@ char const* ServerSocketThread::ClassName() const {
 void ServerSocketThread::Execute() {
     // The socket is only touched on this thread: waiting in slices ends an accept as surely as
     // closing it from outside, and no descriptor can be reused under a running call.
-    ExecuteStream();
+    if (socket_->GetType() == SocketType::stream) {
+        ExecuteStream();
+    } else if (socket_->GetType() == SocketType::datagram) {
+        ExecuteDatagram();
+    }
     DeleteSocket();
 }
 
@@ -45,7 +49,7 @@ void ServerSocketThread::ExecuteStream() {
         return;
     }
     while (!IsTerminationRequested()) {
-        if (!socket_->CanRecv(acceptSlice)) {
+        if (!socket_->CanRecv(waitSlice)) {
             continue;
         }
         ClassRef<Socket> accepted;
@@ -53,6 +57,15 @@ void ServerSocketThread::ExecuteStream() {
             server_.DoAccept(accepted, bind_, index_);
         } else {
             sys::scheduler::sleepms(acceptBackOff);
+        }
+    }
+}
+
+void ServerSocketThread::ExecuteDatagram() {
+    // The handler receives the datagram itself, from our own socket.
+    while (!IsTerminationRequested()) {
+        if (socket_->CanRecv(waitSlice)) {
+            server_.DoAccept(socket_, bind_, index_);
         }
     }
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <atomic>
+
 #include "core/net/Socket.h"
 #include "core/object/ClassRef.h"
 #include "core/runtime/Thread.h"
@@ -9,8 +11,8 @@ namespace core {
 
 class ServerSocket;
 
-/// The worker of one address of a ServerSocket: accepts connections and has them handled, one
-/// after the other, until its termination is requested.
+/// The worker of one address of a ServerSocket: has its connections or datagrams handled, one after
+/// the other, until its termination is requested.
 class ServerSocketThread : public Thread {
 public:
     /// Serves the bound socket for server, which must outlive the worker.
@@ -20,18 +22,22 @@ public:
 
     char const* ClassName() const override;
 
+    /// The place of the address in the server's table, which changes when another is removed.
+    void SetIndex(int index) { index_ = index; }
+
 protected:
     void Execute() override;
 
 private:
     void ExecuteStream();
+    void ExecuteDatagram();
     bool ListenUntilTermination();
     void DeleteSocket();
 
     ServerSocket& server_;
     ClassRef<Socket> socket_;
     String bind_;  ///< a copy of our own: texts are not shared between threads
-    int index_;
+    std::atomic<int> index_;
 };
 
 }  // namespace core

@@ -1,5 +1,7 @@
 #include "core/net/Socket.h"
 
+#include <cerrno>
+
 namespace core {
 
 namespace platform = sys::platform;
@@ -26,6 +28,9 @@ Socket::Socket(platform::SocketHandle handle, ClassRef<SocketAddr> const& peer, 
         peer->GetName(target_, true);
     }
 }
+
+Socket::Socket(platform::SocketHandle handle, EndPoint const& peer)
+    : Socket(handle, peer.GetSocketAddress(), peer.GetType()) {}
 
 Socket::~Socket() {
     CloseTheSocket(false);
@@ -88,6 +93,32 @@ bool Socket::CanRecv(int ms) const {
 
 bool Socket::CanSend(int ms) const {
     return checkSend(ms) > 0;
+}
+
+Socket::Readiness Socket::CheckRecv(int ms) const {
+    return fromSelectResult(checkRecv(ms));
+}
+
+Socket::Readiness Socket::CheckSend(int ms) const {
+    return fromSelectResult(checkSend(ms));
+}
+
+Socket::Readiness Socket::fromSelectResult(int result) {
+    if (result >= 0) {
+        return result > 0 ? ready : timedOut;
+    }
+    switch (platform::lastSocketError()) {
+        case EBADF:
+            return badHandle;
+        case EINTR:
+            return interrupted;
+        case EINVAL:
+            return invalid;
+        case ENOMEM:
+            return noMemory;
+        default:
+            return failed;
+    }
 }
 
 bool Socket::setBlocking(bool blocking) {

@@ -1,6 +1,9 @@
 #pragma once
 
+#include <memory>
+
 #include "core/net/AddressInfo.h"
+#include "core/net/EndPoint.h"
 #include "core/net/IPeer.h"
 #include "core/net/SocketAddr.h"
 #include "core/net/SocketResult.h"
@@ -8,6 +11,7 @@
 #include "core/object/BasicClass.h"
 #include "core/object/ClassRef.h"
 #include "core/object/IStream.h"
+#include "core/text/Buffer.h"
 #include "core/text/String.h"
 
 namespace core {
@@ -21,17 +25,25 @@ public:
     static bool init();
     static void done();
 
+    /// What a wait for readiness came to.
+    enum Readiness { ready, timedOut, badHandle, interrupted, invalid, noMemory, failed };
+
     /// Creates the platform's socket. When that fails, the domain and type stay unspecified and
     /// the caller learns of it at the first use.
     Socket(SocketDomain domain, SocketType type);
-    /// Takes over an open handle that is connected to peer.
+    /// Take over an open handle that is connected to peer.
     Socket(sys::platform::SocketHandle handle, ClassRef<SocketAddr> const& peer, SocketType type);
+    Socket(sys::platform::SocketHandle handle, EndPoint const& peer);
     Socket(Socket const&) = delete;
     Socket& operator=(Socket const&) = delete;
     /// Ends the sending side and closes.
     ~Socket() override;
 
     char const* ClassName() const override;
+
+    /// As they were given when the socket was made.
+    SocketDomain GetDomain() const { return domain_; }
+    SocketType GetType() const { return type_; }
 
     /// 4 when a socket is already open.
     SocketResult CreateTheSocket(SocketDomain domain, SocketType type);
@@ -53,14 +65,20 @@ public:
     SocketResult Connect(String const& text);
     SocketResult Connect(ClassRef<AddressInfo> const& info);
     SocketResult Connect(ClassRef<SocketAddr> const& address);
+    SocketResult Connect(EndPoint const& endPoint);
     bool Connect() override;
     bool IsConnected() const override;
     bool GetTarget(String& target) const override;
     void SetTarget(String const& target) override;
 
-    /// Binds to the first address of the chain that can be bound.
+    /// Bind to a local address: the text is resolved in the socket's own domain and type (12 when
+    /// nothing is found), and the first address of a chain that can be bound is taken.
+    SocketResult Bind(String const& text);
     SocketResult Bind(ClassRef<AddressInfo> const& info);
     SocketResult Bind(ClassRef<SocketAddr> const& address);
+    SocketResult Bind(EndPoint const& endPoint);
+    /// Whether the socket has a local port.
+    bool IsBound() const;
     /// Listens with the largest backlog that the platform allows.
     SocketResult Listen();
     /// Takes the next connection, waiting for it when the socket is blocking.
@@ -69,9 +87,12 @@ public:
     /// The local or the peer's address as host "|" service.
     SocketResult GetSockName(String& name, bool numeric) const;
     SocketResult GetPeerName(String& name, bool numeric) const;
+    SocketResult GetSockName(EndPoint& endPoint) const;
+    SocketResult GetPeerName(EndPoint& endPoint) const;
 
     /// One send: the number of bytes taken, which may be smaller than length.
     int Send(void const* data, int length);
+    int Send(Buffer const& bytes);
     /// Sends the characters without the terminator.
     int Send(String const& text);
     /// One receive: the number of bytes that came; 0 when the peer has ended the stream.
@@ -93,22 +114,97 @@ public:
     int GetReadTimeout() const { return readTimeout_; }
     int GetWriteTimeout() const { return writeTimeout_; }
 
+    // Datagrams. Each call is one datagram.
+
+    /// Sends length bytes to an address; a text is resolved in the socket's own domain and type.
+    /// The bytes taken; -1 also when there is no address.
+    int SendTo(void const* data, int length, ClassRef<SocketAddr> const& to);
+    int SendTo(void const* data, int length, EndPoint const& to);
+    int SendTo(void const* data, int length, String const& to);
+    template <class Address>
+    int SendTo(Buffer const& bytes, Address const& to) {
+        return SendTo(bytes.GetData(), bytes.GetSize(), to);
+    }
+    template <class Address>
+    int SendTo(String const& text, Address const& to) {
+        return SendTo(text.getCString(), text.GetLength(), to);
+    }
+    int SendDatagram(void const* data, int length, EndPoint const& to);
+    int SendDatagram(void const* data, int length, IPv4Address const& to);
+    int SendDatagram(void const* data, int length, String const& to);
+    /// To the port of all hosts of the network; the socket needs setBroadcast.
+    int Broadcast(void const* data, int length, int port);
+    /// Receives into buffer, which cuts a longer datagram, and tells the sender; on failure the
+    /// sender stays as it was.
+    int RecvFrom(void* buffer, int length, ClassRef<SocketAddr>& from);
+    int RecvFrom(void* buffer, int length, ClassRef<EndPoint>& from);
+    int RecvFrom(void* buffer, int length, String& from);
+    /// Receives a datagram of any size; on failure bytes are empty.
+    template <class Sender>
+    int RecvAllFrom(Buffer& bytes, Sender& from) {
+        return RecvAll(bytes, [&](void* room, int size) { return RecvFrom(room, size, from); });
+    }
+
     /// Wait at most ms milliseconds until the socket can be read or written: 1 ready, 0 time ran
     /// out, -1 error. checkRecv answers 0 at once when no socket is open.
     int checkRecv(int ms) const;
     int checkSend(int ms) const;
     bool CanRecv(int ms) const;
     bool CanSend(int ms) const;
+    /// The same, with what failed in the place of -1.
+    Readiness CheckRecv(int ms) const;
+    Readiness CheckSend(int ms) const;
+    /// What a result of the two checks means; asks the platform for the error of a negative one.
+    static Readiness fromSelectResult(int result);
 
     /// Whether calls wait, as they do at first; the mode is remembered only when it could be set.
     bool setBlocking(bool blocking);
     bool getBlocking() const { return blocking_; }
 
+    // Options: true when they were set, and their value; false or 0 when it cannot be read.
+
+    bool setTCPNoDelay(bool on);
+    bool getTCPNoDelay() const;
+    bool setBroadcast(bool on);
+    bool getBroadcast() const;
+    bool setMulticastLoopback(bool on);
+    bool getMulticastLoopback() const;
+    bool setMulticastTTL(unsigned char hops);
+    int getMulticastTTL() const;
+    // No platform of ours has these; they are part of what sockets elsewhere can do.
+    bool setCorkMode(bool) { return false; }
+    bool getCorkMode() const { return false; }
+    bool setMulticastInterface(IPv4Address const&) { return false; }
+    bool getMulticastInterface(IPv4Address&) const { return false; }
+    bool joinMulticastGroup(IPv4Address const&, IPv4Address const&) { return false; }
+    bool leaveMulticastGroup(IPv4Address const&, IPv4Address const&) { return false; }
+
+    /// How long a blocking receive or send waits, in milliseconds; 0, as at first, without end.
+    /// Reading gives a negative value on failure.
+    bool SetRecvTimeout(int ms);
+    int GetRecvTimeout() const;
+    bool SetSendTimeout(int ms);
+    int GetSendTimeout() const;
+
+    /// Makes the platform send what it holds back of a stream.
+    void FlushSent();
+    void Flush() { FlushSent(); }
+    /// Nothing is held back on the way in.
+    void FlushRecv() {}
+
 private:
     bool IsOpen() const;
     SocketResult LastResult() const;
     SocketResult ConnectOpen(SocketAddr const& address);
+    SocketResult ReadEndPoint(ClassRef<SocketAddr> const& address, EndPoint& endPoint) const;
     int BytesOrNone(int result) const;
+    template <class Receive>
+    int RecvAll(Buffer& bytes, Receive receive);
+    bool SetOption(sys::platform::SocketOption option, int value);
+    int GetOption(sys::platform::SocketOption option) const;
+    int GetTimeout(sys::platform::SocketTimeout which) const;
+
+    static constexpr int largestDatagram = 65'536;  ///< bytes, more than any protocol allows
 
     String target_;
     SocketDomain domain_ = SocketDomain::unspecified;
@@ -119,5 +215,13 @@ private:
     bool blocking_ = true;
     int lastError_ = 0;  ///< of the last Send or Recv
 };
+
+template <class Receive>
+int Socket::RecvAll(Buffer& bytes, Receive receive) {
+    auto const room = std::make_unique<char[]>(largestDatagram);
+    int const got = receive(room.get(), largestDatagram);
+    bytes.Set(room.get(), got);
+    return got;
+}
 
 }  // namespace core

@@ -58,6 +58,10 @@ SocketResult Socket::Connect(ClassRef<SocketAddr> const& address) {
     return ConnectOpen(*address);
 }
 
+SocketResult Socket::Connect(EndPoint const& endPoint) {
+    return Connect(endPoint.GetSocketAddress());
+}
+
 SocketResult Socket::ConnectOpen(SocketAddr const& address) {
     if (platform::connectSocket(handle_, address.GetBytes(), address.GetLength()) != 0) {
         return LastResult();
@@ -83,6 +87,20 @@ bool Socket::GetTarget(String& target) const {
 
 void Socket::SetTarget(String const& target) {
     target_ = target;
+}
+
+SocketResult Socket::Bind(String const& text) {
+    ClassRef<AddressInfo> const info = Address::GetInfo(text, domain_, type_, false);
+    return info ? Bind(info) : socket_result::noAddress;
+}
+
+SocketResult Socket::Bind(EndPoint const& endPoint) {
+    return Bind(endPoint.GetSocketAddress());
+}
+
+bool Socket::IsBound() const {
+    EndPoint local;
+    return GetSockName(local) == socket_result::success && local.GetPort() > 0;
 }
 
 SocketResult Socket::Bind(ClassRef<AddressInfo> const& info) {
@@ -123,6 +141,22 @@ SocketResult Socket::GetSockName(String& name, bool numeric) const {
 SocketResult Socket::GetPeerName(String& name, bool numeric) const {
     ClassRef<SocketAddr> const address = readAddress(&platform::peerAddress, handle_);
     return address ? address->GetName(name, numeric) : LastResult();
+}
+
+SocketResult Socket::GetSockName(EndPoint& endPoint) const {
+    return ReadEndPoint(readAddress(&platform::localAddress, handle_), endPoint);
+}
+
+SocketResult Socket::GetPeerName(EndPoint& endPoint) const {
+    return ReadEndPoint(readAddress(&platform::peerAddress, handle_), endPoint);
+}
+
+SocketResult Socket::ReadEndPoint(ClassRef<SocketAddr> const& address, EndPoint& endPoint) const {
+    if (!address) {
+        return LastResult();
+    }
+    endPoint = EndPoint(address, type_);
+    return socket_result::success;
 }
 
 }  // namespace core

@@ -46,6 +46,10 @@ int Socket::Send(void const* data, int length) {
     return sent;
 }
 
+int Socket::Send(Buffer const& bytes) {
+    return bytes.IsEmpty() ? 0 : Send(bytes.GetData(), bytes.GetSize());
+}
+
 int Socket::Send(String const& text) {
     return Send(text.getCString(), text.GetLength());
 }

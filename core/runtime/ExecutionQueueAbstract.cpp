@@ -40,9 +40,8 @@ ClassRef<ExecutionLink> ExecutionQueueAbstract::GetNextItemToSchedule() {
     unsigned long long const now = sys::scheduler::getcurrtickms();
     std::lock_guard locked(mutex_);
     for (auto list = lists_.rbegin(); list != lists_.rend(); ++list) {
-        auto const due = std::find_if(list->begin(), list->end(), [now](auto const& item) {
-            return dueTick(item) <= now;
-        });
+        auto const due = std::find_if(list->begin(), list->end(),
+                                      [now](auto const& item) { return dueTick(item) <= now; });
         if (due != list->end()) {
             ClassRef<ExecutionLink> item(*due);
             list->erase(due);

@@ -50,6 +50,14 @@ int sendBytes(SocketHandle socket, void const* data, int length);
 /// One receive: the bytes that came, 0 when the peer has ended the stream.
 int receiveBytes(SocketHandle socket, void* buffer, int length);
 
+/// One datagram to an address of length bytes: the bytes taken.
+int sendDatagram(SocketHandle socket, void const* data, int length, void const* address,
+                 int addressLength);
+/// One datagram: the bytes that fit into buffer; its sender, with room and use of address as for
+/// acceptSocket.
+int receiveDatagram(SocketHandle socket, void* buffer, int length, void* address,
+                    int& addressLength);
+
 /// Wait at most ms milliseconds (negative: as 0) until a receive or a send would not block:
 /// 1 ready, 0 time ran out, -1 error. Signals do not end the wait.
 int waitReadable(SocketHandle socket, int ms);
@@ -57,6 +65,17 @@ int waitWritable(SocketHandle socket, int ms);
 
 /// Whether calls return at once with wouldBlock instead of waiting; true on success.
 bool setNonBlocking(SocketHandle socket, bool nonBlocking);
+
+enum class SocketOption { noDelay, broadcast, multicastLoopback, multicastTtl };
+/// Sets or reads a whole number (switches are 0 and 1); 0 on success.
+int setSocketOption(SocketHandle socket, SocketOption option, int value);
+int getSocketOption(SocketHandle socket, SocketOption option, int& value);
+
+enum class SocketTimeout { receive, send };
+/// Sets or reads how long a blocking call waits, in milliseconds, 0 meaning without end; 0 on
+/// success.
+int setSocketTimeout(SocketHandle socket, SocketTimeout which, int ms);
+int getSocketTimeout(SocketHandle socket, SocketTimeout which, int& ms);
 
 /// The local and the peer's address; room and use of address as for acceptSocket. 0 on success.
 int localAddress(SocketHandle socket, void* address, int& length);

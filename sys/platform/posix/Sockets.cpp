@@ -3,8 +3,10 @@
 #include <fcntl.h>
 #include <netdb.h>
 #include <netinet/in.h>
+#include <netinet/tcp.h>
 #include <poll.h>
 #include <sys/socket.h>
+#include <sys/time.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -82,6 +84,29 @@ sockaddr const* asAddress(void const* address) {
 
 addrinfo const* asInfo(ResolvedEntry const* entry) {
     return reinterpret_cast<addrinfo const*>(entry);
+}
+
+struct OptionName {
+    int level;
+    int name;
+};
+
+OptionName nameOf(SocketOption option) {
+    switch (option) {
+        case SocketOption::noDelay:
+            return {IPPROTO_TCP, TCP_NODELAY};
+        case SocketOption::broadcast:
+            return {SOL_SOCKET, SO_BROADCAST};
+        case SocketOption::multicastLoopback:
+            return {IPPROTO_IP, IP_MULTICAST_LOOP};
+        case SocketOption::multicastTtl:
+            return {IPPROTO_IP, IP_MULTICAST_TTL};
+    }
+    return {};
+}
+
+int nameOf(SocketTimeout which) {
+    return which == SocketTimeout::receive ? SO_RCVTIMEO : SO_SNDTIMEO;
 }
 
 using NameCall = int (*)(int, sockaddr*, socklen_t*);
@@ -198,6 +223,25 @@ int receiveBytes(SocketHandle socket, void* buffer, int length) {
         [&] { return recv(socket, buffer, static_cast<std::size_t>(length), 0); });
 }
 
+int sendDatagram(SocketHandle socket, void const* data, int length, void const* address,
+                 int addressLength) {
+    return withoutInterruption([&] {
+        return sendto(socket, data, static_cast<std::size_t>(length), MSG_NOSIGNAL,
+                      asAddress(address), static_cast<socklen_t>(addressLength));
+    });
+}
+
+int receiveDatagram(SocketHandle socket, void* buffer, int length, void* address,
+                    int& addressLength) {
+    auto size = static_cast<socklen_t>(addressLength);
+    int const got = withoutInterruption([&] {
+        return recvfrom(socket, buffer, static_cast<std::size_t>(length), 0,
+                        static_cast<sockaddr*>(address), &size);
+    });
+    addressLength = static_cast<int>(size);
+    return got;
+}
+
 int waitReadable(SocketHandle socket, int ms) {
     return waitFor(socket, POLLIN, ms);
 }
@@ -213,6 +257,33 @@ bool setNonBlocking(SocketHandle socket, bool nonBlocking) {
     }
     int const wanted = nonBlocking ? flags | O_NONBLOCK : flags & ~O_NONBLOCK;
     return fcntl(socket, F_SETFL, wanted) == 0;
+}
+
+int setSocketOption(SocketHandle socket, SocketOption option, int value) {
+    auto const [level, name] = nameOf(option);
+    return setsockopt(socket, level, name, &value, sizeof value);
+}
+
+int getSocketOption(SocketHandle socket, SocketOption option, int& value) {
+    auto const [level, name] = nameOf(option);
+    int found = 0;
+    socklen_t size = sizeof found;
+    int const result = getsockopt(socket, level, name, &found, &size);
+    value = found;
+    return result;
+}
+
+int setSocketTimeout(SocketHandle socket, SocketTimeout which, int ms) {
+    timeval const time{ms / 1000, ms % 1000 * 1000};
+    return setsockopt(socket, SOL_SOCKET, nameOf(which), &time, sizeof time);
+}
+
+int getSocketTimeout(SocketHandle socket, SocketTimeout which, int& ms) {
+    timeval time{};
+    socklen_t size = sizeof time;
+    int const result = getsockopt(socket, SOL_SOCKET, nameOf(which), &time, &size);
+    ms = static_cast<int>(time.tv_sec * 1000 + time.tv_usec / 1000);
+    return result;
 }
 
 int localAddress(SocketHandle socket, void* address, int& length) {

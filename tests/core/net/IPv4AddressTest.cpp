@@ -63,6 +63,32 @@ TEST(IPv4Address, IsValidIsMoreLenient) {
     }
 }
 
+TEST(IPv4Address, Networks) {
+    struct Row {
+        char const* mask;
+        char const* network;
+        char const* broadcast;
+        char const* first;
+        char const* last;
+    } const rows[] = {
+        {"255.255.255.0", "192.168.1.0", "192.168.1.255", "192.168.1.1", "192.168.1.254"},
+        {"255.0.255.0", "192.168.1.0", "192.168.1.255", "192.168.1.1", "192.168.1.254"},
+        {"0.0.0.64", "192.168.1.64", "192.168.1.127", "192.168.1.65", "192.168.1.126"},
+        {"255.255.255.255", "192.168.1.77", "192.168.1.77", "192.168.1.78", "192.168.1.76"},
+        {"0.0.0.0", "0.0.0.0", "255.255.255.255", "0.0.0.1", "255.255.255.254"},
+    };
+    IPv4Address const address("192.168.1.77|80");
+    for (Row const& row : rows) {
+        IPv4Address const mask(row.mask);
+        EXPECT_STREQ(address.GetNetwork(mask).GetAsString(true).getCString(), row.network);
+        EXPECT_STREQ(address.GetBroadcast(mask).GetAsString(true).getCString(), row.broadcast);
+        EXPECT_STREQ(address.GetPreferredGateway(mask, true).GetAsString(true).getCString(),
+                     row.first);
+        EXPECT_STREQ(address.GetPreferredGateway(mask, false).GetAsString(true).getCString(),
+                     row.last);
+    }
+}
+
 TEST(IPv4Address, NumbersAndTexts) {
     IPv4Address const address(0xC0A8000Au, 5000);
     EXPECT_STREQ(address.GetAsString(true).getCString(), "192.168.0.10|5000");

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <atomic>
 #include <filesystem>
 #include <thread>
@@ -87,6 +88,84 @@ TEST(ServerSocket, ServesStopsAndServesAgain) {
     EXPECT_EQ(openDescriptors(), before);
 }
 
+TEST(ServerSocket, AThousandConnectionsFromSeveralThreads) {
+    long const before = openDescriptors();
+    {
+        EchoServer server;
+        server.AddBind("127.0.0.1|0");
+        server.AddBind("127.0.0.1|0");
+        ASSERT_EQ(server.StartListen(), 2);
+        std::vector<std::thread> clients;
+        for (int t = 0; t < 4; ++t) {
+            String address = server.GetBoundName(t % 2);
+            address.Unique();
+            clients.emplace_back([own = std::move(address)] {
+                for (int i = 0; i < 250; ++i) {
+                    ASSERT_TRUE(echoes(own));
+                }
+            });
+        }
+        for (std::thread& client : clients) {
+            client.join();
+        }
+        server.StopListen(10'000);
+        EXPECT_EQ(server.handled, 1000);
+    }
+    EXPECT_EQ(openDescriptors(), before);
+}
+
+class DatagramEcho : public core::ServerSocket {
+public:
+    DatagramEcho() : ServerSocket(SocketType::datagram) {}
+    ~DatagramEcho() override { StopListen(-1); }
+
+protected:
+    void HandleConnection(ClassRef<Socket>& socket, String const&, int) override {
+        core::Buffer bytes;
+        ClassRef<core::EndPoint> from;
+        socket->RecvAllFrom(bytes, from);
+        socket->SendTo(bytes, *from);
+    }
+};
+
+TEST(ServerSocket, Datagrams) {
+    DatagramEcho server;
+    server.AddBind("127.0.0.1|0");
+    ASSERT_EQ(server.StartListen(), 1);
+    Socket client(SocketDomain::IPv4, SocketType::datagram);
+    char buffer[5] = {};
+    String from;
+    EXPECT_EQ(client.SendTo("echo", server.GetBoundName(0)), 4);
+    ASSERT_TRUE(client.CanRecv(10'000));
+    EXPECT_EQ(client.RecvFrom(buffer, 4, from), 4);
+    EXPECT_STREQ(buffer, "echo");
+    EXPECT_TRUE(from == server.GetBoundName(0));
+    server.StopListen(10'000);
+    EXPECT_FALSE(server.IsListening());
+}
+
+TEST(ServerSocket, RemovingABindRaisesTheCount) {
+    EchoServer server;
+    for (int const count : {3, core::ServerSocket::maxBinds}) {
+        server.ClearBinds();
+        for (int i = 0; i < count; ++i) {
+            server.AddBind(String::format("%1").argi(1, i));
+        }
+        EXPECT_EQ(server.RemoveBind(-1), -1);
+        EXPECT_EQ(server.RemoveBind(count), -1);
+        EXPECT_EQ(server.RemoveBind(1), 0);
+        EXPECT_EQ(server.BindsCount(), std::min(count + 1, core::ServerSocket::maxBinds));
+        for (int i = 0; i < server.BindsCount(); ++i) {
+            String const expected = String::format("%1").argi(1, i < 1 ? i : i + 1);
+            EXPECT_TRUE(server.GetBind(i) == (i < count - 1 ? expected : String())) << i;
+        }
+    }
+    server.ClearBinds();
+    server.AddBind("127.0.0.1|0");
+    ASSERT_EQ(server.StartListen(), 1);
+    EXPECT_EQ(server.RemoveBind(0), -2);
+}
+
 TEST(ServerSocket, AnAddressInUseDoesNotDisturbTheOthers) {
     EchoServer first;
     first.AddBind("127.0.0.1|0");
@@ -96,6 +175,7 @@ TEST(ServerSocket, AnAddressInUseDoesNotDisturbTheOthers) {
     EchoServer second;
     second.AddBind(taken);
     second.AddBind("127.0.0.1|0");
+    second.AddBind("");
     EXPECT_EQ(second.StartListen(), 1);
     EXPECT_TRUE(second.Terminated(0));
     EXPECT_FALSE(second.Terminated(1));

@@ -125,6 +125,83 @@ TEST(Socket, OpensAndCloses) {
     EXPECT_FALSE(unset.Connect()) << "no target";
 }
 
+TEST(Socket, Datagrams) {
+    for (char const* const any : {"127.0.0.1|0", "::1|0"}) {
+        auto const domain = any[0] == ':' ? SocketDomain::IPv6 : SocketDomain::IPv4;
+        Socket receiver(domain, SocketType::datagram);
+        EXPECT_FALSE(receiver.IsBound());
+        if (receiver.Bind(any) != 0) {
+            std::puts("this machine has no ::1, its datagrams are not tested");
+            continue;
+        }
+        EXPECT_TRUE(receiver.IsBound());
+        core::EndPoint to;
+        ASSERT_EQ(receiver.GetSockName(to), 0u);
+        Socket sender(domain, SocketType::datagram);
+        ASSERT_EQ(sender.Bind(any), 0u);
+        EXPECT_EQ(sender.SendTo("text", to.GetComposedAddress()), 4);
+        EXPECT_EQ(sender.SendTo(core::Buffer("buffer", 6), to), 6);
+        EXPECT_EQ(sender.SendTo("", 0, to.GetSocketAddress()), 0);
+        EXPECT_EQ(sender.SendDatagram("cut short", 9, to), 9);
+
+        core::Buffer bytes;
+        core::ClassRef<core::EndPoint> from;
+        EXPECT_EQ(receiver.RecvAllFrom(bytes, from), 4);
+        EXPECT_EQ(bytes, core::Buffer("text", 4));
+        core::EndPoint own;
+        ASSERT_EQ(sender.GetSockName(own), 0u);
+        EXPECT_TRUE(from->SameAs(own));
+        String name;
+        EXPECT_EQ(receiver.RecvAllFrom(bytes, name), 6);
+        EXPECT_TRUE(name == own.GetComposedAddress());
+        core::ClassRef<core::SocketAddr> address;
+        char buffer[3];
+        EXPECT_EQ(receiver.RecvFrom(buffer, 3, address), 0);
+        EXPECT_EQ(receiver.RecvFrom(buffer, 3, name), 3);
+
+        ASSERT_TRUE(receiver.setBlocking(false));
+        EXPECT_EQ(receiver.RecvAllFrom(bytes, name), -1);
+        EXPECT_TRUE(receiver.WouldBlock() && bytes.IsEmpty());
+        EXPECT_EQ(sender.SendTo("x", 1, core::EndPoint()), -1);
+    }
+}
+
+TEST(Socket, OptionsAndReadiness) {
+    SocketPair pair;
+    struct Row {
+        bool (Socket::*set)(bool);
+        bool (Socket::*get)() const;
+    } const switches[] = {
+        {&Socket::setTCPNoDelay, &Socket::getTCPNoDelay},
+        {&Socket::setBroadcast, &Socket::getBroadcast},
+        {&Socket::setMulticastLoopback, &Socket::getMulticastLoopback},
+    };
+    for (Row const& row : switches) {
+        for (bool const on : {true, false, true}) {
+            EXPECT_TRUE((pair.near.*row.set)(on));
+            EXPECT_EQ((pair.near.*row.get)(), on);
+        }
+    }
+    pair.near.FlushSent();
+    EXPECT_TRUE(pair.near.getTCPNoDelay()) << "nothing is held back, nothing is switched";
+    EXPECT_FALSE(pair.near.setMulticastTTL(7)) << "a stream has one peer";
+    Socket datagrams(SocketDomain::IPv4, SocketType::datagram);
+    EXPECT_TRUE(datagrams.setMulticastTTL(7));
+    EXPECT_EQ(datagrams.getMulticastTTL(), 7);
+    EXPECT_TRUE(pair.near.SetRecvTimeout(2500));
+    EXPECT_EQ(pair.near.GetRecvTimeout(), 2500);
+    EXPECT_TRUE(pair.near.SetSendTimeout(60));
+    EXPECT_EQ(pair.near.GetSendTimeout(), 60);
+    EXPECT_FALSE(pair.near.setCorkMode(true));
+
+    EXPECT_EQ(pair.near.CheckRecv(0), Socket::timedOut);
+    EXPECT_EQ(pair.near.CheckSend(0), Socket::ready);
+    pair.near.Close();
+    EXPECT_EQ(pair.near.CheckRecv(0), Socket::timedOut);
+    EXPECT_FALSE(pair.near.setTCPNoDelay(true));
+    EXPECT_LT(pair.near.GetRecvTimeout(), 0);
+}
+
 TEST(SocketResult, Mappings) {
     struct Row {
         int error;

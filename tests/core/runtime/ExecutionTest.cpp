@@ -80,8 +80,7 @@ TEST(Execution, ByPriorityAndTick) {
                             Queue::low);
             worker.Work();
         },
-        testing::ExitedWithCode(7),
-        "^too high high normal tick tick tick late tick tick $");
+        testing::ExitedWithCode(7), "^too high high normal tick tick tick late tick tick $");
 }
 
 TEST(Execution, IdleHooksCatchUpOneAPass) {
@@ -112,14 +111,14 @@ TEST(Execution, AnyThreadDispatchesAndEndsTheLoop) {
             for (int t = 0; t < 4; ++t) {
                 threads.emplace_back([&worker, &executed] {
                     for (int i = 0; i < 100; ++i) {
-                        worker.Dispatch(new Bit([&] {
-                                            if (++executed == 400) {
-                                                Application::RequestTermination(
-                                                    Application::normalRequest);
-                                            }
-                                            return false;
-                                        }),
-                                        Queue::normal);
+                        worker.Dispatch(
+                            new Bit([&] {
+                                if (++executed == 400) {
+                                    Application::RequestTermination(Application::normalRequest);
+                                }
+                                return false;
+                            }),
+                            Queue::normal);
                     }
                 });
             }

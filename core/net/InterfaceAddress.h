@@ -1,0 +1,73 @@
+#pragma once
+
+#include <vector>
+
+#include "core/net/IPv4Address.h"
+#include "core/net/IPv6Address.h"
+#include "core/net/SocketTypes.h"
+#include "core/object/BasicClass.h"
+#include "core/text/String.h"
+
+namespace core {
+
+/// One address of a network interface of this machine, as text.
+class InterfaceAddress : public BasicClass {
+public:
+    class List;
+
+    InterfaceAddress(String const& name, unsigned index, SocketDomain domain,
+                     String const& address, String const& mask);
+
+    char const* ClassName() const override;
+
+    String const& GetName() const { return name_; }
+    unsigned GetIndex() const { return index_; }
+    SocketDomain GetDomain() const { return domain_; }
+    String const& GetAddress() const { return address_; }
+    /// Empty when the address has none.
+    String const& GetMask() const { return mask_; }
+
+    /// Whether the interface has this address; ports are ignored.
+    bool SameAddress(IPv4Address const& address) const;
+    bool SameAddress(IPv6Address const& address) const;
+    /// The same, both texts read as IPv4 addresses.
+    bool SameAddress(String const& address) const;
+
+    /// Fills the list anew with the machine's addresses of one domain, or of all; false when the
+    /// system does not tell them.
+    static bool GetInterfacesList(List& list, SocketDomain domain);
+    static bool GetInterfacesList(List& list);
+
+private:
+    String name_;
+    unsigned index_;
+    SocketDomain domain_;
+    String address_;
+    String mask_;
+};
+
+/// The addresses of a machine, in the order in which the system tells them.
+class InterfaceAddress::List : public BasicClass {
+public:
+    char const* ClassName() const override;
+
+    int Count() const { return static_cast<int>(entries_.size()); }
+    /// The entry at a valid index.
+    InterfaceAddress const& operator[](int index) const;
+    void Add(InterfaceAddress const& entry) { entries_.push_back(entry); }
+    void Clear() { entries_.clear(); }
+
+    /// The first entry from start on that matches, or -1; a negative start counts as 0.
+    int FindAddress(IPv4Address const& address, int start = 0) const;
+    int FindAddress(IPv6Address const& address, int start = 0) const;
+    int FindAddress(String const& address, int start = 0) const;
+    int FindName(String const& name, int start = 0) const;
+
+private:
+    template <class Matches>
+    int Find(int start, Matches matches) const;
+
+    std::vector<InterfaceAddress> entries_;
+};
+
+}  // namespace core

@@ -1,0 +1,58 @@
+#include <gtest/gtest.h>
+
+#include "core/net/EndPoint.h"
+#include "core/net/InfoSocketAddr.h"
+#include "core/net/InterfaceAddress.h"
+
+namespace {
+
+using core::EndPoint;
+using core::InterfaceAddress;
+using core::IPv4Address;
+using core::SocketDomain;
+using core::SocketType;
+
+TEST(EndPoint, ComesFromTextsNumbersAndAddresses) {
+    EndPoint const text("127.0.0.1|3007", SocketDomain::IPv4, SocketType::stream);
+    EXPECT_STREQ(text.GetAddress().getCString(), "127.0.0.1");
+    EXPECT_STREQ(text.GetService().getCString(), "3007");
+    EXPECT_EQ(text.GetPort(), 3007);
+    for (EndPoint const& same :
+         {EndPoint("127.0.0.1", 3007, SocketDomain::IPv4, SocketType::stream),
+          EndPoint("127.0.0.1", "3007", SocketDomain::unspecified, SocketType::stream),
+          EndPoint(IPv4Address(127, 0, 0, 1, 3007), SocketType::stream),
+          EndPoint(IPv4Address(127, 0, 0, 1, 3007).GetAddressInfo(true), SocketType::stream),
+          EndPoint(text.GetSocketAddress(), SocketType::stream)}) {
+        EXPECT_TRUE(same.SameAs(text));
+        EXPECT_EQ(same.GetDomain(), SocketDomain::IPv4);
+        EXPECT_STREQ(same.GetComposedAddress().getCString(), "127.0.0.1|3007");
+    }
+    EXPECT_FALSE(text.SameAs(EndPoint(IPv4Address(127, 0, 0, 1, 1), SocketType::stream)));
+    EXPECT_FALSE(text.SameAs(EndPoint(IPv4Address(127, 0, 0, 1, 3007), SocketType::datagram)));
+
+    EndPoint six(core::IPv6Address("::1|80"), SocketType::datagram);
+    EXPECT_EQ(six.GetDomain(), SocketDomain::IPv6);
+    six.ResetAddress();
+    EXPECT_FALSE(six.GetSocketAddress());
+    EXPECT_EQ(six.GetPort(), 80);
+    six.VoidFields();
+    EXPECT_TRUE(six.SameAs(EndPoint()));
+    EXPECT_EQ(EndPoint().GetPort(), core::noPort);
+}
+
+TEST(InterfaceAddress, FindsTheLoopback) {
+    InterfaceAddress::List list;
+    ASSERT_TRUE(InterfaceAddress::GetInterfacesList(list));
+    int const at = list.FindAddress("127.0.0.1|99");
+    ASSERT_GE(at, 0);
+    EXPECT_EQ(list.FindAddress(IPv4Address(127, 0, 0, 1)), at);
+    EXPECT_STREQ(list[at].GetMask().getCString(), "255.0.0.0");
+    EXPECT_GE(list.FindName(list[at].GetName()), 0);
+    EXPECT_EQ(list.FindAddress("127.0.0.1", list.Count()), -1);
+    EXPECT_EQ(list.FindAddress("nonsense"), -1);
+    EXPECT_EQ(list.FindName("no such interface"), -1);
+    ASSERT_TRUE(InterfaceAddress::GetInterfacesList(list, SocketDomain::IPv6));
+    EXPECT_EQ(list.FindAddress("127.0.0.1"), -1);
+}
+
+}  // namespace

@@ -1,0 +1,50 @@
+#include <gtest/gtest.h>
+
+#include "core/net/IPv6Address.h"
+
+namespace {
+
+using core::IPv6Address;
+
+TEST(IPv6Address, ReadsTheGrammarAndWritesTheCanonicalText) {
+    struct Row {
+        char const* text;
+        char const* canonical;
+    } const good[] = {
+        {"2001:DB8:0:0:8:800:200C:417A", "2001:db8::8:800:200c:417a"},
+        {"::", "::"},
+        {"::1", "::1"},
+        {"1::", "1::"},
+        {" 1:2:3:4:5:6:7:8 | 80 ", "1:2:3:4:5:6:7:8|80"},
+        {"::|70000", "::|70000"},
+        {"::|x", "::"},
+        {"0001:0:0:1:0:0:0:1", "1:0:0:1::1"},
+        {"1:0:0:2:0:0:3:4", "1::2:0:0:3:4"},
+        {"1:2:3:4:5:6:0:8", "1:2:3:4:5:6:0:8"},
+        {"1:2:3:4:5:6:7::", "1:2:3:4:5:6:7:0"},
+        {"::2:3:4:5:6:7:8", "0:2:3:4:5:6:7:8"},
+        {"::ffff:192.168.0.10", "::ffff:192.168.0.10"},
+        {"::FFFF:C0A8:A|5000", "::ffff:192.168.0.10|5000"},
+        {"64:ff9b::1.2.3.4", "64:ff9b::102:304"},
+        {"1:2:3:4:5:6:1.2.3.4", "1:2:3:4:5:6:102:304"},
+    };
+    for (Row const& row : good) {
+        IPv6Address address;
+        EXPECT_TRUE(address.Set(row.text)) << row.text;
+        EXPECT_STREQ(address.GetAsString(true).getCString(), row.canonical);
+        EXPECT_TRUE(IPv6Address(address.GetAsString(true)).SameAs(address, true)) << row.text;
+    }
+    for (char const* const bad :
+         {"", ":", ":::", "|80", "1", "1:2:3:4:5:6:7", "1:2:3:4:5:6:7:8:9", "1:2:3:4:5:6:7:8::",
+          "::1:2:3:4:5:6:7:8", "1::2::3", "12345::", "g::", "-1::", "+1::", "0x1::", ":1::", "1::2:",
+          "1 ::", "::1%eth0", "::1.2.3", "::1.2.3.4.5", "::1.2.3.256", "::01.2.3.4", "::1.2.3.4:5",
+          "1.2.3.4::", "1.2.3.4", "1:2:3:4:5:6:7:1.2.3.4", "::1.2.3.", "::\xC3\xA4"}) {
+        IPv6Address address("1::1|7");
+        EXPECT_FALSE(address.Set(bad)) << bad;
+        EXPECT_TRUE(address.IsNull()) << bad;
+        EXPECT_EQ(address.Port(), 7) << bad;
+        EXPECT_FALSE(IPv6Address::IsValid(bad)) << bad;
+    }
+}
+
+}  // namespace
