@@ -31,7 +31,8 @@ bool addHex(String const& item, Groups& groups) {
     return item.IsHex() && item.GetLength() <= longestGroup && groups.Add(item.ToHex32());
 }
 
-/// An IPv4 tail takes the place of two groups. Leading zeros, which some read as octal, are refused.
+/// An IPv4 tail takes the place of two groups. Leading zeros, which some read as octal, are
+/// refused.
 bool addIPv4(String const& item, Groups& groups) {
     IPv4Address address;
     bool const good = item.Find('|') < 0 && item.CountChars('.') == 3 && address.Set(item) &&
@@ -121,7 +122,8 @@ bool IPv6Address::IsValid(String const& text) {
 }
 
 bool IPv6Address::IsNull() const {
-    return std::all_of(std::begin(groups_), std::end(groups_), [](auto group) { return group == 0; });
+    return std::all_of(std::begin(groups_), std::end(groups_),
+                       [](auto group) { return group == 0; });
 }
 
 void IPv6Address::VoidAddress() {
@@ -134,9 +136,8 @@ bool IPv6Address::SameAs(IPv6Address const& other, bool withPort) const {
 }
 
 String IPv6Address::GetAsString(bool withPort) const {
-    bool const mapped = groups_[5] == 0xFFFF && std::all_of(groups_, groups_ + 5, [](auto group) {
-                            return group == 0;
-                        });
+    bool const mapped = groups_[5] == 0xFFFF &&
+                        std::all_of(groups_, groups_ + 5, [](auto group) { return group == 0; });
     int const hexCount = mapped ? groupCount - 2 : groupCount;
     Run const zeros = longestZeros(groups_, hexCount);
     String text;

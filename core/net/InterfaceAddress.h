@@ -15,8 +15,8 @@ class InterfaceAddress : public BasicClass {
 public:
     class List;
 
-    InterfaceAddress(String const& name, unsigned index, SocketDomain domain,
-                     String const& address, String const& mask);
+    InterfaceAddress(String const& name, unsigned index, SocketDomain domain, String const& address,
+                     String const& mask);
 
     char const* ClassName() const override;
 

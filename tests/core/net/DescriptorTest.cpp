@@ -1,4 +1,5 @@
 #include <gtest/gtest.h>
+#include <sched.h>
 #include <signal.h>
 #include <sys/resource.h>
 #include <sys/time.h>
@@ -59,6 +60,25 @@ TEST(Signals, DoNotEndAWait) {
     EXPECT_EQ(pair.far->Send("12"), 2);
     EXPECT_EQ(pair.near.RecvUntil(buffer, 2, 10'000), 2);
     setitimer(ITIMER_REAL, &never, nullptr);
+}
+
+// In a process with a network of its own, which has nothing: no question leaves this machine.
+TEST(Alone, UnknownNamesAndUnreachableAddresses) {
+    int const forbidden = 8;
+    auto const goodOrForbidden = [](int status) {
+        return testing::ExitedWithCode(7)(status) || testing::ExitedWithCode(forbidden)(status);
+    };
+    EXPECT_EXIT(
+        {
+            if (unshare(CLONE_NEWUSER | CLONE_NEWNET) != 0) {
+                _exit(forbidden);
+            }
+            core::Socket socket(core::SocketDomain::IPv4, core::SocketType::stream);
+            bool const unknown = socket.Connect("no-such-name.invalid|80") == 12;
+            bool const unreachable = socket.Connect("10.0.0.7|80") == 30;
+            _exit(unknown && unreachable ? 7 : 1);
+        },
+        goodOrForbidden, "");
 }
 
 }  // namespace

@@ -144,6 +144,44 @@ TEST(ServerSocket, Datagrams) {
     EXPECT_FALSE(server.IsListening());
 }
 
+TEST(ServerSocket, StopsUnderTraffic) {
+    std::atomic<bool> over = false;
+    std::vector<std::thread> clients;
+    {
+        EchoServer streams;
+        DatagramEcho datagrams;
+        streams.AddBind("127.0.0.1|0");
+        datagrams.AddBind("127.0.0.1|0");
+        ASSERT_EQ(streams.StartListen() + datagrams.StartListen(), 2);
+        for (int t = 0; t < 4; ++t) {
+            bool const stream = t % 2 == 0;
+            String to = stream ? streams.GetBoundName(0) : datagrams.GetBoundName(0);
+            to.Unique();
+            clients.emplace_back([&over, stream, own = std::move(to)] {
+                while (!over) {
+                    Socket client(SocketDomain::IPv4,
+                                  stream ? SocketType::stream : SocketType::datagram);
+                    if (stream && client.Connect(own) == 0) {
+                        client.Send("x");
+                    } else if (!stream) {
+                        client.SendTo("x", own);
+                    }
+                }
+            });
+        }
+        while (streams.handled < 20) {
+            sys::scheduler::sleepms(1);
+        }
+        streams.StopListen(20'000);
+        datagrams.StopListen(20'000);
+        EXPECT_FALSE(streams.IsListening() || datagrams.IsListening());
+    }
+    over = true;
+    for (std::thread& client : clients) {
+        client.join();
+    }
+}
+
 TEST(ServerSocket, RemovingABindRaisesTheCount) {
     EchoServer server;
     for (int const count : {3, core::ServerSocket::maxBinds}) {
