@@ -105,10 +105,15 @@ public:
     /// receive failed. A peer that ends the stream does not end the wait: callers judge the count.
     int RecvUntil(void* buffer, int length, long long timeoutMs);
 
-    /// Transfer up to length bytes within the read or write time-out, a deadline for all of them.
-    int Read(void* buffer, int length) override;
-    int Write(void const* data, int length) override;
-    /// Milliseconds; 1000 and 2000 at first. A negative time-out leaves no time.
+    /// Transfer up to length bytes within timeoutMs milliseconds, a deadline for all of them: the
+    /// number transferred, or a negative value when the very first attempt failed. A negative
+    /// time-out leaves no time.
+    int _Read(void* buffer, int length, int timeoutMs);
+    int _Write(void const* data, int length, int timeoutMs);
+    /// The same within the read or the write time-out.
+    int Read(void* buffer, int length) override { return _Read(buffer, length, readTimeout_); }
+    int Write(void const* data, int length) override { return _Write(data, length, writeTimeout_); }
+    /// Milliseconds; 1000 and 2000 at first.
     bool SetReadTimeout(int ms);
     bool SetWriteTimeout(int ms);
     int GetReadTimeout() const { return readTimeout_; }

@@ -91,17 +91,17 @@ int Socket::RecvUntil(void* buffer, int length, long long timeoutMs) {
     return std::max(length, 0);
 }
 
-int Socket::Read(void* buffer, int length) {
+int Socket::_Read(void* buffer, int length, int timeoutMs) {
     auto* const bytes = static_cast<char*>(buffer);
     return transferUntil(
-        length, readTimeout_, [this](int ms) { return checkRecv(ms); },
+        length, timeoutMs, [this](int ms) { return checkRecv(ms); },
         [=, this](int done) { return BytesOrNone(Recv(bytes + done, length - done)); });
 }
 
-int Socket::Write(void const* data, int length) {
+int Socket::_Write(void const* data, int length, int timeoutMs) {
     auto const* const bytes = static_cast<char const*>(data);
     return transferUntil(
-        length, writeTimeout_, [this](int ms) { return checkSend(ms); },
+        length, timeoutMs, [this](int ms) { return checkSend(ms); },
         [=, this](int done) { return BytesOrNone(Send(bytes + done, length - done)); });
 }
 
