@@ -4,7 +4,6 @@
 #include <filesystem>
 
 #include "core/crc/crc32.h"
-#include "core/stream/FileStream.h"
 #include "sys/file.h"
 #include "tests/support/TemporaryFolder.h"
 
@@ -57,16 +56,6 @@ TEST_F(FileTest, WholeContents) {
     EXPECT_EQ(file::setFileContents(folder_.Path().c_str(), "x", true), -EISDIR);
     EXPECT_EQ(file::remove(Path("f")), 0);
     EXPECT_EQ(file::remove(Path("f")), -ENOENT);
-}
-
-TEST_F(FileTest, AStreamThatIsNotOpenFails) {
-    core::FileStream stream;
-    char c = 0;
-    EXPECT_EQ(stream.Read(&c, 1), -EBADF);
-    EXPECT_EQ(stream.WriteAll(&c, 1), -EBADF);
-    EXPECT_EQ(stream.Open(Path("none"), 0x100), -ENOENT);
-    EXPECT_FALSE(stream.IsOpened());
-    EXPECT_EQ(stream.Close(), 0);
 }
 
 }  // namespace
