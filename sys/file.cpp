@@ -1,7 +1,12 @@
 #include "sys/file.h"
 
+#include <cerrno>
+#include <string>
+
 #include "core/crc/crc32.h"
-#include "core/stream/FileStream.h"
+#include "sys/dir.h"
+#include "sys/openRegular.h"
+#include "sys/platform/Folders.h"
 
 namespace sys::file {
 
@@ -10,7 +15,7 @@ namespace {
 int const pieceSize = 4096;
 
 /// Opens the file and reads its status: 0, or the negative error code of that step.
-int statOf(core::String const& path, platform::FileStatus& status) {
+int statOf(core::String const& path, stats& status) {
     core::FileStream file;
     int const result = file.Open(path, platform::openRead);
     return result == 0 ? file.Stat(status) : result;
@@ -19,19 +24,19 @@ int statOf(core::String const& path, platform::FileStatus& status) {
 }  // namespace
 
 bool exists(core::String const& path) {
-    platform::FileStatus status;
-    return statOf(path, status) == 0 && status.type == platform::FileType::regular;
+    stats status;
+    return statOf(path, status) == 0 && status.type == Type::regular;
 }
 
 long long getFileSize(core::String const& path) {
-    platform::FileStatus status;
+    stats status;
     int const result = statOf(path, status);
     return result == 0 ? status.size : result;
 }
 
 unsigned int calculatesCRC32(core::String const& path) {
     core::FileStream file;
-    if (file.Open(path, platform::openRead) != 0) {
+    if (openRegular(file, path) != 0) {
         return 0;
     }
     char piece[pieceSize];
@@ -42,33 +47,52 @@ unsigned int calculatesCRC32(core::String const& path) {
     return crc;
 }
 
+bool isDirectory(core::String const& path) {
+    return platform::checkFolder(path.getCString()) == 0;
+}
+
+Type getType(core::String const& path) {
+    stats status;
+    return platform::statEntry(path.getCString(), status) == 0 ? status.type : Type::none;
+}
+
+int stat(core::String const& path, stats* status) {
+    return status != nullptr ? platform::statPath(path.getCString(), *status) : -EINVAL;
+}
+
+core::String getTempPath() {
+    core::String const folder(platform::temporaryFolder().c_str());
+    return folder.ForceNoTrailingPathDelimiter().ForceTrailingPathDelimiter();
+}
+
+core::String getTempFileName() {
+    std::string path;
+    platform::FileHandle opened = platform::noFile;
+    if (platform::createUniqueFile((getTempPath() + "Vorx-").getCString(), path, opened) != 0) {
+        return "";
+    }
+    platform::closeFile(opened);
+    return path.c_str();
+}
+
 int remove(core::String const& path) {
     return platform::removeFile(path.getCString());
 }
 
-core::String getFileContents(core::String const& path) {
-    core::String text;
-    core::FileStream file;
-    if (file.Open(path, platform::openRead) != 0) {
-        return text;
-    }
-    char piece[pieceSize + 1];
-    for (int got = file.Read(piece, pieceSize); got > 0; got = file.Read(piece, pieceSize)) {
-        piece[got] = '\0';
-        text.Append(piece);
-    }
-    return text;
+int createPathOfFile(core::String const& path) {
+    core::String const folder = path.GetFilePath();
+    return folder.IsEmpty() ? 0 : dir::create(folder, true);
 }
 
-int setFileContents(core::String const& path, core::String const& text, bool truncate) {
-    unsigned const mode =
-        platform::openWrite | platform::openCreate | (truncate ? platform::openTruncate : 0u);
-    core::FileStream file;
-    int const opened = file.Open(path, mode);
-    if (opened != 0) {
-        return opened;
-    }
-    return file.WriteAll(text.getCString(), text.GetLength());
+int setFileAttributes(core::String const& /*path*/, unsigned /*attributes*/) {
+    return 0;
 }
+
+int setFileOwnership(core::String const& /*path*/, core::String const& /*user*/,
+                     core::String const& /*group*/) {
+    return 0;
+}
+
+void sync() {}
 
 }  // namespace sys::file

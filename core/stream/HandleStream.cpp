@@ -22,6 +22,23 @@ int HandleStream::Write(void const* data, int count) {
     return IsOpened() ? platform::writeFile(handle_, data, count) : -EBADF;
 }
 
+long long HandleStream::Seek(long long offset, SeekOrigin origin) {
+    return IsOpened() ? platform::seekFile(handle_, offset, origin) : -EBADF;
+}
+
+long long HandleStream::Size() {
+    platform::FileStatus status;
+    int const result = Stat(status);
+    if (result != 0) {
+        return result;
+    }
+    return status.type == platform::FileType::regular ? status.size : -ESPIPE;
+}
+
+int HandleStream::Sync() {
+    return IsOpened() ? platform::syncFile(handle_) : -EBADF;
+}
+
 int HandleStream::Stat(platform::FileStatus& status) const {
     return IsOpened() ? platform::statFile(handle_, status) : -EBADF;
 }
@@ -37,6 +54,12 @@ int HandleStream::Close() {
 
 bool HandleStream::IsOpened() const {
     return handle_ != platform::noFile;
+}
+
+void HandleStream::TakePermissionsOf(HandleStream const& other) {
+    if (IsOpened() && other.IsOpened()) {
+        platform::copyPermissions(other.handle_, handle_);
+    }
 }
 
 void HandleStream::Adopt(platform::FileHandle handle) {

@@ -17,12 +17,17 @@ public:
 
     int Read(void* buffer, int count) override;
     int Write(void const* data, int count) override;
+    long long Seek(long long offset, SeekOrigin origin = SeekOrigin::begin) override;
+    long long Size() override;
+    int Sync() override;
 
     /// The status of the open file: 0, or a negative error code.
     int Stat(sys::platform::FileStatus& status) const;
     /// Closes the file: 0, or a negative error code. Without an open file nothing happens.
     int Close();
     bool IsOpened() const;
+    /// Gives the open file the access rights of other's, as far as its file system knows any.
+    void TakePermissionsOf(HandleStream const& other);
 
 protected:
     /// Takes over a handle in the place of the one held so far, which is closed.

@@ -27,4 +27,8 @@ void Buffer::Append(Buffer const& other) {
     Append(other.GetData(), other.GetSize());
 }
 
+void Buffer::SetSize(int size) {
+    bytes_.resize(static_cast<std::size_t>(std::max(size, 0)));
+}
+
 }  // namespace core

@@ -15,6 +15,9 @@ public:
     /// Copies size more bytes behind what is there; null or a size below 1 change nothing.
     void Append(void const* data, int size);
     void Append(Buffer const& other);
+    /// Cuts the block, or fills it up with NUL; a size below 0 counts as 0. Without the memory for
+    /// it (std::bad_alloc) the block stays as it was.
+    void SetSize(int size);
     void Clear() { bytes_.clear(); }
 
     /// The first byte; null when empty. Valid until the buffer changes.

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <string>
 
 namespace sys::platform {
 
@@ -17,27 +18,49 @@ enum FileMode : unsigned {
     openAppend = 0x1000,   ///< every write goes to the end
 };
 
-enum class FileType { regular, directory, other };
+enum class FileType { none, regular, directory, link, pipe, socket, device, other };
+
+enum class SeekOrigin { begin, current, end };
 
 struct FileStatus {
     long long size = 0;  ///< bytes
     FileType type = FileType::other;
 };
 
-// Every operation returns a negative error code (an errno value with its sign changed) on failure.
-// Paths are in the platform's form. Folders are no files: opening one fails with -EISDIR.
+// Every operation returns a negative error code (an errno value with its sign changed) on failure,
+// and 0 on success where nothing else is said. Paths are in the platform's form.
 
-/// Opens path and stores the handle; 0 on success. Never waits for the other end of a pipe.
+/// Opens path and stores the handle. Never waits for the other end of a pipe. Folders are no files:
+/// opening one fails with -EISDIR.
 int openFile(char const* path, unsigned mode, FileHandle& opened);
+/// Makes a new, empty file that only its owner may use, under a free name that begins with prefix
+/// (a path), and opens it for reading and writing.
+int createUniqueFile(char const* prefix, std::string& path, FileHandle& opened);
 /// Reads up to count bytes; returns the number read, 0 at the end.
 int readFile(FileHandle file, void* buffer, int count);
 /// Writes up to count bytes; returns the number written, which may be smaller.
 int writeFile(FileHandle file, void const* data, int count);
-/// The status of an open file; 0 on success.
+/// Moves the position, also past the end, and returns it as counted from the start; -EINVAL before
+/// the start, -ESPIPE where there is no position.
+long long seekFile(FileHandle file, long long offset, SeekOrigin origin);
+/// Waits until all that was written has reached the disk.
+int syncFile(FileHandle file);
 int statFile(FileHandle file, FileStatus& status);
-/// Closes the handle; 0 on success. The handle is gone in any case.
+/// Gives one file the access rights of the other, as far as its file system knows any.
+void copyPermissions(FileHandle from, FileHandle to);
+/// Closes the handle, which is gone in any case.
 int closeFile(FileHandle file);
-/// Deletes a file; 0 on success.
+
+/// The status of what path leads to.
+int statPath(char const* path, FileStatus& status);
+/// The status of what stands at path itself, which may be a link.
+int statEntry(char const* path, FileStatus& status);
+/// The absolute path behind all links.
+int resolvePath(char const* path, std::string& resolved);
+/// Deletes a file, or a link and not what it leads to.
 int removeFile(char const* path);
+/// Moves within one file system (-EXDEV: another one). What stands at to goes away when replace is
+/// set; otherwise it is an error, -EEXIST.
+int renameFile(char const* from, char const* to, bool replace);
 
 }  // namespace sys::platform

@@ -5,10 +5,16 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+
+#include "sys/platform/posix/results.h"
 
 namespace sys::platform {
 
 namespace {
+
+static_assert(sizeof(off_t) == 8, "files may be larger than 2 GiB");
 
 int openFlags(unsigned mode) {
     // Non-blocking: opening a pipe that nobody writes to must not hang. Regular files ignore it.
@@ -40,7 +46,34 @@ int withoutInterruption(Call call) {
     }
 }
 
+/// Stores what a stat call found; its result as 0 or the negative errno.
+int takeStatus(int result, struct stat const& found, FileStatus& status) {
+    if (result != 0) {
+        return -errno;
+    }
+    status.size = found.st_size;
+    status.type = fileTypeOf(found.st_mode);
+    return 0;
+}
+
 }  // namespace
+
+FileType fileTypeOf(mode_t mode) {
+    static constexpr struct {
+        mode_t bits;
+        FileType type;
+    } types[] = {
+        {S_IFREG, FileType::regular}, {S_IFDIR, FileType::directory}, {S_IFLNK, FileType::link},
+        {S_IFIFO, FileType::pipe},    {S_IFSOCK, FileType::socket},   {S_IFBLK, FileType::device},
+        {S_IFCHR, FileType::device},
+    };
+    for (auto const& entry : types) {
+        if ((mode & S_IFMT) == entry.bits) {
+            return entry.type;
+        }
+    }
+    return FileType::other;
+}
 
 int openFile(char const* path, unsigned mode, FileHandle& opened) {
     int const file = withoutInterruption([&] { return open(path, openFlags(mode), 0666); });
@@ -56,6 +89,18 @@ int openFile(char const* path, unsigned mode, FileHandle& opened) {
         closeFile(file);
         return result;
     }
+    opened = file;
+    return 0;
+}
+
+int createUniqueFile(char const* prefix, std::string& path, FileHandle& opened) {
+    std::string name = prefix;
+    name += "XXXXXX";
+    int const file = withoutInterruption([&] { return mkostemp(name.data(), O_CLOEXEC); });
+    if (file < 0) {
+        return file;
+    }
+    path = name;
     opened = file;
     return 0;
 }
@@ -76,25 +121,65 @@ int writeFile(FileHandle file, void const* data, int count) {
         [&] { return write(descriptor(file), data, static_cast<std::size_t>(count)); });
 }
 
+long long seekFile(FileHandle file, long long offset, SeekOrigin origin) {
+    int const whence = origin == SeekOrigin::begin     ? SEEK_SET
+                       : origin == SeekOrigin::current ? SEEK_CUR
+                                                       : SEEK_END;
+    off_t const position = lseek(descriptor(file), offset, whence);
+    return position >= 0 ? position : -errno;
+}
+
+int syncFile(FileHandle file) {
+    return withoutInterruption([&] { return fsync(descriptor(file)); });
+}
+
 int statFile(FileHandle file, FileStatus& status) {
     struct stat found {};
-    if (fstat(descriptor(file), &found) != 0) {
-        return -errno;
+    return takeStatus(fstat(descriptor(file), &found), found, status);
+}
+
+void copyPermissions(FileHandle from, FileHandle to) {
+    struct stat found {};
+    if (fstat(descriptor(from), &found) == 0) {
+        // A file system without rights of its own refuses them, and the file is as good without.
+        (void)fchmod(descriptor(to), found.st_mode & 0777);
     }
-    status.size = found.st_size;
-    status.type = S_ISREG(found.st_mode)   ? FileType::regular
-                  : S_ISDIR(found.st_mode) ? FileType::directory
-                                           : FileType::other;
-    return 0;
 }
 
 int closeFile(FileHandle file) {
     // Not repeated after EINTR: the descriptor is already gone and may be somebody else's by now.
-    return close(descriptor(file)) == 0 ? 0 : -errno;
+    return negativeErrno(close(descriptor(file)));
+}
+
+int statPath(char const* path, FileStatus& status) {
+    struct stat found {};
+    return takeStatus(stat(path, &found), found, status);
+}
+
+int statEntry(char const* path, FileStatus& status) {
+    struct stat found {};
+    return takeStatus(lstat(path, &found), found, status);
+}
+
+int resolvePath(char const* path, std::string& resolved) {
+    return takeText(realpath(path, nullptr), resolved);
 }
 
 int removeFile(char const* path) {
-    return unlink(path) == 0 ? 0 : -errno;
+    return negativeErrno(unlink(path));
+}
+
+int renameFile(char const* from, char const* to, bool replace) {
+    if (replace) {
+        return negativeErrno(rename(from, to));
+    }
+    int const result = negativeErrno(renameat2(AT_FDCWD, from, AT_FDCWD, to, RENAME_NOREPLACE));
+    if (result != -EINVAL && result != -ENOSYS) {
+        return result;
+    }
+    // A file system that cannot do both in one step: a look first is the best there is.
+    FileStatus status;
+    return statEntry(to, status) == 0 ? -EEXIST : negativeErrno(rename(from, to));
 }
 
 }  // namespace sys::platform

@@ -20,6 +20,12 @@ TEST(Buffer, OwnsItsBytes) {
     EXPECT_EQ(bytes, Buffer("b\0", 2));
     bytes.Append("x", INT_MIN);
     EXPECT_EQ(bytes.GetSize(), 2);
+    bytes.SetSize(3);
+    EXPECT_EQ(bytes, Buffer("b\0\0", 3));
+    bytes.SetSize(1);
+    EXPECT_EQ(bytes, Buffer("b", 1));
+    bytes.SetSize(-1);
+    EXPECT_TRUE(bytes.IsEmpty());
     bytes.Set("x", 0);
     EXPECT_TRUE(bytes.IsEmpty());
     EXPECT_EQ(bytes.GetData(), nullptr);

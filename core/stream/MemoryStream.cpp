@@ -1,0 +1,68 @@
+#include "core/stream/MemoryStream.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <climits>
+#include <cstring>
+#include <new>
+
+namespace core {
+
+char const* MemoryStream::ClassName() const {
+    return "MemoryStream";
+}
+
+int MemoryStream::Read(void* buffer, int count) {
+    long long const left = content_.GetSize() - position_;
+    if (count < 1 || left < 1) {
+        return 0;
+    }
+    int const got = static_cast<int>(std::min<long long>(count, left));
+    std::memcpy(buffer, content_.GetData() + position_, static_cast<std::size_t>(got));
+    position_ += got;
+    return got;
+}
+
+int MemoryStream::Write(void const* data, int count) {
+    if (count < 1) {
+        return 0;
+    }
+    if (position_ >= INT_MAX) {
+        return -EFBIG;
+    }
+    int const start = static_cast<int>(position_);
+    int const taken = std::min(count, INT_MAX - start);
+    try {
+        content_.SetSize(std::max(content_.GetSize(), start + taken));
+    } catch (std::bad_alloc const&) {
+        return -ENOMEM;
+    }
+    std::memcpy(content_.GetData() + start, data, static_cast<std::size_t>(taken));
+    position_ += taken;
+    return taken;
+}
+
+long long MemoryStream::Seek(long long offset, SeekOrigin origin) {
+    long long const from = origin == SeekOrigin::begin     ? 0
+                           : origin == SeekOrigin::current ? position_
+                                                           : content_.GetSize();
+    if (offset < -from) {
+        return -EINVAL;
+    }
+    if (offset > LLONG_MAX - from) {
+        return -EOVERFLOW;
+    }
+    position_ = from + offset;
+    return position_;
+}
+
+long long MemoryStream::Size() {
+    return content_.GetSize();
+}
+
+void MemoryStream::Clear() {
+    content_.Clear();
+    position_ = 0;
+}
+
+}  // namespace core

@@ -1,0 +1,32 @@
+#pragma once
+
+#include <sys/types.h>
+
+#include <cerrno>
+#include <cstdlib>
+#include <string>
+
+#include "sys/platform/Files.h"
+
+// What POSIX calls return, in the words of the platform's headers.
+
+namespace sys::platform {
+
+/// The result of a call that answers 0 on success.
+inline int negativeErrno(int result) {
+    return result == 0 ? 0 : -errno;
+}
+
+/// Moves a text that the C library allocated into text; null means that the call failed.
+inline int takeText(char* allocated, std::string& text) {
+    if (allocated == nullptr) {
+        return -errno;
+    }
+    text = allocated;
+    std::free(allocated);
+    return 0;
+}
+
+FileType fileTypeOf(mode_t mode);
+
+}  // namespace sys::platform
