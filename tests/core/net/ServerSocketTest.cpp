@@ -26,6 +26,7 @@ public:
     }
 
     std::atomic<int> handled = 0;
+    std::atomic<bool> busy = false;
     std::atomic<bool> hold = false;  ///< keep the next handler until release
     std::atomic<bool> release = false;
 
@@ -33,6 +34,7 @@ protected:
     void HandleConnection(ClassRef<Socket>& socket, String const& bind, int index) override {
         EXPECT_STREQ(bind.getCString(), "127.0.0.1|0");
         EXPECT_GE(index, 0);
+        busy = true;
         while (hold && !release) {
             sys::scheduler::sleepms(1);
         }
@@ -75,41 +77,19 @@ TEST(ServerSocket, ServesStopsAndServesAgain) {
             for (int i = 0; i < core::ServerSocket::maxBinds; ++i) {
                 String address = server.GetBoundName(i);
                 address.Unique();
-                clients.emplace_back([own = std::move(address)] { EXPECT_TRUE(echoes(own)); });
+                clients.emplace_back([own = std::move(address)] {
+                    for (int connection = 0; connection < 32; ++connection) {
+                        ASSERT_TRUE(echoes(own));
+                    }
+                });
             }
             for (std::thread& client : clients) {
                 client.join();
             }
             server.StopListen(10'000);
             EXPECT_FALSE(server.IsListening());
-            EXPECT_EQ(server.handled, 32 * round);
+            EXPECT_EQ(server.handled, 32 * 32 * round);
         }
-    }
-    EXPECT_EQ(openDescriptors(), before);
-}
-
-TEST(ServerSocket, AThousandConnectionsFromSeveralThreads) {
-    long const before = openDescriptors();
-    {
-        EchoServer server;
-        server.AddBind("127.0.0.1|0");
-        server.AddBind("127.0.0.1|0");
-        ASSERT_EQ(server.StartListen(), 2);
-        std::vector<std::thread> clients;
-        for (int t = 0; t < 4; ++t) {
-            String address = server.GetBoundName(t % 2);
-            address.Unique();
-            clients.emplace_back([own = std::move(address)] {
-                for (int i = 0; i < 250; ++i) {
-                    ASSERT_TRUE(echoes(own));
-                }
-            });
-        }
-        for (std::thread& client : clients) {
-            client.join();
-        }
-        server.StopListen(10'000);
-        EXPECT_EQ(server.handled, 1000);
     }
     EXPECT_EQ(openDescriptors(), before);
 }
@@ -230,7 +210,9 @@ TEST(ServerSocket, AStopWaitsNoLongerThanToldForABusyHandler) {
     server.hold = true;
     Socket client(SocketDomain::IPv4, SocketType::stream);
     ASSERT_EQ(client.Connect(server.GetBoundName(0)), 0u);
-    sys::scheduler::sleepms(200);
+    while (!server.busy) {
+        sys::scheduler::sleepms(1);
+    }
     server.StopListen(20);
     EXPECT_TRUE(server.IsListening());
     client.Close();

@@ -107,29 +107,24 @@ TEST(Execution, AnyThreadDispatchesAndEndsTheLoop) {
         {
             Worker worker;
             std::atomic<int> executed = 0;
+            auto const count = [&executed] {
+                if (++executed == 400) {
+                    Application::RequestTermination(Application::normalRequest);
+                }
+                return false;
+            };
             std::vector<std::thread> threads;
             for (int t = 0; t < 4; ++t) {
-                threads.emplace_back([&worker, &executed] {
+                threads.emplace_back([&worker, count] {
                     for (int i = 0; i < 100; ++i) {
-                        worker.Dispatch(
-                            new Bit([&] {
-                                if (++executed == 400) {
-                                    Application::RequestTermination(Application::normalRequest);
-                                }
-                                return false;
-                            }),
-                            Queue::normal);
+                        worker.Dispatch(new Bit(count), Queue::normal);
                     }
                 });
             }
-            worker.story = "all";
-            std::thread joiner([&] {
-                for (std::thread& thread : threads) {
-                    thread.join();
-                }
-            });
             worker.Run();
-            joiner.join();
+            for (std::thread& thread : threads) {
+                thread.join();
+            }
             std::exit(executed == 400 ? 7 : 0);
         },
         testing::ExitedWithCode(7), "");
