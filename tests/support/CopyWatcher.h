@@ -1,28 +1,22 @@
 #pragma once
 
 #include <climits>
-#include <vector>
 
 #include "core/stream/ICopyCallback.h"
 
 namespace support {
 
-/// Records the progress of a copy and cancels it once more than a number of bytes are done.
-class CopyWatcher : public core::ICopyCallback {
-public:
-    explicit CopyWatcher(long long most = LLONG_MAX) : most_(most) {}
-
-    bool Copied(long long done, long long total) override {
-        steps.push_back(done);
-        lastTotal = total;
-        return done <= most_;
+/// Keeps the last progress of a copy and cancels it once more than most bytes are done.
+struct CopyWatcher : core::ICopyCallback {
+    bool Copied(long long nowDone, long long nowTotal) override {
+        done = nowDone;
+        total = nowTotal;
+        return done <= most;
     }
 
-    std::vector<long long> steps;
-    long long lastTotal = 0;
-
-private:
-    long long most_;
+    long long most = LLONG_MAX;
+    long long done = 0;
+    long long total = 0;
 };
 
 }  // namespace support
