@@ -105,19 +105,19 @@ Socket::Readiness Socket::CheckSend(int ms) const {
 
 Socket::Readiness Socket::fromSelectResult(int result) {
     if (result >= 0) {
-        return result > 0 ? ready : timedOut;
+        return result > 0 ? Readiness::ready : Readiness::timedOut;
     }
     switch (platform::lastSocketError()) {
         case EBADF:
-            return badHandle;
+            return Readiness::badHandle;
         case EINTR:
-            return interrupted;
+            return Readiness::interrupted;
         case EINVAL:
-            return invalid;
+            return Readiness::invalid;
         case ENOMEM:
-            return noMemory;
+            return Readiness::noMemory;
         default:
-            return failed;
+            return Readiness::failed;
     }
 }
 

@@ -26,7 +26,7 @@ public:
     static void done();
 
     /// What a wait for readiness came to.
-    enum Readiness { ready, timedOut, badHandle, interrupted, invalid, noMemory, failed };
+    enum class Readiness { ready, timedOut, badHandle, interrupted, invalid, noMemory, failed };
 
     /// Creates the platform's socket. When that fails, the domain and type stay unspecified and
     /// the caller learns of it at the first use.

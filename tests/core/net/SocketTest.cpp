@@ -194,10 +194,10 @@ TEST(Socket, OptionsAndReadiness) {
     EXPECT_EQ(pair.near.GetSendTimeout(), 60);
     EXPECT_FALSE(pair.near.setCorkMode(true));
 
-    EXPECT_EQ(pair.near.CheckRecv(0), Socket::timedOut);
-    EXPECT_EQ(pair.near.CheckSend(0), Socket::ready);
+    EXPECT_EQ(pair.near.CheckRecv(0), Socket::Readiness::timedOut);
+    EXPECT_EQ(pair.near.CheckSend(0), Socket::Readiness::ready);
     pair.near.Close();
-    EXPECT_EQ(pair.near.CheckRecv(0), Socket::timedOut);
+    EXPECT_EQ(pair.near.CheckRecv(0), Socket::Readiness::timedOut);
     EXPECT_FALSE(pair.near.setTCPNoDelay(true));
     EXPECT_LT(pair.near.GetRecvTimeout(), 0);
 }
