@@ -90,21 +90,14 @@ TEST(IPv4Address, Networks) {
 }
 
 TEST(IPv4Address, NumbersAndTexts) {
-    IPv4Address const address(0xC0A8000Au, 5000);
+    IPv4Address address(0xC0A8000Au, 5000);
     EXPECT_STREQ(address.GetAsString(true).getCString(), "192.168.0.10|5000");
-    EXPECT_EQ(address[3], 192);
     EXPECT_EQ(address.GetAsUInt32(), 0xC0A8000Au);
-    EXPECT_STREQ(IPv4Address::ToString(256 + 1, 2, 3, 4).getCString(), "1.2.3.4");
-    EXPECT_STREQ(IPv4Address::ToString(1, 2, 3, 4, -5).getCString(), "1.2.3.4|-5");
-    IPv4Address changed(address);
-    changed.SetByte(-1, 7);
-    changed.SetByte(4, 7);
-    changed.VoidPort();
-    EXPECT_TRUE(changed.SameAs(address, false));
-    EXPECT_FALSE(changed.SameAs(address, true));
-    changed.VoidAddress();
-    changed.SetPortA(1);
-    EXPECT_TRUE(changed.IsNull());
+    address.SetByte(-1, 7);
+    address.SetByte(4, 7);
+    EXPECT_TRUE(address.SameAs(IPv4Address(192, 168, 0, 10), false));
+    EXPECT_FALSE(address.SameAs(IPv4Address(192, 168, 0, 10), true));
+    EXPECT_STREQ(IPv4Address::ToString(256 + 1, 2, 3, 4, -5).getCString(), "1.2.3.4|-5");
 }
 
 TEST(Address, ResolvesNumbersToTheirBestAddress) {
