@@ -85,43 +85,33 @@ private:
     core::Socket socket_{core::SocketDomain::IPv4, core::SocketType::stream};
 };
 
-Notifications error(DeviceStatus status, Notifications before = {}) {
-    before.emplace_back(UpdateNotification::Error, static_cast<std::uint32_t>(status));
-    return before;
+/// The first so many of what an honest device says, and a refusal.
+Notifications refusal(std::size_t honest, DeviceStatus status) {
+    Notifications all = {{UpdateNotification::Accepted, 1}, {UpdateNotification::Received, 0}};
+    all.resize(honest);
+    all.emplace_back(UpdateNotification::Error, static_cast<std::uint32_t>(status));
+    return all;
 }
 
 TEST(Conversation, RefusesBadRecordsWithTheMatchingStatus) {
-    Notifications const accepted = {{UpdateNotification::Accepted, 1}};
-    Notifications const received = {{UpdateNotification::Accepted, 1},
-                                    {UpdateNotification::Received, 0}};
+    using enum DeviceStatus;
     struct Row {
-        char const* name;
         std::function<void(Update&)> fault;
-        Notifications expected;
+        std::size_t honest;
+        DeviceStatus status;
     } const rows[] = {
-        {"request magic", [](Update& u) { u.request.magic ^= 1; },
-         error(DeviceStatus::InvalidMagic)},
-        {"request complement", [](Update& u) { u.request.magicComplement ^= 1; },
-         error(DeviceStatus::InvalidMagicComplement)},
-        {"request size", [](Update& u) { u.request.fileSize = 0x80000000; },
-         error(DeviceStatus::DataSizeTooBig)},
-        {"header magic", [](Update& u) { u.header.magic ^= 1; },
-         error(DeviceStatus::InvalidMagic, accepted)},
-        {"header token", [](Update& u) { u.header.acceptToken ^= 1; },
-         error(DeviceStatus::InvalidPassword, accepted)},
-        {"header constant", [](Update& u) { u.header.headerConstant ^= 1; },
-         error(DeviceStatus::InvalidVersion, accepted)},
-        {"header size", [](Update& u) { u.header.fileSize ^= 1; },
-         error(DeviceStatus::InvalidDataSize, accepted)},
-        {"trailer magic", [](Update& u) { u.trailer.magic ^= 1; },
-         error(DeviceStatus::InvalidMagic, accepted)},
-        {"trailer size", [](Update& u) { u.trailer.fileSize ^= 1; },
-         error(DeviceStatus::InvalidDataSize, accepted)},
-        {"trailer CRC", [](Update& u) { u.trailer.fileCrc ^= 1; },
-         error(DeviceStatus::InvalidCrc, accepted)},
-        {"trailer token", [](Update& u) { u.trailer.acceptToken ^= 1; },
-         error(DeviceStatus::InvalidPassword, accepted)},
-        {"file", [](Update& u) { u.file[3] = '?'; }, error(DeviceStatus::WrongFileCrc, received)},
+        {[](Update& u) { u.request.magic ^= 1; }, 0, InvalidMagic},
+        {[](Update& u) { u.request.magicComplement ^= 1; }, 0, InvalidMagicComplement},
+        {[](Update& u) { u.request.fileSize = 0x80000000; }, 0, DataSizeTooBig},
+        {[](Update& u) { u.header.magic ^= 1; }, 1, InvalidMagic},
+        {[](Update& u) { u.header.acceptToken ^= 1; }, 1, InvalidPassword},
+        {[](Update& u) { u.header.headerConstant ^= 1; }, 1, InvalidVersion},
+        {[](Update& u) { u.header.fileSize ^= 1; }, 1, InvalidDataSize},
+        {[](Update& u) { u.trailer.magic ^= 1; }, 1, InvalidMagic},
+        {[](Update& u) { u.trailer.fileSize ^= 1; }, 1, InvalidDataSize},
+        {[](Update& u) { u.trailer.fileCrc ^= 1; }, 1, InvalidCrc},
+        {[](Update& u) { u.trailer.acceptToken ^= 1; }, 1, InvalidPassword},
+        {[](Update& u) { u.file[3] = '?'; }, 2, WrongFileCrc},
     };
     for (Row const& row : rows) {
         ScenarioDevice device;
@@ -129,8 +119,8 @@ TEST(Conversation, RefusesBadRecordsWithTheMatchingStatus) {
         Update update(1);
         row.fault(update);
         client.Send(update);
-        EXPECT_EQ(client.Receive(), row.expected) << row.name;
-        EXPECT_EQ(device.End(), std::vector{Outcome::refused}) << row.name;
+        EXPECT_EQ(client.Receive(), refusal(row.honest, row.status)) << &row - rows;
+        EXPECT_EQ(device.End(), std::vector{Outcome::refused}) << &row - rows;
     }
 }
 
@@ -166,7 +156,7 @@ TEST(Conversation, ASilentUpdaterIsToldSo) {
     client.Send(update.request);
     client.Send(update.header);
     client.Send(update.file.substr(1));
-    EXPECT_EQ(client.Receive(), error(DeviceStatus::Timeout, {{UpdateNotification::Accepted, 1}}));
+    EXPECT_EQ(client.Receive(), refusal(1, DeviceStatus::Timeout));
     EXPECT_EQ(device.End(), std::vector{Outcome::silent});
 }
 
