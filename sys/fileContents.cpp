@@ -28,6 +28,17 @@ int readInto(core::MemoryStream& memory, core::String const& path) {
     return static_cast<int>(copied < 0 ? copied : memory.Seek(0));
 }
 
+/// Has the list take the file's content by one of its loading operations.
+int load(core::StringArray& list, core::String const& path,
+         bool (core::StringArray::*take)(core::IStream*)) {
+    core::MemoryStream memory;
+    int const result = readInto(memory, path);
+    if (result == 0) {
+        (list.*take)(&memory);
+    }
+    return result;
+}
+
 /// Opens path for writing, as mode says besides, and writes all there.
 int writeInto(core::String const& path, unsigned mode, void const* data, int size) {
     core::FileStream file;
@@ -58,12 +69,7 @@ bool firstLine(core::String const& path, core::String& line) {
 }  // namespace
 
 int loadTextFile(core::StringArray& list, core::String const& path) {
-    core::MemoryStream memory;
-    int const result = readInto(memory, path);
-    if (result == 0) {
-        list.LoadFrom(&memory);
-    }
-    return result;
+    return load(list, path, &core::StringArray::LoadFrom);
 }
 
 int saveTextFile(core::StringArray const& list, core::String const& path) {
@@ -76,12 +82,7 @@ int saveTextFile(core::StringArray const& list, core::String const& path) {
 }
 
 int loadConfFile(core::StringArray& list, core::String const& path) {
-    core::MemoryStream memory;
-    int const result = readInto(memory, path);
-    if (result == 0) {
-        list.LoadAsConfFileFrom(&memory);
-    }
-    return result;
+    return load(list, path, &core::StringArray::LoadAsConfFileFrom);
 }
 
 int saveConfFile(core::StringArray const& list, core::String const& path) {
