@@ -9,9 +9,12 @@ namespace {
 
 int const statusCount = 7;
 
-}  // namespace
+String& folder() {
+    static String theFolder("/run");
+    return theFolder;
+}
 
-String AppStatus::folder_("/run");
+}  // namespace
 
 AppStatus::AppStatus(String const& applicationName) : name_(applicationName) {}
 
@@ -20,7 +23,7 @@ char const* AppStatus::ClassName() const {
 }
 
 String AppStatus::getFilePath() const {
-    return folder_.AppendNew(String::format("/%1.status").argi(1, name_));
+    return folder().AppendNew(String::format("/%1.status").argi(1, name_));
 }
 
 bool AppStatus::writeToFile(int status) const {
@@ -41,8 +44,8 @@ int AppStatus::GetStatus() const {
     return status < statusCount ? status : none;
 }
 
-void AppStatus::setFolder(String const& folder) {
-    folder_ = folder;
+void AppStatus::setFolder(String const& path) {
+    folder() = path;
 }
 
 }  // namespace core

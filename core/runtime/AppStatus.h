@@ -34,11 +34,10 @@ public:
     int GetStatus() const;
 
     /// Lets tests have the files in a folder of their own instead of "/run".
-    static void setFolder(String const& folder);
+    static void setFolder(String const& path);
 
 private:
     String name_;
-    static String folder_;
 };
 
 }  // namespace core

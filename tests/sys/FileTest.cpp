@@ -81,6 +81,7 @@ TEST_F(FileTest, TemporaryFiles) {
     EXPECT_EQ(file::getTempFileName(), "");
     setenv("TMPDIR", "", 1);
     EXPECT_EQ(file::getTempPath(), "/tmp/");
+    unsetenv("TMPDIR");
 }
 
 TEST_F(FileTest, HostileNamesAreNamesLikeOthers) {

@@ -16,7 +16,7 @@ using core::AppStatus;
 // A process has one application, whose termination cannot be withdrawn: each life is lived in a
 // process of its own, which tells its story on standard error.
 
-struct Life : private support::StatusFolder, public Application {
+struct Life : public Application {
     Life() : Application("life") {}
 
     int failingInits = 0;
@@ -58,7 +58,12 @@ struct Life : private support::StatusFolder, public Application {
     }
 };
 
-TEST(ApplicationRun, Lives) {
+class ApplicationRun : public testing::Test {
+    // Ours, not the dying process's: it would not come to remove it.
+    support::StatusFolder folder_;
+};
+
+TEST_F(ApplicationRun, Lives) {
     EXPECT_EXIT(
         {
             Life life;
@@ -77,7 +82,7 @@ TEST(ApplicationRun, Lives) {
         << "Done is for those whose Init was finished";
 }
 
-TEST(ApplicationRun, OneApplicationAProcess) {
+TEST_F(ApplicationRun, OneApplicationAProcess) {
     EXPECT_EXIT(
         {
             Life first;
@@ -97,7 +102,7 @@ TEST(ApplicationRun, OneApplicationAProcess) {
         testing::ExitedWithCode(7), "");
 }
 
-TEST(ApplicationRun, TerminationEndsSleepsAndWaits) {
+TEST_F(ApplicationRun, TerminationEndsSleepsAndWaits) {
     EXPECT_EXIT(
         {
             Life life;

@@ -33,7 +33,7 @@ private:
 };
 
 // An application ends with its process: each runs in a process of its own.
-struct Worker : private support::StatusFolder, public Application {
+struct Worker : public Application {
     Worker() : Application("worker") {
         sys::scheduler::setTickSource([] { return now.load(); });
     }
@@ -56,7 +56,11 @@ struct Worker : private support::StatusFolder, public Application {
     }
 };
 
-TEST(Execution, ByPriorityAndTick) {
+class Execution : public testing::Test {
+    support::StatusFolder folder_;
+};
+
+TEST_F(Execution, ByPriorityAndTick) {
     EXPECT_EXIT(
         {
             Worker worker;
@@ -83,7 +87,7 @@ TEST(Execution, ByPriorityAndTick) {
         testing::ExitedWithCode(7), "^too high high normal tick tick tick late tick tick $");
 }
 
-TEST(Execution, IdleHooksCatchUpOneAPass) {
+TEST_F(Execution, IdleHooksCatchUpOneAPass) {
     EXPECT_EXIT(
         {
             Worker worker;
@@ -102,7 +106,7 @@ TEST(Execution, IdleHooksCatchUpOneAPass) {
         testing::ExitedWithCode(7), "^-(-1){10}-5-5-X-$");
 }
 
-TEST(Execution, AnyThreadDispatchesAndEndsTheLoop) {
+TEST_F(Execution, AnyThreadDispatchesAndEndsTheLoop) {
     EXPECT_EXIT(
         {
             Worker worker;
