@@ -11,7 +11,7 @@
 #include "tests/support/CopyWatcher.h"
 #include "tests/support/FolderTest.h"
 #include "tests/support/PrintText.h"
-#include "tests/support/smallDisk.h"
+#include "tests/support/SmallDisk.h"
 
 namespace {
 
@@ -88,7 +88,8 @@ TEST_F(FileCopyTest, AFailedOneLeavesTheFolderAsItWas) {
 
 TEST_F(FileCopyTest, AFullDiskIsAnErrorThatLeavesNothing) {
     fs::create_directory(folder_.PathOf("disk"));
-    if (!support::mountSmallDisk(folder_.PathOf("disk"))) {
+    support::SmallDisk const disk(folder_.PathOf("disk"));
+    if (!disk.IsMounted()) {
         GTEST_SKIP() << "only root may mount a small disk";
     }
     core::String const big = core::String::OfChar('x', 300'000);
