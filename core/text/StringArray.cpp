@@ -138,7 +138,7 @@ void StringArray::grow() {
         throw std::bad_alloc();
     }
     int const larger = capacity_ + step_;
-    auto entries = std::make_unique<std::unique_ptr<String>[]>(static_cast<std::size_t>(larger));
+    auto entries = std::make_unique<std::unique_ptr<String>[]>(static_cast<unsigned>(larger));
     std::move(entries_.get(), entries_.get() + count_, entries.get());
     entries_ = std::move(entries);
     capacity_ = larger;
