@@ -45,6 +45,17 @@ struct Worker : public Application {
         auto const work = [this, word] { return story += word, false; };
         return Dispatch(new Bit(work, notBefore), priority);
     }
+    /// Runs work in so many passes of the loop and ends it.
+    void Repeat(int passes, Queue::ExecutionPriority priority, std::function<void()> const& work) {
+        auto const pass = [work, left = passes]() mutable {
+            work();
+            if (--left == 0) {
+                RequestTermination(normalRequest);
+            }
+            return true;
+        };
+        Dispatch(new Bit(pass), priority);
+    }
     void Idle1s() override { story += "1"; }
     void Idle5s() override { story += "5"; }
     void Idle10s() override { story += "X"; }
@@ -72,16 +83,10 @@ TEST_F(Execution, ByPriorityAndTick) {
             worker.Add("too high ", static_cast<Queue::ExecutionPriority>(7));
             ClassRef<ExecutionLink> const done = worker.Add("high ", Queue::high);
             worker.Dispatch(nullptr, Queue::high);
-            int rounds = 0;
-            worker.Dispatch(new Bit([&] {
-                                worker.story += done->IsDone() ? "tick " : "too early ";
-                                now += 10;
-                                if (++rounds == 5) {
-                                    Application::RequestTermination(Application::normalRequest);
-                                }
-                                return true;
-                            }),
-                            Queue::low);
+            worker.Repeat(5, Queue::low, [&] {
+                worker.story += done->IsDone() ? "tick " : "too early ";
+                now += 10;
+            });
             worker.Work();
         },
         testing::ExitedWithCode(7), "^too high high normal tick tick tick late tick tick $");
@@ -91,16 +96,10 @@ TEST_F(Execution, IdleHooksCatchUpOneAPass) {
     EXPECT_EXIT(
         {
             Worker worker;
-            int passes = 0;
-            worker.Dispatch(new Bit([&] {
-                                now = 20'001;
-                                worker.story += "-";
-                                if (++passes == 15) {
-                                    Application::RequestTermination(Application::normalRequest);
-                                }
-                                return true;
-                            }),
-                            Queue::normal);
+            worker.Repeat(15, Queue::normal, [&] {
+                worker.story += "-";
+                now = 20'001;
+            });
             worker.Work();
         },
         testing::ExitedWithCode(7), "^-(-1){10}-5-5-X-$");
