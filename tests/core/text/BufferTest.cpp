@@ -1,15 +1,18 @@
 #include <gtest/gtest.h>
 
+#include <bit>
 #include <climits>
 
 #include "core/text/Buffer.h"
-#include "core/text/String.h"
+#include "core/text/MChar.h"
 #include "core/text/strCopy.h"
-#include "tests/support/PrintText.h"
+#include "tests/core/text/joined.h"
 
 namespace {
 
 using core::Buffer;
+using core::MChar4;
+using core::MChar8;
 using core::String;
 
 TEST(Buffer, OwnsItsBytes) {
@@ -17,70 +20,71 @@ TEST(Buffer, OwnsItsBytes) {
     bytes.Append(bytes);
     EXPECT_EQ(bytes, Buffer("ab\0cab\0c", 8));
     bytes.Set(bytes.GetData() + 1, 2);
-    EXPECT_EQ(bytes, Buffer("b\0", 2));
     bytes.Append("x", INT_MIN);
-    EXPECT_EQ(bytes.GetSize(), 2);
-    bytes.SetSize(3);
-    EXPECT_EQ(bytes, Buffer("b\0\0", 3));
-    bytes.SetSize(1);
-    EXPECT_EQ(bytes, Buffer("b", 1));
-    bytes.SetSize(-1);
-    EXPECT_TRUE(bytes.IsEmpty());
-    bytes.Set("x", 0);
-    EXPECT_TRUE(bytes.IsEmpty());
+    EXPECT_EQ(bytes, Buffer("b\0", 2));
+    for (int size : {3, 1, -1}) {
+        bytes.SetSize(size);
+        EXPECT_EQ(bytes, Buffer("b\0\0", size));
+    }
     EXPECT_EQ(bytes.GetData(), nullptr);
 }
 
 TEST(Buffer, CarriesTextsInAnyWidth) {
     String const text("A\xE4z");
-    unsigned short const units16[] = {'A', 0xE4, 'z'};
+    unsigned short const units16[] = {'A', 0xE4, 'z', 0x141, 'b', 0x100, 'c', 0};
     unsigned int const units32[] = {'A', 0xE4, 'z'};
     EXPECT_EQ(text.GetRawBuffer(), Buffer("A\xE4z", 3));
-    EXPECT_EQ(text.GetUnicode16Buffer(), Buffer(units16, sizeof units16));
+    EXPECT_EQ(text.GetUnicode16Buffer(), Buffer(units16, 6));
     EXPECT_EQ(text.GetUnicode32Buffer(), Buffer(units32, sizeof units32));
 
     String back;
     back.SetString(units16, 3);
     EXPECT_EQ(back, text);
-    unsigned short const narrowed[] = {0x141, 'b', 0x100, 'c', 0};
-    back.SetString(narrowed);
-    EXPECT_EQ(back, "Ab") << "only the low 8 bits count, and a NUL among them ends the text";
+    back.SetString(units16);
+    EXPECT_EQ(back, "A\xE4zAb") << "only the low 8 bits count, and a NUL among them ends the text";
     back.SetString(static_cast<unsigned int const*>(nullptr), 5);
     EXPECT_EQ(back, "");
 }
 
-TEST(Buffer, TextsFitIntoRoomOfAnySize) {
-    String const text("abc");
-    char room[5] = "....";
-    EXPECT_EQ(text.GetString(room, 3), 2);
-    EXPECT_EQ(std::string_view(room, 5), std::string_view("ab\0.\0", 5));
-    EXPECT_EQ(text.GetString(static_cast<char*>(nullptr), 9), 0);
-    unsigned short wide[8];
-    EXPECT_EQ(String("\xFF").GetString(wide, 8), 1);
-    EXPECT_EQ(wide[0], 0xFF);
-    EXPECT_EQ(String::FromLongChar(String::ToLongChar('\xE4') | 0xFF00), '\xE4');
-}
-
-TEST(Buffer, CStringsAlwaysEndWithNul) {
+TEST(Buffer, RoomOfAnySizeGetsWhatFitsAndANul) {
     char room[6] = {'#', '#', '#', '#', '#', '#'};
+    EXPECT_EQ(String("abc").GetString(room, 3), 2);
+    EXPECT_EQ(std::string_view(room, 4), std::string_view("ab\0#", 4));
+    EXPECT_EQ(String("abc").GetString(static_cast<char*>(nullptr), 9), 0);
     EXPECT_EQ(core::_strCopyLimited(room, 4, "abcdef"), 3);
-    EXPECT_STREQ(room, "abc");
-    EXPECT_EQ(room[4], '#');
+    EXPECT_EQ(std::string_view(room, 6), std::string_view("abc\0##", 6));
     EXPECT_EQ(core::_strConcatLimited(room, 6, "xyz"), 2);
     EXPECT_STREQ(room, "abcxy");
     EXPECT_EQ(core::_strNCpy(room, "1234567", 6), room);
     EXPECT_STREQ(room, "12345");
+    EXPECT_EQ(core::_strChr(room, '3'), room + 2);
+    EXPECT_EQ(core::_strChr(room, '\0'), nullptr);
 
     char full[3] = {'a', 'b', 'c'};
     EXPECT_EQ(core::_strConcatLimited(full, 3, "d"), 0);
-    EXPECT_STREQ(full, "ab");
     for (int size : {0, -1, INT_MIN}) {
-        full[0] = '#';
         EXPECT_EQ(core::_strCopyLimited(full, size, "x"), 0);
-        EXPECT_EQ(full[0], '#');
+        EXPECT_STREQ(full, "ab");
     }
-    EXPECT_EQ(core::_strChr(room, '3'), room + 2);
-    EXPECT_EQ(core::_strChr(room, '\0'), nullptr);
+}
+
+TEST(MChar, PacksTextInMemoryOrderAndShowsAnyByteSafely) {
+    MChar8 const magic("QXRB5129");
+    EXPECT_EQ(std::string_view(magic.ptr(), 8), "QXRB5129");
+    if constexpr (std::endian::native == std::endian::little) {
+        EXPECT_TRUE(magic == 0x3932313542525851ull && magic == MChar8(0x3932313542525851ull));
+    }
+    MChar4 const shorter(String("AB"));
+    EXPECT_EQ(std::string_view(shorter.ptr(), 4), std::string_view("AB\0\0", 4));
+    EXPECT_EQ(joined({shorter, shorter.SafeDump()}), "AB|AB??|");
+    EXPECT_TRUE(MChar4("ABCDEF") == "ABCD" && MChar4("ABCDEF") == String("ABCDx"));
+    EXPECT_FALSE(MChar4("ABCD") == "ABC" || MChar4("ABCD") == MChar4("ABCE"));
+    EXPECT_TRUE(MChar4("") == 0 && MChar4() == MChar4(0) && MChar8(String()) == MChar8());
+
+    EXPECT_EQ(MChar4("\x1F\x20\x7F\x80").SafeDump(), "? \x7F?");
+    MChar4 const tag("A\nB");
+    EXPECT_EQ(joined({String::FromMultiChar4(tag, true), String::FromMultiChar4(tag, false)}),
+              "A?B?|A\nB|");
 }
 
 }  // namespace

@@ -3,14 +3,61 @@
 #include <cctype>
 
 #include "core/text/Buffer.h"
-#include "core/text/String.h"
-#include "core/text/StringArray.h"
-#include "tests/support/PrintText.h"
+#include "tests/core/text/joined.h"
 
 namespace {
 
 using core::String;
-using core::StringArray;
+
+TEST(String, ComparesSignedBytes) {
+    EXPECT_LT(String("\x80"), String("A"));
+    EXPECT_GT(String("_"), "A");
+    EXPECT_EQ(String("").Compare(nullptr), 0);
+    EXPECT_EQ(String("_").CompareIC("a"), 1) << "both sides count as upper case";
+    EXPECT_EQ(String("\xE4").CompareIC("\xC4"), 1) << "only ASCII letters have two cases";
+}
+
+// The random test compares the rest with the standard library.
+TEST(String, FindsTheEmptyPattern) {
+    String const text("abc");
+    for (int start : {INT_MIN, 0, 3}) {
+        EXPECT_EQ(text.Find("", start), 3) << start;
+        EXPECT_EQ(text.FindIC("", start), 3) << start;
+        EXPECT_EQ(text.RFind("", start), start < 0 ? -1 : start);
+        EXPECT_EQ(text.RFindIC("", start), start < 0 ? -1 : start);
+    }
+    EXPECT_EQ(text.Find("", 4), -1);
+    EXPECT_EQ(text.Find('\0'), -1) << "the NUL behind the text is no part of it";
+}
+
+TEST(String, KnowsDelimiterSets) {
+    String const text(";a,b;");
+    String const set(",;");
+    for (int index : {INT_MIN, 0, 1, 2, 5}) {
+        EXPECT_EQ(text.IsDelimiter(set, index), index == 0 || index == 2) << index;
+    }
+    EXPECT_FALSE(text.IsDelimiter("", 0) || String().HasTrailingDelimiter(set));
+    EXPECT_EQ(text.FindNotDelimiter(set, -7), 1);
+    EXPECT_EQ(text.LastNotDelimiter(set), 3);
+    EXPECT_EQ(String("a").ForceTrailingDelimiter(set, ','), "a,");
+}
+
+TEST(String, CutsPieces) {
+    String const text("abcdef");
+    EXPECT_EQ(text.Copy(-5, 2), "ab") << "a negative start shortens nothing";
+    EXPECT_EQ(joined({text.Copy(0, 2, 4, 9), text.CopyRange(1, 3, true), text.CopyRange(3, 1),
+                      text.CopyRange(-3, INT_MAX, true), text.CopyRange(INT_MIN, INT_MIN, true)}),
+              "abef|bcd||abcdef||");
+    EXPECT_EQ(joined({text.Left(-1), text.Right(2), text.Right(INT_MAX)}), "abcdef|ef|abcdef|");
+    EXPECT_EQ(String().FirstChar() + String().LastChar(), 0);
+
+    String const pair("one=two=three");
+    EXPECT_EQ(joined({pair.LeftOf('='), pair.RightOf("="), pair.RightBy('='), pair.RightOfIC("E=T"),
+                      pair.LeftOfIC('N')}),
+              "one|two=three|three|wo=three|o|");
+    EXPECT_EQ(pair.LeftOf('!') + pair.RightOf('!') + pair.RightBy("!!"), "");
+    EXPECT_EQ(pair.LeftOf('o'), "") << "nothing stands before it";
+}
 
 TEST(String, EditsItself) {
     String text("abc");
@@ -25,27 +72,26 @@ TEST(String, EditsItself) {
     EXPECT_EQ(text, "B");
     text.DeleteFromRight(INT_MAX);
     EXPECT_TRUE(text.SameRef(String()));
-}
 
-TEST(String, Appends) {
-    String text;
-    text.Append("ab");
     text.Append('c');
     text.Append('\0');
     text.Append(static_cast<char const*>(nullptr));
     text.Append(core::Buffer("d\0e", 3));
     text += text;
-    EXPECT_EQ(text, "abcdabcd");
-    text.Append(text.getCString() + 6);
-    EXPECT_EQ(text, "abcdabcdcd");
-    EXPECT_EQ(String("1").AppendNew("2") + String("3") + '4' + "5", "12345");
-    EXPECT_EQ('a' + String("b").nl(), "ab\n");
+    EXPECT_EQ(text, "cdcd");
+    text.Append(text.getCString() + 2);
+    EXPECT_EQ(text, "cdcdcd");
+    EXPECT_EQ(('0' + String("1").AppendNew("2") + String("3") + '4' + "5").nl(), "012345\n");
 }
 
-TEST(String, ChangesCase) {
-    String const text("hELLO wORLD\t\xE4x_9z");
-    EXPECT_EQ(text.UpperCase(), "HELLO WORLD\t\xE4X_9Z");
-    EXPECT_EQ(text.CapitalCase(), "Hello World\t\xE4x_9z");
+TEST(String, ChangesCaseAndTrims) {
+    String const mixed("hELLO wORLD\t\xE4x_9z");
+    EXPECT_EQ(mixed.UpperCase(), "HELLO WORLD\t\xE4X_9Z");
+    EXPECT_EQ(mixed.CapitalCase(), "Hello World\t\xE4x_9z");
+    String const blank(" \t\r\n a b \v\n");
+    EXPECT_EQ(joined({blank.TrimLeft(), blank.TrimRight(), blank.Trim()}),
+              "a b \v\n| \t\r\n a b \v|a b \v|")
+        << "a vertical tab is no white space";
 }
 
 TEST(String, ClassifiesCharacters) {
@@ -54,65 +100,49 @@ TEST(String, ClassifiesCharacters) {
         bool const nul = c == '\0';
         EXPECT_EQ(String::IsWhiteSpace(c), nul || String(" \t\r\n").Find(c) >= 0) << code;
         EXPECT_EQ(String::IsPuntuaction(c), nul || String(".,:;!?").Find(c) >= 0) << code;
-        EXPECT_EQ(String::IsAlphanumeric(c), code > 0 && code < 128 && std::isalnum(code)) << code;
+        EXPECT_EQ(String::IsAlphanumeric(c), code > 0 && std::isalnum(code)) << code;
     }
 }
 
-TEST(String, Trims) {
-    String const text(" \t\r\n a b \v\n");
-    EXPECT_EQ(text.TrimLeft(), "a b \v\n");
-    EXPECT_EQ(text.TrimRight(), " \t\r\n a b \v") << "a vertical tab is no white space";
-    EXPECT_EQ(text.Trim(), "a b \v");
-}
-
 TEST(String, Replaces) {
-    EXPECT_EQ(String("xax").Replace("x", "xx"), "xxaxx");
-    EXPECT_EQ(String("abc").Replace("", "Z"), "abcZ");
-    EXPECT_EQ(String("").Replace("", "Z"), "");
-    EXPECT_EQ(String("xAxa").ReplaceIC("a", "b"), "xbxb");
+    EXPECT_EQ(joined({String("xax").Replace("x", "xx"), String("abc").Replace("", "Z"),
+                      String("").Replace("", "Z"), String("xAxa").ReplaceIC("a", "b")}),
+              "xxaxx|abcZ||xbxb|");
     EXPECT_EQ(String("1\r\n2\n\n3\r").ReplaceNewLine("|"), "1|2||3|");
     EXPECT_EQ(String("1\r\n2").FilterNewLineChar('-'), "1--2");
     EXPECT_EQ(String("1\r\n2").FilterNewLineChar('\0'), "12");
 }
 
-TEST(String, Splits) {
-    StringArray out(2);
+TEST(String, SplitsAndExtractsTokens) {
+    core::StringArray out(2);
     out.Add("before");
     EXPECT_EQ(String("a,,b,").Split(out, ","), 4);
     EXPECT_EQ(String("c d;e").Split(out, "; "), 7);
     EXPECT_EQ(String("h/").Split(out, '/'), 8);
     EXPECT_EQ(out[0].Split(out, 'f'), 10) << "an entry can be split into its own list";
-    EXPECT_EQ(out.AsString().ReplaceNewLine("|"), "before|a||b|c|d|e|h|be|ore|");
-}
+    EXPECT_EQ(joined(out), "before|a||b|c|d|e|h|be|ore|");
 
-TEST(String, ExtractsTokens) {
     String text("a, b;'c;d',e");
-    EXPECT_EQ(text.ExtractNextToken(","), "a");
-    EXPECT_EQ(text.ExtractNextToken(';'), " b");
-    EXPECT_EQ(text.ExtractNextToken(",;", "\"'"), "'c;d'");
-    EXPECT_EQ(text.ExtractNextToken(",;"), "e");
-    EXPECT_EQ(text.ExtractNextToken(",;"), "");
-
+    EXPECT_EQ(joined({text.ExtractNextToken(","), text.ExtractNextToken(';'),
+                      text.ExtractNextToken(",;", "\"'"), text.ExtractNextToken(",;"), text}),
+              "a| b|'c;d'|e||");
     text = "x=1&y=2&";
-    EXPECT_EQ(text.ExtractLastToken('&'), "");
-    EXPECT_EQ(text.ExtractLastToken("&"), "y=2");
-    EXPECT_EQ(text.ExtractLastToken("&"), "x=1");
-
+    EXPECT_EQ(joined({text.ExtractLastToken('&'), text.ExtractLastToken("&"),
+                      text.ExtractLastToken("&"), text.ExtractLastToken("&")}),
+              "|y=2|x=1||");
     text = "'never closed,b";
     EXPECT_EQ(text.ExtractNextToken(",", "'"), "'never closed,b");
 }
 
 TEST(String, QuotesAndReadsProperties) {
-    EXPECT_EQ(String("a b").Quote(), "\"a b\"");
-    EXPECT_EQ(String("'a'b'").Unquote('\''), "a'b");
-    EXPECT_EQ(String("\"a'").Unquote(), "\"a'");
-
+    EXPECT_EQ(
+        joined({String("a b").Quote(), String("'a'b'").Unquote('\''), String("\"a'").Unquote()}),
+        "\"a b\"|a'b|\"a'|");
     String const text("type=flat; size = \"3 4\", empty= ,Size='x;y' =lost last=\"open end");
-    EXPECT_EQ(text.GetProperty("TYPE"), "flat");
-    EXPECT_EQ(text.GetProperty("size"), "3 4");
-    EXPECT_EQ(text.GetProperty("size", 20), "x;y");
+    EXPECT_EQ(joined({text.GetProperty("TYPE"), text.GetProperty("size"),
+                      text.GetProperty("size", 20), text.GetProperty("last", -4)}),
+              "flat|3 4|x;y|open end|");
     EXPECT_EQ(text.GetProperty("y"), "") << "within quotes there are no properties";
-    EXPECT_EQ(text.GetProperty("last", -4), "open end");
 }
 
 }  // namespace

@@ -2,8 +2,7 @@
 
 #include <cerrno>
 
-#include "core/text/String.h"
-#include "tests/support/PrintText.h"
+#include "tests/core/text/joined.h"
 
 namespace {
 
@@ -11,24 +10,18 @@ using core::String;
 using Align = String::Align;
 
 TEST(StringFormat, FindsNumberedPlaceholders) {
-    struct Row {
-        char const* text;
-        int index;
-        char const* value;
-        char const* expected;
-    };
-    for (Row const& row :
+    using Row = std::tuple<char const*, int, char const*, char const*>;
+    for (auto const& [pattern, index, value, expected] :
          {Row{"%1 %1", 1, "x", "x x"}, Row{"%2 then %1", 0, "a", "%2 then a"},
           Row{"%2 %1 %1 %2", -7, "a", "%2 a a %2"}, Row{"%0 %1", 0, "a", "a %1"},
           Row{"100%", 1, "x", "100%"}, Row{"%%1", 1, "x", "%x"}, Row{"%10", 1, "x", "%10"},
-          Row{"%1", 1, "%1", "%1"}, Row{"%1", 2, "x", "%1"}, Row{"", 1, "x", ""},
-          Row{"%01", 1, "x", "x"}, Row{"%99999999", 99999999, "x", "x"},
-          Row{"%100000000%1", 0, "x", "%100000000x"}, Row{"%1", 1, "", ""},
-          Row{"%99999999999999999999%1", 1, "x", "%99999999999999999999x"},
+          Row{"%1", 1, "%1", "%1"}, Row{"", 1, "x", ""}, Row{"%01", 1, "x", "x"},
+          Row{"%99999999", 99999999, "x", "x"}, Row{"%100000000%1", 0, "x", "%100000000x"},
+          Row{"%99999999999999999999%1", 1, "x", "%99999999999999999999x"}, Row{"%1", 1, "", ""},
           Row{"%1%1x%1", 1, "ab", "ababxab"}, Row{"% 1%a%1", 1, "x", "% 1%ax"}}) {
-        String const text(row.text);
-        EXPECT_EQ(text.argi(row.index, row.value), row.expected) << row.text;
-        EXPECT_EQ(text, row.text) << "the template stays";
+        String const text(pattern);
+        EXPECT_EQ(text.argi(index, value), expected) << pattern;
+        EXPECT_EQ(text, pattern) << "the template stays";
     }
     EXPECT_EQ(String::format("%1").argi(1, "%2").argi(2, "x"), "x") << "a later call sees it";
 
@@ -52,53 +45,37 @@ TEST(StringFormat, ChoosesTheOverloadByTheValue) {
     char room[] = "text";
     char* const pointer = room;
     String const text("%1");
-    EXPECT_EQ(text.argi(1, "literal"), "literal");
-    EXPECT_EQ(text.argi(1, pointer), "text");
-    EXPECT_EQ(text.argi(1, LLONG_MIN), "-9223372036854775808");
-    EXPECT_EQ(text.argi(1, ULLONG_MAX), "18446744073709551615");
-    EXPECT_EQ(text.argi(1, Three), "3");
-    EXPECT_EQ(text.argi(1, 2.5f), "2.5");
-    EXPECT_EQ(text.argi(1, reinterpret_cast<void*>(0x12FF40)), "0x0012FF40");
-    EXPECT_EQ(text.argi_choice(1, true, "on", "off"), "on");
+    EXPECT_EQ(joined({text.argi(1, "literal"), text.argi(1, pointer), text.argi(1, LLONG_MIN),
+                      text.argi(1, ULLONG_MAX), text.argi(1, Three), text.argi(1, 2.5f),
+                      text.argi(1, reinterpret_cast<void*>(0x12FF40)),
+                      text.argi_choice(1, true, "on", "off")}),
+              "literal|text|-9223372036854775808|18446744073709551615|3|2.5|0x0012FF40|on|");
 }
 
 TEST(StringFormat, PadsTexts) {
     String const text("ab");
-    EXPECT_EQ(String("[%1]").argi(1, text, 6, Align::Center, '*'), "[**ab**]");
-    EXPECT_EQ(String("[%1]").argi(1, text, 5, Align::Center, '*'), "[**ab*]");
-    EXPECT_EQ(text.GetAligned(4, Align::Right), "  ab");
-    EXPECT_EQ(text.GetAligned(4, static_cast<Align>(77), '\x80'), "ab  ");
-    EXPECT_EQ(text.GetAligned(INT_MIN, Align::Right), "ab");
+    EXPECT_EQ(joined({String("[%1]").argi(1, text, 6, Align::Center, '*'),
+                      text.GetAligned(5, Align::Center, '*'), text.GetAligned(4, Align::Right),
+                      text.GetAligned(4, static_cast<Align>(77), '\x80'),
+                      text.GetAligned(INT_MIN, Align::Right)}),
+              "[**ab**]|**ab*|  ab|ab  |ab|");
     EXPECT_EQ(text.GetAligned(INT_MAX, Align::Center).GetLength(), String::MaxWidth);
 }
 
-TEST(StringFormat, WritesIntegers) {
-    struct Row {
-        long long value;
-        int width;
-        int base;
-        String::Align align;
-        char fill;
-        char const* expected;
-    };
-    for (Row const& row :
-         {Row{7, 3, 10, Align::Default, 0, "  7"}, Row{-5, 3, 10, Align::Default, 0, " -5"},
-          Row{-5, 3, 10, Align::Default, '0', "-005"}, Row{-5, 3, 10, Align::Center, '*', "-*5*"},
-          Row{-5, 3, 10, Align::Default, '\t', "-  5"}, Row{255, 4, 16, Align::Default, 0, "00FF"},
-          Row{255, 4, 16, Align::Default, ' ', "  FF"},
-          Row{-1, 0, 16, Align::Default, 0, "FFFFFFFFFFFFFFFF"},
-          Row{35, 0, 36, Align::Default, 0, "Z"}, Row{5, 6, 2, Align::Default, 0, "000101"},
-          Row{1, 0, 1, Align::Default, 0, "*ERR*"},
-          Row{1, 0, INT_MIN, Align::Default, 0, "*ERR*"}}) {
-        String const text =
-            String::format("%1").argi(1, row.value, row.width, row.base, row.align, row.fill);
-        EXPECT_EQ(text, row.expected) << row.value << " in " << row.width;
-    }
-    EXPECT_EQ(String("no placeholder").argi(1, 5u, 0, 99), "*ERR*");
-}
-
-TEST(StringFormat, WritesFloatingPoint) {
+TEST(StringFormat, WritesNumbers) {
     String const text("%1");
+    EXPECT_EQ(joined({text.argi(1, 7, 3), text.argi(1, -5, 3),
+                      text.argi(1, -5, 3, 10, Align::Default, '0'),
+                      text.argi(1, -5, 3, 10, Align::Center, '*'),
+                      text.argi(1, -5, 3, 10, Align::Default, '\t')}),
+              "  7| -5|-005|-*5*|-  5|");
+    EXPECT_EQ(joined({text.argi(1, 255, 4, 16), text.argi(1, 255, 4, 16, Align::Default, ' '),
+                      text.argi(1, -1, 0, 16), text.argi(1, 35, 0, 36), text.argi(1, 5, 6, 2)}),
+              "00FF|  FF|FFFFFFFFFFFFFFFF|Z|000101|");
+    EXPECT_EQ(joined({text.argi(1, 1, 0, 1), text.argi(1, 1, 0, INT_MIN),
+                      String("no placeholder").argi(1, 5u, 0, 99)}),
+              "*ERR*|*ERR*|*ERR*|");
+
     EXPECT_EQ(text.argi(1, -1.5, 8, 'e', 1, Align::Left, '.'), "-1.5e+00");
     EXPECT_EQ(text.argi(1, -1.5, 7, 'f', 1, Align::Default, '0'), "000-1.5");
     EXPECT_EQ(text.argi(1, 1.25, 0, 'n', -1), "1.25") << "only formats of numbers reach printf";
@@ -120,20 +97,16 @@ TEST(StringFormat, PrintsLikeTheCLibrary) {
 }
 
 TEST(StringFormat, WritesByteSizes) {
-    struct Row {
-        long long bytes;
-        char const* oneDecimal;
-        char const* roundedUp;
-    };
-    for (Row const& row :
-         {Row{0, "0.0 B", "0 B"}, Row{100, "100.0 B", "100 B"}, Row{1536, "1536.0 B", "1536 B"},
-          Row{1537, "1.5 KB", "2 KB"}, Row{1572864, "1536.0 KB", "1536 KB"},
-          Row{1572865, "1.5 MB", "2 MB"}, Row{2000000, "1.9 MB", "2 MB"},
-          Row{1610612737, "1.5 GB", "2 GB"}, Row{1649267441665, "1.5 TB", "2 TB"},
-          Row{LLONG_MAX, "8388608.0 TB", "8388608 TB"}, Row{-5, "-5.0 B", "-5 B"},
-          Row{LLONG_MIN, "-9223372036854775808.0 B", "-9223372036854775808 B"}}) {
-        EXPECT_EQ(core::FormatByteSize(row.bytes, false), row.oneDecimal);
-        EXPECT_EQ(String::FormatByteSize(row.bytes, true), row.roundedUp);
+    using Row = std::pair<long long, char const*>;
+    for (auto const& [bytes, expected] :
+         {Row{0, "0.0 B|0 B|"}, Row{100, "100.0 B|100 B|"}, Row{1536, "1536.0 B|1536 B|"},
+          Row{1537, "1.5 KB|2 KB|"}, Row{1572864, "1536.0 KB|1536 KB|"},
+          Row{1572865, "1.5 MB|2 MB|"}, Row{2000000, "1.9 MB|2 MB|"},
+          Row{1610612737, "1.5 GB|2 GB|"}, Row{1649267441665, "1.5 TB|2 TB|"},
+          Row{LLONG_MAX, "8388608.0 TB|8388608 TB|"}, Row{-5, "-5.0 B|-5 B|"},
+          Row{LLONG_MIN, "-9223372036854775808.0 B|-9223372036854775808 B|"}}) {
+        EXPECT_EQ(joined({core::FormatByteSize(bytes, false), String::FormatByteSize(bytes, true)}),
+                  expected);
     }
 }
 

@@ -15,24 +15,26 @@ using core::String;
 constexpr int untouched = 777;
 constexpr long long fallback = -77;
 
-struct Row {
-    char const* text;
-    long long expected;
-    int errorPosition;
-};
+/// A text, the number in it, and the position of the first character that does not belong to it.
+using Row = std::tuple<char const*, long long, int>;
+
+void expectReads(long long (String::*read)(int*, long long) const,
+                 std::initializer_list<Row> rows) {
+    for (auto const& [text, expected, errorPosition] : rows) {
+        int position = untouched;
+        EXPECT_EQ((String(text).*read)(&position, fallback), expected) << text;
+        EXPECT_EQ(position, errorPosition) << text;
+    }
+}
 
 TEST(StringNumber, ReadsDecimals) {
-    for (Row const& row :
-         {Row{"12ab", 12, 2}, Row{"", fallback, untouched}, Row{" -7", -7, -1}, Row{"+7", 7, -1},
-          Row{"-", fallback, untouched}, Row{"- 7", fallback, untouched}, Row{"7 ", 7, 1},
-          Row{"x", fallback, untouched}, Row{"9223372036854775807", LLONG_MAX, -1},
-          Row{"-9223372036854775808", LLONG_MIN, -1}, Row{"9223372036854775808", LLONG_MAX, -1},
-          Row{"-99999999999999999999999x", LLONG_MIN, 24}, Row{"\x80", fallback, untouched}}) {
-        int position = untouched;
-        String const text(row.text);
-        EXPECT_EQ(text.ToDecimal64(&position, fallback), row.expected) << row.text;
-        EXPECT_EQ(position, row.errorPosition) << row.text;
-    }
+    expectReads(
+        &String::ToDecimal64,
+        {Row{"12ab", 12, 2}, Row{"", fallback, untouched}, Row{" -7", -7, -1}, Row{"+7", 7, -1},
+         Row{"-", fallback, untouched}, Row{"- 7", fallback, untouched}, Row{"7 ", 7, 1},
+         Row{"9223372036854775807", LLONG_MAX, -1}, Row{"-9223372036854775808", LLONG_MIN, -1},
+         Row{"9223372036854775808", LLONG_MAX, -1}, Row{"-99999999999999999999999x", LLONG_MIN, 24},
+         Row{"\x80", fallback, untouched}});
     EXPECT_EQ(String("-3000000000").ToDecimal32(), INT_MIN);
     EXPECT_TRUE(String("2147483647").IsDecimal32());
     EXPECT_FALSE(String("2147483648").IsDecimal32());
@@ -55,18 +57,14 @@ TEST(StringNumber, ReadsOtherBases) {
 }
 
 TEST(StringNumber, ReadsIntegersOfAnyForm) {
-    for (Row const& row :
-         {Row{" 0x1F", 31, -1}, Row{"0X1f", 31, -1}, Row{"0b101", 5, -1}, Row{"017", 17, -1},
-          Row{"017z", 15, 3}, Row{"MAX", LLONG_MAX, -1}, Row{" min\n", LLONG_MIN, -1},
-          Row{"nan", fallback, untouched}, Row{"-12", -12, -1}, Row{"12 ", fallback, untouched},
-          Row{"0x", fallback, untouched}, Row{"0x 1", fallback, untouched},
-          Row{"0x-1", fallback, untouched}, Row{"0b12", 1, 3}, Row{"x0x1", fallback, untouched},
-          Row{"12ab", fallback, untouched}, Row{"", fallback, untouched},
-          Row{"0xFFFFFFFFFFFFFFFF", LLONG_MAX, -1}, Row{"0x1G", 1, 3}}) {
-        int position = untouched;
-        EXPECT_EQ(String(row.text).ToInt64(&position, fallback), row.expected) << row.text;
-        EXPECT_EQ(position, row.errorPosition) << row.text;
-    }
+    expectReads(&String::ToInt64,
+                {Row{" 0x1F", 31, -1}, Row{"0X1f", 31, -1}, Row{"0b101", 5, -1}, Row{"017", 17, -1},
+                 Row{"017z", 15, 3}, Row{"MAX", LLONG_MAX, -1}, Row{" min\n", LLONG_MIN, -1},
+                 Row{"nan", fallback, untouched}, Row{"-12", -12, -1},
+                 Row{"12 ", fallback, untouched}, Row{"0x", fallback, untouched},
+                 Row{"0x 1", fallback, untouched}, Row{"0x-1", fallback, untouched},
+                 Row{"0b12", 1, 3}, Row{"x0x1", fallback, untouched}, Row{"", fallback, untouched},
+                 Row{"0xFFFFFFFFFFFFFFFF", LLONG_MAX, -1}, Row{"0x1G", 1, 3}});
     EXPECT_EQ(String("0xFFFFFFFF").ToInt32(), INT_MAX);
     EXPECT_TRUE(String("0x10").IsInt32() && String("min").IsInt64());
     EXPECT_FALSE(String("0xFFFFFFFF").IsInt32() || String("0x1G").IsInt64());
@@ -93,24 +91,19 @@ TEST(StringNumber, ReadsTruthValues) {
         EXPECT_FALSE(String(text).ToBool(true)) << text;
     }
     for (char const* text : {"", "1x", "maybe", "yes "}) {
-        EXPECT_TRUE(String(text).ToBool(true)) << text;
-        EXPECT_FALSE(String(text).ToBool()) << text;
+        EXPECT_TRUE(String(text).ToBool(true) && !String(text).ToBool()) << text;
     }
 }
 
-TEST(StringNumber, ReadsCStrings) {
+TEST(StringNumber, ReadsCStringsAndLists) {
     EXPECT_EQ(core::strToInt("12ab"), 12);
     EXPECT_EQ(core::strToUInt64("-99999999999999999999"), 0u);
     EXPECT_EQ(core::strToFloat("2.5kg"), 2.5);
-
     EXPECT_EQ(core::strToIntDef("12ab", -1), -1);
     EXPECT_EQ(core::strToFloatDef("2.5kg", -1), -1);
-}
-
-TEST(StringNumber, ReadsLists) {
-    int ints[5];
-    EXPECT_EQ(core::strToIntArrayDef("1, 2 ,,x", ints, 5, -1), 2);
-    EXPECT_EQ((std::vector<int>(ints, ints + 5)), (std::vector{1, 2, -1, -1, -1}));
+    std::vector<int> ints(5);
+    EXPECT_EQ(core::strToIntArrayDef("1, 2 ,,x", ints.data(), 5, -1), 2);
+    EXPECT_EQ(ints, (std::vector{1, 2, -1, -1, -1}));
 }
 
 }  // namespace

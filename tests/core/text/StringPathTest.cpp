@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "core/text/String.h"
-#include "tests/support/PrintText.h"
+#include "tests/core/text/joined.h"
 
 namespace {
 
@@ -11,59 +10,51 @@ sys::PathStyle const& posix = sys::posixPathStyle;
 sys::PathStyle const& windows = sys::windowsPathStyle;
 
 TEST(StringPath, TakesPathsApart) {
-    struct Row {
-        sys::PathStyle const& style;
-        char const* path;
-        char const* folder;
-        char const* name;
-        char const* ext;
-    };
-    for (Row const& row :
-         {Row{posix, "/a/b.tar.gz", "/a", "b.tar.gz", ".gz"}, Row{posix, "/a", "/", "a", ""},
-          Row{posix, "a", "", "a", ""}, Row{posix, "", "", "", ""}, Row{posix, "/", "/", "", ""},
-          Row{posix, "a//b", "a", "b", ""}, Row{posix, "a/.profile", "a", ".profile", ""},
-          Row{posix, "a/..", "a", "..", ""}, Row{posix, "a.b/c", "a.b", "c", ""},
-          Row{posix, "a\\b.c", "", "a\\b.c", ".c"}, Row{posix, "a/b.", "a", "b.", "."},
-          Row{windows, "C:\\a\\b.c", "C:\\a", "b.c", ".c"}, Row{windows, "C:\\a", "C:\\", "a", ""},
-          Row{windows, "C:a", "C:", "a", ""}, Row{windows, "a/b\\c", "a/b", "c", ""},
-          Row{windows, "\\\\host\\share\\f", "\\\\host\\share", "f", ""}}) {
-        String const path(row.path);
-        EXPECT_EQ(path.GetFilePath(row.style), row.folder) << row.path;
-        EXPECT_EQ(path.GetFileName(row.style), row.name) << row.path;
-        EXPECT_EQ(path.GetFileExt(row.style), row.ext) << row.path;
-        EXPECT_EQ(path.GetFileNameWithoutExt(row.style) + row.ext, row.name) << row.path;
+    // A path, and its folder, name, name without extension, and extension.
+    using Row = std::tuple<sys::PathStyle const&, char const*, char const*>;
+    for (auto const& [style, text, expected] :
+         {Row{posix, "/a/b.tar.gz", "/a|b.tar.gz|b.tar|.gz|"}, Row{posix, "/a", "/|a|a||"},
+          Row{posix, "a", "|a|a||"}, Row{posix, "", "||||"}, Row{posix, "/", "/||||"},
+          Row{posix, "a//b", "a|b|b||"}, Row{posix, "a/.profile", "a|.profile|.profile||"},
+          Row{posix, "a/..", "a|..|..||"}, Row{posix, "a.b/c", "a.b|c|c||"},
+          Row{posix, "a\\b.c", "|a\\b.c|a\\b|.c|"}, Row{posix, "a/b.", "a|b.|b|.|"},
+          Row{windows, "C:\\a\\b.c", "C:\\a|b.c|b|.c|"}, Row{windows, "C:\\a", "C:\\|a|a||"},
+          Row{windows, "C:a", "C:|a|a||"}, Row{windows, "a/b\\c", "a/b|c|c||"},
+          Row{windows, "\\\\host\\share\\f", "\\\\host\\share|f|f||"}}) {
+        String const path(text);
+        EXPECT_EQ(joined({path.GetFilePath(style), path.GetFileName(style),
+                          path.GetFileNameWithoutExt(style), path.GetFileExt(style)}),
+                  expected);
     }
 }
 
-TEST(StringPath, ReplacesExtensions) {
-    String const path("/a.b/c.zip");
-    EXPECT_EQ(path.ReplaceFileExt("txt", posix), "/a.b/c.txt");
-    EXPECT_EQ(String("/a.b/c").ReplaceFileExt("x", posix), "/a.b/c.x");
-}
-
-TEST(StringPath, JoinsWithOneDelimiter) {
-    EXPECT_EQ(String("a//").AppendNewPath("//b", posix), "a/b");
-    EXPECT_EQ(String("/").AppendNewPath("b", posix), "/b");
-    EXPECT_EQ(String("").AppendNewPath("/b", posix), "/b");
-    EXPECT_EQ(String("a\\").AppendNewPath("b", posix), "a\\/b");
-    EXPECT_EQ(String("a/").AppendNewPath("\\b", windows), "a\\b");
+TEST(StringPath, ReplacesExtensionsAndJoinsWithOneDelimiter) {
+    EXPECT_EQ(joined({String("/a.b/c.zip").ReplaceFileExt("txt", posix),
+                      String("/a.b/c").ReplaceFileExt("x", posix)}),
+              "/a.b/c.txt|/a.b/c.x|");
+    EXPECT_EQ(
+        joined({String("a//").AppendNewPath("//b", posix), String("/").AppendNewPath("b", posix),
+                String("").AppendNewPath("/b", posix), String("a\\").AppendNewPath("b", posix),
+                String("a/").AppendNewPath("\\b", windows)}),
+        "a/b|/b|/b|a\\/b|a\\b|");
     String self("a/");
     self.AppendPath(self, posix);
     EXPECT_EQ(self, "a/a/");
     EXPECT_EQ("a" / String("b"), String("a") + String::PathDelimiter() + "b");
 }
 
-TEST(StringPath, ForcesDelimiters) {
-    EXPECT_EQ(String("a").ForceLeadingPathDelimiter(windows), "\\a");
-    EXPECT_EQ(String("//a//").ForceNoLeadingPathDelimiter(posix), "a//");
-    EXPECT_EQ(String("//a//").ForceNoTrailingPathDelimiter(posix), "//a");
-    EXPECT_EQ(String("a/b\\c").EnsurePlatformPathDelimiters(posix), "a/b/c");
-    EXPECT_EQ(String("a/b\\c").EnsurePlatformPathDelimiters(windows), "a\\b\\c");
-    EXPECT_EQ(String("//a///b/").RemoveDuplicatedPathDelimiters(posix), "/a/b/");
-    EXPECT_EQ(String("\\\\h\\\\/s").RemoveDuplicatedPathDelimiters(windows), "\\\\h\\s");
-}
+TEST(StringPath, ForcesAndFindsDelimiters) {
+    EXPECT_EQ(joined({String("a").ForceLeadingPathDelimiter(windows),
+                      String("//a//").ForceNoLeadingPathDelimiter(posix),
+                      String("//a//").ForceNoTrailingPathDelimiter(posix)}),
+              "\\a|a//|//a|");
+    EXPECT_EQ(joined({String("a/b\\c").EnsurePlatformPathDelimiters(posix),
+                      String("a/b\\c").EnsurePlatformPathDelimiters(windows)}),
+              "a/b/c|a\\b\\c|");
+    EXPECT_EQ(joined({String("//a///b/").RemoveDuplicatedPathDelimiters(posix),
+                      String("\\\\h\\\\/s").RemoveDuplicatedPathDelimiters(windows)}),
+              "/a/b/|\\\\h\\s|");
 
-TEST(StringPath, FindsDelimiters) {
     String const path("/a\\b/c");
     EXPECT_EQ(path.FindPathDelimiter(1, posix), 4);
     EXPECT_EQ(path.FindPathDelimiter(1, windows), 2);

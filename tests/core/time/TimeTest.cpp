@@ -13,8 +13,12 @@ using core::Interval;
 using core::String;
 using core::Time;
 
-TEST(Time, WritesTheFixedForm) {
-    EXPECT_EQ(Time::encode(2018, 3, 7, 9, 5, 2, 45).ToString(), "2018-03-07 09:05:02.045");
+Time const sample = Time::encode(2018, 3, 7, 9, 5, 2, 45);
+
+TEST(Time, WritesItsForms) {
+    EXPECT_EQ(sample.ToString(), "2018-03-07 09:05:02.045");
+    EXPECT_EQ(sample.Format("yyyymmddHHMMSSzzz"), "20180307090502045");
+    EXPECT_EQ(sample.Format("yyy m %1 \x80"), "yyy m %1 \x80");
     EXPECT_EQ(Time(-1).ToString(), "1969-12-31 23:59:59.999");
     EXPECT_EQ(Time::encode(-5, 1, 1).ToString(), "-0005-01-01 00:00:00.000");
     EXPECT_EQ(Time(LLONG_MAX).ToString(), "292278994-08-17 07:12:55.807");
@@ -50,7 +54,7 @@ TEST(Time, CalculatesWithoutOverflow) {
     EXPECT_EQ(Time(5) - Time(7), Interval(-2));
     EXPECT_EQ(Time(LLONG_MAX) + Interval(1), Time(LLONG_MAX));
 
-    Time time = Time::encode(2018, 3, 7, 9, 5, 2, 45);
+    Time time = sample;
     time.ModifyDate(2020, 2, 29);
     EXPECT_EQ(time.ToString(), "2020-02-29 09:05:02.045");
     time.ModifyTime(23, 59, 60);
@@ -58,29 +62,21 @@ TEST(Time, CalculatesWithoutOverflow) {
 }
 
 TEST(Time, ConvertsJulianDays) {
-    Time const noon = Time::encode(2000, 1, 1, 12);
-    EXPECT_EQ(Time::timeToJulian(noon), 2451545.0);
+    EXPECT_EQ(Time::timeToJulian(Time::encode(2000, 1, 1, 12)), 2451545.0);
     EXPECT_EQ(Time::julianToTimeModified(0).ToString(), "1858-11-17 00:00:00.000");
-    Time const odd = Time::encode(2018, 3, 7, 9, 5, 2, 45);
-    EXPECT_EQ(Time::julianToTime(Time::timeToJulian(odd)), odd);
-}
-
-TEST(Time, FormatsByPattern) {
-    Time const time = Time::encode(2018, 3, 7, 9, 5, 2, 45);
-    EXPECT_EQ(time.Format("yyyymmddHHMMSSzzz"), "20180307090502045");
-    EXPECT_EQ(time.Format("yyy m %1 \x80"), "yyy m %1 \x80");
+    EXPECT_EQ(Time::julianToTime(Time::timeToJulian(sample)), sample);
 }
 
 TEST(Time, ReadsWhatItWrote) {
     std::mt19937_64 random(20180307);
     std::uniform_int_distribution<long long> any(LLONG_MIN, LLONG_MAX);
+    char const* const turned = "zzz SS|MM|HH dd/mm/yyyy";
     for (int round = 0; round < 5000; ++round) {
         Time const time(round % 2 == 0 ? any(random) : any(random) % 100000000000000);
         Time read;
         ASSERT_TRUE(read.FromString(time.ToString())) << time.ToString().getCString();
         ASSERT_EQ(read, time);
-        ASSERT_TRUE(
-            read.FromString(time.Format("zzz SS|MM|HH dd/mm/yyyy"), "zzz SS|MM|HH dd/mm/yyyy"));
+        ASSERT_TRUE(read.FromString(time.Format(turned), turned));
         ASSERT_EQ(read, time);
     }
     Time read;
@@ -91,21 +87,17 @@ TEST(Time, ReadsWhatItWrote) {
 }
 
 TEST(Time, RefusesWhatDoesNotFit) {
-    struct Row {
-        char const* text;
-        char const* pattern;
-    };
-    Time const before(12345);
-    for (Row const& row :
+    using Row = std::pair<char const*, char const*>;
+    for (auto const& [text, pattern] :
          {Row{"", "yyyy"}, Row{"x", "x"}, Row{"", ""}, Row{"2018-13-01", "yyyy-mm-dd"},
           Row{"2018-04-31", "yyyy-mm-dd"}, Row{"1900-02-29", "yyyy-mm-dd"},
           Row{"2018-00-01", "yyyy-mm-dd"}, Row{"24:00", "HH:MM"}, Row{"23:60", "HH:MM"},
           Row{"7:30", "HH:MM"}, Row{"-1:30", "HH:MM"}, Row{" 1:30", "HH:MM"},
           Row{"07:30 ", "HH:MM"}, Row{"07:3", "HH:MM"}, Row{"07-30", "HH:MM"},
           Row{"99999999999", "yyyy"}, Row{"-201", "yyyymm"}, Row{"18", "yyyy"}}) {
-        Time time(before);
-        EXPECT_FALSE(time.FromString(row.text, row.pattern)) << row.text << " as " << row.pattern;
-        EXPECT_EQ(time, before) << row.text;
+        Time time(sample);
+        EXPECT_FALSE(time.FromString(text, pattern)) << text << " as " << pattern;
+        EXPECT_EQ(time, sample) << text;
     }
 }
 
