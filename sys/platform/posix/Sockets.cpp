@@ -274,7 +274,7 @@ int getSocketOption(SocketHandle socket, SocketOption option, int& value) {
 }
 
 int setSocketTimeout(SocketHandle socket, SocketTimeout which, int ms) {
-    timeval const time{ms / 1000, ms % 1000 * 1000};
+    timeval const time{ms / 1000, ms % 1000 * 1000L};
     return setsockopt(socket, SOL_SOCKET, nameOf(which), &time, sizeof time);
 }
 

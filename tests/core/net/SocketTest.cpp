@@ -163,19 +163,10 @@ TEST(Socket, Datagrams) {
 
 TEST(Socket, OptionsAndReadiness) {
     SocketPair pair;
-    struct Row {
-        bool (Socket::*set)(bool);
-        bool (Socket::*get)() const;
-    } const switches[] = {
-        {&Socket::setTCPNoDelay, &Socket::getTCPNoDelay},
-        {&Socket::setBroadcast, &Socket::getBroadcast},
-        {&Socket::setMulticastLoopback, &Socket::getMulticastLoopback},
-    };
-    for (Row const& row : switches) {
-        for (bool const on : {true, false, true}) {
-            EXPECT_TRUE((pair.near.*row.set)(on));
-            EXPECT_EQ((pair.near.*row.get)(), on);
-        }
+    for (bool const on : {true, false, true}) {
+        EXPECT_TRUE(pair.near.setTCPNoDelay(on) && pair.near.setBroadcast(on));
+        EXPECT_EQ(pair.near.getTCPNoDelay(), on);
+        EXPECT_EQ(pair.near.getBroadcast(), on);
     }
     pair.near.FlushSent();
     EXPECT_TRUE(pair.near.getTCPNoDelay()) << "nothing is held back, nothing is switched";
