@@ -6,6 +6,8 @@
 #include <cstring>
 #include <new>
 
+#include "core/stream/seekPosition.h"
+
 namespace core {
 
 char const* MemoryStream::ClassName() const {
@@ -43,17 +45,11 @@ int MemoryStream::Write(void const* data, int count) {
 }
 
 long long MemoryStream::Seek(long long offset, SeekOrigin origin) {
-    long long const from = origin == SeekOrigin::begin     ? 0
-                           : origin == SeekOrigin::current ? position_
-                                                           : content_.GetSize();
-    if (offset < -from) {
-        return -EINVAL;
+    long long const found = seekPosition(offset, origin, position_, content_.GetSize());
+    if (found >= 0) {
+        position_ = found;
     }
-    if (offset > LLONG_MAX - from) {
-        return -EOVERFLOW;
-    }
-    position_ = from + offset;
-    return position_;
+    return found;
 }
 
 long long MemoryStream::Size() {

@@ -1,0 +1,52 @@
+#include "core/archive/ArchivedFileStream.h"
+
+#include <algorithm>
+#include <cerrno>
+
+#include "core/stream/seekPosition.h"
+
+namespace core {
+
+ArchivedFileStream::ArchivedFileStream(Stream& archive, long long dataStart,
+                                       StreamDescriptor const& file)
+    : archive_(archive),
+      file_(file),
+      begin_(dataStart + static_cast<long long>(file.GetOffset())),
+      size_(static_cast<long long>(file.GetSize())) {}
+
+char const* ArchivedFileStream::ClassName() const {
+    return "ArchivedFileStream";
+}
+
+int ArchivedFileStream::Read(void* buffer, int count) {
+    if (count < 1 || position_ >= size_) {
+        return 0;
+    }
+    // Others read the same archive: its position is never where we left it.
+    long long const found = archive_.Seek(begin_ + position_);
+    if (found < 0) {
+        return static_cast<int>(found);
+    }
+    int const wanted = static_cast<int>(std::min<long long>(count, size_ - position_));
+    int const got = archive_.Read(buffer, wanted);
+    if (got > 0) {
+        file_.CryptBlock(buffer, got, static_cast<unsigned long long>(position_));
+        position_ += got;
+    }
+    // The archive held all of the file when it was read; by now somebody has cut it.
+    return got == 0 ? -EIO : got;
+}
+
+int ArchivedFileStream::Write(void const*, int) {
+    return -EBADF;
+}
+
+long long ArchivedFileStream::Seek(long long offset, SeekOrigin origin) {
+    long long const found = seekPosition(offset, origin, position_, size_);
+    if (found >= 0) {
+        position_ = found;
+    }
+    return found;
+}
+
+}  // namespace core

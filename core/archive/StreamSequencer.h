@@ -1,0 +1,85 @@
+#pragma once
+
+#include <deque>
+#include <optional>
+
+#include "core/archive/StreamDescriptor.h"
+#include "core/archive/archiveFormat.h"
+#include "core/object/BasicClass.h"
+#include "core/text/StringArray.h"
+
+namespace core {
+
+/// An archive (a stream sequence) in memory: what it says of itself and of each of its files, the
+/// CRC of its stream and the scrambling. The files' data stay where they are. Texts are UTF-8.
+class StreamSequencer : public BasicClass {
+public:
+    /// What stands scrambled. A file's own flags may ask for another treatment of its data.
+    enum class CryptMode { None = 0, Headers = 1, Data = 2, All = 3 };
+
+    StreamSequencer() = default;
+    StreamSequencer(StreamSequencer const&) = delete;
+    StreamSequencer& operator=(StreamSequencer const&) = delete;
+
+    char const* ClassName() const override;
+
+    /// Major version in the high 16 bits, from archive::oldestVersion to archive::newestVersion.
+    unsigned GetVersion() const { return version_; }
+    void SetVersion(unsigned version) { version_ = version; }
+
+    CryptMode GetCryptMode() const { return cryptMode_; }
+    void SetCryptMode(CryptMode mode) { cryptMode_ = mode; }
+    bool IsCryptHeadersEnabled() const;
+    bool IsCryptDataEnabled() const;
+
+    /// The key as the stream carries it: bit 31 - i of the key is bit 2i + 1 of the block, the other
+    /// bits mean nothing.
+    unsigned long long GetCryptKeyBlock() const { return keyBlock_; }
+    void SetCryptKeyBlock(unsigned long long block) { keyBlock_ = block; }
+    /// Sets a block whose meaningless bits are 0.
+    void SetCryptKey(unsigned key);
+    /// 0 in mode None, which has no key: files that are always scrambled stay plain then.
+    unsigned GetCryptKey() const;
+
+    /// Each may be missing; an empty text is there.
+    std::optional<unsigned long long> uniqueId;
+    std::optional<String> sourceId;
+    std::optional<String> targetId;
+
+    /// Texts "name=value" that concern the whole archive.
+    StringArray const& Attributes() const { return attributes_; }
+    void AddAttribute(String const& text) { attributes_.Add(text); }
+    void AddAttribute(String const& name, String const& value) { attributes_.Add(name, value); }
+
+    int FileCount() const { return static_cast<int>(files_.size()); }
+    /// A file stays where it is in memory; index must be valid.
+    StreamDescriptor& File(int index) { return files_[static_cast<std::size_t>(index)]; }
+    StreamDescriptor const& File(int index) const { return files_[static_cast<std::size_t>(index)]; }
+
+    /// The CRC-32 of the stream so far.
+    void ResetCRC() { crc_ = 0; }
+    void UpdateCRC(void const* data, int length);
+    unsigned GetCRC() const { return crc_; }
+
+    /// Combines length bytes that stand at position (in bytes) of a scrambled region with the key,
+    /// whatever the mode. The two are the same operation.
+    void CryptBlock(void* data, int length, unsigned long long position) const;
+    void UncryptBlock(void* data, int length, unsigned long long position) const {
+        CryptBlock(data, length, position);
+    }
+
+protected:
+    StreamDescriptor& AppendFile() { return files_.emplace_back(*this); }
+    /// Forgets all but the files.
+    void ClearHeaders();
+
+private:
+    unsigned version_ = archive::newestVersion;
+    CryptMode cryptMode_ = CryptMode::None;
+    unsigned long long keyBlock_ = 0;
+    StringArray attributes_{16};
+    std::deque<StreamDescriptor> files_;
+    unsigned crc_ = 0;
+};
+
+}  // namespace core

@@ -1,0 +1,115 @@
+#include "tests/core/archive/golden.h"
+
+#include <zlib.h>
+
+namespace golden {
+
+namespace {
+
+std::string const magic = "QXRB5129";
+
+std::string slot(std::u16string const& text, unsigned size) {
+    std::string bytes;
+    for (char16_t const unit : text) {
+        bytes += number(unit, 2);
+    }
+    bytes.resize(size);
+    return bytes;
+}
+
+std::string scrambled(std::string bytes, std::uint32_t key) {
+    for (unsigned i = 0; i < bytes.size(); ++i) {
+        bytes[i] = static_cast<char>(bytes[i] ^ static_cast<char>(key >> 8 * (i % 4)));
+    }
+    return bytes;
+}
+
+}  // namespace
+
+std::string number(std::uint64_t value, unsigned size) {
+    std::string bytes;
+    for (unsigned i = 0; i < size; ++i) {
+        bytes += static_cast<char>(value >> 8 * i);
+    }
+    return bytes;
+}
+
+std::string withSoundCrc(std::string bytes) {
+    auto const size = static_cast<uInt>(bytes.size() - 16);
+    auto const crc = crc32(0, reinterpret_cast<Bytef const*>(bytes.data()), size);
+    return bytes.replace(size + 4, 4, number(crc, 4));
+}
+
+std::string bytesOf(Archive const& archive) {
+    std::vector<std::string> headers;
+    unsigned flags = archive.crypt % 2 << 27 | archive.crypt / 2 << 26;
+    if (archive.uniqueId) {
+        flags |= 0x80000000;
+        headers.push_back(number(*archive.uniqueId, 8));
+    }
+    if (archive.sourceId) {
+        flags |= 0x40000000;
+        headers.push_back(slot(*archive.sourceId, 128));
+    }
+    if (archive.targetId) {
+        flags |= 0x20000000;
+        headers.push_back(slot(*archive.targetId, 128));
+    }
+    for (auto const& attribute : archive.attributes) {
+        ++flags;
+        headers.push_back(slot(attribute, 128));
+    }
+    headers.push_back(number(archive.files.size(), 8));
+
+    std::string data;
+    bool const newest = archive.version == 0x00020000;
+    for (File const& file : archive.files) {
+        std::string record = number(data.size(), 8) + number(file.data.size(), 8) +
+                             number(file.flags, 4) + number(file.attributes, 4);
+        record.resize(newest ? 128 : 256);
+        record += slot(file.name, 512) + slot(file.destination, 3072);
+        if (newest) {
+            record += slot(file.owner, 128) + slot(file.group, 128) + slot(file.command, 128);
+        }
+        headers.push_back(record);
+        bool const scrambles =
+            (file.flags & 0x10) != 0 || ((file.flags & 0x20) == 0 && archive.crypt >= 2);
+        data += scrambles ? scrambled(file.data, archive.key) : file.data;
+    }
+
+    std::string bytes = magic + number(archive.version, 4) + number(flags, 4);
+    bytes += archive.crypt != 0 ? number(archive.keyBlock, 8) : "";
+    for (std::string const& header : headers) {
+        bytes += archive.crypt % 2 == 1 ? scrambled(header, archive.key) : header;
+    }
+    return withSoundCrc(bytes + data + std::string(8, '\0') + magic);
+}
+
+Archive sample(unsigned version, unsigned crypt) {
+    bool const newest = version == 0x00020000;
+    Archive archive;
+    archive.version = version;
+    archive.crypt = crypt;
+    // Key bits 31, 28, 4 and 0 in stored bits 1, 7, 55 and 63; all other odd bits 0, some filler.
+    archive.keyBlock = crypt != 0 ? 0x8080000000000082 | 0x5040000000001501 : 0;
+    archive.key = crypt != 0 ? 0x90000011 : 0;
+    archive.uniqueId = 0xFEDCBA9876543210;
+    archive.sourceId = u"plant 7";
+    archive.targetId = u"";
+    archive.attributes = {u"release=1.2=3", u"\u00FCber=\U0001F680"};
+    archive.files = {
+        {u"app.bin", u"/opt/app/", u"root", u"wheel", u"restart app", 0xABCD0100, 0755,
+         "twelve bytes and a few more"},
+        {u"empty", u"etc/empty", u"", u"", u"", 0, 0644, ""},
+        {u"caf\u00E9-\U0001F4E6", u"", u"o", u"g", u"c", 0x20, 0777, std::string(3000, 'x')},
+        {u"", u"always", u"", u"", u"", 0x10, 0, "odd"},
+    };
+    for (File& file : archive.files) {
+        if (!newest) {
+            file.owner = file.group = file.command = u"";
+        }
+    }
+    return archive;
+}
+
+}  // namespace golden
