@@ -1,6 +1,7 @@
 #include "update/print.h"
 
 #include "core/console/Console.h"
+#include "core/console/ProgressLine.h"
 
 namespace update {
 
@@ -9,24 +10,17 @@ using core::String;
 
 namespace {
 
-/// Covers the tail of a longer report before.
-char const coveringBlanks[] = "          ";
-
-bool lastLineWasProgress = false;
+core::ProgressLine progress;
 
 }  // namespace
 
 void printProgress(String const& text) {
-    if (lastLineWasProgress) {
-        Console::write(Console::prevLine(1).AppendNew(Console::setHorzPos(1)), false);
-    }
-    Console::write(lastLineWasProgress ? text.AppendNew(coveringBlanks) : text, true);
-    lastLineWasProgress = true;
+    progress.Show(text);
 }
 
 void print(String const& text, bool lineEnd) {
     Console::write(text, lineEnd);
-    lastLineWasProgress = false;
+    progress.End();
 }
 
 void println(String const& text, bool lineEnd) {

@@ -1,31 +1,15 @@
 #include <gtest/gtest.h>
 
-#include <cstdio>
-
 #include "tests/device/ScenarioDevice.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tests/support/lines.h"
+#include "tests/support/run.h"
 
 namespace {
 
+using support::Ran;
+using support::run;
 using Lines = std::vector<std::string>;
-
-struct Ran {
-    Lines lines;
-    int status;
-};
-
-/// Runs a shell command line; its standard output and exit status.
-Ran run(std::string const& command) {
-    std::string output;
-    std::FILE* const pipe = popen(command.c_str(), "r");
-    EXPECT_NE(pipe, nullptr);
-    for (int c = std::fgetc(pipe); c != EOF; c = std::fgetc(pipe)) {
-        output.push_back(static_cast<char>(c));
-    }
-    int const status = pclose(pipe);
-    return {support::linesOf(output), status};
-}
 
 std::string const banner = "ravelink 1.00 (Halvoren) - Ethernet Updater";
 Lines const usage = {
