@@ -170,16 +170,21 @@ int removeFile(char const* path) {
 }
 
 int renameFile(char const* from, char const* to, bool replace) {
+    return renameFrom(AT_FDCWD, from, to, replace);
+}
+
+int renameFrom(int folder, char const* from, char const* to, bool replace) {
     if (replace) {
-        return negativeErrno(rename(from, to));
+        return negativeErrno(renameat(folder, from, folder, to));
     }
-    int const result = negativeErrno(renameat2(AT_FDCWD, from, AT_FDCWD, to, RENAME_NOREPLACE));
+    int const result = negativeErrno(renameat2(folder, from, folder, to, RENAME_NOREPLACE));
     if (result != -EINVAL && result != -ENOSYS) {
         return result;
     }
     // A file system that cannot do both in one step: a look first is the best there is.
-    FileStatus status;
-    return statEntry(to, status) == 0 ? -EEXIST : negativeErrno(rename(from, to));
+    struct stat found {};
+    bool const taken = fstatat(folder, to, &found, AT_SYMLINK_NOFOLLOW) == 0;
+    return taken ? -EEXIST : negativeErrno(renameat(folder, from, folder, to));
 }
 
 }  // namespace sys::platform

@@ -29,4 +29,7 @@ inline int takeText(char* allocated, std::string& text) {
 
 FileType fileTypeOf(mode_t mode);
 
+/// renameFile, with relative paths beginning in an open folder.
+int renameFrom(int folder, char const* from, char const* to, bool replace);
+
 }  // namespace sys::platform

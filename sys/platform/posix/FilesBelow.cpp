@@ -1,0 +1,137 @@
+#include "sys/platform/FilesBelow.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <string>
+#include <string_view>
+
+#include "sys/platform/posix/results.h"
+
+namespace sys::platform {
+
+namespace {
+
+/// Folders are opened only to go on from there, so they need not be readable.
+int const folderFlags = O_PATH | O_DIRECTORY | O_CLOEXEC;
+
+bool isPlainName(std::string_view name) {
+    return !name.empty() && name != "." && name != ".." && name.find('/') == name.npos;
+}
+
+/// Whether path is nothing but plain names with "/" between them.
+bool isPlainPath(std::string_view path) {
+    for (;;) {
+        std::size_t const end = path.find('/');
+        if (!isPlainName(path.substr(0, end))) {
+            return false;
+        }
+        if (end == path.npos) {
+            return true;
+        }
+        path.remove_prefix(end + 1);
+    }
+}
+
+/// A walk from a folder downward. It holds the folder it has reached, by its descriptor and not by
+/// its name: whoever moves folders or puts up links meanwhile cannot lead it elsewhere.
+class Descent {
+public:
+    explicit Descent(char const* folder) : at_(open(folder, folderFlags)) {
+        at_ = at_ < 0 ? -errno : at_;
+    }
+    Descent(Descent const&) = delete;
+    Descent& operator=(Descent const&) = delete;
+    ~Descent() { Close(); }
+
+    int At() const { return at_; }
+
+    /// Goes to the folder that path names something in, and makes missing ones when create is set.
+    /// The last name is stored.
+    int GoToParent(std::string_view path, bool create, std::string& last) {
+        int result = std::min(at_, 0);
+        for (auto end = path.find('/'); result == 0 && end != path.npos; end = path.find('/')) {
+            result = Enter(std::string(path.substr(0, end)).c_str(), create);
+            path.remove_prefix(end + 1);
+        }
+        last = path;
+        return result;
+    }
+
+private:
+    int Enter(char const* name, bool create) {
+        if (create && mkdirat(at_, name, 0777) != 0 && errno != EEXIST) {
+            return -errno;
+        }
+        int const next = openat(at_, name, folderFlags | O_NOFOLLOW);
+        if (next < 0) {
+            int const result = -errno;
+            struct stat found {};
+            bool const link =
+                fstatat(at_, name, &found, AT_SYMLINK_NOFOLLOW) == 0 && S_ISLNK(found.st_mode);
+            return link ? -ELOOP : result;
+        }
+        Close();
+        at_ = next;
+        return 0;
+    }
+
+    void Close() const {
+        if (at_ >= 0) {
+            close(at_);
+        }
+    }
+
+    int at_;  ///< a negative error code when there was no way in
+};
+
+/// Does call(folder, name) with the parent of path and its last name.
+template <class Call>
+int inParent(char const* folder, char const* path, bool create, Call call) {
+    if (!isPlainPath(path)) {
+        return -EINVAL;
+    }
+    Descent descent(folder);
+    std::string name;
+    int const result = descent.GoToParent(path, create, name);
+    return result == 0 ? call(descent.At(), name.c_str()) : result;
+}
+
+}  // namespace
+
+int statBelow(char const* folder, char const* path, FileStatus& status) {
+    return inParent(folder, path, false, [&](int parent, char const* name) {
+        struct stat found {};
+        if (fstatat(parent, name, &found, AT_SYMLINK_NOFOLLOW) != 0) {
+            return -errno;
+        }
+        status.size = found.st_size;
+        status.type = fileTypeOf(found.st_mode);
+        return 0;
+    });
+}
+
+int createBelow(char const* folder, char const* path, FileHandle& opened) {
+    return inParent(folder, path, true, [&](int parent, char const* name) {
+        int const file = openat(parent, name, O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+        opened = file >= 0 ? file : noFile;
+        return file >= 0 ? 0 : -errno;
+    });
+}
+
+int renameBelow(char const* folder, char const* path, char const* name, bool replace) {
+    return inParent(folder, path, false, [&](int parent, char const* from) {
+        return isPlainName(name) ? renameFrom(parent, from, name, replace) : -EINVAL;
+    });
+}
+
+int removeBelow(char const* folder, char const* path) {
+    return inParent(folder, path, false, [](int parent, char const* name) {
+        return negativeErrno(unlinkat(parent, name, 0));
+    });
+}
+
+}  // namespace sys::platform
