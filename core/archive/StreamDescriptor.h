@@ -18,9 +18,7 @@ public:
     explicit StreamDescriptor(StreamSequencer const& owner) : owner_(owner) {}
 
     String const& GetText(Text which) const { return texts_[static_cast<std::size_t>(which)]; }
-    void SetText(Text which, String const& text) {
-        texts_[static_cast<std::size_t>(which)] = text;
-    }
+    void SetText(Text which, String const& text) { texts_[static_cast<std::size_t>(which)] = text; }
     String const& GetName() const { return GetText(Text::name); }
     String const& GetDestination() const { return GetText(Text::destination); }
 

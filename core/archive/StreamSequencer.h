@@ -32,8 +32,8 @@ public:
     bool IsCryptHeadersEnabled() const;
     bool IsCryptDataEnabled() const;
 
-    /// The key as the stream carries it: bit 31 - i of the key is bit 2i + 1 of the block, the other
-    /// bits mean nothing.
+    /// The key as the stream carries it: bit 31 - i of the key is bit 2i + 1 of the block, the
+    /// other bits mean nothing.
     unsigned long long GetCryptKeyBlock() const { return keyBlock_; }
     void SetCryptKeyBlock(unsigned long long block) { keyBlock_ = block; }
     /// Sets a block whose meaningless bits are 0.
@@ -54,7 +54,9 @@ public:
     int FileCount() const { return static_cast<int>(files_.size()); }
     /// A file stays where it is in memory; index must be valid.
     StreamDescriptor& File(int index) { return files_[static_cast<std::size_t>(index)]; }
-    StreamDescriptor const& File(int index) const { return files_[static_cast<std::size_t>(index)]; }
+    StreamDescriptor const& File(int index) const {
+        return files_[static_cast<std::size_t>(index)];
+    }
 
     /// The CRC-32 of the stream so far.
     void ResetCRC() { crc_ = 0; }

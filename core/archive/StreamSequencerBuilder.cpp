@@ -16,7 +16,7 @@ namespace core {
 
 namespace {
 
-int const copyPieceSize = 0x10000;
+int const copyPieceSize = 0x20000;
 
 void putMagic(unsigned char* bytes) {
     archive::putWord<std::uint64_t>(MChar8(archive::magic), bytes);
@@ -46,6 +46,7 @@ unsigned StreamSequencerBuilder::CalculateCryptKey(unsigned number) {
 
 int StreamSequencerBuilder::Write(Stream& target, ICopyCallback* callback) {
     fault_ = {};
+    written_ = 0;
     if (GetVersion() < archive::oldestVersion || GetVersion() > archive::newestVersion) {
         return Fail(Cause::version, 0, -EINVAL);
     }
@@ -168,7 +169,9 @@ int StreamSequencerBuilder::CopyFile(int index, Stream& source, Stream& target, 
     std::vector<char> piece(copyPieceSize);
     unsigned long long const size = File(index).GetSize();
     for (unsigned long long position = 0;;) {
-        int const got = source.Read(piece.data(), copyPieceSize);
+        // Up to a multiple of the piece in the target: a file takes whole pages faster.
+        int const got =
+            source.Read(piece.data(), copyPieceSize - static_cast<int>(written_ % copyPieceSize));
         if (got < 0) {
             return Fail(Cause::file, index, got);
         }
@@ -211,6 +214,7 @@ int StreamSequencerBuilder::Put(Stream* target, void const* bytes, int length) {
         return 0;
     }
     UpdateCRC(bytes, length);
+    written_ += length;
     int const result = target->WriteAll(bytes, length);
     return result == 0 ? 0 : Fail(Cause::target, 0, result);
 }

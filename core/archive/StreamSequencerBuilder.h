@@ -64,6 +64,7 @@ private:
 
     Fault fault_;
     long long dataSize_ = 0;
+    long long written_ = 0;  ///< bytes of the archive so far
 };
 
 }  // namespace core

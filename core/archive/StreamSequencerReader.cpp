@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <vector>
 
 #include "core/archive/ArchivedFileStream.h"
 #include "core/archive/descriptorRecord.h"
@@ -12,7 +13,7 @@ namespace core {
 
 namespace {
 
-int const dataPiece = 1024;
+int const dataPiece = 0x10000;
 
 bool isMagic(unsigned char const* bytes) {
     return MChar8(archive::magic) == archive::getWord<std::uint64_t>(bytes);
@@ -132,19 +133,19 @@ int StreamSequencerReader::ReadFiles() {
 }
 
 int StreamSequencerReader::ReadData() {
-    unsigned char piece[dataPiece];
+    std::vector<char> piece(dataPiece);
     for (int i = 0; i < FileCount(); ++i) {
         Enter(Piece::data, i, File(i).GetSize());
         for (unsigned long long left = File(i).GetSize(); left > 0;) {
             int const length = static_cast<int>(std::min<unsigned long long>(left, dataPiece));
-            if (!Take(piece, length)) {
+            if (!Take(piece.data(), length)) {
                 return endsEarly;
             }
-            UpdateCRC(piece, length);
+            UpdateCRC(piece.data(), length);
             left -= static_cast<unsigned>(length);
         }
     }
-    dataSize_ = static_cast<unsigned long long>(place_.end - dataStart_);
+    dataSize_ = place_.end - dataStart_;
     return sound;
 }
 
@@ -221,8 +222,8 @@ ClassRef<Stream> StreamSequencerReader::OpenData(int index) {
         return {};
     }
     StreamDescriptor const& file = File(index);
-    bool const inside =
-        file.GetOffset() <= dataSize_ && file.GetSize() <= dataSize_ - file.GetOffset();
+    auto const there = static_cast<unsigned long long>(dataSize_);
+    bool const inside = file.GetOffset() <= there && file.GetSize() <= there - file.GetOffset();
     if (!inside) {
         return {};
     }

@@ -41,9 +41,9 @@ public:
     /// Where reading stands, or stopped.
     struct Place {
         Piece piece = Piece::header;
-        int index = 0;              ///< of the attribute, the descriptor or the file's data
-        long long begin = 0;        ///< offset of the piece in the stream
-        long long end = 0;          ///< offset up to which the stream was read
+        int index = 0;                ///< of the attribute, the descriptor or the file's data
+        long long begin = 0;          ///< offset of the piece in the stream
+        long long end = 0;            ///< offset up to which the stream was read
         unsigned long long size = 0;  ///< of the piece
     };
 
@@ -67,6 +67,8 @@ public:
 
     /// Offset of the first byte behind the last descriptor, where the files' data start.
     long long GetDataStart() const { return dataStart_; }
+    /// The bytes of all files' data, which were really there.
+    long long GetDataSize() const { return dataSize_; }
     /// The first file that does not begin where the one before it ends, as its offset has it; -1
     /// when all do. Reading does not mind, but somebody who installs by offset would get other
     /// data than the CRC has seen.
@@ -97,7 +99,7 @@ private:
     unsigned headerFlags_ = 0;
     unsigned trailerCrc_ = 0;
     long long dataStart_ = 0;
-    unsigned long long dataSize_ = 0;
+    long long dataSize_ = 0;
 };
 
 }  // namespace core

@@ -12,8 +12,10 @@ namespace {
 using Text = StreamDescriptor::Text;
 
 constexpr DescriptorSlot newestSlots[] = {
-    {Text::name, 128, 256},          {Text::destination, 640, 1536},
-    {Text::owner, 3712, textUnits},  {Text::group, 3840, textUnits},
+    {Text::name, 128, 256},
+    {Text::destination, 640, 1536},
+    {Text::owner, 3712, textUnits},
+    {Text::group, 3840, textUnits},
     {Text::commandLine, 3968, textUnits},
 };
 constexpr DescriptorSlot olderSlots[] = {
@@ -62,10 +64,11 @@ SlotResult writeDescriptor(StreamDescriptor const& file, unsigned version, unsig
     for (int i = 0; i < StreamDescriptor::TextCount; ++i) {
         faulty = static_cast<Text>(i);
         DescriptorSlot const* const slot = slotOf(faulty, version);
-        SlotResult const result = slot != nullptr ? writeTextSlot(file.GetText(faulty),
-                                                                  record + slot->offset, slot->units)
-                                  : file.GetText(faulty).IsEmpty() ? SlotResult::written
-                                                                   : SlotResult::tooLong;
+        SlotResult const result =
+            slot != nullptr
+                ? writeTextSlot(file.GetText(faulty), record + slot->offset, slot->units)
+            : file.GetText(faulty).IsEmpty() ? SlotResult::written
+                                             : SlotResult::tooLong;
         if (result != SlotResult::written) {
             return result;
         }

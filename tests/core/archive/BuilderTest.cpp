@@ -11,8 +11,8 @@
 
 namespace {
 
-using core::String;
 using core::StreamSequencerBuilder;
+using core::String;
 using support::memory;
 using support::MemoryBuilder;
 using Cause = StreamSequencerBuilder::Cause;
@@ -65,13 +65,13 @@ TEST(TextSlot, TakesSoundUtf8ThatFits) {
              Row{"ab\U0001F680", SlotResult::written},
              Row{"abc\U0001F680", SlotResult::tooLong},
              Row{"\U0010FFFF\uFFFD\u00FF", SlotResult::written},
-             Row{"\xF4\x90\x80\x80", SlotResult::notUtf8},      // past the last character
-             Row{"\xED\xA0\x80", SlotResult::notUtf8},          // a surrogate
-             Row{"\xC0\xAF", SlotResult::notUtf8},              // an overlong slash
+             Row{"\xF4\x90\x80\x80", SlotResult::notUtf8},  // past the last character
+             Row{"\xED\xA0\x80", SlotResult::notUtf8},      // a surrogate
+             Row{"\xC0\xAF", SlotResult::notUtf8},          // an overlong slash
              Row{"\xE0\x80\xAF", SlotResult::notUtf8},
              Row{"\xF0\x80\x80\xAF", SlotResult::notUtf8},
-             Row{"a\x80", SlotResult::notUtf8},                 // begins in the middle
-             Row{"\xE2\x82", SlotResult::notUtf8},              // cut short
+             Row{"a\x80", SlotResult::notUtf8},     // begins in the middle
+             Row{"\xE2\x82", SlotResult::notUtf8},  // cut short
              Row{"\xC3(", SlotResult::notUtf8},
              Row{"\xFF", SlotResult::notUtf8},
          }) {

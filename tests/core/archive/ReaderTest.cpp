@@ -156,20 +156,15 @@ TEST(Reader, IsNotLedAstrayByNumbersThatLie) {
         bool opens;     ///< whether its data can be had all the same
     };
     for (Row const& row : {
-             Row{8, 4, 0x0000FFFF, -4, 0, false},
-             Row{8, 4, 0x00020001, -5, 0, false},
-             Row{8, 4, all, -5, 0, false},
-             Row{12, 4, 0x3FF, -2, 0, false},
+             Row{8, 4, 0x0000FFFF, -4, 0, false}, Row{8, 4, 0x00020001, -5, 0, false},
+             Row{8, 4, all, -5, 0, false}, Row{12, 4, 0x3FF, -2, 0, false},
              Row{12, 4, 0x13FFFC00, 0, -1, true},  // bits that mean nothing
              Row{count, 8, all, -6, 0, false},     // -1: no files, a trailer in the first one
-             Row{count, 8, 0x80000000, -6, 0, false},
-             Row{count, 8, 0x7FFFFFFF, -2, 0, false},
+             Row{count, 8, 0x80000000, -6, 0, false}, Row{count, 8, 0x7FFFFFFF, -2, 0, false},
              Row{count, 8, 0xFFFFFFFF00000002, 0, -1, true},  // the high half does not count
-             Row{second + 8, 8, all, -2, 0, false},
-             Row{second + 8, 8, 1ULL << 63, -2, 0, false},
+             Row{second + 8, 8, all, -2, 0, false}, Row{second + 8, 8, 1ULL << 63, -2, 0, false},
              Row{second + 8, 8, 23, -2, 0, false},  // one byte into the end
-             Row{second, 8, all, 0, 1, false},
-             Row{second, 8, 1ULL << 63, 0, 1, false},
+             Row{second, 8, all, 0, 1, false}, Row{second, 8, 1ULL << 63, 0, 1, false},
              Row{second, 8, 6, 0, 1, false},  // one byte beyond the data
              Row{second, 8, 0, 0, 1, true},   // over the first
          }) {

@@ -1,0 +1,225 @@
+#include "pack/PackApplication.h"
+
+#include "core/console/Console.h"
+#include "core/console/errorLine.h"
+#include "pack/Listing.h"
+#include "pack/Manifest.h"
+#include "pack/PackProgress.h"
+#include "pack/Unpacker.h"
+#include "pack/faults.h"
+#include "pack/printable.h"
+#include "pack/usage.h"
+#include "pack/verdict.h"
+#include "sys/ReplacementFile.h"
+#include "sys/openRegular.h"
+
+namespace pack {
+
+using core::Console;
+using core::String;
+using core::StreamSequencerBuilder;
+using core::StreamSequencerReader;
+
+namespace {
+
+char const grammar[] =
+    "h|help=0>b|build=1>o|output=1>l|list=1>j|json=0>c|check=1>x|extract=1>d|directory=1>f|force=0";
+
+enum ExitStatus { done = 0, failed = 1, wrongUsage = 2 };
+
+int const doneColor = 10;
+
+}  // namespace
+
+/// A kind of work, the option that it needs besides, and one that it may have.
+struct PackApplication::Command {
+    char const* option;
+    char const* needs;
+    char const* takes;
+    void (PackApplication::*work)();
+};
+
+PackApplication::Command const PackApplication::commands[] = {
+    {"b", "o", "", &PackApplication::Build},
+    {"l", "", "j", &PackApplication::List},
+    {"c", "", "", &PackApplication::Check},
+    {"x", "d", "f", &PackApplication::Extract},
+};
+
+PackApplication::PackApplication() : core::Application("ravelink-pack") {
+    setVersionModelName("Halvoren");
+    setVersionNumber(1, 0);
+    setDevStage(core::version::CEDevStage::release);
+    setDescription("Update Archives\n");
+}
+
+void PackApplication::Main(int argc, char const* const* argv) {
+    CommandLinePrepare(argc, argv, grammar, errors_);
+    bool const help = errors_.Count() == 0 && FindOption("h");
+    if (errors_.Count() == 0 && !help) {
+        command_ = Chosen();
+    }
+    bool const forPrograms = command_ != nullptr && FindOption("j");
+    if (!forPrograms) {
+        Console::write(getVersionLong(true), true);
+    }
+    if (command_ != nullptr) {
+        Run();
+        return;
+    }
+    if (!help) {
+        ShowErrors();
+        result_ = wrongUsage;
+    }
+    showUsage();
+}
+
+PackApplication::Command const* PackApplication::Chosen() {
+    Command const* chosen = nullptr;
+    int given = 0;
+    for (Command const& command : commands) {
+        if (FindOption(command.option)) {
+            chosen = &command;
+            ++given;
+        }
+    }
+    if (given != 1) {
+        errors_.Add("Nothing to do", "Please provide one of the options -b, -l, -c and -x");
+        return nullptr;
+    }
+    for (char const* const option : {"o", "d", "j", "f"}) {
+        bool const needed = String(chosen->needs) == option;
+        bool const allowed = needed || String(chosen->takes) == option;
+        if (FindOption(option) ? !allowed : needed) {
+            errors_.Add(needed ? "Option missing" : "Option without use",
+                        String::format(needed ? "Option -%1 needs -%2" : "Option -%1 takes no -%2")
+                            .argi(1, chosen->option)
+                            .argi(2, option));
+        }
+    }
+    return errors_.Count() == 0 ? chosen : nullptr;
+}
+
+bool PackApplication::Init() {
+    (this->*command_->work)();
+    if (errors_.Count() > 0) {
+        result_ = failed;
+        ShowErrors();
+    }
+    RequestTermination(normalRequest);
+    return true;
+}
+
+void PackApplication::Build() {
+    String const manifest = Value("b");
+    StreamSequencerBuilder builder;
+    if (Manifest(errors_).Load(manifest, builder)) {
+        WriteArchive(builder, manifest);
+    }
+}
+
+void PackApplication::WriteArchive(StreamSequencerBuilder& builder, String const& manifest) {
+    String const path = Value("o");
+    sys::ReplacementFile target;
+    int result = target.Create(path);
+    if (result != 0) {
+        errors_.Add(fileFault("Archive not writable", path, result));
+        return;
+    }
+    PackProgress progress("Packed");
+    result = builder.Write(target, &progress);
+    if (result != 0) {
+        errors_.Add(buildFault(builder, path, result));
+        return;
+    }
+    long long const size = target.Tell();
+    // A new file is its owner's alone: whoever may read the recipe may read the archive.
+    core::FileStream recipe;
+    if (recipe.Open(manifest, sys::platform::openRead) == 0) {
+        target.TakePermissionsOf(recipe);
+    }
+    result = target.TakeOver(true);
+    if (result != 0) {
+        errors_.Add(fileFault("Archive not writable", path, result));
+        return;
+    }
+    progress.Finish(String::format("- Archive made: %1, %2")
+                        .argi(1, fileCount(builder.FileCount()))
+                        .argi(2, sizeInColor(size, doneColor)));
+}
+
+void PackApplication::List() {
+    bool const json = FindOption("j");
+    PackProgress progress("Read");
+    StreamSequencerReader reader;
+    if (ReadArchive(reader, json ? nullptr : &progress)) {
+        json ? printJson(Value("l"), reader) : printTable(reader);
+    }
+}
+
+void PackApplication::Check() {
+    PackProgress progress("Checked");
+    StreamSequencerReader reader;
+    if (!ReadArchive(reader, &progress)) {
+        return;
+    }
+    progress.Finish(String::format("- The archive is sound: %1, %2, CRC-32 %3")
+                        .argi(1, fileCount(reader.FileCount()))
+                        .argi(2, sizeInColor(reader.GetPlace().end, doneColor))
+                        .argi(3, hex(reader.GetCRC(), 8)));
+    long long const behind = archive_.Size() - reader.GetPlace().end;
+    if (behind > 0) {
+        Console::write(String::format("- Behind its end at offset %1 are %2 bytes that are no part "
+                                      "of it")
+                           .argi(1, reader.GetPlace().end)
+                           .argi(2, behind),
+                       true);
+    }
+}
+
+void PackApplication::Extract() {
+    PackProgress checking("Checked");
+    StreamSequencerReader reader;
+    if (!ReadArchive(reader, &checking)) {
+        return;
+    }
+    PackProgress progress("Unpacked");
+    if (Unpacker(reader, errors_).Unpack(Value("d"), FindOption("f"), progress)) {
+        progress.Finish(String::format("- Unpacked: %1").argi(1, fileCount(reader.FileCount())));
+    }
+}
+
+bool PackApplication::ReadArchive(StreamSequencerReader& reader, core::ICopyCallback* progress) {
+    String const path = Value(command_->option);
+    int const result = sys::openRegular(archive_, path);
+    if (result != 0) {
+        errors_.Add(fileFault("Archive not readable", path, result));
+        return false;
+    }
+    reader.SetStream(&archive_);
+    reader.SetProgress(progress);
+    String const fault = verdict(reader, reader.Read());
+    if (!fault.IsEmpty()) {
+        errors_.Add(fault);
+    }
+    return fault.IsEmpty();
+}
+
+void PackApplication::ShowErrors() const {
+    if (command_ != nullptr && FindOption("j")) {
+        printJsonError(Value("l"), errors_[0]);
+        return;
+    }
+    for (int i = 0; i < errors_.Count(); ++i) {
+        Console::write(core::errorLine(errors_[i]), true);
+    }
+    Console::write("", true);
+}
+
+String PackApplication::Value(char const* option) const {
+    String value;
+    GetOptionValues(option, value);
+    return value;
+}
+
+}  // namespace pack

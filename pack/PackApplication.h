@@ -1,0 +1,50 @@
+#pragma once
+
+#include "core/archive/StreamSequencerBuilder.h"
+#include "core/archive/StreamSequencerReader.h"
+#include "core/runtime/Application.h"
+#include "core/stream/FileStream.h"
+#include "core/text/String.h"
+#include "core/text/StringArray.h"
+
+namespace pack {
+
+/// The program that makes, lists, checks and unpacks update archives: one of it a call.
+class PackApplication : public core::Application {
+public:
+    PackApplication();
+
+    /// Banner (unless a program reads along), command line, and either errors and usage screen,
+    /// the usage screen alone, or the work.
+    void Main(int argc, char const* const* argv);
+
+    /// 0 done, 1 failed, 2 wrong usage.
+    int Result() override { return result_; }
+
+protected:
+    /// Does the whole work and requests termination.
+    bool Init() override;
+
+private:
+    struct Command;
+    static Command const commands[];
+
+    Command const* Chosen();
+    void Build();
+    void List();
+    void Check();
+    void Extract();
+
+    void WriteArchive(core::StreamSequencerBuilder& builder, core::String const& manifest);
+    /// Opens and reads the archive; what is wrong is added to the errors.
+    bool ReadArchive(core::StreamSequencerReader& reader, core::ICopyCallback* progress);
+    void ShowErrors() const;
+    core::String Value(char const* option) const;
+
+    int result_ = 0;
+    core::StringArray errors_{16};  ///< entries of title "=" message
+    Command const* command_ = nullptr;
+    core::FileStream archive_;
+};
+
+}  // namespace pack

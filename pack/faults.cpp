@@ -1,0 +1,72 @@
+#include "pack/faults.h"
+
+#include <cerrno>
+
+#include "core/archive/archiveFormat.h"
+#include "core/archive/descriptorRecord.h"
+#include "core/text/errnoDescription.h"
+#include "pack/textNames.h"
+
+namespace pack {
+
+using core::String;
+using core::StreamSequencerBuilder;
+
+namespace {
+
+using Cause = StreamSequencerBuilder::Cause;
+using Fault = StreamSequencerBuilder::Fault;
+
+/// How many units a text of a file may have.
+int roomOf(StreamSequencerBuilder const& builder, core::StreamDescriptor::Text text) {
+    for (auto const& slot : core::archive::descriptorSlots(builder.GetVersion())) {
+        if (slot.text == text) {
+            return slot.units;
+        }
+    }
+    return 0;
+}
+
+/// What a manifest calls the text at fault.
+String entryOf(Fault const& fault) {
+    switch (fault.cause) {
+        case Cause::sourceId:
+            return "sourceId";
+        case Cause::targetId:
+            return "targetId";
+        case Cause::attribute:
+            return String::format("attribute[%1]").argi(1, fault.index);
+        default:
+            return String::format("file[%1].%2").argi(1, fault.index).argi(2, nameOf(*fault.text));
+    }
+}
+
+}  // namespace
+
+String fileFault(char const* title, String const& path, int result) {
+    // Our own way to say that its size changed while it was read.
+    String const reason = result == -EBUSY ? String("it changed while it was read")
+                                           : core::errnoDescription(-result);
+    return String::format("%1=\"%3\": %2").argi(1, title).argi(2, reason).argi(3, path);
+}
+
+String buildFault(StreamSequencerBuilder const& builder, String const& path, int result) {
+    Fault const& fault = builder.GetFault();
+    if (fault.cause == Cause::target) {
+        return fileFault("Archive not writable", path, result);
+    }
+    if (fault.cause == Cause::file && !fault.text) {
+        return fileFault("File not readable", builder.File(fault.index).GetOriginalPath(), result);
+    }
+    String const name = entryOf(fault);
+    if (result == -EILSEQ) {
+        return String::format("Bad text=%1 is not UTF-8").argi(1, name);
+    }
+    int const room = fault.text ? roomOf(builder, *fault.text) : core::archive::textUnits;
+    return String::format(room > 0 ? "Text too long=%1 may have %2 UTF-16 units"
+                                   : "No room for text=%1 is not part of this format version")
+        .argi(1, name)
+        .argi(2, room);
+}
+
+}  // namespace pack

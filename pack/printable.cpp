@@ -1,0 +1,64 @@
+#include "pack/printable.h"
+
+#include <string>
+
+#include "core/archive/unicode.h"
+
+namespace pack {
+
+using core::String;
+
+namespace {
+
+bool isControl(char32_t point) {
+    return point < 0x20 || (point >= 0x7F && point < 0xA0);
+}
+
+}  // namespace
+
+String printable(String const& text) {
+    std::string shown;
+    for (std::string_view rest = text.View(); !rest.empty();) {
+        char32_t point = 0;
+        bool const sound = core::unicode::takePoint(rest, point);
+        core::unicode::appendPoint(sound && !isControl(point) ? point : U'?', shown);
+    }
+    return String(std::string_view(shown));
+}
+
+int characters(String const& utf8) {
+    int count = 0;
+    for (char const c : utf8.View()) {
+        // Each character has one byte that is no continuation.
+        count += (static_cast<unsigned char>(c) & 0xC0) != 0x80 ? 1 : 0;
+    }
+    return count;
+}
+
+String quoted(String const& text) {
+    std::string json = "\"";
+    for (std::string_view rest = text.View(); !rest.empty();) {
+        char32_t point = 0;
+        core::unicode::takePoint(rest, point);
+        if (point == U'"' || point == U'\\') {
+            json.push_back('\\');
+        }
+        if (isControl(point)) {
+            json.append(String::format("\\u%1").argi(1, unsigned{point}, 4, 16).View());
+        } else {
+            core::unicode::appendPoint(point, json);
+        }
+    }
+    json.push_back('"');
+    return String(std::string_view(json));
+}
+
+String hex(unsigned long long value, int digits) {
+    return String::format("0x%1").argi(1, value, digits, 16);
+}
+
+String octal(unsigned bits) {
+    return String::format("%1").argi(1, bits, 4, 8);
+}
+
+}  // namespace pack

@@ -1,0 +1,162 @@
+#include "core/archive/StreamSequencerBuilder.h"
+#include "pack/unpackPath.h"
+#include "tests/core/archive/golden.h"
+#include "tests/pack/packing.h"
+
+namespace {
+
+using core::StreamDescriptor;
+using support::contentOf;
+using support::Lines;
+using support::PackTest;
+
+class Unpack : public PackTest {
+protected:
+    /// Writes a.rvl with files of these destinations; each holds its own.
+    void WriteArchive(std::vector<std::u16string> const& destinations) {
+        golden::Archive archive;
+        for (std::u16string const& destination : destinations) {
+            std::string const data(destination.begin(), destination.end());
+            archive.files.push_back({u"", destination, u"", u"", u"", 0, 0, data});
+        }
+        folder_.Write("a.rvl", bytesOf(archive));
+    }
+};
+
+TEST(UnpackPath, IsPlainAndBelowTheFolderOnEverySystemOrRefused) {
+    std::string const up = "! it leads upward";
+    std::string const end = "! a name ends with a point or a blank";
+    std::string const odd = "! a name holds a character that not every system allows";
+    std::string const device = "! a name belongs to a device";
+    std::string const none = "! it names no file";
+    struct Row {
+        char const* destination;
+        std::string path;
+        char const* name = "name";
+    };
+    for (Row const& row : {
+             Row{"", "name"},
+             Row{"a", "a"},
+             Row{"/", "name"},
+             Row{"/a/b", "a/b"},
+             Row{"//a//b/", "a/b/name"},
+             Row{"", "x/y", "x/y"},
+             Row{"", "x", "/x"},
+             Row{"", none, ""},
+             Row{"a/", none, ""},
+             Row{"///", none, ""},
+             Row{"...a/.b", "...a/.b"},
+             Row{"com/con.d/../x", device},
+             Row{"..", up},
+             Row{"../a", up},
+             Row{"a/../b", up},
+             Row{"a/..", up},
+             Row{"a/", up, "../../b"},
+             Row{"/..", up},
+             Row{".", end},
+             Row{"./a", end},
+             Row{"a./b", end},
+             Row{"a /b", end},
+             Row{"a...", end},
+             Row{"C:", odd},
+             Row{"C:/a", odd},
+             Row{"a:b", odd},
+             Row{"..\\a", odd},
+             Row{"\\\\host\\share", odd},
+             Row{"a\nb", odd},
+             Row{"a\x7F", odd},
+             Row{"a*", odd},
+             Row{"a?", odd},
+             Row{"\"a\"", odd},
+             Row{"<a>", odd},
+             Row{"a|b", odd},
+             Row{"CON", device},
+             Row{"a/nul", device},
+             Row{"aux.tar.gz", device},
+             Row{"com1", device},
+             Row{"LPT9.txt", device},
+             Row{"com\u00B2", device},
+             Row{"prn .x", device},
+             Row{"conin$", device},
+             Row{"com", "com"},
+             Row{"com10", "com10"},
+             Row{"console", "console"},
+             Row{"nul-a", "nul-a"},
+             Row{"\u00FCber/\U0001F4E6", "\u00FCber/\U0001F4E6"},
+         }) {
+        core::StreamSequencerBuilder archive;
+        StreamDescriptor& file = archive.AddFile("");
+        file.SetText(StreamDescriptor::Text::name, row.name);
+        file.SetText(StreamDescriptor::Text::destination, row.destination);
+        core::String why;
+        core::String const path = pack::unpackPath(file, why);
+        EXPECT_EQ(path.IsEmpty() ? "! " + std::string(why.getCString()) : path.getCString(),
+                  row.path)
+            << row.destination << " with " << row.name;
+    }
+}
+
+TEST_F(Unpack, OneFileThatCannotBeLaidDownKeepsAllAway) {
+    struct Row {
+        std::vector<std::u16string> destinations;
+        std::string error;
+    };
+    for (Row const& row : {
+             Row{{u"good", u"../bad"}, "file[1], \"../bad\": it leads upward"},
+             Row{{u"good", u"bad\u0085\x1B[2J:"},
+                 "file[1], \"bad??[2J:\": a name holds a character that not every system allows"},
+             Row{{u"dir/A", u"DIR/a"}, "file[1], \"DIR/a\": another file has the same path"},
+             Row{{u"x", u"/x"}, "file[1], \"/x\": another file has the same path"},
+             Row{{u"x/y/z", u"X/Y"},
+                 "file[0], \"x/y/z\": another file stands where it needs a folder"},
+             Row{{u"good", u"there"}, "file[1], \"there\": it is there already"},
+             Row{{u"good", u"there/x"}, "file[1], \"there/x\": Not a directory"},
+         }) {
+        folder_.Write("there", "old");
+        WriteArchive(row.destinations);
+        EXPECT_EQ(Pack("-x @a.rvl -d @@", 1),
+                  (Lines{"*** File not unpacked: " + row.error, ""}));
+        EXPECT_EQ(FilesBelow(""), (Lines{"a.rvl", "there"}));
+        EXPECT_EQ(contentOf(At("@there")), "old");
+    }
+}
+
+TEST_F(Unpack, ReplacesFilesOnlyWhenToldSoAndNeverFolders) {
+    WriteArchive({u"dir/file", u"dir/other"});
+    EXPECT_EQ(Pack("-x @a.rvl -d @new/folder", 0), Lines{"- Unpacked: 2 files"});
+    folder_.Write("new/folder/dir/file", "mine");
+    EXPECT_EQ(Pack("-x @a.rvl -d @new/folder", 1).size(), 3u);
+    EXPECT_EQ(contentOf(At("@new/folder/dir/file")), "mine");
+    EXPECT_EQ(Pack("-x @a.rvl -d @new/folder --force", 0), Lines{"- Unpacked: 2 files"});
+    EXPECT_EQ(contentOf(At("@new/folder/dir/file")), "dir/file");
+    WriteArchive({u"dir"});
+    EXPECT_EQ(Pack("-x @a.rvl -d @new/folder -f", 1),
+              (Lines{"*** File not unpacked: file[0], \"dir\": a folder has its name", ""}));
+}
+
+TEST_F(Unpack, FollowsNoLink) {
+    std::filesystem::create_directories(At("@out/real"));
+    folder_.Write("outside", "mine");
+    std::error_code failure;
+    std::filesystem::create_directory_symlink(At("@@"), At("@out/link"), failure);
+    std::filesystem::create_directory_symlink("real", At("@out/inner"), failure);
+    std::filesystem::create_symlink(At("@outside"), At("@out/file"), failure);
+    if (failure) {
+        GTEST_SKIP() << "no links to be had here";
+    }
+    for (std::string const path : {"link/outside", "link/new", "inner/new", "link/a/b"}) {
+        WriteArchive({u"good", std::u16string(path.begin(), path.end())});
+        EXPECT_EQ(Pack("-x @a.rvl -d @out -f", 1),
+                  (Lines{"*** File not unpacked: file[1], \"" + path +
+                             "\": a link stands in its way",
+                         ""}));
+    }
+    EXPECT_EQ(FilesBelow(""), (Lines{"a.rvl", "out/file", "out/inner", "out/link", "outside"}));
+    WriteArchive({u"file"});
+    EXPECT_EQ(Pack("-x @a.rvl -d @out", 1).size(), 2u);
+    EXPECT_EQ(Pack("-x @a.rvl -d @out -f", 0).size(), 1u);
+    EXPECT_EQ(contentOf(At("@outside")), "mine") << "the link is replaced, not what it leads to";
+    EXPECT_EQ(contentOf(At("@out/file")), "file");
+}
+
+}  // namespace

@@ -1,0 +1,64 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string>
+#include <vector>
+
+#include "tests/support/TemporaryFolder.h"
+#include "tests/support/lines.h"
+#include "tests/support/run.h"
+
+namespace support {
+
+using Lines = std::vector<std::string>;
+
+inline std::string contentOf(std::string const& path) {
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+/// A test that runs ravelink-pack in a fresh folder, which stands for "@" in its words.
+class PackTest : public testing::Test {
+protected:
+    std::string At(std::string const& text) const {
+        return replaced(replaced(text, "@@", folder_.Path()), "@", folder_.Path() + "/");
+    }
+
+    /// What the program says behind its banner, and its exit status; "@" hides the folder.
+    Lines Pack(std::string const& arguments, int status) const {
+        Ran ran = run(RAVELINK_PACK " " + At(arguments));
+        EXPECT_EQ(ran.status, status) << arguments;
+        if (!ran.lines.empty() && ran.lines[0] == "ravelink-pack 1.00 (Halvoren) - Update Archives") {
+            ran.lines.erase(ran.lines.begin());
+        }
+        for (std::string& line : ran.lines) {
+            line = replaced(line, folder_.Path() + "/", "@");
+        }
+        return ran.lines;
+    }
+
+    /// The names of all files below a folder, sorted.
+    Lines FilesBelow(std::string const& name) const {
+        namespace fs = std::filesystem;
+        fs::path const top = folder_.PathOf(name);
+        Lines names;
+        if (fs::exists(top)) {
+            for (auto const& entry : fs::recursive_directory_iterator(top)) {
+                if (entry.is_symlink() || !entry.is_directory()) {
+                    names.push_back(entry.path().lexically_relative(top).generic_string());
+                }
+            }
+        }
+        std::sort(names.begin(), names.end());
+        return names;
+    }
+
+    TemporaryFolder folder_;
+};
+
+}  // namespace support
