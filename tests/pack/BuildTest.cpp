@@ -26,8 +26,9 @@ std::string manifest(unsigned version, unsigned crypt) {
     text += "crypt = " + std::string(std::vector{"None", "headers", "Data", "ALL"}[crypt]) + "\n";
     text += crypt != 0 ? "key = 0x90000011\n" : "";
     if (version == 0x00020000) {
-        text += "file[0].owner = root\nfile[0].group = wheel\nfile[0].command = restart app\n"
-                "file[2].owner = o\nfile[2].group = g\nfile[2].command = c\n";
+        text +=
+            "file[0].owner = root\nfile[0].group = wheel\nfile[0].command = restart app\n"
+            "file[2].owner = o\nfile[2].group = g\nfile[2].command = c\n";
     } else {
         text += version == 0x00010000 ? "version = 1\n" : "version = 0x0001000A\n";
     }
@@ -50,8 +51,8 @@ TEST_F(Build, MakesTheGoldenArchivesAndUnpacksWhatWentIn) {
             EXPECT_EQ(Pack("--extract=@a.rvl -d @out -f", 0), Lines{"- Unpacked: 4 files"});
             EXPECT_EQ(contentOf(At("@out/opt/app/app.bin")), files[0].data);
             EXPECT_EQ(contentOf(At("@out/always")), files[3].data);
-            EXPECT_EQ(FilesBelow("out"), (Lines{"always", "caf\u00E9-\U0001F4E6", "etc/empty",
-                                                "opt/app/app.bin"}));
+            EXPECT_EQ(FilesBelow("out"),
+                      (Lines{"always", "caf\u00E9-\U0001F4E6", "etc/empty", "opt/app/app.bin"}));
         }
     }
 }
@@ -70,7 +71,8 @@ TEST_F(Build, TellsEveryMistakeOfAManifestAndLeavesTheOldArchive) {
              Row{"", {bad + "file.count is missing"}},
              Row{"file.count = 2\nfile[0].origin = f\n", {bad + "file[1].origin is missing"}},
              Row{"file.count = 99999999999\n", {bad + "file.count" + number + "2147483647"}},
-             Row{"file.count = 0\nfile[0].origin = f\n", {bad + "file[0].origin means nothing here"}},
+             Row{"file.count = 0\nfile[0].origin = f\n",
+                 {bad + "file[0].origin means nothing here"}},
              Row{one + "file[0].onwer = x\n", {bad + "file[0].onwer means nothing here"}},
              Row{one + "FILE.COUNT = 1\n", {bad + "FILE.COUNT is there twice"}},
              Row{one + "nonsense\n", {bad + "nonsense is no pair of name and value"}},

@@ -24,11 +24,13 @@ TEST_F(Check, SaysInWordsWhatIsWrongAndWhere) {
         std::string line;
     };
     for (Row const& row : {
-             Row{"", "Archive cut short: It ends at offset 0, in the header, which begins at "
-                     "offset 0 and has 16 bytes"},
-             Row{sound.substr(0, 5000), "Archive cut short: It ends at offset 5000, in the "
-                                        "descriptor of file[1], which begins at offset 4120 and "
-                                        "has 4096 bytes"},
+             Row{"",
+                 "Archive cut short: It ends at offset 0, in the header, which begins at "
+                 "offset 0 and has 16 bytes"},
+             Row{sound.substr(0, 5000),
+                 "Archive cut short: It ends at offset 5000, in the "
+                 "descriptor of file[1], which begins at offset 4120 and "
+                 "has 4096 bytes"},
              Row{sound.substr(0, trailer - 1),
                  "Archive cut short: It ends at offset 8226, in the data of file[1], which begins "
                  "at offset 8221 and has 6 bytes"},
@@ -39,7 +41,8 @@ TEST_F(Check, SaysInWordsWhatIsWrongAndWhere) {
                  "Format too new: The format version at offset 8 is 0x00020001, above 0x00020000"},
              Row{changed(trailer + 4, golden::number(0xABCDEF, 4)),
                  "Wrong CRC: The CRC-32 at offset 8231 is 0x00ABCDEF, that of the bytes before "
-                 "the trailer is " + crc},
+                 "the trailer is " +
+                     crc},
              Row{changed(trailer + 8, "x"),
                  "Wrong trailer: The eight bytes at offset 8235 are not \"QXRB5129\""},
              Row{golden::withSoundCrc(changed(4120, golden::number(4, 8))),
@@ -92,7 +95,8 @@ TEST_F(Check, ListsAsATableAndAsOneLineOfJson) {
               "{\"name\":\"caf\u00E9-\U0001F4E6\","
               R"("destination":"","owner":"o","group":"g","command":"c","attributes":"0777",)"
               R"("flags":"0x00000020","scrambled":false,"offset":27,"size":3000}],)"
-              "\"crc\":\"" + golden::crcOf(bytesOf(archive)) + "\"}"});
+              "\"crc\":\"" +
+              golden::crcOf(bytesOf(archive)) + "\"}"});
     folder_.Write("bad.rvl", "no archive at all");
     EXPECT_EQ(Pack("-l @bad.rvl -j", 1),
               Lines{R"({"archive":"@bad.rvl","error":{"title":"No archive","message":)"

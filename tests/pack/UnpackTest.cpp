@@ -114,8 +114,7 @@ TEST_F(Unpack, OneFileThatCannotBeLaidDownKeepsAllAway) {
          }) {
         folder_.Write("there", "old");
         WriteArchive(row.destinations);
-        EXPECT_EQ(Pack("-x @a.rvl -d @@", 1),
-                  (Lines{"*** File not unpacked: " + row.error, ""}));
+        EXPECT_EQ(Pack("-x @a.rvl -d @@", 1), (Lines{"*** File not unpacked: " + row.error, ""}));
         EXPECT_EQ(FilesBelow(""), (Lines{"a.rvl", "there"}));
         EXPECT_EQ(contentOf(At("@there")), "old");
     }
@@ -146,10 +145,9 @@ TEST_F(Unpack, FollowsNoLink) {
     }
     for (std::string const path : {"link/outside", "link/new", "inner/new", "link/a/b"}) {
         WriteArchive({u"good", std::u16string(path.begin(), path.end())});
-        EXPECT_EQ(Pack("-x @a.rvl -d @out -f", 1),
-                  (Lines{"*** File not unpacked: file[1], \"" + path +
-                             "\": a link stands in its way",
-                         ""}));
+        EXPECT_EQ(Pack("-x @a.rvl -d @out -f", 1), (Lines{"*** File not unpacked: file[1], \"" +
+                                                              path + "\": a link stands in its way",
+                                                          ""}));
     }
     EXPECT_EQ(FilesBelow(""), (Lines{"a.rvl", "out/file", "out/inner", "out/link", "outside"}));
     WriteArchive({u"file"});
