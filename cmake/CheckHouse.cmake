@@ -19,7 +19,7 @@ set(may_core_net core/runtime +core_runtime)
 set(may_core_archive core/runtime +core_runtime)
 set(may_update_protocol core/crc +core_crc)
 set(may_update update/protocol core/net +core_net)
-set(may_device update/protocol core/net +core_net)
+set(may_device update/protocol core/archive core/net +core_net)
 set(may_pack core/archive +core_archive)
 
 function(expand folder out)

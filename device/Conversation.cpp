@@ -37,8 +37,12 @@ std::optional<DeviceStatus> firstFault(Check const (&checks)[count]) {
 }  // namespace
 
 Conversation::Conversation(Wire& wire, Behaviour& behaviour, Observer& observer,
-                           std::uint32_t acceptToken)
-    : wire_(wire), behaviour_(behaviour), observer_(observer), acceptToken_(acceptToken) {}
+                           std::uint32_t acceptToken, Inbox* inbox)
+    : wire_(wire),
+      behaviour_(behaviour),
+      observer_(observer),
+      acceptToken_(acceptToken),
+      inbox_(inbox) {}
 
 Outcome Conversation::Run() {
     if (Act(Step::Connected, {}) && TakeRequest() && TakeHeader() && TakeFile() && TakeTrailer() &&
@@ -96,6 +100,9 @@ bool Conversation::TakeFile() {
         observer_.OnData(piece, got);
         crc_ = core::crc32::update(piece, got, crc_);
         bytes_ += static_cast<std::uint32_t>(got);
+        if (inbox_ != nullptr && !inbox_->Keep(piece, got)) {
+            return Refuse(Step::Data, DeviceStatus::ReadWriteError);
+        }
         if (!Act(Step::Data, {})) {
             return false;
         }
@@ -126,10 +133,30 @@ bool Conversation::ReportProgress() {
     if (crc_ != request_.fileCrc) {
         return Refuse(Step::Checked, DeviceStatus::WrongFileCrc);
     }
+    if (auto const fault = inbox_ != nullptr ? ArchiveFault() : std::nullopt) {
+        return Refuse(Step::Checked, *fault);
+    }
     return Answer(Step::Checked, UpdateNotification::Checked, 0) &&
            Answer(Step::Processing, UpdateNotification::Processing, 0) &&
            Answer(Step::Complete, UpdateNotification::Complete,
                   UpdateNotification::FirmwareRestart);
+}
+
+std::optional<DeviceStatus> Conversation::ArchiveFault() {
+    core::StreamSequencerReader reader;
+    int const result = inbox_->ReadArchive(reader);
+    observer_.OnArchive(result, reader.FileCount());
+    using Reader = core::StreamSequencerReader;
+    Check const checks[] = {
+        {result != Reader::endsEarly, DeviceStatus::InvalidDataSize},
+        {result != Reader::notAnArchive && result != Reader::wrongTrailer,
+         DeviceStatus::InvalidMagic},
+        {result != Reader::versionTooOld && result != Reader::versionTooNew,
+         DeviceStatus::InvalidVersion},
+        {result == Reader::sound, DeviceStatus::WrongFileCrc},
+        {reader.FindMisplacedFile() < 0, DeviceStatus::InvalidDataSize},
+    };
+    return firstFault(checks);
 }
 
 bool Conversation::Act(Step step, std::optional<Notification> answer) {

@@ -4,6 +4,7 @@
 #include <optional>
 
 #include "device/Behaviour.h"
+#include "device/Inbox.h"
 #include "device/Observer.h"
 #include "device/Outcome.h"
 #include "device/Wire.h"
@@ -16,8 +17,10 @@ namespace device {
 /// behaviour answer at every step.
 class Conversation {
 public:
-    /// acceptToken is what the updater is to return in header and trailer.
-    Conversation(Wire& wire, Behaviour& behaviour, Observer& observer, std::uint32_t acceptToken);
+    /// acceptToken is what the updater is to return in header and trailer. With an inbox (null:
+    /// none) the update is kept there and must be a sound archive.
+    Conversation(Wire& wire, Behaviour& behaviour, Observer& observer, std::uint32_t acceptToken,
+                 Inbox* inbox);
 
     /// Runs to the end; the connection stays open.
     Outcome Run();
@@ -30,6 +33,8 @@ private:
     bool TakeTrailer();
     bool ReportProgress();
 
+    /// What is wrong with the update as an archive; nothing when it is sound.
+    std::optional<update::DeviceStatus> ArchiveFault();
     bool Act(Step step, std::optional<Notification> answer);
     bool Answer(Step step, std::uint32_t code, std::uint32_t value);
     bool Refuse(Step step, update::DeviceStatus status);
@@ -39,6 +44,7 @@ private:
     Behaviour& behaviour_;
     Observer& observer_;
     std::uint32_t const acceptToken_;
+    Inbox* const inbox_;
     update::UpdateRequest request_;
     std::uint32_t bytes_ = 0;  ///< of the file that have come so far
     std::uint32_t crc_ = 0;    ///< of these bytes

@@ -14,7 +14,7 @@ using core::String;
 
 namespace {
 
-char const grammar[] = "h|help=0>b|bind=1>1|once=0";
+char const grammar[] = "h|help=0>b|bind=1>1|once=0>c|check=0";
 /// This machine alone: a rehearsal is not to be seen from outside unless it is asked for.
 char const defaultBind[] = "127.0.0.1:3007";
 int const defaultPort = 3007;
@@ -78,7 +78,9 @@ bool DeviceApplication::Init() {
                     wrongUsage);
     }
     reporter_ = std::make_unique<Reporter>(FindOption("once"));
-    server_ = std::make_unique<DeviceServer>(behaviour_, *reporter_);
+    server_ = std::make_unique<DeviceServer>(
+        behaviour_, *reporter_, DeviceLimits{},
+        FindOption("c") ? DeviceServer::Content::archives : DeviceServer::Content::anything);
     server_->AddBind(address);
     if (server_->StartListen() < 1) {
         return Quit("Unable to listen",
@@ -117,6 +119,7 @@ void DeviceApplication::showUsage() {
                ": Where to listen, AAA.BBB.CCC.DDD:Port; port 0 takes a free one (127.0.0.1:3007)"),
         option("-1, --once       ",
                ": End after one update; exit status 1 when it was not completed"),
+        option("-c, --check      ", ": Take nothing but sound update archives"),
         option("-h, --help       ", ": Show this screen"),
         String(),
     };

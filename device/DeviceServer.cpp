@@ -1,15 +1,18 @@
 #include "device/DeviceServer.h"
 
 #include "device/Conversation.h"
+#include "device/Inbox.h"
 #include "device/Wire.h"
 
 namespace device {
 
-DeviceServer::DeviceServer(Behaviour& behaviour, Observer& observer, DeviceLimits const& limits)
+DeviceServer::DeviceServer(Behaviour& behaviour, Observer& observer, DeviceLimits const& limits,
+                           Content content)
     : ServerSocket(core::SocketType::stream),
       behaviour_(behaviour),
       observer_(observer),
-      limits_(limits) {}
+      limits_(limits),
+      content_(content) {}
 
 DeviceServer::~DeviceServer() {
     stop_ = true;
@@ -27,7 +30,9 @@ void DeviceServer::HandleConnection(core::ClassRef<core::Socket>& socket, core::
     observer_.OnConnection(peer);
     Wire wire(*socket, limits_, observer_, stop_);
     // The number of the update, from 1 on, serves as its token: a zeroed record never matches.
-    Conversation conversation(wire, behaviour_, observer_, ++updates_);
+    Inbox inbox;
+    Conversation conversation(wire, behaviour_, observer_, ++updates_,
+                              content_ == Content::archives ? &inbox : nullptr);
     Outcome const outcome = conversation.Run();
     wire.Finish();
     observer_.OnEnd(outcome);

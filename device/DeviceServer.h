@@ -13,8 +13,12 @@ namespace device {
 /// A simulated device: takes one update after another on each of its addresses.
 class DeviceServer : public core::ServerSocket {
 public:
+    /// What the device takes for an update.
+    enum class Content { anything, archives };
+
     /// Behaviour and observer must outlive the server.
-    DeviceServer(Behaviour& behaviour, Observer& observer, DeviceLimits const& limits = {});
+    DeviceServer(Behaviour& behaviour, Observer& observer, DeviceLimits const& limits = {},
+                 Content content = Content::anything);
     /// Breaks off what is under way and stops.
     ~DeviceServer() override;
 
@@ -28,6 +32,7 @@ private:
     Behaviour& behaviour_;
     Observer& observer_;
     DeviceLimits const limits_;
+    Content const content_;
     std::atomic<bool> stop_ = false;
     std::atomic<std::uint32_t> updates_ = 0;
 };

@@ -14,6 +14,8 @@ void Observer::OnData(void const*, int) {}
 
 void Observer::OnFile(std::uint32_t, std::uint32_t) {}
 
+void Observer::OnArchive(int, int) {}
+
 void Observer::OnTrailer(update::UpdateTransferTrailer const&) {}
 
 void Observer::OnNotification(std::uint32_t, std::uint32_t) {}

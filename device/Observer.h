@@ -23,6 +23,9 @@ public:
     virtual void OnData(void const* bytes, int length);
     /// The whole file is here; crc is that of the bytes that came.
     virtual void OnFile(std::uint32_t size, std::uint32_t crc);
+    /// The update was read as an archive, with the result of StreamSequencerReader::Read, and holds
+    /// that many files. Only where the device takes nothing but archives.
+    virtual void OnArchive(int result, int files);
     virtual void OnTrailer(update::UpdateTransferTrailer const& trailer);
     /// We have sent a notification.
     virtual void OnNotification(std::uint32_t code, std::uint32_t value);

@@ -78,6 +78,11 @@ void Reporter::OnFile(std::uint32_t size, std::uint32_t crc) {
     line(String::format("- File received: %1 bytes, CRC-32 %2").argi(1, size).argi(2, hex(crc)));
 }
 
+void Reporter::OnArchive(int result, int files) {
+    line(result == 0 ? String::format("- Archive: sound, files in it: %1").argi(1, files)
+                     : String::format("- Archive: not sound (%1)").argi(1, result));
+}
+
 void Reporter::OnTrailer(update::UpdateTransferTrailer const& trailer) {
     line(String::format("- Trailer: token %1").argi(1, hex(trailer.acceptToken)));
 }

@@ -19,6 +19,7 @@ public:
     void OnRequest(update::UpdateRequest const& request) override;
     void OnHeader(update::UpdateTransferHeader const& header) override;
     void OnFile(std::uint32_t size, std::uint32_t crc) override;
+    void OnArchive(int result, int files) override;
     void OnTrailer(update::UpdateTransferTrailer const& trailer) override;
     void OnNotification(std::uint32_t code, std::uint32_t value) override;
     void OnEnd(Outcome outcome) override;

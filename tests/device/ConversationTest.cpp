@@ -7,6 +7,7 @@
 
 #include "core/crc/crc32.h"
 #include "core/net/Socket.h"
+#include "tests/core/archive/golden.h"
 #include "tests/device/ScenarioDevice.h"
 #include "tests/support/lines.h"
 #include "update/protocol/UpdateNotification.h"
@@ -24,10 +25,10 @@ using update::UpdateNotification;
 struct Update {
     update::UpdateRequest request;
     update::UpdateTransferHeader header;
-    std::string file = "the file";
+    std::string file;
     update::UpdateTransferTrailer trailer;
 
-    explicit Update(std::uint32_t token) {
+    explicit Update(std::uint32_t token, std::string const& content = "the file") : file(content) {
         auto const size = static_cast<std::uint32_t>(file.size());
         std::uint32_t const crc =
             core::crc32::update(file.data(), static_cast<int>(file.size()), 0);
@@ -50,7 +51,9 @@ public:
         Record const onWire = update::swapped(record);
         socket_.Send(&onWire, update::recordSize);
     }
-    void Send(std::string const& bytes) { socket_.Send(bytes.c_str()); }
+    void Send(std::string const& bytes) {
+        socket_.Send(bytes.data(), static_cast<int>(bytes.size()));
+    }
 
     /// Sends the whole update without looking at the answers.
     void Send(Update const& update) {
@@ -145,6 +148,43 @@ TEST(Conversation, OneUpdateAfterAnotherWhateverBecameOfTheLast) {
     EXPECT_EQ(device.End(4),
               (std::vector{Outcome::ended, Outcome::ended, Outcome::complete, Outcome::complete}));
     EXPECT_EQ(device.File(), "the filethe file");
+}
+
+TEST(Conversation, TakesNothingButSoundArchivesWhereToldSo) {
+    golden::Archive archive;
+    archive.version = 0x00010000;
+    archive.files = {{u"a", u"", u"", u"", u"", 0, 0, "data"}};
+    std::string const sound = bytesOf(archive);
+    auto const changed = [&](std::size_t at) {
+        std::string bytes = sound;
+        ++bytes[at];
+        return bytes;
+    };
+    struct Row {
+        std::string bytes;
+        std::optional<DeviceStatus> status;
+    };
+    for (Row const& row : {
+             Row{sound, {}},
+             Row{"", DeviceStatus::InvalidDataSize},
+             Row{sound.substr(0, 1000), DeviceStatus::InvalidDataSize},
+             Row{golden::withSoundCrc(changed(24)), DeviceStatus::InvalidDataSize},  // an offset
+             Row{"the file, which is no archive", DeviceStatus::InvalidMagic},
+             Row{changed(sound.size() - 1), DeviceStatus::InvalidMagic},
+             Row{changed(11), DeviceStatus::InvalidVersion},
+             Row{changed(1000), DeviceStatus::WrongFileCrc},
+         }) {
+        ScenarioDevice device({}, {}, ScenarioDevice::Content::archives);
+        Client client(device);
+        client.Send(Update(1, row.bytes));
+        Notifications const received = client.Receive();
+        if (row.status) {
+            EXPECT_EQ(received, refusal(2, *row.status));
+        } else {
+            EXPECT_EQ(received.back().first, UpdateNotification::Complete);
+        }
+        device.End();
+    }
 }
 
 TEST(Conversation, ASilentUpdaterIsToldSo) {

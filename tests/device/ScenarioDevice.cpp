@@ -4,9 +4,9 @@
 
 #include "tests/support/lines.h"
 
-ScenarioDevice::ScenarioDevice(Act act, device::DeviceLimits const& limits) {
+ScenarioDevice::ScenarioDevice(Act act, device::DeviceLimits const& limits, Content content) {
     behaviour_.act = std::move(act);
-    server_ = std::make_unique<device::DeviceServer>(behaviour_, record_, limits);
+    server_ = std::make_unique<device::DeviceServer>(behaviour_, record_, limits, content);
     server_->AddBind("127.0.0.1|0");
     server_->StartListen();
 }

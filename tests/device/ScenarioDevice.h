@@ -12,11 +12,13 @@
 /// A device in this process that does what a scenario says, and keeps what it sees.
 class ScenarioDevice {
 public:
+    using Content = device::DeviceServer::Content;
     /// Acts in the place of an honest device; see device::Behaviour::Act.
     using Act = std::function<bool(device::Moment const&, device::Wire&)>;
 
     /// Listens on a free port; without an act the device is honest.
-    explicit ScenarioDevice(Act act = {}, device::DeviceLimits const& limits = {});
+    explicit ScenarioDevice(Act act = {}, device::DeviceLimits const& limits = {},
+                            Content content = Content::anything);
     ScenarioDevice(ScenarioDevice const&) = delete;
     ScenarioDevice& operator=(ScenarioDevice const&) = delete;
     ~ScenarioDevice();
