@@ -11,10 +11,10 @@
 namespace pack {
 
 using core::Console;
-using core::String;
 using core::StreamDescriptor;
 using core::StreamSequencer;
 using core::StreamSequencerReader;
+using core::String;
 
 namespace {
 
@@ -26,8 +26,8 @@ struct Column {
 };
 
 constexpr Column columns[] = {
-    {"Size", true},   {"Mode", true},         {"Flags", false},   {"Owner", false}, {"Group", false},
-    {"Name", false},  {"Destination", false}, {"Command", false},
+    {"Size", true},   {"Mode", true},  {"Flags", false},       {"Owner", false},
+    {"Group", false}, {"Name", false}, {"Destination", false}, {"Command", false},
 };
 constexpr std::size_t columnCount = std::size(columns);
 using Row = std::array<String, columnCount>;
@@ -61,7 +61,8 @@ void print(char const* label, String const& value) {
 
 void printHeaders(StreamSequencer const& archive) {
     unsigned const version = archive.GetVersion();
-    print("Format version", String::format("%1.%2").argi(1, version >> 16).argi(2, version & 0xFFFF));
+    print("Format version",
+          String::format("%1.%2").argi(1, version >> 16).argi(2, version & 0xFFFF));
     bool const scrambled = archive.GetCryptMode() != StreamSequencer::CryptMode::None;
     print("Scrambled", scrambled ? String::format("%1, key %2")
                                        .argi(1, nameOf(archive.GetCryptMode()))

@@ -11,9 +11,9 @@
 
 namespace pack {
 
-using core::String;
 using core::StreamDescriptor;
 using core::StreamSequencerBuilder;
+using core::String;
 
 namespace {
 

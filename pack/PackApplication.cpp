@@ -16,9 +16,9 @@
 namespace pack {
 
 using core::Console;
-using core::String;
 using core::StreamSequencerBuilder;
 using core::StreamSequencerReader;
+using core::String;
 
 namespace {
 

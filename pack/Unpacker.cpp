@@ -128,11 +128,11 @@ int Unpacker::Write(int index, String const& folder, bool replace, core::ICopyCa
 void Unpacker::Refuse(int index, String const& why) {
     core::StreamDescriptor const& file = archive_.File(index);
     bool const named = file.GetDestination().IsEmpty();
-    errors_.Add("File not unpacked", String::format("file[%1], \"%3\": %2")
-                                         .argi(1, index)
-                                         .argi(2, why)
-                                         .argi(3, printable(named ? file.GetName()
-                                                                  : file.GetDestination())));
+    errors_.Add("File not unpacked",
+                String::format("file[%1], \"%3\": %2")
+                    .argi(1, index)
+                    .argi(2, why)
+                    .argi(3, printable(named ? file.GetName() : file.GetDestination())));
 }
 
 }  // namespace pack

@@ -9,8 +9,8 @@
 
 namespace pack {
 
-using core::String;
 using core::StreamSequencerBuilder;
+using core::String;
 
 namespace {
 
@@ -45,8 +45,8 @@ String entryOf(Fault const& fault) {
 
 String fileFault(char const* title, String const& path, int result) {
     // Our own way to say that its size changed while it was read.
-    String const reason = result == -EBUSY ? String("it changed while it was read")
-                                           : core::errnoDescription(-result);
+    String const reason =
+        result == -EBUSY ? String("it changed while it was read") : core::errnoDescription(-result);
     return String::format("%1=\"%3\": %2").argi(1, title).argi(2, reason).argi(3, path);
 }
 

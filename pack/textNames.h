@@ -13,8 +13,8 @@ char const* nameOf(core::StreamSequencer::CryptMode mode);
 
 /// The texts of a file and the modes, to go through.
 inline constexpr core::StreamDescriptor::Text allTexts[] = {
-    core::StreamDescriptor::Text::name,  core::StreamDescriptor::Text::destination,
-    core::StreamDescriptor::Text::owner, core::StreamDescriptor::Text::group,
+    core::StreamDescriptor::Text::name,        core::StreamDescriptor::Text::destination,
+    core::StreamDescriptor::Text::owner,       core::StreamDescriptor::Text::group,
     core::StreamDescriptor::Text::commandLine,
 };
 inline constexpr core::StreamSequencer::CryptMode allModes[] = {

@@ -4,8 +4,8 @@
 
 namespace pack {
 
-using core::String;
 using core::StreamSequencerReader;
+using core::String;
 
 namespace {
 
@@ -18,16 +18,11 @@ struct PieceName {
 };
 
 constexpr PieceName pieceNames[] = {
-    {Piece::header, "the header"},
-    {Piece::keyBlock, "the key block"},
-    {Piece::uniqueId, "the unique ID"},
-    {Piece::sourceId, "the source ID"},
-    {Piece::targetId, "the target ID"},
-    {Piece::attribute, "attribute[%1]"},
-    {Piece::fileCount, "the file count"},
-    {Piece::descriptor, "the descriptor of file[%1]"},
-    {Piece::data, "the data of file[%1]"},
-    {Piece::trailer, "the trailer"},
+    {Piece::header, "the header"},         {Piece::keyBlock, "the key block"},
+    {Piece::uniqueId, "the unique ID"},    {Piece::sourceId, "the source ID"},
+    {Piece::targetId, "the target ID"},    {Piece::attribute, "attribute[%1]"},
+    {Piece::fileCount, "the file count"},  {Piece::descriptor, "the descriptor of file[%1]"},
+    {Piece::data, "the data of file[%1]"}, {Piece::trailer, "the trailer"},
 };
 
 struct Words {
@@ -67,9 +62,8 @@ String wrongOffset(StreamSequencerReader const& reader, int index) {
         expected += reader.File(i).GetSize();
     }
     long long const record =
-        reader.GetDataStart() -
-        static_cast<long long>(reader.FileCount() - index) *
-            core::archive::descriptorSize(reader.GetVersion());
+        reader.GetDataStart() - static_cast<long long>(reader.FileCount() - index) *
+                                    core::archive::descriptorSize(reader.GetVersion());
     return String::format(
                "Wrong offset=The descriptor of file[%1], at offset %2, lays its data at %3 behind "
                "the descriptors, but they are at %4")
