@@ -51,4 +51,29 @@ private:
     Opener const opener_;
 };
 
+/// The bytes of an archive that says and holds all that a sound one does, and the result of writing
+/// them.
+inline std::string rewritten(core::StreamSequencerReader& from, int& result) {
+    MemoryBuilder builder([&](int index) { return from.OpenData(index); });
+    builder.SetVersion(from.GetVersion());
+    builder.SetCryptMode(from.GetCryptMode());
+    builder.SetCryptKeyBlock(from.GetCryptKeyBlock());
+    builder.uniqueId = from.uniqueId;
+    builder.sourceId = from.sourceId;
+    builder.targetId = from.targetId;
+    for (int i = 0; i < from.Attributes().Count(); ++i) {
+        builder.AddAttribute(from.Attributes()[i]);
+    }
+    for (int i = 0; i < from.FileCount(); ++i) {
+        core::StreamDescriptor& file = builder.AddFile("");
+        file.SetFlags(from.File(i).GetFlags());
+        file.SetAttributes(from.File(i).GetAttributes());
+        for (int each = 0; each < core::StreamDescriptor::TextCount; ++each) {
+            auto const text = static_cast<core::StreamDescriptor::Text>(each);
+            file.SetText(text, from.File(i).GetText(text));
+        }
+    }
+    return builder.Written(result);
+}
+
 }  // namespace support

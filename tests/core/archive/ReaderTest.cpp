@@ -30,26 +30,8 @@ int codeOf(std::string const& bytes) {
 }
 
 std::string rewritten(StreamSequencerReader& from) {
-    support::MemoryBuilder builder([&](int index) { return from.OpenData(index); });
-    builder.SetVersion(from.GetVersion());
-    builder.SetCryptMode(from.GetCryptMode());
-    builder.SetCryptKeyBlock(from.GetCryptKeyBlock());
-    builder.uniqueId = from.uniqueId;
-    builder.sourceId = from.sourceId;
-    builder.targetId = from.targetId;
-    for (int i = 0; i < from.Attributes().Count(); ++i) {
-        builder.AddAttribute(from.Attributes()[i]);
-    }
-    for (int i = 0; i < from.FileCount(); ++i) {
-        StreamDescriptor& file = builder.AddFile("");
-        file.SetFlags(from.File(i).GetFlags());
-        file.SetAttributes(from.File(i).GetAttributes());
-        for (int text = 0; text < StreamDescriptor::TextCount; ++text) {
-            file.SetText(static_cast<Text>(text), from.File(i).GetText(static_cast<Text>(text)));
-        }
-    }
     int result = 1;
-    std::string bytes = builder.Written(result);
+    std::string bytes = support::rewritten(from, result);
     EXPECT_EQ(result, 0);
     return bytes;
 }
