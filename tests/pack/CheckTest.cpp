@@ -50,8 +50,8 @@ TEST_F(Check, SaysInWordsWhatIsWrongAndWhere) {
                  "behind the descriptors, but they are at 5"},
          }) {
         folder_.Write("a.rvl", row.bytes);
-        EXPECT_EQ(Pack("-c @a.rvl", 1), (Lines{"*** " + row.line, ""}));
-        EXPECT_EQ(Pack("-x @a.rvl -d @out", 1), (Lines{"*** " + row.line, ""}));
+        EXPECT_EQ(Errors("-c @a.rvl"), Lines{row.line});
+        EXPECT_EQ(Errors("-x @a.rvl -d @out"), Lines{row.line});
         EXPECT_FALSE(std::filesystem::exists(At("@out"))) << "a bad archive unpacks nothing";
     }
     folder_.Write("a.rvl", sound + "...");
@@ -101,8 +101,8 @@ TEST_F(Check, ListsAsATableAndAsOneLineOfJson) {
     EXPECT_EQ(Pack("-l @bad.rvl -j", 1),
               Lines{R"({"archive":"@bad.rvl","error":{"title":"No archive","message":)"
                     R"("The eight bytes at offset 0 are not \"QXRB5129\""}})"});
-    EXPECT_EQ(Pack("-l @none", 1),
-              (Lines{"*** Archive not readable: \"@none\": No such file or directory", ""}));
+    EXPECT_EQ(Errors("-l @none"),
+              Lines{"Archive not readable: \"@none\": No such file or directory"});
 }
 
 TEST_F(Check, ReportsLongWork) {

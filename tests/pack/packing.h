@@ -43,6 +43,18 @@ protected:
         return ran.lines;
     }
 
+    /// What is behind the "*** " of a run that fails.
+    Lines Errors(std::string const& arguments) const {
+        Lines lines = Pack(arguments, 1);
+        EXPECT_TRUE(!lines.empty() && lines.back().empty()) << arguments;
+        lines.pop_back();
+        for (std::string& line : lines) {
+            EXPECT_EQ(line.substr(0, 4), "*** ");
+            line.erase(0, 4);
+        }
+        return lines;
+    }
+
     /// The names of all files below a folder, sorted.
     Lines FilesBelow(std::string const& name) const {
         namespace fs = std::filesystem;
