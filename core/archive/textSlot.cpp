@@ -1,6 +1,7 @@
 #include "core/archive/textSlot.h"
 
 #include <cstdint>
+#include <string>
 
 #include "core/archive/littleEndian.h"
 #include "core/archive/unicode.h"
@@ -22,17 +23,28 @@ bool isLow(char32_t unit) {
     return unit >= firstLow && unit <= lastLow;
 }
 
-char32_t unitAt(unsigned char const* slot, int index) {
+char32_t unitAt(unsigned char const* slot, std::size_t index) {
     return getWord<std::uint16_t>(slot + 2 * index);
+}
+
+/// Appends a character as one unit or as a pair.
+void appendUnits(char32_t point, std::u16string& units) {
+    if (point >= beyondOneUnit) {
+        point -= beyondOneUnit;
+        units.push_back(static_cast<char16_t>(firstHigh + (point >> 10)));
+        point = firstLow + (point & 0x3FF);
+    }
+    units.push_back(static_cast<char16_t>(point));
 }
 
 }  // namespace
 
 String readTextSlot(unsigned char const* slot, int units) {
+    auto const room = static_cast<std::size_t>(units);
     std::string text;
-    for (int i = 0; i < units && unitAt(slot, i) != 0; ++i) {
+    for (std::size_t i = 0; i < room && unitAt(slot, i) != 0; ++i) {
         char32_t point = unitAt(slot, i);
-        if (isHigh(point) && i + 1 < units && isLow(unitAt(slot, i + 1))) {
+        if (isHigh(point) && i + 1 < room && isLow(unitAt(slot, i + 1))) {
             ++i;
             point = beyondOneUnit + ((point - firstHigh) << 10) + (unitAt(slot, i) - firstLow);
         } else if (isHigh(point) || isLow(point)) {
@@ -44,24 +56,22 @@ String readTextSlot(unsigned char const* slot, int units) {
 }
 
 SlotResult writeTextSlot(String const& text, unsigned char* slot, int units) {
-    int used = 0;
+    auto const room = static_cast<std::size_t>(units);
+    std::u16string encoded;
     for (std::string_view rest = text.View(); !rest.empty();) {
         char32_t point = 0;
         if (!unicode::takePoint(rest, point)) {
             return SlotResult::notUtf8;
         }
-        bool const pair = point >= beyondOneUnit;
-        if (used + (pair ? 2 : 1) > units) {
+        appendUnits(point, encoded);
+        if (encoded.size() > room) {
             return SlotResult::tooLong;
         }
-        if (pair) {
-            point -= beyondOneUnit;
-            putWord(static_cast<std::uint16_t>(firstHigh + (point >> 10)), slot + 2 * used++);
-            point = firstLow + (point & 0x3FF);
-        }
-        putWord(static_cast<std::uint16_t>(point), slot + 2 * used++);
     }
-    std::memset(slot + 2 * used, 0, static_cast<std::size_t>(2 * (units - used)));
+    encoded.resize(room);
+    for (std::size_t i = 0; i < room; ++i) {
+        putWord(static_cast<std::uint16_t>(encoded[i]), slot + 2 * i);
+    }
     return SlotResult::written;
 }
 

@@ -164,16 +164,13 @@ TEST(Conversation, TakesNothingButSoundArchivesWhereToldSo) {
         std::string bytes;
         std::optional<DeviceStatus> status;
     };
-    for (Row const& row : {
-             Row{sound, {}},
-             Row{"", DeviceStatus::InvalidDataSize},
-             Row{sound.substr(0, 1000), DeviceStatus::InvalidDataSize},
-             Row{golden::withSoundCrc(changed(24)), DeviceStatus::InvalidDataSize},  // an offset
-             Row{"the file, which is no archive", DeviceStatus::InvalidMagic},
-             Row{changed(sound.size() - 1), DeviceStatus::InvalidMagic},
-             Row{changed(11), DeviceStatus::InvalidVersion},
-             Row{changed(1000), DeviceStatus::WrongFileCrc},
-         }) {
+    using enum DeviceStatus;
+    for (Row const& row :  // the one whose CRC is right has a wrong offset
+         {Row{sound, {}}, Row{"", InvalidDataSize}, Row{sound.substr(0, 1000), InvalidDataSize},
+          Row{golden::withSoundCrc(changed(24)), InvalidDataSize},
+          Row{"no archive", InvalidDataSize}, Row{"the file, which is none", InvalidMagic},
+          Row{changed(11), InvalidVersion}, Row{changed(sound.size() - 1), InvalidMagic},
+          Row{changed(1000), WrongFileCrc}}) {
         ScenarioDevice device({}, {}, ScenarioDevice::Content::archives);
         Client client(device);
         client.Send(Update(1, row.bytes));

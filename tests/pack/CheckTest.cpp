@@ -13,7 +13,7 @@ TEST_F(Check, SaysInWordsWhatIsWrongAndWhere) {
     archive.files = {{u"a", u"", u"", u"", u"", 0, 0, "first"},
                      {u"b", u"", u"", u"", u"", 0, 0, "second"}};
     std::string const sound = bytesOf(archive);
-    std::string const crc = golden::crcOf(sound);
+    std::string const crc = support::crcOf(sound);
     std::size_t const trailer = 24 + 2 * 4096 + 11;
     ASSERT_EQ(sound.size(), trailer + 16);
     auto const changed = [&](std::size_t at, std::string const& bytes) {
@@ -96,7 +96,7 @@ TEST_F(Check, ListsAsATableAndAsOneLineOfJson) {
               R"("destination":"","owner":"o","group":"g","command":"c","attributes":"0777",)"
               R"("flags":"0x00000020","scrambled":false,"offset":27,"size":3000}],)"
               "\"crc\":\"" +
-              golden::crcOf(bytesOf(archive)) + "\"}"});
+              support::crcOf(bytesOf(archive)) + "\"}"});
     folder_.Write("bad.rvl", "no archive at all");
     EXPECT_EQ(Pack("-l @bad.rvl -j", 1),
               Lines{R"({"archive":"@bad.rvl","error":{"title":"No archive","message":)"

@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "core/text/String.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tests/support/lines.h"
 #include "tests/support/run.h"
@@ -20,6 +21,15 @@ using Lines = std::vector<std::string>;
 inline std::string contentOf(std::string const& path) {
     std::ifstream file(path, std::ios::binary);
     return {std::istreambuf_iterator<char>(file), {}};
+}
+
+/// The closing CRC of an archive as the program writes it.
+inline std::string crcOf(std::string const& bytes) {
+    std::string text = "0x";
+    for (std::size_t i = 9; i < 13; ++i) {
+        text += core::String::sprintf("%02X", bytes[bytes.size() - i] & 0xFFU).getCString();
+    }
+    return text;
 }
 
 /// A test that runs ravelink-pack in a fresh folder, which stands for "@" in its words.

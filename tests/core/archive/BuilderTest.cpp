@@ -98,26 +98,21 @@ TEST(Builder, WritesNothingUnlessEveryTextOfAFileFits) {
 }
 
 TEST(Builder, WritesNothingUnlessAllOfTheArchiveFits) {
-    struct Row {
-        unsigned version;
-        int attributes;
-        char const* source;
-        int result;
-        Cause cause;
-    };
-    for (Row const& row : {Row{0x20000, 1023, "", 0, Cause::none},
-                           Row{0x20000, 1024, "", -E2BIG, Cause::attributeCount},
-                           Row{0x0FFFF, 0, "", -EINVAL, Cause::version},
-                           Row{0x20001, 0, "", -EINVAL, Cause::version},
-                           Row{0x20000, 0, "\xFF", -EILSEQ, Cause::sourceId}}) {
-        MemoryBuilder builder([](int) { return nullptr; });
-        builder.SetVersion(row.version);
-        builder.sourceId = row.source;
-        for (int i = 0; i < row.attributes; ++i) {
-            builder.AddAttribute("a", "b");
-        }
-        expectWritten(builder, row.result, row.cause, 0);
+    MemoryBuilder builder([](int) { return nullptr; });
+    for (unsigned const version : {0xFFFFu, 0x20001u}) {
+        builder.SetVersion(version);
+        expectWritten(builder, -EINVAL, Cause::version, 0);
     }
+    builder.SetVersion(0x20000);
+    builder.sourceId = "\xFF";
+    expectWritten(builder, -EILSEQ, Cause::sourceId, 0);
+    builder.sourceId = "";
+    for (int i = 0; i < 1023; ++i) {
+        builder.AddAttribute("a", "b");
+    }
+    expectWritten(builder, 0, Cause::none, 0);
+    builder.AddAttribute("a", "b");
+    expectWritten(builder, -E2BIG, Cause::attributeCount, 0);
 }
 
 /// A stream that says another size than it has, and takes nothing.

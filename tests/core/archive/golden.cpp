@@ -40,15 +40,6 @@ std::string withSoundCrc(std::string bytes) {
     return bytes.replace(size + 4, 4, number(crc, 4));
 }
 
-std::string crcOf(std::string const& bytes) {
-    std::string text = "0x";
-    for (std::size_t at = bytes.size() - 9; at > bytes.size() - 13; --at) {
-        auto const byte = static_cast<unsigned char>(bytes[at]);
-        text.append(1, "0123456789ABCDEF"[byte >> 4]).append(1, "0123456789ABCDEF"[byte & 15]);
-    }
-    return text;
-}
-
 std::string bytesOf(Archive const& archive) {
     std::vector<std::string> headers;
     unsigned flags = archive.crypt % 2 << 27 | archive.crypt / 2 << 26;

@@ -29,8 +29,6 @@ struct Archive {
 std::string bytesOf(Archive const& archive);
 /// The same with a closing CRC that is right for what stands before it.
 std::string withSoundCrc(std::string bytes);
-/// The closing CRC of an archive, as "0x" and eight digits.
-std::string crcOf(std::string const& bytes);
 /// A number, least significant byte first.
 std::string number(std::uint64_t value, unsigned size);
 
