@@ -120,9 +120,10 @@ void ConsoleInterpreter::eraseScreen(int what) {
     auto const [column, row] = info.cursor;
     switch (what) {
         case 0:
-            // One line too many: the console stops at the buffer's end, and so it always was.
+            // A line more than there is, which does no harm: the console stops at the buffer's end.
             return blank(info.cursor, info.width - column + (info.height - row) * info.width);
         case 1:
+            // Up to the cursor, whose own cell stays, here as in a line.
             return blank({0, 0}, info.width * row + column);
         case 2:
         case 3:
