@@ -12,7 +12,7 @@ using interpreter::Cell;
 /// outside; text that reaches the edges is not expected.
 class MemoryScreen : public sys::Screen {
 public:
-    Cell At(Position at) const { return cells_[indexOf(at)]; }
+    Cell At(Position at) const { return {text_[indexOf(at)], attributes_[indexOf(at)]}; }
 
     /// A console that has gone away tells nothing.
     bool gone = false;
@@ -34,16 +34,15 @@ public:
             if (c == '\n') {
                 info_.cursor = {-1, ++info_.cursor.row};
             } else {
-                cells_[indexOf(info_.cursor)] = {c, info_.attribute};
+                text_[indexOf(info_.cursor)] = c;
+                attributes_[indexOf(info_.cursor)] = info_.attribute;
             }
             ++info_.cursor.column;
         }
     }
-    void fillBlanks(Position from, int count) override {
-        fill(from, count, [](Cell& cell) { cell.text = ' '; });
-    }
+    void fillBlanks(Position from, int count) override { fill(text_, from, count, ' '); }
     void fillAttribute(Position from, int count, std::uint16_t attribute) override {
-        fill(from, count, [attribute](Cell& cell) { cell.attribute = attribute; });
+        fill(attributes_, from, count, attribute);
     }
     void moveWindow(std::int16_t rows) override {
         int const top = info_.windowTop + rows;
@@ -54,16 +53,15 @@ private:
     static std::size_t indexOf(Position at) {
         return static_cast<std::size_t>(at.row * 80 + at.column);
     }
-    template <class Change>
-    void fill(Position from, int count, Change change) {
-        std::size_t const end = indexOf(from) + static_cast<std::size_t>(count);
-        for (std::size_t at = indexOf(from); at < std::min(end, cells_.size()); ++at) {
-            change(cells_[at]);
-        }
+    template <class Cells, class Value>
+    static void fill(Cells& cells, Position from, int count, Value value) {
+        std::size_t const room = cells.size() - indexOf(from);
+        std::fill_n(&cells[indexOf(from)], std::min(static_cast<std::size_t>(count), room), value);
     }
 
     Info info_{80, 30, {0, 0}, 7, 0};
-    std::vector<Cell> cells_ = std::vector<Cell>(80 * 30, {' ', 7});
+    std::string text_ = std::string(80 * 30, ' ');
+    std::vector<std::uint16_t> attributes_ = std::vector<std::uint16_t>(80 * 30, 7);
 };
 
 TEST(Interpreter, RowsOnAScreenInMemory) {
