@@ -17,6 +17,9 @@ if(RAVELINK_SANITIZERS)
                       -fno-omit-frame-pointer)
   target_compile_options(options INTERFACE ${sanitizer_flags})
   target_link_options(options INTERFACE ${sanitizer_flags})
+elseif(WIN32)
+  # One file that runs anywhere: no library beside the system's own.
+  target_link_options(options INTERFACE -static)
 else()
   # A released program starts faster and runs on machines with another libstdc++.
   target_link_options(options INTERFACE $<$<CONFIG:Release>:-static-libstdc++> $<$<CONFIG:Release>:-static-libgcc>)

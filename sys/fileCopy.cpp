@@ -8,7 +8,8 @@ namespace sys::file {
 
 namespace {
 
-/// Copies source into a file that then takes the name to: 0, or a negative error code.
+/// Copies source, which is closed then, into a file that takes the name to: 0, or a negative error
+/// code.
 int copyInto(core::String const& to, bool replace, core::FileStream& source, bool sparse, bool sync,
              core::ICopyCallback* callback) {
     ReplacementFile target;
@@ -21,6 +22,7 @@ int copyInto(core::String const& to, bool replace, core::FileStream& source, boo
         return static_cast<int>(copied);
     }
     target.TakePermissionsOf(source);
+    source.Close();  // which may be what is replaced, and some systems replace no open file
     return target.TakeOver(replace);
 }
 

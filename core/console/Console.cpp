@@ -1,13 +1,26 @@
 #include "core/console/Console.h"
 
 #include <cstddef>
+#include <string_view>
 
+#include "core/console/ConsoleInterpreter.h"
+#include "core/console/ConsolePiece.h"
+#include "core/text/TextBuilder.h"
+#include "sys/platform/Screen.h"
 #include "sys/platform/Terminal.h"
 
 namespace core {
 
-void Console::write(String const& text, bool newline) {
-    String out = sys::platform::terminalTakesSequences() ? text : withoutSequences(text);
+namespace {
+
+using sys::platform::StandardStream;
+
+void writeFor(StandardStream stream, String const& text, bool newline) {
+    if (sys::Screen* const screen = sys::screenOf(stream)) {
+        return Console::write(*screen, text, newline);
+    }
+    bool const pass = sys::platform::terminalTakesSequences(stream);
+    String out = pass ? text : Console::withoutSequences(text);
     if (newline) {
         out.Append('\n');
     }
@@ -15,26 +28,26 @@ void Console::write(String const& text, bool newline) {
     sys::platform::writeStandardOutput(out.getCString(), static_cast<std::size_t>(out.GetLength()));
 }
 
+}  // namespace
+
+void Console::write(String const& text, bool newline) {
+    writeFor(StandardStream::output, text, newline);
+}
+
+void Console::ewrite(String const& text, bool newline) {
+    writeFor(StandardStream::error, text, newline);
+}
+
+void Console::write(sys::Screen& screen, String const& text, bool newline) {
+    ConsoleInterpreter(screen).Write(text.View(), newline);
+}
+
 String Console::withoutSequences(String const& text) {
-    String out;
-    int from = 0;
-    for (;;) {
-        int const found = text.Find("\x1B[", from);
-        if (found < 0) {
-            out.Append(text.Copy(from, -1));
-            return out;
-        }
-        out.Append(text.Copy(from, found - from));
-        char const* const start = text.getCString() + found + 2;
-        char const* end = start;
-        while ((*end >= '0' && *end <= '9') || *end == ';') {
-            ++end;
-        }
-        if (*end == '\0') {
-            return out;
-        }
-        from = found + 2 + static_cast<int>(end - start) + 1;
+    TextBuilder out;
+    for (std::string_view rest = text.View(); !rest.empty();) {
+        out.Append(ConsolePiece::TakeFrom(rest).plain);
     }
+    return out.AsString();
 }
 
 }  // namespace core

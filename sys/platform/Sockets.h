@@ -41,8 +41,8 @@ int connectSocket(SocketHandle socket, void const* address, int length);
 /// gone, but never one that is in use.
 int bindSocket(SocketHandle socket, void const* address, int length);
 int listenSocket(SocketHandle socket, int backlog);
-/// The next connection, or noSocket; its peer is written to address, of which length is the room
-/// before and the bytes used after.
+/// The next connection, whose calls block whatever those of the listener do, or noSocket; its peer
+/// is written to address, of which length is the room before and the bytes used after.
 SocketHandle acceptSocket(SocketHandle socket, void* address, int& length);
 
 /// One send: the bytes taken, which may be fewer. A peer that is gone gives -1, never a signal.

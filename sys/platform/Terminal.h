@@ -4,8 +4,11 @@
 
 namespace sys::platform {
 
-/// Whether standard output is, at this moment, a terminal that understands control sequences.
-bool terminalTakesSequences();
+enum class StandardStream { output, error };
+
+/// Whether text on standard output may, at this moment, hold control sequences meant for the
+/// stream: both are terminals that understand them.
+bool terminalTakesSequences(StandardStream stream);
 
 /// Writes all bytes to standard output at once, unbuffered, so that a reader of a pipe sees them as
 /// they happen. An output that is closed, full or gone is ignored: it must not end an update.

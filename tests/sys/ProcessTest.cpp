@@ -1,11 +1,12 @@
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <string>
 
 #include "sys/cmd.h"
 #include "sys/env.h"
+#include "sys/platform/Environment.h"
 #include "tests/support/PrintText.h"
+#include "tests/support/system.h"
 
 namespace {
 
@@ -14,32 +15,39 @@ namespace cmd = sys::cmd;
 
 TEST(Env, ValuesAndEntries) {
     for (int const length : {0, 1, 32766, 32767, 100'000}) {
-        core::String const value = core::String::OfChar('\xff', length);
-        setenv("RAVE", value.getCString(), 1);
-        EXPECT_EQ(env::getEnvironmentVariable("RAVE"), length < 32767 ? value : "") << length;
+        core::String const value = core::String::OfChar('v', length);
+        support::setVariable("RAVE", nullptr);
+        bool const set = support::setVariable("RAVE", value.getCString());
+        EXPECT_EQ(env::getEnvironmentVariable("RAVE"), set && length < 32767 ? value : "")
+            << length;
     }
-    setenv("RAVE", "B=%1", 1);
-    for (char const* missing : {"", "RAVE=B", "=", "rave"}) {
+    support::setVariable("RAVE", "B=%1");
+    for (char const* missing : {"", "RAVE=B", "=", "rave_"}) {
         EXPECT_EQ(env::getEnvironmentVariable(missing), "") << missing;
     }
-    clearenv();
+    for (std::string const& entry : sys::platform::environmentEntries()) {
+        support::setVariable(entry.substr(0, entry.find('=', 1)).c_str(), nullptr);
+    }
     core::StringArray list;
     list.Add("before");
     EXPECT_FALSE(env::getEnvironment(list));
     EXPECT_FALSE(env::getPathDirectories(list));
-    setenv("Z", "a=b", 1);
-    setenv("A", "\n", 1);
+    support::setVariable("A", "a=b");
+    support::setVariable("Z", "\n");
     EXPECT_TRUE(env::getEnvironment(list));
-    EXPECT_EQ(list.AsString(), "before\r\nZ=a=b\r\nA=\n\r\n");
+    EXPECT_EQ(list.AsString(), "before\r\nA=a=b\r\nZ=\n\r\n");
 }
 
 TEST(Env, FoldersOfThePath) {
-    for (char const* path : {"a::b", "a:", ":", ""}) {
-        setenv("PATH", path, 1);
+    char const separator = support::onWindows() ? ';' : ':';
+    for (char const* text : {"a::b", "a:", ":", ""}) {
+        core::String const path =
+            core::String(text).Replace(":", core::String::OfChar(separator, 1));
+        support::setVariable("PATH", path.getCString());
         core::StringArray list;
         core::StringArray expected;
-        EXPECT_EQ(env::getPathDirectories(list), *path != '\0') << path;
-        core::String(path).Split(expected, ':');
+        EXPECT_EQ(env::getPathDirectories(list), *text != '\0') << text;
+        path.Split(expected, separator);
         EXPECT_EQ(list.AsString(), expected.AsString());
     }
 }

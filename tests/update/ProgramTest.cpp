@@ -94,35 +94,44 @@ TEST(Program, AnOctetTooBigLeavesAnAddressToTry) {
                      ""}));
 }
 
-TEST(Program, ATerminalGetsColoursAndOneProgressLineInPlace) {
-    if (run("script -qec true /dev/null < /dev/null 2>&1").status != 0) {
-        GTEST_SKIP() << "no pseudo-terminals to be had here";
+TEST(Program, ReportsOfProgressTakeALineEachWhereNoSequenceIsUnderstood) {
+    support::TemporaryFolder const folder;
+    std::string const update = " -o " + folder.Write("update.rvl", std::string(600'000, 'x'));
+    std::string const pseudo = "script -qec 'TERM=dumb ";
+    std::string const blanks = "          ";
+    for (auto const& [start, end] : {std::pair{std::string(), std::string("| cat")},
+                                     {pseudo, std::string("' /dev/null < /dev/null")}}) {
+        if (run(start + "true " + end + " 2>&1").status != 0) {
+            GTEST_SKIP() << "no pseudo-terminals to be had here";
+        }
+        ScenarioDevice device;
+        Lines lines = run(start + RAVELINK + update + " -a " + device.Address() + end).lines;
+        ASSERT_GT(lines.size(), 6u);
+        EXPECT_EQ(support::replaced(lines[4] + lines[5] + lines[6], "\r", ""),
+                  ">   Transferred by now: 256.0 KB>   Transferred by now: 512.0 KB" + blanks +
+                      "- File completely sent: 585.9 KB" + blanks);
+    }
+}
+
+TEST(Program, ReportsOfProgressTakeOneLineOfATerminal) {
+    if (run("tmux -V 2>&1").status != 0) {
+        GTEST_SKIP() << "no tmux here, whose screen could be read";
     }
     support::TemporaryFolder const folder;
-    std::string const file = folder.Write("update.rvl", std::string(600'000, 'x'));
-    std::string const inPlace = "\x1B[F\x1B[G";
-    std::string const blanks = "          ";
-    for (char const* const terminal : {"xterm", "dumb"}) {
-        bool const capable = std::string(terminal) == "xterm";
-        auto const again = [&](std::string const& text, std::string const& size, int color) {
-            return capable ? inPlace + text + "\x1B[" + std::to_string(color) + "m" + size +
-                                 "\x1B[39m" + blanks
-                           : text + size + blanks;
-        };
-        ScenarioDevice device;
-        std::string output;
-        for (std::string const& line :
-             run("TERM=" + std::string(terminal) + " script -qec '" RAVELINK " -o " + file +
-                 " -a " + device.Address() + "' /dev/null < /dev/null")
-                 .lines) {
-            output += support::replaced(line, "\r", "") + "\n";
-        }
-        EXPECT_NE(output.find(again(">   Transferred by now: ", "512.0 KB", 93) + "\n" +
-                              again("- File completely sent: ", "585.9 KB", 92) + "\n"),
-                  std::string::npos)
-            << output;
-        EXPECT_EQ(output.find("\x1B") != std::string::npos, capable);
-    }
+    ScenarioDevice device;
+    std::string const tmux = "tmux -f /dev/null -S " + folder.PathOf("socket") + " ";
+    Lines const screen =
+        run(tmux + "new-session -d -x 80 -y 24 '" RAVELINK " -o " +
+            folder.Write("update.rvl", std::string(600'000, 'x')) + " -a " + device.Address() +
+            "; sleep 60'\nfor i in $(seq 500); do " + tmux +
+            "capture-pane -p | grep -q restart.itself && break; sleep 0.02; done\n" + tmux +
+            "capture-pane -ep; " + tmux + "kill-server")
+            .lines;
+    ASSERT_GT(screen.size(), 5u);
+    EXPECT_EQ(Lines(screen.begin() + 3, screen.begin() + 6),
+              (Lines{"- The device has accepted our request.",
+                     "- File completely sent: \x1B[92m585.9 KB\x1B[39m",
+                     "  The update process may take a while. Please wait..."}));
 }
 
 TEST(Program, UpdatesADeviceAlthoughNobodyListens) {

@@ -19,6 +19,10 @@ void prepareProcess() {
     }
 }
 
+std::vector<std::string> programArguments(int argc, char const* const* argv) {
+    return {argv, argv + argc};
+}
+
 unsigned currentThreadId() {
     return static_cast<unsigned>(gettid());
 }

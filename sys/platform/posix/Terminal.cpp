@@ -9,8 +9,11 @@
 
 namespace sys::platform {
 
-bool terminalTakesSequences() {
+bool terminalTakesSequences(StandardStream stream) {
     if (isatty(STDOUT_FILENO) == 0) {
+        return false;
+    }
+    if (stream == StandardStream::error && isatty(STDERR_FILENO) == 0) {
         return false;
     }
     char const* const terminal = getenv("TERM");

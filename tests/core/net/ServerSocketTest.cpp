@@ -2,12 +2,12 @@
 
 #include <algorithm>
 #include <atomic>
-#include <filesystem>
 #include <thread>
 #include <vector>
 
 #include "core/net/ServerSocket.h"
 #include "sys/scheduler.h"
+#include "tests/support/system.h"
 
 namespace {
 
@@ -53,15 +53,8 @@ bool echoes(String const& address) {
            client.RecvUntil(&c, 1, 10'000) == 1 && c == 'x';
 }
 
-/// Open descriptors of this process, where the system shows them.
-long openDescriptors() {
-    std::error_code none;
-    std::filesystem::directory_iterator const entries("/proc/self/fd", none);
-    return none ? 0 : std::distance(entries, {});
-}
-
 TEST(ServerSocket, ServesStopsAndServesAgain) {
-    long const before = openDescriptors();
+    long const before = support::openDescriptors();
     {
         EchoServer server;
         EXPECT_EQ(server.StartListen(), -1) << "no addresses";
@@ -91,7 +84,7 @@ TEST(ServerSocket, ServesStopsAndServesAgain) {
             EXPECT_EQ(server.handled, 32 * 32 * round);
         }
     }
-    EXPECT_EQ(openDescriptors(), before);
+    EXPECT_EQ(support::openDescriptors(), before);
 }
 
 class DatagramEcho : public core::ServerSocket {

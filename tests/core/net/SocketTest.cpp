@@ -8,6 +8,7 @@
 #include "core/runtime/CountDownTimer.h"
 #include "sys/scheduler.h"
 #include "tests/core/net/SocketPair.h"
+#include "tests/support/system.h"
 
 namespace {
 
@@ -48,7 +49,8 @@ TEST(Socket, RecvUntilReturnsWhatCameWhenTheRestDoesNot) {
     SocketPair pair;
     pair.far->Abort();
     char buffer[8];
-    EXPECT_LT(pair.near.RecvUntil(buffer, 8, 10'000), 0) << "a reset is known at once";
+    // Wine tells a reset as an end of the stream.
+    EXPECT_LT(pair.near.RecvUntil(buffer, 8, 1'000), support::onWindows() ? 1 : 0);
     pair.near.Close();
     EXPECT_EQ(pair.near.RecvUntil(buffer, 8, 20), 0);
 }

@@ -128,7 +128,7 @@ TEST(AppStatus, TheFileHoldsTheNumber) {
     support::TemporaryFolder const folder;
     AppStatus::setFolder(folder.Path().c_str());
     AppStatus const status("name");
-    EXPECT_STREQ(status.getFilePath().getCString(), folder.PathOf("name.status").c_str());
+    EXPECT_STREQ(status.getFilePath().getCString(), (folder.Path() + "/name.status").c_str());
     EXPECT_EQ(status.readFromFile(), -1);
     EXPECT_EQ(status.GetStatus(), -1);
     EXPECT_FALSE(status._setStatus(AppStatus::none));

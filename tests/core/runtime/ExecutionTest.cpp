@@ -102,7 +102,7 @@ TEST_F(Execution, IdleHooksCatchUpOneAPass) {
             });
             worker.Work();
         },
-        testing::ExitedWithCode(7), "^-(-1){10}-5-5-X-$");
+        testing::ExitedWithCode(7), "^--1-1-1-1-1-1-1-1-1-1-5-5-X-$");
 }
 
 TEST_F(Execution, AnyThreadDispatchesAndEndsTheLoop) {

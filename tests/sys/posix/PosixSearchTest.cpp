@@ -7,40 +7,18 @@
 #include "sys/FileDirectory.h"
 #include "sys/dir.h"
 #include "sys/file.h"
-#include "sys/matchesPattern.h"
-#include "tests/support/AsNobody.h"
 #include "tests/support/FolderTest.h"
 #include "tests/support/PrintText.h"
+#include "tests/support/posix/AsNobody.h"
 
 namespace {
 
 namespace file = sys::file;
 namespace fs = std::filesystem;
 
-TEST(Pattern, Matches) {
-    struct Row {
-        char const* pattern;
-        char const* name;
-        bool expected;
-    };
-    for (Row const& row :
-         {Row{"*", "", true}, Row{"*", ".hidden", true}, Row{"", "a", false}, Row{"?", "", false},
-          Row{"?", "\xff", true}, Row{"?", "ab", false}, Row{"a*", "a", true},
-          Row{"a*c", "abcbc", true}, Row{"a*c", "abcb", false}, Row{"*.rvl", "x.RVL", false},
-          Row{"**?**", "", false}, Row{"*ab?d*", "aabcd", true}, Row{"[a]", "a", false}}) {
-        EXPECT_EQ(sys::matchesPattern(row.name, row.pattern), row.expected)
-            << row.pattern << " on " << row.name;
-    }
-    std::string pattern;
-    for (int i = 0; i < 100; ++i) {
-        pattern += "*a";
-    }
-    EXPECT_FALSE(sys::matchesPattern(std::string(20'000, 'a') + "b", pattern)) << "in our time";
-}
-
-class FileSearchTest : public support::FolderTest {
+class PosixSearchTest : public support::FolderTest {
 protected:
-    FileSearchTest() {
+    PosixSearchTest() {
         fs::create_directories(folder_.PathOf("B/deep"));
         for (char const* name : {"a.txt", "B/b.txt", "B/deep/c.txt", ".d.txt", "\xc3\xa4"}) {
             folder_.Write(name, name);
@@ -56,7 +34,7 @@ protected:
     }
 };
 
-TEST_F(FileSearchTest, FindsInTheOrderOfNames) {
+TEST_F(PosixSearchTest, FindsInTheOrderOfNames) {
     EXPECT_EQ(Found(Path("*"), false, false), ".d.txt a.txt lost \xc3\xa4 ");
     EXPECT_EQ(Found(Path("*.txt"), true, true), ".d.txt B/b.txt B/deep/c.txt a.txt ");
     EXPECT_EQ(Found(Path("?"), false, true), "B ");
@@ -71,7 +49,7 @@ TEST_F(FileSearchTest, FindsInTheOrderOfNames) {
     EXPECT_EQ(Found("*.txt", true, false), "b.txt ") << "passes over what it may not read";
 }
 
-TEST_F(FileSearchTest, ADirectoryKnowsItsEntries) {
+TEST_F(PosixSearchTest, ADirectoryKnowsItsEntries) {
     core::FileDirectory directory;
     EXPECT_EQ(directory.Refresh(), -EBADF);
     ASSERT_EQ(directory.Open(Path(""), false), 0);

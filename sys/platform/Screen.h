@@ -1,0 +1,58 @@
+#pragma once
+
+#include <cstdint>
+#include <string_view>
+
+#include "sys/platform/Terminal.h"
+
+namespace sys {
+
+/// A console that understands no control sequences and is driven by calls: a buffer of cells, each
+/// a character and an attribute, and a window that shows some of its rows. Every operation is one
+/// call to the console; one that fails (a place outside the buffer, a console that has gone away)
+/// changes nothing and is not reported.
+///
+/// Places count from 0 and are 16 bits wide, like the console's own: whoever computes one drops
+/// what does not fit, and all that fits is left to the console to take or refuse.
+class Screen {
+public:
+    struct Position {
+        std::int16_t column;
+        std::int16_t row;
+    };
+
+    struct Info {
+        /// Cells of the whole buffer, not of the window.
+        std::int16_t width;
+        std::int16_t height;
+        Position cursor;
+        /// What the next text is written with: foreground in the low four bits (blue 1, green 2,
+        /// red 4, intensity 8), background in the next four, 0x4000 reverse video, 0x8000
+        /// underscore.
+        std::uint16_t attribute;
+        /// The row of the buffer that the window begins with.
+        std::int16_t windowTop;
+    };
+
+    virtual ~Screen() = default;
+
+    /// False when there is no console to be asked; info then means nothing.
+    virtual bool read(Info& info) = 0;
+    virtual void setCursor(Position position) = 0;
+    virtual void setAttribute(std::uint16_t attribute) = 0;
+    /// Writes all bytes (UTF-8) to standard output, whichever stream this is the screen of. The
+    /// text goes on at the right edge in the next line and scrolls the buffer at its end.
+    virtual void write(std::string_view text) = 0;
+    /// Put blanks, or the attribute, into count cells, line after line; they stop at the buffer's
+    /// end. The cursor stays.
+    virtual void fillBlanks(Position from, int count) = 0;
+    virtual void fillAttribute(Position from, int count, std::uint16_t attribute) = 0;
+    /// Moves the window down the buffer, up when rows is negative.
+    virtual void moveWindow(std::int16_t rows) = 0;
+};
+
+/// The screen that the stream shows on at this moment; null when the stream is no such console. It
+/// belongs to the platform and stays valid: when the console goes away, its calls fail.
+Screen* screenOf(platform::StandardStream stream);
+
+}  // namespace sys

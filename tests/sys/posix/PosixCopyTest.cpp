@@ -1,0 +1,105 @@
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include <cerrno>
+#include <climits>
+#include <filesystem>
+
+#include "sys/ReplacementFile.h"
+#include "sys/file.h"
+#include "tests/support/CopyWatcher.h"
+#include "tests/support/PrintText.h"
+#include "tests/support/posix/AsNobody.h"
+#include "tests/support/posix/SmallDisk.h"
+#include "tests/sys/ListedFolderTest.h"
+
+namespace {
+
+using PosixCopyTest = ListedFolderTest;
+namespace file = sys::file;
+namespace fs = std::filesystem;
+
+TEST_F(PosixCopyTest, TakesTheRightsAndLeavesHolesWhenAsked) {
+    folder_.Write("from", std::string(200'001, '\0'));
+    chmod(Path("from").getCString(), 0710);
+    for (bool const sparse : {false, true}) {
+        EXPECT_EQ(file::copy(Path("from"), Path("to"), sparse, false, nullptr), 0);
+        struct stat status {};
+        ASSERT_EQ(stat(Path("to").getCString(), &status), 0);
+        EXPECT_EQ(status.st_mode & 0777, 0710u);
+        EXPECT_EQ(status.st_blocks * 512 < 200'001, sparse);
+    }
+}
+
+TEST_F(PosixCopyTest, AFailedOneLeavesTheFolderAsItWas) {
+    folder_.Write("from", std::string(300'000, 'x'));
+    folder_.Write("to", "old");
+    fs::create_directory(folder_.PathOf("folder"));
+    fs::create_symlink("loop", folder_.PathOf("loop"));
+    ASSERT_EQ(mkfifo(Path("pipe").getCString(), 0600), 0);
+    core::String const names = Names();
+    struct Row {
+        core::String from;
+        core::String to;
+        int expected;
+        long long most = LLONG_MAX;
+    };
+    for (Row const& row :
+         {Row{Path("none"), Path("to"), -ENOENT}, Row{Path("folder"), Path("to"), -EISDIR},
+          Row{Path("loop"), Path("to"), -ELOOP}, Row{Path("pipe"), Path("to"), -ENOTSUP},
+          Row{Path("from"), Path("loop"), -ELOOP}, Row{Path("from"), Path("pipe"), -ENOTSUP},
+          Row{Path("from"), "/dev/full", -ENOTSUP}, Row{Path("from"), Path("no/to"), -ENOENT},
+          Row{Path("from"), Path("to/x"), -ENOTDIR}, Row{Path("from"), "", -ENOENT},
+          Row{Path("from"), Path("folder"), -EISDIR},
+          Row{Path("from"), Path("to"), -ECANCELED, 70'000}}) {
+        support::CopyWatcher watcher;
+        watcher.most = row.most;
+        EXPECT_EQ(file::copy(row.from, row.to, false, false, &watcher), row.expected)
+            << row.from.getCString() << " to " << row.to.getCString();
+        EXPECT_EQ(file::getFileContents(Path("to")), "old");
+        EXPECT_EQ(Names(), names);
+    }
+    chmod(Path(".").getCString(), 0777);
+    chmod(Path("to").getCString(), 0400);
+    support::AsNobody const nobody;
+    EXPECT_EQ(file::copy(Path("from"), Path("to"), false, false, nullptr), -EACCES);
+}
+
+TEST_F(PosixCopyTest, AFullDiskIsAnErrorThatLeavesNothing) {
+    fs::create_directory(folder_.PathOf("disk"));
+    support::SmallDisk const disk(folder_.PathOf("disk"));
+    if (!disk.IsMounted()) {
+        GTEST_SKIP() << "only root may mount a small disk";
+    }
+    core::String const big = core::String::OfChar('x', 300'000);
+    folder_.Write("big", big.getCString());
+    folder_.Write("disk/to", "old");
+    EXPECT_EQ(file::copy(Path("big"), Path("disk/to"), false, true, nullptr), -ENOSPC);
+    EXPECT_EQ(file::rename(Path("big"), Path("disk/to"), true), -ENOSPC);
+    EXPECT_EQ(file::rename(Path("big"), Path("disk/to"), false), -EEXIST)
+        << "and not a copy that finds no room";
+    EXPECT_EQ(Names(), "big disk disk/to ");
+    EXPECT_EQ(file::rename(Path("disk/to"), Path("moved"), false), 0) << "to another disk";
+    EXPECT_EQ(file::getFileContents(Path("moved")), "old");
+    EXPECT_EQ(Names(), "big disk moved ");
+}
+
+TEST_F(PosixCopyTest, LinksLeadToWhatIsReplaced) {
+    folder_.Write("from", "new");
+    folder_.Write("real", "old");
+    fs::create_symlink("real", folder_.PathOf("link"));
+    fs::create_symlink("nowhere", folder_.PathOf("dangling"));
+    EXPECT_EQ(file::copy(Path("from"), Path("link"), false, false, nullptr), 0);
+    EXPECT_EQ(file::copy(Path("from"), Path("dangling"), false, false, nullptr), 0);
+    EXPECT_EQ(file::getType(Path("link")), file::Type::link);
+    EXPECT_EQ(file::getFileContents(Path("real")), "new");
+    EXPECT_EQ(file::getFileContents(Path("dangling")), "new");
+    {
+        sys::ReplacementFile replacement;
+        ASSERT_EQ(replacement.Create(Path("real")), 0);
+        EXPECT_EQ(replacement.TakeOver(false), -EEXIST);
+    }
+    EXPECT_EQ(Names(), "dangling from link real ");
+}
+
+}  // namespace
