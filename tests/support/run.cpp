@@ -1,23 +1,23 @@
 #include "tests/support/run.h"
 
-#include <gtest/gtest.h>
+#include <cstdlib>
+#include <fstream>
+#include <sstream>
 
-#include <cstdio>
-
+#include "tests/support/TemporaryFolder.h"
 #include "tests/support/lines.h"
 
 namespace support {
 
 Ran run(std::string const& command) {
-    std::string output;
-    std::FILE* const pipe = popen(command.c_str(), "r");
-    EXPECT_NE(pipe, nullptr);
-    for (int c = std::fgetc(pipe); c != EOF; c = std::fgetc(pipe)) {
-        output.push_back(static_cast<char>(c));
-    }
-    int const status = pclose(pipe);
+    TemporaryFolder const folder;
+    std::string const output = folder.PathOf("output");
+    int const status = std::system(("( " + command + "\n) > " + output).c_str());
+    std::ostringstream text;
+    text << std::ifstream(output, std::ios::binary).rdbuf();
     // Some systems keep the exit status in the second byte.
-    return {linesOf(output), (status & 0xFF) == 0 ? status >> 8 : status};
+    return {linesOf(replaced(text.str(), "\r\n", "\n")),
+            (status & 0xFF) == 0 ? status >> 8 : status};
 }
 
 }  // namespace support

@@ -7,9 +7,10 @@
 #include <algorithm>
 #include <cerrno>
 #include <string>
-#include <string_view>
+#include <vector>
 
 #include "sys/platform/posix/results.h"
+#include "sys/platform/splitPlainPath.h"
 
 namespace sys::platform {
 
@@ -17,24 +18,6 @@ namespace {
 
 /// Folders are opened only to go on from there, so they need not be readable.
 int const folderFlags = O_PATH | O_DIRECTORY | O_CLOEXEC;
-
-bool isPlainName(std::string_view name) {
-    return !name.empty() && name != "." && name != ".." && name.find('/') == name.npos;
-}
-
-/// Whether path is nothing but plain names with "/" between them.
-bool isPlainPath(std::string_view path) {
-    for (;;) {
-        std::size_t const end = path.find('/');
-        if (!isPlainName(path.substr(0, end))) {
-            return false;
-        }
-        if (end == path.npos) {
-            return true;
-        }
-        path.remove_prefix(end + 1);
-    }
-}
 
 /// A walk from a folder downward. It holds the folder it has reached, by its descriptor and not by
 /// its name: whoever moves folders or puts up links meanwhile cannot lead it elsewhere.
@@ -49,15 +32,12 @@ public:
 
     int At() const { return at_; }
 
-    /// Goes to the folder that path names something in, and makes missing ones when create is set.
-    /// The last name is stored.
-    int GoToParent(std::string_view path, bool create, std::string& last) {
+    /// Goes to the folder that the last of names is in, and makes missing ones when create is set.
+    int GoToParent(std::vector<std::string> const& names, bool create) {
         int result = std::min(at_, 0);
-        for (auto end = path.find('/'); result == 0 && end != path.npos; end = path.find('/')) {
-            result = Enter(std::string(path.substr(0, end)).c_str(), create);
-            path.remove_prefix(end + 1);
+        for (std::size_t i = 0; i + 1 < names.size() && result == 0; ++i) {
+            result = Enter(names[i].c_str(), create);
         }
-        last = path;
         return result;
     }
 
@@ -91,13 +71,13 @@ private:
 /// Does call(folder, name) with the parent of path and its last name.
 template <class Call>
 int inParent(char const* folder, char const* path, bool create, Call call) {
-    if (!isPlainPath(path)) {
+    std::vector<std::string> names;
+    if (!splitPlainPath(path, "", names)) {
         return -EINVAL;
     }
     Descent descent(folder);
-    std::string name;
-    int const result = descent.GoToParent(path, create, name);
-    return result == 0 ? call(descent.At(), name.c_str()) : result;
+    int const result = descent.GoToParent(names, create);
+    return result == 0 ? call(descent.At(), names.back().c_str()) : result;
 }
 
 }  // namespace
@@ -124,7 +104,9 @@ int createBelow(char const* folder, char const* path, FileHandle& opened) {
 
 int renameBelow(char const* folder, char const* path, char const* name, bool replace) {
     return inParent(folder, path, false, [&](int parent, char const* from) {
-        return isPlainName(name) ? renameFrom(parent, from, name, replace) : -EINVAL;
+        std::vector<std::string> names;
+        bool const plain = splitPlainPath(name, "", names) && names.size() == 1;
+        return plain ? renameFrom(parent, from, name, replace) : -EINVAL;
     });
 }
 
