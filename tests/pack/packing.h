@@ -48,7 +48,11 @@ protected:
             ran.lines.erase(ran.lines.begin());
         }
         for (std::string& line : ran.lines) {
-            line = replaced(line, folder_.Path() + "/", "@");
+            // As JSON writes it as well.
+            for (std::string const& path :
+                 {folder_.Path(), replaced(folder_.Path(), "\\", "\\\\")}) {
+                line = replaced(replaced(line, path + "/", "@"), path + "\\", "@");
+            }
         }
         return ran.lines;
     }
@@ -57,7 +61,7 @@ protected:
     Lines Errors(std::string const& arguments) const {
         Lines lines = Pack(arguments, 1);
         EXPECT_TRUE(!lines.empty() && lines.back().empty()) << arguments;
-        lines.pop_back();
+        lines.resize(std::max<std::size_t>(lines.size(), 1) - 1);
         for (std::string& line : lines) {
             EXPECT_EQ(line.substr(0, 4), "*** ");
             line.erase(0, 4);

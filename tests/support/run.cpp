@@ -1,23 +1,20 @@
 #include "tests/support/run.h"
 
-#include <cstdlib>
-#include <fstream>
-#include <sstream>
+#include <gtest/gtest.h>
 
-#include "tests/support/TemporaryFolder.h"
 #include "tests/support/lines.h"
+#include "tests/support/system.h"
 
 namespace support {
 
 Ran run(std::string const& command) {
-    TemporaryFolder const folder;
-    std::string const output = folder.PathOf("output");
-    int const status = std::system(("( " + command + "\n) > " + output).c_str());
-    std::ostringstream text;
-    text << std::ifstream(output, std::ios::binary).rdbuf();
-    // Some systems keep the exit status in the second byte.
-    return {linesOf(replaced(text.str(), "\r\n", "\n")),
-            (status & 0xFF) == 0 ? status >> 8 : status};
+    std::FILE* const pipe = openPipe(command);
+    EXPECT_NE(pipe, nullptr);
+    std::string output;
+    for (int c = std::fgetc(pipe); c != EOF; c = std::fgetc(pipe)) {
+        output.push_back(static_cast<char>(c));
+    }
+    return {linesOf(output), closePipe(pipe)};
 }
 
 }  // namespace support
