@@ -22,7 +22,7 @@ bool PackProgress::Copied(long long done, long long total) {
     if (next_ > 0) {
         line_.Show(String::format(">   %1 by now: %2 of %3")
                        .argi(1, verb_)
-                       .argi(2, sizeInColor(done, runningColor))
+                       .argi(2, sizeInColor(done - done % reportStep, runningColor))
                        .argi(3, core::FormatByteSize(total, false)));
     }
     next_ = (done / reportStep + 1) * reportStep;

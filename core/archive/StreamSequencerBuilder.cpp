@@ -4,7 +4,6 @@
 #include <cerrno>
 #include <climits>
 #include <cstdint>
-#include <vector>
 
 #include "core/archive/descriptorRecord.h"
 #include "core/archive/littleEndian.h"
@@ -16,7 +15,7 @@ namespace core {
 
 namespace {
 
-int const copyPieceSize = 0x20000;
+int const copyPieceSize = 0x40000;
 
 void putMagic(unsigned char* bytes) {
     archive::putWord<std::uint64_t>(MChar8(archive::magic), bytes);
@@ -152,11 +151,11 @@ int StreamSequencerBuilder::WriteDescriptors(Stream* target) {
 }
 
 int StreamSequencerBuilder::WriteData(Stream& target, ICopyCallback* callback) {
-    long long done = 0;
+    std::vector<char> piece(copyPieceSize);
     for (int i = 0; i < FileCount(); ++i) {
         int result = 0;
         ClassRef<Stream> const data = OpenData(i, result);
-        result = data ? CopyFile(i, *data, target, done, callback) : Fail(Cause::file, i, result);
+        result = data ? CopyFile(i, *data, target, piece, callback) : Fail(Cause::file, i, result);
         if (result != 0) {
             return result;
         }
@@ -164,10 +163,9 @@ int StreamSequencerBuilder::WriteData(Stream& target, ICopyCallback* callback) {
     return 0;
 }
 
-int StreamSequencerBuilder::CopyFile(int index, Stream& source, Stream& target, long long& done,
-                                     ICopyCallback* callback) {
-    std::vector<char> piece(copyPieceSize);
-    unsigned long long const size = File(index).GetSize();
+int StreamSequencerBuilder::CopyFile(int index, Stream& source, Stream& target,
+                                     std::vector<char>& piece, ICopyCallback* callback) {
+    StreamDescriptor const& file = File(index);
     for (unsigned long long position = 0;;) {
         // Up to a multiple of the piece in the target: a file takes whole pages faster.
         int const got =
@@ -175,16 +173,16 @@ int StreamSequencerBuilder::CopyFile(int index, Stream& source, Stream& target, 
         if (got < 0) {
             return Fail(Cause::file, index, got);
         }
-        if (got == 0 || static_cast<unsigned>(got) > size - position) {
-            return got == 0 && position == size ? 0 : Fail(Cause::file, index, -EBUSY);
+        if (got == 0 || static_cast<unsigned>(got) > file.GetSize() - position) {
+            return got == 0 && position == file.GetSize() ? 0 : Fail(Cause::file, index, -EBUSY);
         }
-        File(index).CryptBlock(piece.data(), got, position);
+        file.CryptBlock(piece.data(), got, position);
         int const result = Put(&target, piece.data(), got);
         if (result != 0) {
             return result;
         }
         position += static_cast<unsigned>(got);
-        done += got;
+        auto const done = static_cast<long long>(file.GetOffset() + position);
         if (callback != nullptr && !callback->Copied(done, dataSize_)) {
             return -ECANCELED;
         }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <vector>
+
 #include "core/archive/StreamSequencer.h"
 #include "core/archive/textSlot.h"
 #include "core/object/ClassRef.h"
@@ -52,7 +54,7 @@ private:
     int WriteIdentity(Stream* target);
     int WriteDescriptors(Stream* target);
     int WriteData(Stream& target, ICopyCallback* callback);
-    int CopyFile(int index, Stream& source, Stream& target, long long& done,
+    int CopyFile(int index, Stream& source, Stream& target, std::vector<char>& piece,
                  ICopyCallback* callback);
     int WriteTrailer(Stream& target);
     unsigned HeaderFlags() const;

@@ -13,7 +13,7 @@ namespace core {
 
 namespace {
 
-int const dataPiece = 0x10000;
+int const dataPiece = 0x40000;
 
 bool isMagic(unsigned char const* bytes) {
     return MChar8(archive::magic) == archive::getWord<std::uint64_t>(bytes);

@@ -110,8 +110,8 @@ TEST_F(Check, ReportsLongWork) {
     folder_.Write("big", "");
     std::filesystem::resize_file(At("@big"), 70'000'000);
     EXPECT_EQ(Pack("-b @m.conf -o @a.rvl", 0),
-              (Lines{">   Packed by now: 32.1 MB of 66.8 MB",
-                     ">   Packed by now: 64.1 MB of 66.8 MB          ",
+              (Lines{">   Packed by now: 32.0 MB of 66.8 MB",
+                     ">   Packed by now: 64.0 MB of 66.8 MB          ",
                      "- Archive made: 1 file, 66.8 MB          "}));
     EXPECT_EQ(Pack("-x @a.rvl -d @out", 0).back(), "- Unpacked: 1 file          ");
     EXPECT_EQ(std::filesystem::file_size(At("@out/big")), 70'000'000u);

@@ -129,7 +129,7 @@ private:
 TEST(Builder, NamesTheFileOrTheTargetThatFails) {
     for (auto const& [size, expected] : std::vector<std::pair<long long, int>>{
              {-ESPIPE, -ESPIPE}, {3, -EBUSY}, {5, -EBUSY}, {LLONG_MAX, -EFBIG}}) {
-        MemoryBuilder builder([&](int) { return new LyingStream(size); });
+        MemoryBuilder builder([claimed = size](int) { return new LyingStream(claimed); });
         builder.AddFile("");
         builder.AddFile("");
         int result = 1;
