@@ -1,7 +1,6 @@
 #include "sys/platform/Process.h"
 
 #include <windows.h>
-
 #include <shellapi.h>
 
 #include "sys/platform/windows/text.h"
