@@ -175,6 +175,25 @@ TEST(Program, UpdatesADeviceAlthoughNobodyListens) {
     }
 }
 
+TEST(Program, UpdatesADeviceAlthoughItsTerminalIsClosed) {
+    if (run("tmux -V 2>&1").status != 0) {
+        GTEST_SKIP() << "no tmux here, whose window could be closed";
+    }
+    support::TemporaryFolder const folder;
+    std::string const tmux = "tmux -f /dev/null -S " + folder.PathOf("socket") + " ";
+    ScenarioDevice device([&](device::Moment const& moment, device::Wire& wire) {
+        if (moment.step == device::Step::Data) {
+            run(tmux + "kill-server 2>&1");
+        }
+        return device::Behaviour().Act(moment, wire);
+    });
+    // The signal is no matter of Windows: Wine must not die of it.
+    run(tmux + "new-session -d '" + (underWine ? "trap \"\" HUP; " : "") + ravelink + " -o " +
+        folder.Write("z\xc3\xbcrich.rvl", std::string(1'000'000, 'x')) + " -a " + device.Address() +
+        "'");
+    EXPECT_EQ(device.End(), std::vector{device::Outcome::complete});
+}
+
 /// A shell script that updates a device of its own on a free port: the updater's last line, the
 /// device's exit status, its first and its last line.
 std::string rehearsal(support::TemporaryFolder const& folder) {
