@@ -1,6 +1,7 @@
 #include "update/UpdateApplication.h"
 
 #include "core/console/errorLine.h"
+#include "sys/platform/Process.h"
 #include "update/print.h"
 #include "update/usage.h"
 
@@ -16,6 +17,8 @@ char const grammar[] = "h|help=0>o|origin=1>a|address=1>t|type=1>i|id=1";
 }  // namespace
 
 UpdateApplication::UpdateApplication() : core::Application("ravelink") {
+    // A device must not be left half updated because somebody closed a window.
+    sys::platform::outliveTerminal();
     setVersionModelName("Halvoren");
     setVersionNumber(1, 0);
     setDevStage(core::version::CEDevStage::release);

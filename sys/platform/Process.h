@@ -10,6 +10,10 @@ namespace sys::platform {
 /// take the place of a standard stream that was closed by the caller.
 void prepareProcess();
 
+/// From now on the process goes on when its terminal or console is closed, for as long as the
+/// system lets it.
+void outliveTerminal();
+
 /// The words of the process's command line in UTF-8, its own name first; argc and argv are what
 /// main was given.
 std::vector<std::string> programArguments(int argc, char const* const* argv);

@@ -1,8 +1,8 @@
-#include "sys/matchesPattern.h"
-
 #include <gtest/gtest.h>
 
 #include <string>
+
+#include "sys/matchesPattern.h"
 
 namespace {
 

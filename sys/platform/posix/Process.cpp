@@ -19,6 +19,10 @@ void prepareProcess() {
     }
 }
 
+void outliveTerminal() {
+    signal(SIGHUP, SIG_IGN);
+}
+
 std::vector<std::string> programArguments(int argc, char const* const* argv) {
     return {argv, argv + argc};
 }

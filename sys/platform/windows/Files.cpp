@@ -105,8 +105,8 @@ int openFile(char const* path, unsigned mode, FileHandle& opened) {
     if (file == INVALID_HANDLE_VALUE) {
         int const error = negativeLastError();
         DWORD const attributes = GetFileAttributesW(name.c_str());
-        bool const folder = attributes != INVALID_FILE_ATTRIBUTES &&
-                            (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+        bool const folder =
+            attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
         return folder ? -EISDIR : error;
     }
     opened = reinterpret_cast<FileHandle>(file);

@@ -63,8 +63,7 @@ bool isLink(WIN32_FIND_DATAW const& entry) {
             entry.dwReserved0 == IO_REPARSE_TAG_MOUNT_POINT);
 }
 
-FileType typeOf(std::string const& folder, std::string const& name,
-                WIN32_FIND_DATAW const& entry) {
+FileType typeOf(std::string const& folder, std::string const& name, WIN32_FIND_DATAW const& entry) {
     if (!isLink(entry)) {
         bool const directory = (entry.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
         return directory ? FileType::directory : FileType::regular;

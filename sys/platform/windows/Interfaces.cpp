@@ -1,9 +1,8 @@
 #include "sys/platform/Interfaces.h"
 
 #include <winsock2.h>
-
-#include <iphlpapi.h>
 #include <ws2tcpip.h>
+#include <iphlpapi.h>
 
 #include <cstddef>
 #include <string>
@@ -39,8 +38,7 @@ sockaddr_storage maskOf(IP_ADAPTER_UNICAST_ADDRESS const& entry) {
 
 /// The adapters of the machine as the system lays them out; empty when it does not tell them.
 std::vector<std::max_align_t> readAdapters() {
-    ULONG const flags =
-        GAA_FLAG_SKIP_ANYCAST | GAA_FLAG_SKIP_MULTICAST | GAA_FLAG_SKIP_DNS_SERVER;
+    ULONG const flags = GAA_FLAG_SKIP_ANYCAST | GAA_FLAG_SKIP_MULTICAST | GAA_FLAG_SKIP_DNS_SERVER;
     ULONG size = 16 * 1024;
     std::vector<std::max_align_t> room;
     ULONG result = ERROR_BUFFER_OVERFLOW;

@@ -1,16 +1,31 @@
 #include "sys/platform/Process.h"
 
 #include <windows.h>
-
 #include <shellapi.h>
 
 #include "sys/platform/windows/text.h"
 
 namespace sys::platform {
 
+namespace {
+
+/// The system ends the process when a handler of a closed console returns, or after some seconds.
+BOOL WINAPI holdClose(DWORD event) {
+    if (event == CTRL_CLOSE_EVENT) {
+        Sleep(INFINITE);
+    }
+    return FALSE;
+}
+
+}  // namespace
+
 void prepareProcess() {
     // No signal ends a process here, and a standard stream that is closed has no number that a file
     // could take.
+}
+
+void outliveTerminal() {
+    SetConsoleCtrlHandler(&holdClose, TRUE);
 }
 
 std::vector<std::string> programArguments(int, char const* const*) {

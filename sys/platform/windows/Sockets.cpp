@@ -1,9 +1,8 @@
 #include "sys/platform/Sockets.h"
 
 #include <winsock2.h>
-
-#include <mswsock.h>
 #include <ws2tcpip.h>
+#include <mswsock.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -75,9 +74,8 @@ bool wouldBlock(int error) {
 }
 
 SocketHandle openSocket(SocketDomain domain, SocketType type) {
-    SOCKET const socket =
-        WSASocketW(domainNumber(domain), typeNumber(type), protocolNumber(type), nullptr, 0,
-                   WSA_FLAG_OVERLAPPED | WSA_FLAG_NO_HANDLE_INHERIT);
+    SOCKET const socket = WSASocketW(domainNumber(domain), typeNumber(type), protocolNumber(type),
+                                     nullptr, 0, WSA_FLAG_OVERLAPPED | WSA_FLAG_NO_HANDLE_INHERIT);
     if (socket != INVALID_SOCKET && type == SocketType::datagram) {
         ignoreUnreachable(socket);
     }

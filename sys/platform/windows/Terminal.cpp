@@ -2,11 +2,32 @@
 
 #include <windows.h>
 
+#include <string_view>
+
 #include "sys/platform/windows/text.h"
 
 namespace sys::platform {
 
-bool terminalTakesSequences() {
+namespace {
+
+/// In UTF-16, because a console reads 8-bit text in a code page of its own.
+void writeToConsole(HANDLE console, std::string_view text) {
+    std::wstring const words = wide(text);
+    for (std::wstring_view rest = words; !rest.empty();) {
+        DWORD written = 0;
+        if (WriteConsoleW(console, rest.data(), static_cast<DWORD>(rest.size()), &written,
+                          nullptr) == 0 ||
+            written == 0) {
+            return;
+        }
+        rest.remove_prefix(written);
+    }
+}
+
+}  // namespace
+
+bool terminalTakesSequences(StandardStream) {
+    // A console is driven by calls, whatever it may understand besides: see sys::Screen.
     return false;
 }
 
@@ -14,11 +35,7 @@ void writeStandardOutput(char const* text, std::size_t length) {
     HANDLE const output = GetStdHandle(STD_OUTPUT_HANDLE);
     DWORD mode = 0;
     if (GetConsoleMode(output, &mode) != 0) {
-        // In UTF-16, because the console reads 8-bit text in a code page of its own.
-        std::wstring const words = wide({text, length});
-        DWORD written = 0;
-        WriteConsoleW(output, words.data(), static_cast<DWORD>(words.size()), &written, nullptr);
-        return;
+        return writeToConsole(output, {text, length});
     }
     while (length > 0) {
         DWORD written = 0;

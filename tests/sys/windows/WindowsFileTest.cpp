@@ -1,5 +1,5 @@
-#include <gtest/gtest.h>
 #include <windows.h>
+#include <gtest/gtest.h>
 
 #include <cerrno>
 
@@ -48,10 +48,9 @@ TEST_F(WindowsFileTest, FoldersAreMadeListedAndSearched) {
         int alone;
         int recursive;
     };
-    for (Row const& row :
-         {Row{Path("new"), 0, 0}, Row{Path("a\\b/c"), -ENOENT, 0}, Row{Path("a\\\\d\\\\"), 0, 0},
-          Row{Path("file"), -EEXIST, -ENOTDIR}, Row{Path("file\\x"), -ENOENT, -ENOTDIR},
-          Row{"", -ENOENT, -ENOENT}}) {
+    for (Row const& row : {Row{Path("new"), 0, 0}, Row{Path("a\\b/c"), -ENOENT, 0},
+                           Row{Path("a\\\\d\\\\"), 0, 0}, Row{Path("file"), -EEXIST, -ENOTDIR},
+                           Row{Path("file\\x"), -ENOENT, -ENOTDIR}, Row{"", -ENOENT, -ENOENT}}) {
         EXPECT_EQ(sys::dir::create(row.path, false), row.alone) << row.path.getCString();
         EXPECT_EQ(sys::dir::create(row.path, true), row.recursive) << row.path.getCString();
         EXPECT_EQ(file::isDirectory(row.path), row.recursive == 0) << row.path.getCString();

@@ -1,0 +1,78 @@
+#include <windows.h>
+
+#include "tests/core/console/InterpreterRows.h"
+
+namespace {
+
+/// A screen buffer of the process's console, with standard output on it as long as it lives. What
+/// the tests themselves report goes to the console as before.
+class ScreenBuffer {
+public:
+    ScreenBuffer()
+        : before_(GetStdHandle(STD_OUTPUT_HANDLE)),
+          handle_(CreateConsoleScreenBuffer(GENERIC_READ | GENERIC_WRITE, 0, nullptr,
+                                            CONSOLE_TEXTMODE_BUFFER, nullptr)) {
+        SetStdHandle(STD_OUTPUT_HANDLE, handle_);
+        CONSOLE_SCREEN_BUFFER_INFO info{};
+        GetConsoleScreenBufferInfo(handle_, &info);
+        int const shown = info.srWindow.Bottom - info.srWindow.Top + 1;
+        SetConsoleScreenBufferSize(handle_, {info.dwSize.X, static_cast<SHORT>(shown + 5)});
+    }
+    ScreenBuffer(ScreenBuffer const&) = delete;
+    ScreenBuffer& operator=(ScreenBuffer const&) = delete;
+    ~ScreenBuffer() {
+        SetStdHandle(STD_OUTPUT_HANDLE, before_);
+        CloseHandle(handle_);
+    }
+
+    wchar_t CharacterAt(COORD position) const {
+        wchar_t character = 0;
+        DWORD count = 0;
+        ReadConsoleOutputCharacterW(handle_, &character, 1, position, &count);
+        return character;
+    }
+
+    interpreter::Cell At(sys::Screen::Position at) const {
+        COORD const position{at.column, at.row};
+        WORD attribute = 0;
+        DWORD count = 0;
+        ReadConsoleOutputAttribute(handle_, &attribute, 1, position, &count);
+        return {static_cast<char>(CharacterAt(position)), attribute};
+    }
+
+private:
+    HANDLE const before_;
+    HANDLE const handle_;
+};
+
+TEST(RealConsole, EveryRowAsOnTheScreenInMemory) {
+    ScreenBuffer const buffer;
+    sys::Screen* const screen = sys::screenOf(sys::platform::StandardStream::output);
+    ASSERT_NE(screen, nullptr) << "this test needs a console";
+    EXPECT_GT(interpreter::check(*screen, [&](auto position) { return buffer.At(position); }), 150);
+}
+
+TEST(RealConsole, ShowsWhatAsciiLacks) {
+    ScreenBuffer const buffer;
+    core::Console::write("\x1B[Hz\xc3\xbcrich \x1B[91m\xce\xa9\x1B[39m", true);
+    EXPECT_EQ(buffer.CharacterAt({1, 0}), L'\u00fc');
+    EXPECT_EQ(buffer.CharacterAt({7, 0}), L'\u03a9');
+    EXPECT_EQ(buffer.At({7, 0}).attribute, 12);
+}
+
+TEST(RealConsole, OneThatGoesAwayBreaksNothing) {
+    {
+        ScreenBuffer const buffer;
+        core::Console::write("\x1B[31mred", false);
+    }
+    HANDLE const output = GetStdHandle(STD_OUTPUT_HANDLE);
+    for (HANDLE const gone : {HANDLE{nullptr}, INVALID_HANDLE_VALUE}) {
+        SetStdHandle(STD_OUTPUT_HANDLE, gone);
+        EXPECT_EQ(sys::screenOf(sys::platform::StandardStream::output), nullptr);
+        core::Console::write("\x1B[31mred\x1B[2J", true);
+        core::Console::ewrite("\x1B[31mred\x1B[2J", true);
+    }
+    SetStdHandle(STD_OUTPUT_HANDLE, output);
+}
+
+}  // namespace
