@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-#include "core/text/String.h"
+#include "pack/printable.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tests/support/lines.h"
 #include "tests/support/run.h"
@@ -25,11 +25,11 @@ inline std::string contentOf(std::string const& path) {
 
 /// The closing CRC of an archive as the program writes it.
 inline std::string crcOf(std::string const& bytes) {
-    std::string text = "0x";
+    unsigned crc = 0;
     for (std::size_t i = 9; i < 13; ++i) {
-        text += core::String::sprintf("%02X", bytes[bytes.size() - i] & 0xFFU).getCString();
+        crc = crc << 8 | static_cast<unsigned char>(bytes[bytes.size() - i]);
     }
-    return text;
+    return pack::hex(crc, 8).getCString();
 }
 
 /// A test that runs ravelink-pack in a fresh folder, which stands for "@" in its words.

@@ -39,21 +39,18 @@ TEST_F(FileBelow, HasItsNameOnlyWhenItIsComplete) {
 }
 
 TEST_F(FileBelow, PathsThatLeadElsewhereAreRefused) {
+    sys::FileBelow file;
     for (char const* const path : {"", "/a", "a/", "a//b", ".", "..", "./a", "../a", "a/../b"}) {
-        sys::FileBelow file;
         EXPECT_EQ(file.Create(top_, path), -EINVAL) << path;
-        sys::platform::FileStatus status;
-        EXPECT_EQ(sys::platform::statBelow(top_.getCString(), path, status), -EINVAL) << path;
     }
     ASSERT_EQ(sys::file::setFileContents(Path("top/x"), "x", true), 0);
     for (char const* const name : {"", ".", "..", "../y", "a/y"}) {
         EXPECT_EQ(sys::platform::renameBelow(top_.getCString(), "x", name, true), -EINVAL) << name;
     }
-    sys::FileBelow file;
     EXPECT_EQ(file.Create(top_, "x/y"), -ENOTDIR);
     EXPECT_EQ(file.Create(Path("none"), "y"), -ENOENT);
     EXPECT_EQ(sys::platform::removeBelow(top_.getCString(), "x"), 0);
-    EXPECT_EQ(sys::file::getType(Path("top/x")), sys::file::Type::none);
+    EXPECT_EQ(Count(), 0);
 }
 
 }  // namespace
