@@ -1,5 +1,7 @@
 #include "pack/printable.h"
 
+#include <algorithm>
+#include <iterator>
 #include <string>
 
 #include "core/archive/unicode.h"
@@ -10,8 +12,19 @@ using core::String;
 
 namespace {
 
+struct Range {
+    char32_t first;
+    char32_t last;
+};
+
+/// Control characters, and those that turn the direction of what follows or end a line.
+constexpr Range controls[] = {
+    {0x00, 0x1F}, {0x7F, 0x9F}, {0x200E, 0x200F}, {0x2028, 0x202E}, {0x2066, 0x2069}};
+
 bool isControl(char32_t point) {
-    return point < 0x20 || (point >= 0x7F && point < 0xA0);
+    return std::any_of(std::begin(controls), std::end(controls), [point](Range const& range) {
+        return point >= range.first && point <= range.last;
+    });
 }
 
 }  // namespace

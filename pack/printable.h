@@ -6,7 +6,8 @@
 /// that a program reads.
 namespace pack {
 
-/// The text with "?" for every control character and for what is no UTF-8.
+/// The text with "?" for every control character, for those that turn the direction of what
+/// follows, and for what is no UTF-8.
 core::String printable(core::String const& text);
 /// The number of characters, which a table lines up by.
 int characters(core::String const& utf8);

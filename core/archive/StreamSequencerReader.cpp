@@ -13,7 +13,7 @@ namespace core {
 
 namespace {
 
-int const dataPiece = 0x40000;
+int const dataPiece = 0x40000;  ///< in pieces of 1 KiB most of the time goes into the calls
 
 bool isMagic(unsigned char const* bytes) {
     return MChar8(archive::magic) == archive::getWord<std::uint64_t>(bytes);

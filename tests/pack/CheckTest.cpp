@@ -63,7 +63,7 @@ TEST_F(Check, SaysInWordsWhatIsWrongAndWhere) {
 TEST_F(Check, ListsAsATableAndAsOneLineOfJson) {
     golden::Archive archive = golden::sample(0x00020000, 3);
     archive.files.resize(3);
-    archive.files[1] = {u"\x1B[31m\"\\\u0085", u"etc/empty", {0xD800}, u"", u"", 0, 0644, ""};
+    archive.files[1] = {u"\x1B[1m\"\\\u0085\u202E", u"etc/empty", {0xD800}, u"", u"", 0, 0644, ""};
     folder_.Write("a.rvl", bytesOf(archive));
     EXPECT_EQ(Pack("-l @a.rvl", 0),
               (Lines{
@@ -77,7 +77,7 @@ TEST_F(Check, ListsAsATableAndAsOneLineOfJson) {
                   "- Files: 3",
                   "Size  Mode  Flags       Owner  Group  Name      Destination  Command",
                   "  27  0755  0xABCD0100  root   wheel  app.bin   /opt/app/    restart app",
-                  "   0  0644  0x00000000  \uFFFD             ?[31m\"\\?  etc/empty",
+                  "   0  0644  0x00000000  \uFFFD             ?[1m\"\\??  etc/empty",
                   "3000  0777  0x00000020  o      g      caf\u00E9-\U0001F4E6                 c",
               }));
     EXPECT_EQ(
@@ -88,7 +88,7 @@ TEST_F(Check, ListsAsATableAndAsOneLineOfJson) {
               R"({"name":"app.bin","destination":"/opt/app/","owner":"root","group":"wheel",)"
               R"("command":"restart app","attributes":"0755","flags":"0xABCD0100",)"
               R"("scrambled":true,"offset":0,"size":27},)"
-              R"({"name":"\u001B[31m\"\\\u0085","destination":"etc/empty","owner":")"
+              R"({"name":"\u001B[1m\"\\\u0085\u202E","destination":"etc/empty","owner":")"
               "\uFFFD"
               R"(","group":"","command":"","attributes":"0644","flags":"0x00000000",)"
               R"("scrambled":true,"offset":27,"size":0},)"
