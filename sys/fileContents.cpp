@@ -14,7 +14,8 @@ namespace {
 int const pieceSize = 4096;
 int const lineGrowth = 16;
 
-/// Reads the whole file into memory and goes back to its start.
+/// Reads the whole file into memory and goes back to where its text starts: behind the mark that
+/// some editors of Windows put in front of UTF-8.
 int readInto(core::MemoryStream& memory, core::String const& path) {
     core::FileStream file;
     int const opened = openRegular(file, path);
@@ -25,7 +26,14 @@ int readInto(core::MemoryStream& memory, core::String const& path) {
         return -EFBIG;
     }
     long long const copied = file.CopyTo(memory, false, false, nullptr);
-    return static_cast<int>(copied < 0 ? copied : memory.Seek(0));
+    if (copied < 0) {
+        return static_cast<int>(copied);
+    }
+    core::Buffer const& content = memory.Content();
+    std::string_view const bytes(reinterpret_cast<char const*>(content.GetData()),
+                                 static_cast<std::size_t>(content.GetSize()));
+    bool const marked = bytes.starts_with("\xEF\xBB\xBF");
+    return memory.Seek(marked ? 3 : 0) < 0 ? -EIO : 0;
 }
 
 /// Has the list take the file's content by one of its loading operations.

@@ -55,7 +55,7 @@ TEST_F(FileContentsTest, EveryFailureHasItsCode) {
 }
 
 TEST_F(FileContentsTest, ListsOfLinesAndOfValues) {
-    folder_.Write("f", "# comment\n a = 1\r\n\nb=2");
+    folder_.Write("f", "\xEF\xBB\xBF# comment\n a = 1\r\n\nb=2");
     core::StringArray list;
     EXPECT_EQ(file::loadConfFile(list, Path("f")), 0);
     EXPECT_EQ(list.AsString(), "a=1\r\nb=2\r\n");
