@@ -214,8 +214,8 @@ TEST(Program, LoopbackNeedsNoNetworkAndAnUnreachablePeerIsTold) {
     }
     support::TemporaryFolder const folder;
     // Wine's server, which owns the sockets, has to be one that lives in the namespace.
-    std::string const wine =
-        "export WINEPREFIX=" + folder.PathOf("wine") + "\ntrap 'wineserver -k' EXIT\n";
+    std::string const wine = "export WINEPREFIX=" + folder.PathOf("wine") +
+                             "\ntrap 'TMPDIR=$WINEPREFIX wineserver -k' EXIT\n";
     std::string const script =
         folder.Write("alone.sh", "ip link set lo up\n" + (underWine ? wine : "") + ravelink +
                                      " -o " + folder.Write("update.rvl", "x") +
