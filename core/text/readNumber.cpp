@@ -39,6 +39,18 @@ ReadNumber readNumber(std::string_view text, int base, bool sign, unsigned long 
     return result;
 }
 
+bool readWhole(std::string_view text, int base, unsigned long long largest,
+               unsigned long long& value) {
+    if (base == 0) {
+        bool const prefixed = text.starts_with("0x") || text.starts_with("0X");
+        base = prefixed ? 16 : 10;
+        text.remove_prefix(prefixed ? 2 : 0);
+    }
+    ReadNumber const number = readNumber(text, base, false, largest);
+    value = number.magnitude;
+    return number.length == text.size() && number.length > 0 && !number.cut;
+}
+
 long long signedValue(ReadNumber const& number) {
     return static_cast<long long>(number.negative ? 0 - number.magnitude : number.magnitude);
 }

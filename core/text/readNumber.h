@@ -19,6 +19,11 @@ struct ReadNumber {
 /// set, a sign. The magnitude is limited to largest, that of a negative number to one more.
 ReadNumber readNumber(std::string_view text, int base, bool sign, unsigned long long largest);
 
+/// Reads the whole text as a number without a sign, up to largest; a base of 0 means decimal, or
+/// hexadecimal behind "0x". False, and the value of no use, when it is anything else.
+bool readWhole(std::string_view text, int base, unsigned long long largest,
+               unsigned long long& value);
+
 /// The signed value that readNumber's result stands for.
 long long signedValue(ReadNumber const& number);
 

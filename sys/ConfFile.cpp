@@ -1,0 +1,72 @@
+#include "sys/ConfFile.h"
+
+#include "core/text/readNumber.h"
+#include "sys/file.h"
+
+namespace sys {
+
+using core::String;
+
+namespace {
+
+std::string keyOf(String const& name) {
+    return std::string(name.LowerCase().View());
+}
+
+}  // namespace
+
+int ConfFile::Load(String const& path) {
+    core::StringArray lines;
+    int const result = file::loadConfFile(lines, path);
+    for (int i = 0; i < lines.Count(); ++i) {
+        String const name = lines.GetNameByIndex(i);
+        if (name.IsEmpty()) {
+            Wrong(lines[i], "is no pair of name and value");
+        } else if (!entries_.emplace(keyOf(name), lines.GetValueByIndex(i)).second) {
+            Wrong(name, "is there twice");
+        }
+    }
+    return result;
+}
+
+bool ConfFile::Has(String const& name) const {
+    return entries_.count(keyOf(name)) > 0;
+}
+
+bool ConfFile::Take(String const& name, String& value) {
+    auto const found = entries_.find(keyOf(name));
+    if (found == entries_.end()) {
+        return false;
+    }
+    value = found->second;
+    entries_.erase(found);
+    return true;
+}
+
+bool ConfFile::TakeNumber(String const& name, int base, unsigned long long largest,
+                          unsigned long long& value) {
+    String text;
+    if (!Take(name, text)) {
+        return false;
+    }
+    if (!core::readWhole(text.View(), base, largest, value)) {
+        Wrong(name, String::format("must be %1 number from 0 to %2")
+                        .argi(1, base == 8 ? "an octal" : "a")
+                        .argi(2, largest, 0, base == 8 ? 8 : 10));
+        value = 0;
+        return false;
+    }
+    return true;
+}
+
+void ConfFile::RefuseTheRest() {
+    for (auto const& [name, value] : entries_) {
+        Wrong(name.c_str(), "means nothing here");
+    }
+}
+
+void ConfFile::Wrong(String const& name, String const& what) {
+    errors_.Add(title_, String::format("%2 %1").argi(1, what).argi(2, name));
+}
+
+}  // namespace sys
