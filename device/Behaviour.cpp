@@ -5,7 +5,7 @@ namespace device {
 Behaviour::~Behaviour() = default;
 
 bool Behaviour::Act(Moment const& moment, Wire& wire) {
-    return !moment.answer || wire.Notify(moment.answer->code, moment.answer->value);
+    return !moment.answer || wire.Notify(*moment.answer);
 }
 
 }  // namespace device

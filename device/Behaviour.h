@@ -3,30 +3,28 @@
 #include <cstdint>
 #include <optional>
 
+#include "device/Notification.h"
 #include "device/Wire.h"
 
 namespace device {
 
 /// The points of a conversation at which a device can do something of its own.
 enum class Step {
-    Connected,   ///< the connection is open, nothing has come yet
+    Connect,     ///< the connection is open, nothing has come yet
     Request,     ///< the request is here
     Header,      ///< the transfer header is here
     Data,        ///< a piece of the file is here
-    Received,    ///< the trailer is here
+    Trailer,     ///< the trailer is here
     Checked,     ///< the file's CRC has been compared
     Processing,  ///< the file is being worked on
     Complete,    ///< the update is done
 };
 
-struct Notification {
-    std::uint32_t code;
-    std::uint32_t value;
-};
-
 struct Moment {
     Step step;
-    std::uint32_t bytes;  ///< of the file that have come so far
+    std::uint32_t token;   ///< what the updater is to return in header and trailer
+    std::uint32_t before;  ///< bytes of the file that had come before this step
+    std::uint32_t bytes;   ///< and that have come by now
     /// What an honest device says now, if anything.
     std::optional<Notification> answer;
 };

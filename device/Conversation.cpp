@@ -36,20 +36,21 @@ std::optional<DeviceStatus> firstFault(Check const (&checks)[count]) {
 
 }  // namespace
 
-Conversation::Conversation(Wire& wire, Behaviour& behaviour, Observer& observer,
-                           std::uint32_t acceptToken, Inbox* inbox)
+Conversation::Conversation(Wire& wire, Behaviour& behaviour, Observer& observer, Inbox& inbox,
+                           std::uint32_t acceptToken)
     : wire_(wire),
       behaviour_(behaviour),
       observer_(observer),
-      acceptToken_(acceptToken),
-      inbox_(inbox) {}
+      inbox_(inbox),
+      acceptToken_(acceptToken) {}
 
 Outcome Conversation::Run() {
-    if (Act(Step::Connected, {}) && TakeRequest() && TakeHeader() && TakeFile() && TakeTrailer() &&
+    if (Act(Step::Connect, {}) && TakeRequest() && TakeHeader() && TakeFile() && TakeTrailer() &&
         ReportProgress()) {
         outcome_ = Outcome::complete;
     }
-    return outcome_;
+    // An updater that was told of an error goes away, whatever the device meant to do next.
+    return wire_.HasRefused() && outcome_ != Outcome::silent ? Outcome::refused : outcome_;
 }
 
 bool Conversation::TakeRequest() {
@@ -100,10 +101,10 @@ bool Conversation::TakeFile() {
         observer_.OnData(piece, got);
         crc_ = core::crc32::update(piece, got, crc_);
         bytes_ += static_cast<std::uint32_t>(got);
-        if (inbox_ != nullptr && !inbox_->Keep(piece, got)) {
+        if (!inbox_.Keep(piece, got)) {
             return Refuse(Step::Data, DeviceStatus::ReadWriteError);
         }
-        if (!Act(Step::Data, {})) {
+        if (!Act(Step::Data, {}, static_cast<std::uint32_t>(got))) {
             return false;
         }
     }
@@ -114,7 +115,7 @@ bool Conversation::TakeFile() {
 bool Conversation::TakeTrailer() {
     update::UpdateTransferTrailer trailer;
     if (!wire_.ReceiveRecord(trailer)) {
-        return Lost(Step::Received);
+        return Lost(Step::Trailer);
     }
     observer_.OnTrailer(trailer);
     Check const checks[] = {
@@ -124,17 +125,20 @@ bool Conversation::TakeTrailer() {
         {trailer.acceptToken == acceptToken_, DeviceStatus::InvalidPassword},
     };
     if (auto const fault = firstFault(checks)) {
-        return Refuse(Step::Received, *fault);
+        return Refuse(Step::Trailer, *fault);
     }
-    return Answer(Step::Received, UpdateNotification::Received, 0);
+    return Answer(Step::Trailer, UpdateNotification::Received, 0);
 }
 
 bool Conversation::ReportProgress() {
     if (crc_ != request_.fileCrc) {
         return Refuse(Step::Checked, DeviceStatus::WrongFileCrc);
     }
-    if (auto const fault = inbox_ != nullptr ? ArchiveFault() : std::nullopt) {
+    if (auto const fault = inbox_.TakesArchivesOnly() ? ArchiveFault() : std::nullopt) {
         return Refuse(Step::Checked, *fault);
+    }
+    if (inbox_.Stores() && !Store()) {
+        return Refuse(Step::Checked, DeviceStatus::ReadWriteError);
     }
     return Answer(Step::Checked, UpdateNotification::Checked, 0) &&
            Answer(Step::Processing, UpdateNotification::Processing, 0) &&
@@ -144,7 +148,7 @@ bool Conversation::ReportProgress() {
 
 std::optional<DeviceStatus> Conversation::ArchiveFault() {
     core::StreamSequencerReader reader;
-    int const result = inbox_->ReadArchive(reader);
+    int const result = inbox_.ReadArchive(reader);
     observer_.OnArchive(result, reader.FileCount());
     using Reader = core::StreamSequencerReader;
     Check const checks[] = {
@@ -159,8 +163,15 @@ std::optional<DeviceStatus> Conversation::ArchiveFault() {
     return firstFault(checks);
 }
 
-bool Conversation::Act(Step step, std::optional<Notification> answer) {
-    return behaviour_.Act({step, bytes_, answer}, wire_);
+bool Conversation::Store() {
+    core::String path;
+    int const result = inbox_.Store(path);
+    observer_.OnStored(result, path);
+    return result == 0;
+}
+
+bool Conversation::Act(Step step, std::optional<Notification> answer, std::uint32_t newBytes) {
+    return behaviour_.Act({step, acceptToken_, bytes_ - newBytes, bytes_, answer}, wire_);
 }
 
 bool Conversation::Answer(Step step, std::uint32_t code, std::uint32_t value) {
@@ -168,9 +179,7 @@ bool Conversation::Answer(Step step, std::uint32_t code, std::uint32_t value) {
 }
 
 bool Conversation::Refuse(Step step, DeviceStatus status) {
-    if (Answer(step, UpdateNotification::Error, static_cast<std::uint32_t>(status))) {
-        outcome_ = Outcome::refused;
-    }
+    Answer(step, UpdateNotification::Error, static_cast<std::uint32_t>(status));
     return false;
 }
 

@@ -17,10 +17,9 @@ namespace device {
 /// behaviour answer at every step.
 class Conversation {
 public:
-    /// acceptToken is what the updater is to return in header and trailer. With an inbox (null:
-    /// none) the update is kept there and must be a sound archive.
-    Conversation(Wire& wire, Behaviour& behaviour, Observer& observer, std::uint32_t acceptToken,
-                 Inbox* inbox);
+    /// acceptToken is what the updater is to return in header and trailer.
+    Conversation(Wire& wire, Behaviour& behaviour, Observer& observer, Inbox& inbox,
+                 std::uint32_t acceptToken);
 
     /// Runs to the end; the connection stays open.
     Outcome Run();
@@ -35,7 +34,8 @@ private:
 
     /// What is wrong with the update as an archive; nothing when it is sound.
     std::optional<update::DeviceStatus> ArchiveFault();
-    bool Act(Step step, std::optional<Notification> answer);
+    bool Store();
+    bool Act(Step step, std::optional<Notification> answer, std::uint32_t newBytes = 0);
     bool Answer(Step step, std::uint32_t code, std::uint32_t value);
     bool Refuse(Step step, update::DeviceStatus status);
     bool Lost(Step step);
@@ -43,8 +43,8 @@ private:
     Wire& wire_;
     Behaviour& behaviour_;
     Observer& observer_;
+    Inbox& inbox_;
     std::uint32_t const acceptToken_;
-    Inbox* const inbox_;
     update::UpdateRequest request_;
     std::uint32_t bytes_ = 0;  ///< of the file that have come so far
     std::uint32_t crc_ = 0;    ///< of these bytes

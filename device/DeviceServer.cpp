@@ -7,12 +7,12 @@
 namespace device {
 
 DeviceServer::DeviceServer(Behaviour& behaviour, Observer& observer, DeviceLimits const& limits,
-                           Content content)
+                           Intake const& intake)
     : ServerSocket(core::SocketType::stream),
       behaviour_(behaviour),
       observer_(observer),
       limits_(limits),
-      content_(content) {}
+      intake_(intake) {}
 
 DeviceServer::~DeviceServer() {
     stop_ = true;
@@ -29,10 +29,11 @@ void DeviceServer::HandleConnection(core::ClassRef<core::Socket>& socket, core::
     socket->GetTarget(peer);
     observer_.OnConnection(peer);
     Wire wire(*socket, limits_, observer_, stop_);
+    core::String name;
+    socket->GetSockName(name, true);
+    Inbox inbox(intake_, name.Replace("|", "-"));
     // The number of the update, from 1 on, serves as its token: a zeroed record never matches.
-    Inbox inbox;
-    Conversation conversation(wire, behaviour_, observer_, ++updates_,
-                              content_ == Content::archives ? &inbox : nullptr);
+    Conversation conversation(wire, behaviour_, observer_, inbox, ++updates_);
     Outcome const outcome = conversation.Run();
     wire.Finish();
     observer_.OnEnd(outcome);

@@ -6,6 +6,7 @@
 #include "core/net/ServerSocket.h"
 #include "device/Behaviour.h"
 #include "device/DeviceLimits.h"
+#include "device/Intake.h"
 #include "device/Observer.h"
 
 namespace device {
@@ -13,12 +14,9 @@ namespace device {
 /// A simulated device: takes one update after another on each of its addresses.
 class DeviceServer : public core::ServerSocket {
 public:
-    /// What the device takes for an update.
-    enum class Content { anything, archives };
-
     /// Behaviour and observer must outlive the server.
     DeviceServer(Behaviour& behaviour, Observer& observer, DeviceLimits const& limits = {},
-                 Content content = Content::anything);
+                 Intake const& intake = {});
     /// Breaks off what is under way and stops.
     ~DeviceServer() override;
 
@@ -32,7 +30,7 @@ private:
     Behaviour& behaviour_;
     Observer& observer_;
     DeviceLimits const limits_;
-    Content const content_;
+    Intake const intake_;
     std::atomic<bool> stop_ = false;
     std::atomic<std::uint32_t> updates_ = 0;
 };

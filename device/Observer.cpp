@@ -6,6 +6,10 @@ Observer::~Observer() = default;
 
 void Observer::OnConnection(core::String const&) {}
 
+void Observer::OnReceived(void const*, int) {}
+
+void Observer::OnSent(void const*, int) {}
+
 void Observer::OnRequest(update::UpdateRequest const&) {}
 
 void Observer::OnHeader(update::UpdateTransferHeader const&) {}
@@ -15,6 +19,8 @@ void Observer::OnData(void const*, int) {}
 void Observer::OnFile(std::uint32_t, std::uint32_t) {}
 
 void Observer::OnArchive(int, int) {}
+
+void Observer::OnStored(int, core::String const&) {}
 
 void Observer::OnTrailer(update::UpdateTransferTrailer const&) {}
 

@@ -18,6 +18,11 @@ public:
     virtual ~Observer();
 
     virtual void OnConnection(core::String const& peer);
+    /// The bytes of a record, or of its beginning when no more came, as they travelled; what they
+    /// mean is told behind this.
+    virtual void OnReceived(void const* bytes, int length);
+    /// We have sent bytes: what they mean is told behind this, if anything.
+    virtual void OnSent(void const* bytes, int length);
     virtual void OnRequest(update::UpdateRequest const& request);
     virtual void OnHeader(update::UpdateTransferHeader const& header);
     virtual void OnData(void const* bytes, int length);
@@ -26,6 +31,9 @@ public:
     /// The update was read as an archive, with the result of StreamSequencerReader::Read, and holds
     /// that many files. Only where the device takes nothing but archives.
     virtual void OnArchive(int result, int files);
+    /// The update was stored at path, or could not be, with a negative error code. Only where the
+    /// device stores updates.
+    virtual void OnStored(int result, core::String const& path);
     virtual void OnTrailer(update::UpdateTransferTrailer const& trailer);
     /// We have sent a notification.
     virtual void OnNotification(std::uint32_t code, std::uint32_t value);

@@ -2,31 +2,49 @@
 
 #include <atomic>
 
+#include "core/runtime/CountDownTimer.h"
+#include "core/text/String.h"
 #include "device/Observer.h"
 
 namespace device {
 
-/// Prints what happens on a connection.
+/// Prints what happens on the connections of one device.
 class Reporter : public Observer {
 public:
-    /// With once the first conversation that ends also ends the application.
-    explicit Reporter(bool once);
+    enum class Detail {
+        steps,
+        bytes,  ///< also what travels, in hexadecimal, with the time since the connection opened
+    };
+
+    /// Lines begin with prefix. The first conversation that ends counts awaited (null: nothing)
+    /// down, which ends the application at 0; it must outlive this object.
+    Reporter(core::String const& prefix, Detail detail, std::atomic<int>* awaited);
 
     /// Whether the last conversation ended in a complete update.
     bool Completed() const { return completed_; }
 
     void OnConnection(core::String const& peer) override;
+    void OnReceived(void const* bytes, int length) override;
+    void OnSent(void const* bytes, int length) override;
     void OnRequest(update::UpdateRequest const& request) override;
     void OnHeader(update::UpdateTransferHeader const& header) override;
     void OnFile(std::uint32_t size, std::uint32_t crc) override;
     void OnArchive(int result, int files) override;
+    void OnStored(int result, core::String const& path) override;
     void OnTrailer(update::UpdateTransferTrailer const& trailer) override;
     void OnNotification(std::uint32_t code, std::uint32_t value) override;
     void OnEnd(Outcome outcome) override;
 
 private:
-    bool const once_;
+    void Print(core::String const& line) const;
+    /// A line of what travels, in the direction that the arrow says.
+    void Trace(char const* arrow, core::String const& what) const;
+
+    core::String const prefix_;
+    Detail const detail_;
+    std::atomic<int>* awaited_;
     std::atomic<bool> completed_ = false;
+    core::CountDownTimer clock_;  ///< since the connection opened
 };
 
 }  // namespace device

@@ -6,8 +6,10 @@
 #include "core/net/Socket.h"
 #include "core/object/ClassRef.h"
 #include "device/DeviceLimits.h"
+#include "device/Notification.h"
 #include "device/Observer.h"
 #include "device/Outcome.h"
+#include "update/protocol/UpdateNotification.h"
 #include "update/protocol/wire.h"
 
 namespace device {
@@ -15,7 +17,8 @@ namespace device {
 /// The device's end of one connection.
 class Wire {
 public:
-    /// Works on socket until stop is set; what it sends is told to observer. All must outlive it.
+    /// Works on socket until stop is set; the records in both directions, and all else that it
+    /// sends, are told to observer. All must outlive it.
     Wire(core::Socket& socket, DeviceLimits const& limits, Observer& observer,
          std::atomic<bool> const& stop);
 
@@ -32,13 +35,31 @@ public:
         return true;
     }
     Outcome Why() const { return why_; }
+    /// Receives and drops what comes until the updater ends the connection, whenever that is, or
+    /// the device is told to stop.
+    void Drain();
 
-    /// Sends a notification with the right magic and CRC; false when the updater is gone.
-    bool Notify(std::uint32_t code, std::uint32_t value);
-    /// Sends bytes as they are.
+    /// From now on receives at most bytes at a time, and then waits for ms milliseconds.
+    void SlowDown(int bytes, std::uint32_t ms);
+    /// Has the system hold about so many bytes until they are received.
+    void LimitReceiveBuffer(std::uint32_t bytes);
+
+    /// The notification as it travels. A magic of its own gets a CRC that is right for it, but for
+    /// the bits of crcFault, which are turned.
+    static update::UpdateNotification Encode(Notification const& notification,
+                                             std::uint32_t magic = update::wireMagic,
+                                             std::uint32_t crcFault = 0);
+    /// Sends a sound notification; false when the updater is gone or takes nothing for as long as
+    /// the limit of silence.
+    bool Notify(Notification const& notification);
+    /// Sends bytes as they are; false likewise.
     bool Send(void const* bytes, int length);
+    /// Takes note of a sound notification that was among sent bytes.
+    void Said(Notification const& notification);
+    /// Whether an error was among the notifications.
+    bool HasRefused() const { return refused_; }
     /// Does nothing for ms milliseconds; false when the device is told to stop meanwhile.
-    bool Pause(int ms);
+    bool Pause(std::uint32_t ms);
 
     /// Ends our side, takes what the updater still sends until it ends its own, and closes: a
     /// connection closed with bytes unread would be reset, and our last record might be lost.
@@ -55,6 +76,9 @@ private:
     Observer& observer_;
     std::atomic<bool> const& stop_;
     Outcome why_ = Outcome::ended;
+    bool refused_ = false;
+    int mostAtATime_;
+    std::uint32_t pauseBetween_ = 0;  ///< ms
 };
 
 }  // namespace device

@@ -66,7 +66,7 @@ void ConfFile::RefuseTheRest() {
 }
 
 void ConfFile::Wrong(String const& name, String const& what) {
-    errors_.Add(title_, String::format("%2 %1").argi(1, what).argi(2, name));
+    errors_.Add(title_, name.AppendNew(" ").AppendNew(what));
 }
 
 }  // namespace sys

@@ -48,6 +48,14 @@ int Socket::getMulticastTTL() const {
     return GetOption(SocketOption::multicastTtl);
 }
 
+bool Socket::setReceiveBuffer(int bytes) {
+    return SetOption(SocketOption::receiveBuffer, bytes);
+}
+
+int Socket::getReceiveBuffer() const {
+    return GetOption(SocketOption::receiveBuffer);
+}
+
 bool Socket::SetRecvTimeout(int ms) {
     return platform::setSocketTimeout(handle_, SocketTimeout::receive, ms) == 0;
 }

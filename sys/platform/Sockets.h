@@ -66,7 +66,7 @@ int waitWritable(SocketHandle socket, int ms);
 /// Whether calls return at once with wouldBlock instead of waiting; true on success.
 bool setNonBlocking(SocketHandle socket, bool nonBlocking);
 
-enum class SocketOption { noDelay, broadcast, multicastLoopback, multicastTtl };
+enum class SocketOption { noDelay, broadcast, multicastLoopback, multicastTtl, receiveBuffer };
 /// Sets or reads a whole number (switches are 0 and 1); 0 on success.
 int setSocketOption(SocketHandle socket, SocketOption option, int value);
 int getSocketOption(SocketHandle socket, SocketOption option, int& value);

@@ -28,6 +28,8 @@ OptionName nameOf(SocketOption option) {
             return {IPPROTO_IP, IP_MULTICAST_LOOP};
         case SocketOption::multicastTtl:
             return {IPPROTO_IP, IP_MULTICAST_TTL};
+        case SocketOption::receiveBuffer:
+            return {SOL_SOCKET, SO_RCVBUF};
     }
     return {};
 }

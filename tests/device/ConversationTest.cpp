@@ -171,7 +171,7 @@ TEST(Conversation, TakesNothingButSoundArchivesWhereToldSo) {
           Row{"no archive", InvalidDataSize}, Row{"the file, which is none", InvalidMagic},
           Row{changed(11), InvalidVersion}, Row{changed(sound.size() - 1), InvalidMagic},
           Row{changed(1000), WrongFileCrc}}) {
-        ScenarioDevice device({}, {}, ScenarioDevice::Content::archives);
+        ScenarioDevice device({}, {}, {true, {}});
         Client client(device);
         client.Send(Update(1, row.bytes));
         Notifications const received = client.Receive();

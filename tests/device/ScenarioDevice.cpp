@@ -1,14 +1,35 @@
 #include "tests/device/ScenarioDevice.h"
 
+#include <gtest/gtest.h>
+
 #include <chrono>
 
+#include "device/loadScenario.h"
+#include "tests/support/TemporaryFolder.h"
 #include "tests/support/lines.h"
 
-ScenarioDevice::ScenarioDevice(Act act, device::DeviceLimits const& limits, Content content) {
+ScenarioDevice::ScenarioDevice(Act act, device::DeviceLimits const& limits,
+                               device::Intake const& intake) {
     behaviour_.act = std::move(act);
-    server_ = std::make_unique<device::DeviceServer>(behaviour_, record_, limits, content);
+    server_ = std::make_unique<device::DeviceServer>(behaviour_, record_, limits, intake);
     server_->AddBind("127.0.0.1|0");
     server_->StartListen();
+}
+
+ScenarioDevice::ScenarioDevice(std::string const& text)
+    : ScenarioDevice(
+          [scenario = scenarioOf(text)](device::Moment const& moment, device::Wire& wire) mutable {
+              return scenario.Act(moment, wire);
+          }) {}
+
+device::Scenario ScenarioDevice::scenarioOf(std::string const& text) {
+    support::TemporaryFolder const folder;
+    device::Scenario scenario;
+    core::StringArray errors;
+    bool const loaded =
+        device::loadScenario(folder.Write("scenario", text).c_str(), scenario, errors);
+    EXPECT_TRUE(loaded) << text << errors[0].getCString();
+    return scenario;
 }
 
 ScenarioDevice::~ScenarioDevice() = default;

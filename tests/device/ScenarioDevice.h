@@ -8,20 +8,24 @@
 #include <vector>
 
 #include "device/DeviceServer.h"
+#include "device/Scenario.h"
 
 /// A device in this process that does what a scenario says, and keeps what it sees.
 class ScenarioDevice {
 public:
-    using Content = device::DeviceServer::Content;
     /// Acts in the place of an honest device; see device::Behaviour::Act.
     using Act = std::function<bool(device::Moment const&, device::Wire&)>;
 
     /// Listens on a free port; without an act the device is honest.
     explicit ScenarioDevice(Act act = {}, device::DeviceLimits const& limits = {},
-                            Content content = Content::anything);
+                            device::Intake const& intake = {});
+    /// A device that a scenario file of this text describes.
+    explicit ScenarioDevice(std::string const& scenario);
     ScenarioDevice(ScenarioDevice const&) = delete;
     ScenarioDevice& operator=(ScenarioDevice const&) = delete;
     ~ScenarioDevice();
+
+    static device::Scenario scenarioOf(std::string const& text);
 
     /// "127.0.0.1:Port"
     std::string Address() const;

@@ -87,6 +87,14 @@ TEST_F(SessionTest, ABigFileAndAnotherUpdateOnTheSameDevice) {
     EXPECT_TRUE(device.File() == content + content);
 }
 
+TEST_F(SessionTest, ASlowDeviceIsNoStall) {
+    // Longer in all than the stall limit, but never as long between two pieces.
+    TestedUpdater::Instance().limits.transferStall = 1000;
+    ScenarioDevice device("data = slow 16384 2");
+    EXPECT_EQ(RunSession(device, folder_.Write("update.rvl", contentOf(16'000'000))).back(),
+              "The device is updated and it will restart itself if needed.");
+}
+
 TEST_F(SessionTest, AFileThatChangesUnderWay) {
     std::string const content = contentOf(100'000);
     for (bool const grows : {true, false}) {

@@ -1,0 +1,194 @@
+#include "device/loadScenario.h"
+
+#include <cstdint>
+
+#include "core/text/errnoDescription.h"
+#include "core/text/readNumber.h"
+#include "device/names.h"
+#include "sys/ConfFile.h"
+
+namespace device {
+
+using core::String;
+using core::StringArray;
+
+namespace {
+
+struct StepName {
+    char const* name;
+    Step step;
+};
+
+constexpr StepName stepNames[] = {
+    {"connect", Step::Connect},       {"request", Step::Request},   {"header", Step::Header},
+    {"data", Step::Data},             {"trailer", Step::Trailer},   {"checked", Step::Checked},
+    {"processing", Step::Processing}, {"complete", Step::Complete},
+};
+
+struct Range {
+    std::uint32_t smallest;
+    std::uint32_t largest;  ///< 0: the action takes no such number
+};
+
+constexpr Range absent = {0, 0};
+constexpr Range ms = {0, 86'400'000};
+constexpr Range bytes = {1, 1'000'000'000};
+constexpr Range times = {1, 1'000'000'000};
+constexpr Range lessThanRecord = {1, update::recordSize - 1};
+
+enum class Records { none, one, some };
+
+struct VerbRule {
+    char const* name;
+    Verb verb;
+    Range numbers[2];
+    Records records;
+};
+
+constexpr VerbRule verbRules[] = {
+    {"notify", Verb::notify, {absent, absent}, Records::some},
+    {"together", Verb::together, {absent, absent}, Records::some},
+    {"drip", Verb::drip, {ms, absent}, Records::some},
+    {"cut", Verb::cut, {lessThanRecord, absent}, Records::one},
+    {"wrongMagic", Verb::wrongMagic, {absent, absent}, Records::some},
+    {"wrongCrc", Verb::wrongCrc, {absent, absent}, Records::some},
+    {"garbage", Verb::garbage, {bytes, absent}, Records::none},
+    {"repeat", Verb::repeat, {times, ms}, Records::some},
+    {"flood", Verb::flood, {absent, absent}, Records::some},
+    {"wait", Verb::wait, {ms, absent}, Records::none},
+    {"silent", Verb::silent, {absent, absent}, Records::none},
+    {"slow", Verb::slow, {bytes, ms}, Records::none},
+    {"close", Verb::close, {absent, absent}, Records::none},
+    {"reset", Verb::reset, {absent, absent}, Records::none},
+};
+
+VerbRule const* ruleOf(String const& name) {
+    for (VerbRule const& rule : verbRules) {
+        if (name.CompareIC(rule.name) == 0) {
+            return &rule;
+        }
+    }
+    return nullptr;
+}
+
+bool readWord(String const& text, std::uint32_t& number) {
+    unsigned long long value = 0;
+    bool const read = core::readWhole(text.View(), 0, UINT32_MAX, value);
+    number = static_cast<std::uint32_t>(value);
+    return read;
+}
+
+/// A number, or what find makes of a name.
+template <class Find>
+std::optional<std::uint32_t> numberOrName(String const& text, Find find) {
+    std::uint32_t number = 0;
+    return readWord(text, number) ? number : find(text.View());
+}
+
+/// "Code" or "Code:Value".
+std::optional<ScenarioRecord> readRecord(String const& text) {
+    bool const hasValue = text.Find(':') >= 0;
+    auto const code = numberOrName(hasValue ? text.LeftOf(':') : text, codeOfName);
+    auto const value =
+        hasValue ? numberOrName(text.RightOf(':'), valueOfName) : std::optional<std::uint32_t>();
+    if (!code || (hasValue && !value)) {
+        return {};
+    }
+    return ScenarioRecord{*code, value};
+}
+
+/// Takes the words of one action apart; what is wrong with them, or an empty text.
+String readAction(StringArray const& words, VerbRule const& rule, Action& action) {
+    int next = 1;
+    for (std::size_t i = 0; i < action.numbers.size() && rule.numbers[i].largest > 0; ++i, ++next) {
+        Range const& range = rule.numbers[i];
+        std::uint32_t& number = action.numbers[i];
+        if (next >= words.Count() || !readWord(words[next], number) || number < range.smallest ||
+            number > range.largest) {
+            return String::format("%1 needs a number from %2 to %3")
+                .argi(1, rule.name)
+                .argi(2, range.smallest)
+                .argi(3, range.largest);
+        }
+    }
+    for (; next < words.Count(); ++next) {
+        auto const record = readRecord(words[next]);
+        if (!record || rule.records == Records::none) {
+            return String::format("%1 cannot be followed by %2")
+                .argi(1, rule.name)
+                .argi(2, words[next]);
+        }
+        action.records.push_back(*record);
+    }
+    bool const enough = rule.records == Records::none || !action.records.empty();
+    if (!enough || (rule.records == Records::one && action.records.size() > 1)) {
+        return String::format(enough ? "%1 takes one notification" : "%1 needs a notification")
+            .argi(1, rule.name);
+    }
+    return {};
+}
+
+/// Reads what is to be done at a step.
+std::vector<Action> readActions(String const& text, String const& step, sys::ConfFile& file) {
+    std::vector<Action> actions;
+    StringArray parts;
+    text.Split(parts, ',');
+    std::uint32_t after = 1;
+    for (int i = 0; i < parts.Count(); ++i) {
+        StringArray words;
+        parts[i].Trim().Split(words, " \t");
+        bool const isAfter = words.Count() > 0 && words[0].CompareIC("after") == 0;
+        if (isAfter) {
+            if (words.Count() != 2 || !readWord(words[1], after) || after < 1 || step != "data") {
+                file.Wrong(step + ":", "after needs a number from 1 on, and stands in data only");
+            }
+            continue;
+        }
+        VerbRule const* const rule = words.Count() > 0 ? ruleOf(words[0]) : nullptr;
+        if (rule == nullptr) {
+            file.Wrong(step + ":",
+                       String::format("there is no action \"%1\"").argi(1, parts[i].Trim()));
+            continue;
+        }
+        Action action;
+        action.verb = rule->verb;
+        action.after = after;
+        String const fault = readAction(words, *rule, action);
+        if (!fault.IsEmpty()) {
+            file.Wrong(step + ":", fault);
+        }
+        actions.push_back(std::move(action));
+    }
+    return actions;
+}
+
+}  // namespace
+
+bool loadScenario(String const& path, Scenario& scenario, StringArray& errors) {
+    int const before = errors.Count();
+    sys::ConfFile file("Bad scenario", errors);
+    int const result = file.Load(path);
+    if (result != 0) {
+        errors.Add("Scenario not readable", String::format("\"%2\": %1")
+                                                .argi(1, core::errnoDescription(-result))
+                                                .argi(2, path));
+        return false;
+    }
+    for (StepName const& row : stepNames) {
+        String text;
+        if (file.Take(row.name, text)) {
+            scenario.steps[row.step] = text.IsEmpty() ? std::vector<Action>()
+                                                      : readActions(text, row.name, file);
+        }
+    }
+    unsigned long long number = scenario.seed;
+    file.TakeNumber("seed", 0, UINT32_MAX, number);
+    scenario.seed = static_cast<std::uint32_t>(number);
+    number = scenario.receiveBuffer;
+    file.TakeNumber("receiveBuffer", 0, bytes.largest, number);
+    scenario.receiveBuffer = static_cast<std::uint32_t>(number);
+    file.RefuseTheRest();
+    return errors.Count() == before;
+}
+
+}  // namespace device

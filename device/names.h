@@ -1,0 +1,18 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string_view>
+
+/// The words for the numbers of the protocol, in what the device prints and in scenarios.
+namespace device {
+
+/// The code of a notification; "Unknown" for one that the protocol does not have.
+char const* nameOfCode(std::uint32_t code);
+
+/// The numbers of names, whose letters may be large or small.
+std::optional<std::uint32_t> codeOfName(std::string_view name);
+/// A restart kind or a device status.
+std::optional<std::uint32_t> valueOfName(std::string_view name);
+
+}  // namespace device
