@@ -47,9 +47,8 @@ bool send(Wire& wire, std::string const& bytes, std::size_t most = std::string::
 }
 
 bool notify(Action const& action, Moment const& moment, Wire& wire) {
-    return std::all_of(action.records.begin(), action.records.end(), [&](auto const& record) {
-        return wire.Notify(meant(record, moment));
-    });
+    return std::all_of(action.records.begin(), action.records.end(),
+                       [&](auto const& record) { return wire.Notify(meant(record, moment)); });
 }
 
 void said(Action const& action, Moment const& moment, Wire& wire) {

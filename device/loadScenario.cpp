@@ -20,8 +20,9 @@ struct StepName {
 };
 
 constexpr StepName stepNames[] = {
-    {"connect", Step::Connect},       {"request", Step::Request},   {"header", Step::Header},
-    {"data", Step::Data},             {"trailer", Step::Trailer},   {"checked", Step::Checked},
+    {"connect", Step::Connect},       {"request", Step::Request},
+    {"header", Step::Header},         {"data", Step::Data},
+    {"trailer", Step::Trailer},       {"checked", Step::Checked},
     {"processing", Step::Processing}, {"complete", Step::Complete},
 };
 
@@ -169,16 +170,16 @@ bool loadScenario(String const& path, Scenario& scenario, StringArray& errors) {
     sys::ConfFile file("Bad scenario", errors);
     int const result = file.Load(path);
     if (result != 0) {
-        errors.Add("Scenario not readable", String::format("\"%2\": %1")
-                                                .argi(1, core::errnoDescription(-result))
-                                                .argi(2, path));
+        errors.Add(
+            "Scenario not readable",
+            String::format("\"%2\": %1").argi(1, core::errnoDescription(-result)).argi(2, path));
         return false;
     }
     for (StepName const& row : stepNames) {
         String text;
         if (file.Take(row.name, text)) {
-            scenario.steps[row.step] = text.IsEmpty() ? std::vector<Action>()
-                                                      : readActions(text, row.name, file);
+            scenario.steps[row.step] =
+                text.IsEmpty() ? std::vector<Action>() : readActions(text, row.name, file);
         }
     }
     unsigned long long number = scenario.seed;

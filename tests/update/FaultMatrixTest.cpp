@@ -129,13 +129,12 @@ protected:
         long const before = support::openDescriptors();
         Lines lines;
         {
-            ScenarioDevice device([&](auto const& moment, auto& wire) {
-                return scenario.Act(moment, wire);
-            });
+            ScenarioDevice device(
+                [&](auto const& moment, auto& wire) { return scenario.Act(moment, wire); });
             lines = TestedUpdater::Instance().RunSession(path, device.Address());
             for (std::string& line : lines) {
-                line = support::replaced(support::replaced(line, device.Port(), "PORT"), path,
-                                         "FILE");
+                line =
+                    support::replaced(support::replaced(line, device.Port(), "PORT"), path, "FILE");
             }
         }
         EXPECT_EQ(support::openDescriptors(), before);
@@ -227,8 +226,11 @@ TEST_F(FaultMatrixTest, AnswersToTheHeader) {
         {Header, "wrongCrc Accepted", Header, {checkItself}, true},
         {Header, "notify Error:GhostError", Header, {ghost}, true},
         {Header, "notify 9", Header, {}, true},
-        {Header, "notify Complete:3", Header,
-         {complete, "  Please power off the device and then power on again."}, true},
+        {Header,
+         "notify Complete:3",
+         Header,
+         {complete, "  Please power off the device and then power on again."},
+         true},
         {Header, "drip 1 Accepted", Header, {accepted}, true},
     });
 }
@@ -256,8 +258,10 @@ TEST_F(FaultMatrixTest, WaitingForEachStage) {
         Step step;
         std::string name;
     };
-    for (Stage const& stage : {Stage{Trailer, "Received"}, {Checked, "Checked"},
-                               {Processing, "Processing"}, {Complete, "Complete"}}) {
+    for (Stage const& stage : {Stage{Trailer, "Received"},
+                               {Checked, "Checked"},
+                               {Processing, "Processing"},
+                               {Complete, "Complete"}}) {
         auto const cell = [&](std::string const& actions, Lines const& lines) {
             return Fault{stage.step, support::replaced(actions, "STAGE", stage.name), stage.step,
                          lines};
@@ -280,7 +284,9 @@ TEST_F(FaultMatrixTest, WaitingForEachStage) {
         });
     }
     Check({
-        {Trailer, "together Received Checked Processing Complete:2", Trailer,
+        {Trailer,
+         "together Received Checked Processing Complete:2",
+         Trailer,
          {received, checked, processing, complete, "  The hardware is restarting.", updated}},
     });
 }
@@ -301,14 +307,16 @@ TEST_F(FaultMatrixTest, EveryExampleEndsAsItSays) {
         device::Scenario scenario = ScenarioDevice::scenarioOf(text);
         for (auto& [step, actions] : scenario.steps) {
             for (device::Action& action : actions) {
-                // Seconds that an updater bears; what it does not bear stays longer than its limits.
+                // Seconds that an updater bears; what it does not bear stays longer than its
+                // limits.
                 action.numbers[0] /= action.verb == device::Verb::wait && end == updated ? 100 : 1;
             }
         }
         if (isError(expected)) {
             expected.emplace_back();
         }
-        Lines const lines = RunSession(scenario, end, text.find("header = notify") != std::string::npos);
+        Lines const lines =
+            RunSession(scenario, end, text.find("header = notify") != std::string::npos);
         ASSERT_GE(lines.size(), expected.size()) << entry.path();
         EXPECT_EQ(Lines(lines.end() - static_cast<long>(expected.size()), lines.end()), expected)
             << entry.path();

@@ -179,30 +179,81 @@ TEST(Program, UpdatesADeviceAlthoughItsTerminalIsClosed) {
     EXPECT_EQ(device.End(), std::vector{device::Outcome::complete});
 }
 
+/// A shell script that starts devices with these options, which print to a log and their exit
+/// status behind it, and waits until the last of them listens.
+std::string startDevices(std::string const& options, std::string const& log, int count = 1) {
+    return "{ " + ravelinkDevice + " -b 127.0.0.1:0 --once " + options + " > " + log +
+           "; echo $? >> " + log +
+           "; } &\n"
+           "for i in $(seq 500); do a=$(sed -n 's/.*- Listening on: //p' " +
+           log + " 2>&1)\n[ \"$(echo \"$a\" | grep -c ^127)\" = " + std::to_string(count) +
+           " ] && break; sleep 0.02; done\n";
+}
+
 /// A shell script that updates a device of its own on a free port: the updater's last line, the
-/// device's exit status, its first and its last line.
+/// device's first and last line and its exit status.
 std::string rehearsal(support::TemporaryFolder const& folder) {
     std::string const log = folder.PathOf("device.log");
-    return "{ " + ravelinkDevice + " -b 127.0.0.1:0 --once > " + log +
-           "; echo $?; } &\n"
-           "for i in $(seq 500); do a=$(sed -n 's/- Listening on: //p' " +
-           log +
-           " 2>&1)\n"
-           "case $a in 127*) break;; esac; sleep 0.02; done\n" +
-           ravelink + " -o " + folder.Write("update.rvl", "x") + " -a $a | tail -1; wait\n" +
-           "sed -n 1p " + log + "; tail -1 " + log + "\n";
+    return startDevices("", log) + ravelink + " -o " + folder.Write("update.rvl", "x") +
+           " -a $a | tail -1; wait\nsed -n 1p " + log + "; tail -2 " + log + "\n";
 }
 
 Lines const rehearsed = {
     "The device is updated and it will restart itself if needed.",
-    "0",
     "ravelink-device 1.00 (Halvoren) - Simulated Device",
     "- The update is complete.",
+    "0",
 };
 
 TEST(Program, DeviceListensOnAFreePortAndEndsAfterOneUpdate) {
     support::TemporaryFolder const folder;
     EXPECT_EQ(run("sh " + folder.Write("rehearsal.sh", rehearsal(folder))).lines, rehearsed);
+}
+
+TEST(Program, DevicesShowWhatTravelsAndStoreWhatArrivesWhole) {
+    support::TemporaryFolder const folder;
+    std::string const log = folder.PathOf("device.log");
+    // More devices than one server socket has places; an answer to the header saves its wait.
+    int const devices = 34;
+    std::string const options = "-v -n 34 -d " + folder.Path() + " -s " +
+                                folder.Write("s.conf",
+                                             "header = notify Accepted\n"
+                                             "complete = cut 3 Complete, notify Complete");
+    Ran const ran =
+        run("sh " + folder.Write("devices.sh",
+                                 startDevices(options, log, devices) + "for each in $a; do " +
+                                     ravelink + " -o " + folder.Write("update.rvl", "x") +
+                                     " -a $each > /dev/null; done; wait\ncat " + folder.Path() +
+                                     "/127.0.0.1-*-1.rvl\ngrep '^.34. ' " + log +
+                                     " | sed 's/[0-9]*\\.[0-9]* s/TIME/; s/:[0-9].*//; s|Stored: "
+                                     ".*|Stored: FOLDER|'; tail -1 " +
+                                     log));
+    EXPECT_EQ(ran.lines, (Lines{"xxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxx[34] - Listening on: 127.0.0.1",
+                                "[34] - Connection from: 127.0.0.1",
+                                "[34]     TIME < E8B47CC3 00000001 8CDC1683 174B833C",
+                                "[34] - Request: 1.0 B (1 bytes), CRC-32 0x8CDC1683",
+                                "[34]     TIME > E8B47CC3 00000001 00000001 FD46FDC5",
+                                "[34]   Sent: Accepted, value 0x00000001",
+                                "[34]     TIME < E8B47CC3 00000001 00010000 00000001",
+                                "[34] - Header: token 0x00000001",
+                                "[34]     TIME > E8B47CC3 00000001 00000001 FD46FDC5",
+                                "[34]   Sent: Accepted, value 0x00000001",
+                                "[34]     TIME < 1 bytes of the file",
+                                "[34] - File received: 1 bytes, CRC-32 0x8CDC1683",
+                                "[34]     TIME < 00000001 8CDC1683 00000001 E8B47CC3",
+                                "[34] - Trailer: token 0x00000001",
+                                "[34]     TIME > E8B47CC3 00000002 00000000 CDE1B783",
+                                "[34]   Sent: Received, value 0x00000000",
+                                "[34] - Stored: FOLDER",
+                                "[34]     TIME > E8B47CC3 00000003 00000000 F0819E33",
+                                "[34]   Sent: Checked, value 0x00000000",
+                                "[34]     TIME > E8B47CC3 00000004 00000000 42A14223",
+                                "[34]   Sent: Processing, value 0x00000000",
+                                "[34]     TIME > E8B47C",
+                                "[34]     TIME > E8B47CC3 00000005 00000001 08C65B05",
+                                "[34]   Sent: Complete, value 0x00000001",
+                                "[34] - The update is complete.",
+                                "0"}));
 }
 
 TEST(Program, LoopbackNeedsNoNetworkAndAnUnreachablePeerIsTold) {
@@ -234,6 +285,7 @@ TEST(Program, DeviceReportsItsOwnMistakes) {
         int status;
     };
     ScenarioDevice taken;
+    support::TemporaryFolder const folder;
     for (Row const& row : {
              Row{"-x", "*** Invalid option: -x ", 2},
              Row{"-b nowhere",
@@ -247,6 +299,17 @@ TEST(Program, DeviceReportsItsOwnMistakes) {
              Row{"-b " + taken.Address(),
                  "*** Unable to listen: The address (" + taken.Address() +
                      ") is in use or is not one of this machine",
+                 1},
+             Row{"-b 127.0.0.1:65535 -n 2",
+                 "*** Bad count: From here on there can be 1 to 1 devices, not 2", 2},
+             Row{"-n 0", "*** Bad count: From here on there can be 1 to 1000 devices, not 0", 2},
+             Row{"-d " + folder.PathOf("none"),
+                 "*** Folder missing: Cannot find the folder \"" + folder.PathOf("none") +
+                     "\" to store updates in",
+                 1},
+             Row{"-s " + folder.PathOf("none"),
+                 "*** Scenario not readable: \"" + folder.PathOf("none") +
+                     "\": No such file or directory",
                  1},
          }) {
         Ran const ran = run(ravelinkDevice + " " + row.arguments + "; echo $?");
