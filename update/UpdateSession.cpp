@@ -106,6 +106,9 @@ bool UpdateApplication::Connect(UpdateSession& session) {
             true);
     }
     println("  Connected!", true);
+    // Otherwise the end of the file and the trailer wait for the device's delayed acknowledgement,
+    // some 40 ms. Without effect on what is sent, so a refusal is none of the user's business.
+    session.socket.setTCPNoDelay(true);
     // From here on no send may block: see sendAll.
     if (!session.socket.setBlocking(false)) {
         return QuitWithCommunicationError();
