@@ -171,7 +171,12 @@ bool Conversation::Store() {
 }
 
 bool Conversation::Act(Step step, std::optional<Notification> answer, std::uint32_t newBytes) {
-    return behaviour_.Act({step, acceptToken_, bytes_ - newBytes, bytes_, answer}, wire_);
+    bool const goesOn =
+        behaviour_.Act({step, acceptToken_, bytes_ - newBytes, bytes_, answer}, wire_);
+    if (!goesOn && wire_.Why() == Outcome::stopped) {
+        outcome_ = Outcome::stopped;
+    }
+    return goesOn;
 }
 
 bool Conversation::Answer(Step step, std::uint32_t code, std::uint32_t value) {

@@ -9,6 +9,7 @@
 #include "device/println.h"
 #include "device/usage.h"
 #include "sys/file.h"
+#include "sys/platform/InterruptWatch.h"
 
 namespace device {
 
@@ -54,6 +55,8 @@ void DeviceApplication::Main(int argc, char const* const* argv) {
         showUsage();
         return;
     }
+    // Whatever has not arrived whole is not to stay in the folder.
+    sys::platform::InterruptWatch const watch([] { RequestTermination(normalRequest); });
     Run();
 }
 

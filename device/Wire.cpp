@@ -29,7 +29,6 @@ Wire::Wire(core::Socket& socket, DeviceLimits const& limits, Observer& observer,
 
 int Wire::ReceiveSome(void* buffer, int length) {
     if (!Pause(pauseBetween_)) {
-        why_ = Outcome::stopped;
         return 0;
     }
     return ReceiveWithin(buffer, std::min(length, mostAtATime_), limits_.silence);
@@ -128,6 +127,7 @@ bool Wire::Send(void const* bytes, int length) {
 bool Wire::Pause(std::uint32_t ms) {
     for (std::uint32_t left = ms; left > 0; left -= std::min(left, slice)) {
         if (stop_) {
+            why_ = Outcome::stopped;
             return false;
         }
         sys::scheduler::sleepms(static_cast<int>(std::min(left, slice)));

@@ -182,8 +182,8 @@ TEST(Program, UpdatesADeviceAlthoughItsTerminalIsClosed) {
 /// A shell script that starts devices with these options, which print to a log and their exit
 /// status behind it, and waits until the last of them listens.
 std::string startDevices(std::string const& options, std::string const& log, int count = 1) {
-    return "{ " + ravelinkDevice + " -b 127.0.0.1:0 --once " + options + " > " + log +
-           "; echo $? >> " + log +
+    return "{ sh -c 'echo $$ > " + log + ".pid; exec " + ravelinkDevice +
+           " -b 127.0.0.1:0 --once " + options + "' > " + log + "; echo $? >> " + log +
            "; } &\n"
            "for i in $(seq 500); do a=$(sed -n 's/.*- Listening on: //p' " +
            log + " 2>&1)\n[ \"$(echo \"$a\" | grep -c ^127)\" = " + std::to_string(count) +
@@ -276,6 +276,22 @@ TEST(Program, LoopbackNeedsNoNetworkAndAnUnreachablePeerIsTold) {
                     "*** Connection failed: Unable to connect to (10.0.0.7|3007). Please check the "
                     "address and try again");
     EXPECT_EQ(run(alone + "sh " + script).lines, expected);
+}
+
+TEST(Program, AnInterruptedDeviceLeavesNothingBehind) {
+    support::TemporaryFolder const folder;
+    support::TemporaryFolder const stored;
+    std::string const log = folder.PathOf("device.log");
+    std::string const options =
+        "-d " + stored.Path() + " -s " +
+        folder.Write("s.conf", "header = notify Accepted\ndata = wait 600000");
+    std::string const script =
+        startDevices(options, log) + ravelink + " -o " + folder.Write("update.rvl", "x") +
+        " -a $a > /dev/null & updater=$!\nfor i in $(seq 500); do [ -n \"$(ls -A " + stored.Path() +
+        ")\" ] && break; sleep 0.02; done\nls -A " + stored.Path() + " | wc -l\nkill -TERM $(cat " +
+        log + ".pid); sleep 0.1; kill $updater; wait; tail -2 " + log + "; ls -A " + stored.Path();
+    EXPECT_EQ(run("sh " + folder.Write("interrupt.sh", script)).lines,
+              (Lines{"1", "*** Stopped: The update was broken off because the device stops", "1"}));
 }
 
 TEST(Program, DeviceReportsItsOwnMistakes) {

@@ -52,7 +52,8 @@ TEST_P(SlowTest, KeepsItsLimits) {
 INSTANTIATE_TEST_SUITE_P(
     Limits, SlowTest,
     testing::Values(Row{"silent-request.conf", 10, "*** Connection timeout: ", 0},
-                    Row{"restart-firmware.conf", 2, "The device is updated and it will restart itself", 0},
+                    Row{"restart-firmware.conf", 2,
+                        "The device is updated and it will restart itself", 0},
                     Row{"stall.conf", 60, "*** Timeout sending the file: ", 0},
                     Row{"silent-trailer.conf", 300, "*** Timeout error: ", 30},
                     Row{"processing-for-ever.conf", 300, "*** Timeout error: ", 0}));

@@ -1,0 +1,47 @@
+#include "sys/platform/InterruptWatch.h"
+
+#include <windows.h>
+
+#include <mutex>
+#include <utility>
+
+namespace sys::platform {
+
+namespace {
+
+std::mutex oneAtATime;
+void (*pending)() = nullptr;  ///< what is still to be called
+
+/// The system calls it on a thread that it makes for it.
+BOOL WINAPI notice(DWORD event) {
+    {
+        std::lock_guard const locked(oneAtATime);
+        if (pending == nullptr) {
+            return FALSE;
+        }
+        std::exchange(pending, nullptr)();
+    }
+    if (event == CTRL_CLOSE_EVENT) {
+        // The process ends when this returns, and at the latest some seconds from now.
+        Sleep(INFINITE);
+    }
+    return TRUE;
+}
+
+}  // namespace
+
+struct InterruptWatch::State {};
+
+InterruptWatch::InterruptWatch(void (*act)()) {
+    std::lock_guard const locked(oneAtATime);
+    pending = act;
+    SetConsoleCtrlHandler(&notice, TRUE);
+}
+
+InterruptWatch::~InterruptWatch() {
+    SetConsoleCtrlHandler(&notice, FALSE);
+    std::lock_guard const locked(oneAtATime);
+    pending = nullptr;
+}
+
+}  // namespace sys::platform
