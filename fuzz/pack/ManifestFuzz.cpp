@@ -1,6 +1,9 @@
+#include <cstdlib>
+
 #include "fuzz/Input.h"
 #include "fuzz/require.h"
 #include "pack/Manifest.h"
+#include "sys/file.h"
 #include "tests/core/archive/MemoryBuilder.h"
 #include "tests/support/TemporaryFolder.h"
 
@@ -18,6 +21,19 @@ public:
 private:
     static core::ClassRef<core::Stream> open(int) { return support::memory("data").Get(); }
 };
+
+/// What each file of a good manifest says.
+void requireAsSaid(Builder const& builder, String const& path) {
+    core::StringArray conf;
+    require(sys::file::loadConfFile(conf, path) == 0);
+    for (int i = 0; i < builder.FileCount(); ++i) {
+        String const name = String::format("file[%1].").argi(1, i);
+        String const flags = conf.GetValueByName(name + "flags");
+        int const base = flags.StartsWithIC("0x") ? 16 : 10;
+        require(builder.File(i).GetFlags() == std::strtoul(flags.getCString(), nullptr, base));
+        require(builder.File(i).GetDestination() == conf.GetValueByName(name + "destination"));
+    }
+}
 
 /// What was written says what the manifest said.
 void requireSame(Builder const& written, StreamSequencerReader const& read) {
@@ -50,6 +66,7 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size
     if (!good) {
         return 0;
     }
+    requireAsSaid(builder, path);
     int result = 1;
     auto const stream = support::memory(builder.Written(result));
     require(result <= 0);

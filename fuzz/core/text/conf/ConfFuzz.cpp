@@ -32,6 +32,17 @@ bool same(StringArray const& one, StringArray const& other) {
     return one.Count() == other.Count() && one.AsString() == other.AsString();
 }
 
+/// The lines of a text are the same however it comes.
+void requireSameLines(std::string const& bytes, int pieceSize) {
+    StringArray fromStream;
+    Pieces pieces(bytes, pieceSize);
+    require(fromStream.LoadFrom(&pieces));
+    StringArray fromText;
+    fromText.LoadFrom(String(bytes.c_str()));
+    require(same(fromText, fromStream));
+    require(fromText.AsString().ReplaceNewLine("") == String(bytes.c_str()).ReplaceNewLine(""));
+}
+
 /// What is true of each entry of a configuration, and of all of them.
 void requireSense(StringArray const& conf) {
     for (int i = 0; i < conf.Count(); ++i) {
@@ -75,9 +86,7 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size
     require(fromStream.LoadAsConfFileFrom(&pieces));
     requireSense(fromStream);
     if (bytes.find('\0') == std::string::npos) {
-        StringArray fromText;
-        fromText.LoadAsConfFileFrom(String(bytes.c_str()));
-        require(same(fromText, fromStream));
+        requireSameLines(bytes, pieceSize);
     }
     requireCountedList(fromStream, name);
     return 0;

@@ -84,7 +84,11 @@ String withNumber(String const& text, Call const& call) {
                          call.align, call.fill);
     }
     int const base = call.kind / 8 % 2 == 0 ? 10 : static_cast<int>(call.kind / 16) * 4;
-    return text.argi(call.index, value.ToDecimal64(), call.width, base, call.align, call.fill);
+    long long const number = value.ToDecimal64();
+    String const result = text.argi(call.index, number, call.width, base, call.align, call.fill);
+    require(base != 10 || call.width > 0 ||
+            result == text.argi(call.index, std::to_string(number).c_str()));
+    return result;
 }
 
 void requirePlace(String const& text, int index) {
