@@ -173,8 +173,8 @@ bool Conversation::Store() {
 bool Conversation::Act(Step step, std::optional<Notification> answer, std::uint32_t newBytes) {
     bool const goesOn =
         behaviour_.Act({step, acceptToken_, bytes_ - newBytes, bytes_, answer}, wire_);
-    if (!goesOn && wire_.Why() == Outcome::stopped) {
-        outcome_ = Outcome::stopped;
+    if (!goesOn && wire_.IsBroken()) {
+        outcome_ = wire_.Why();
     }
     return goesOn;
 }

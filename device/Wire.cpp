@@ -113,11 +113,14 @@ bool Wire::Send(void const* bytes, int length) {
     for (int done = 0; done < length;) {
         int const taken = socket_._Write(rest + done, length - done, static_cast<int>(slice));
         if (taken < 0) {
-            return false;
+            return Break(Outcome::ended);
         }
         done += taken;
-        if (done < length && (stop_ || silence.Expired())) {
-            return false;
+        if (done < length && stop_) {
+            return Break(Outcome::stopped);
+        }
+        if (done < length && silence.Expired()) {
+            return Break(Outcome::silent);
         }
     }
     observer_.OnSent(bytes, length);
@@ -127,12 +130,17 @@ bool Wire::Send(void const* bytes, int length) {
 bool Wire::Pause(std::uint32_t ms) {
     for (std::uint32_t left = ms; left > 0; left -= std::min(left, slice)) {
         if (stop_) {
-            why_ = Outcome::stopped;
-            return false;
+            return Break(Outcome::stopped);
         }
         sys::scheduler::sleepms(static_cast<int>(std::min(left, slice)));
     }
     return true;
+}
+
+bool Wire::Break(Outcome why) {
+    broken_ = true;
+    why_ = why;
+    return false;
 }
 
 void Wire::Finish() {

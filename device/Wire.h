@@ -35,6 +35,8 @@ public:
         return true;
     }
     Outcome Why() const { return why_; }
+    /// Whether a pause or a send failed, for which Why says the reason as well.
+    bool IsBroken() const { return broken_; }
     /// Receives and drops what comes until the updater ends the connection, whenever that is, or
     /// the device is told to stop.
     void Drain();
@@ -70,12 +72,14 @@ public:
 private:
     bool ReceiveAll(void* buffer, int length);
     int ReceiveWithin(void* buffer, int length, int ms);
+    bool Break(Outcome why);
 
     core::Socket& socket_;
     DeviceLimits const& limits_;
     Observer& observer_;
     std::atomic<bool> const& stop_;
     Outcome why_ = Outcome::ended;
+    bool broken_ = false;
     bool refused_ = false;
     int mostAtATime_;
     std::uint32_t pauseBetween_ = 0;  ///< ms

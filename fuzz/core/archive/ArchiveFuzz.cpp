@@ -1,17 +1,11 @@
 #include <cstdint>
-#include <cstdlib>
 
+#include "fuzz/require.h"
 #include "tests/core/archive/MemoryBuilder.h"
 
 namespace {
 
 using core::StreamSequencerReader;
-
-void require(bool holds) {
-    if (!holds) {
-        std::abort();
-    }
-}
 
 /// What can be said of any archive that was read, sound or not.
 void requireSense(StreamSequencerReader& reader, int result, std::size_t size) {

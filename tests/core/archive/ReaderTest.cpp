@@ -1,5 +1,9 @@
 #include <gtest/gtest.h>
 
+#include <cerrno>
+
+#include "core/archive/ArchivedFileStream.h"
+#include "core/stream/FileStream.h"
 #include "tests/core/archive/MemoryBuilder.h"
 #include "tests/core/archive/golden.h"
 #include "tests/support/PrintText.h"
@@ -66,6 +70,13 @@ TEST(Reader, GivesNumbersAndStreamsThatKeepTheirPlace) {
     EXPECT_EQ(rest(*other).size(), 3000u);
     EXPECT_EQ(rest(*data), " more");
     EXPECT_LT(data->Write("x", 1), 0);
+    EXPECT_EQ(data->Seek(-28, core::Stream::SeekOrigin::end), -EINVAL);
+    char byte = 0;
+    EXPECT_EQ(other->Seek(0) + other->Read(&byte, 0), 0);
+    read.stream->Clear();
+    EXPECT_EQ(other->Read(&byte, 1), -EIO) << "the archive was cut meanwhile";
+    core::FileStream closed;
+    EXPECT_EQ(core::ArchivedFileStream(closed, 0, read.reader.File(0)).Read(&byte, 1), -EBADF);
 }
 
 TEST(Reader, TellsTruncatedAndChangedArchives) {
