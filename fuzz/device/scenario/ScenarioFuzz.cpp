@@ -14,13 +14,13 @@ using device::Step;
 void requireInRange(device::Action const& action) {
     using enum device::Verb;
     bool const sends = action.verb == notify || action.verb == together || action.verb == drip ||
-                       action.verb == cut || action.verb == wrongMagic ||
-                       action.verb == wrongCrc || action.verb == repeat || action.verb == flood;
+                       action.verb == cut || action.verb == wrongMagic || action.verb == wrongCrc ||
+                       action.verb == repeat || action.verb == flood;
     require(sends != action.records.empty());
     require(action.after >= 1);
     require(action.numbers[0] <= 1'000'000'000 && action.numbers[1] <= 86'400'000);
-    require(action.verb != cut || (action.records.size() == 1 && action.numbers[0] >= 1 &&
-                                   action.numbers[0] <= 15));
+    require(action.verb != cut ||
+            (action.records.size() == 1 && action.numbers[0] >= 1 && action.numbers[0] <= 15));
     require(action.verb != slow || action.numbers[0] >= 1);
 }
 

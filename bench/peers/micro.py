@@ -1,0 +1,51 @@
+"""Runs the benchmark programs of the library and sets each of their benchmarks beside its peer's."""
+
+import json
+import subprocess
+
+# Program, what it is, ours, the peer's, what the peer is, and the goal for the ratio: of rates (at
+# least) where a rate is told, of times (at most) otherwise.
+PAIRS = [
+    ("core_crc", "CRC-32, {}", "Crc32/{}", "Crc32Zlib/{}", "zlib", 3.0),
+    ("core_crc", "CRC-32, {}", "Crc32/{}", "Crc32Libdeflate/{}", "libdeflate", 0.95),
+    ("core_crc", "CRC-32 by tables, {}", "Crc32Tables/{}", "Crc32Zlib/{}", "zlib", None),
+    ("core_text", "format two placeholders", "FormatConnecting", "FormatConnectingSnprintf",
+     "snprintf", 1.5),
+    ("core_text", "format a size", "ByteSize", "ByteSizeSnprintf", "snprintf", None),
+    ("core_text", "copy a long text", "Copy<String>", "Copy<std::string>", "std::string", 0.6),
+    ("core_text", "append ten times", "AppendTen<String>", "AppendTen<std::string>", "std::string",
+     None),
+    ("core_text", "split", "Split", "SplitStandard", "std::string", None),
+    ("core_text", "replace", "Replace", "ReplaceStandard", "std::string", None),
+    ("core_archive", "scramble", "Scramble", "ScrambleByOneByte", "one byte for all", None),
+    ("core_archive", "write an archive", "Write", "Zlib", "zlib's CRC-32", None),
+    ("core_archive", "read an archive", "Read", "Zlib", "zlib's CRC-32", None),
+]
+
+SIZES = {"4 KiB": 4 << 10, "16 KiB": 16 << 10, "256 MiB": 256 << 20}
+
+
+def _medians(program):
+    # Interleaved repetitions, because neighbours and clock rates drift.
+    told = subprocess.run(
+        [program, "--benchmark_format=json", "--benchmark_enable_random_interleaving=true",
+         "--benchmark_repetitions=9", "--benchmark_min_time=0.1",
+         "--benchmark_report_aggregates_only=true"],
+        stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, text=True, check=True).stdout
+    return {each["run_name"]: each for each in json.loads(told)["benchmarks"]
+            if each["aggregate_name"] == "median"}
+
+
+def measure(programs, table):
+    results = {name: _medians(f"{programs}/{name}_bench")
+               for name in dict.fromkeys(pair[0] for pair in PAIRS)}
+    for program, path, ours, theirs, peer, goal in PAIRS:
+        for text, size in SIZES.items() if "{}" in path else [("", 0)]:
+            mine = results[program][ours.format(size)]
+            other = results[program][theirs.format(size)]
+            if "bytes_per_second" in mine:
+                table.add(path.format(text), "GB/s", [mine["bytes_per_second"] / 1e9], peer,
+                          [other["bytes_per_second"] / 1e9], goal, True)
+            else:
+                table.add(path, mine["time_unit"], [mine["cpu_time"]], peer, [other["cpu_time"]],
+                          goal, False)

@@ -1,0 +1,12 @@
+#include "sys/file.h"
+
+#include <cstdio>
+
+/// fileCrc PATH: prints the CRC-32 of a file as the updater computes it.
+int main(int argc, char** argv) {
+    if (argc != 2) {
+        return 2;
+    }
+    std::printf("%08X\n", sys::file::calculatesCRC32(argv[1]));
+    return 0;
+}
