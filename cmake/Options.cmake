@@ -13,7 +13,7 @@ endif()
 
 # Leaves out what no program calls, of the standard library too: nearly half of a released program.
 target_compile_options(options INTERFACE -ffunction-sections -fdata-sections)
-target_link_options(options INTERFACE -Wl,--gc-sections)
+target_link_options(options INTERFACE -Wl,--gc-sections -Wl,--as-needed)
 
 if(RAVELINK_SANITIZERS)
   # Without -fno-sanitize-recover=all an undefined-behaviour report leaves the exit status at 0.

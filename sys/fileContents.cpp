@@ -50,9 +50,16 @@ int load(core::StringArray& list, core::String const& path,
 /// Opens path for writing, as mode says besides, and writes all there.
 int writeInto(core::String const& path, unsigned mode, void const* data, int size) {
     core::FileStream file;
+    // An old content is dropped behind the new one, not before it: whoever reads meanwhile never
+    // finds the file empty, and a text of the same length costs the file system next to nothing.
+    bool const truncate = (mode & platform::openTruncate) != 0;
+    mode &= ~static_cast<unsigned>(platform::openTruncate);
     int result = file.Open(path, platform::openWrite | platform::openCreate | mode);
     if (result == 0) {
         result = file.WriteAll(data, size);
+    }
+    if (result == 0 && truncate && file.Size() > size) {
+        result = file.CutAt(size);
     }
     // Some file systems say only now that there was no room.
     int const closed = file.Close();

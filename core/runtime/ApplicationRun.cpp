@@ -1,6 +1,7 @@
 #include <array>
 
 #include "core/runtime/Application.h"
+#include "core/runtime/timer.h"
 #include "sys/platform/Process.h"
 #include "sys/scheduler.h"
 
@@ -62,6 +63,7 @@ void Application::Loop() {
                                    {30 * second, &Application::Idle30s, base},
                                    {60 * second, &Application::Idle60s, base}}};
     unsigned long long nextDue = 0;
+    timerStart();
     while (!IsTerminationRequested()) {
         if (wakeEvent_.Wait(waitUntil(nextDue)) == Event::signalled) {
             wakeEvent_.Clear();

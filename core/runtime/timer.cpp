@@ -1,6 +1,7 @@
 #include "core/runtime/timer.h"
 
 #include <memory>
+#include <utility>
 
 #include "core/runtime/Application.h"
 #include "core/runtime/Event.h"
@@ -31,23 +32,25 @@ private:
     Event stop_;
 };
 
+bool armed = false;
 std::unique_ptr<WakeUpTimer> timer;
 
 }  // namespace
 
 bool timerInit() {
-    if (timer) {
-        return false;
+    return !std::exchange(armed, true);
+}
+
+void timerStart() {
+    if (armed && !timer) {
+        timer = std::make_unique<WakeUpTimer>();
+        timer->Start();
     }
-    timer = std::make_unique<WakeUpTimer>();
-    if (!timer->Start()) {
-        timer.reset();
-    }
-    return timer != nullptr;
 }
 
 void timerDone() {
     timer.reset();
+    armed = false;
 }
 
 void TimerFunc() {

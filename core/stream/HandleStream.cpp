@@ -39,6 +39,10 @@ int HandleStream::Sync() {
     return IsOpened() ? platform::syncFile(handle_) : -EBADF;
 }
 
+int HandleStream::CutAt(long long size) {
+    return IsOpened() ? platform::resizeFile(handle_, size) : -EBADF;
+}
+
 int HandleStream::Stat(platform::FileStatus& status) const {
     return IsOpened() ? platform::statFile(handle_, status) : -EBADF;
 }

@@ -20,6 +20,8 @@ public:
     long long Seek(long long offset, SeekOrigin origin = SeekOrigin::begin) override;
     long long Size() override;
     int Sync() override;
+    /// Drops what lies behind size bytes: 0, or a negative error code.
+    int CutAt(long long size);
 
     /// The status of the open file: 0, or a negative error code.
     int Stat(sys::platform::FileStatus& status) const;

@@ -46,6 +46,8 @@ long long seekFile(FileHandle file, long long offset, SeekOrigin origin);
 /// Waits until all that was written has reached the disk.
 int syncFile(FileHandle file);
 int statFile(FileHandle file, FileStatus& status);
+/// Makes the file as long as size says: what lies behind is dropped.
+int resizeFile(FileHandle file, long long size);
 /// Gives one file the access rights of the other, as far as its file system knows any.
 void copyPermissions(FileHandle from, FileHandle to);
 /// Closes the handle, which is gone in any case.

@@ -138,6 +138,10 @@ int statFile(FileHandle file, FileStatus& status) {
     return takeStatus(fstat(descriptor(file), &found), found, status);
 }
 
+int resizeFile(FileHandle file, long long size) {
+    return withoutInterruption([&] { return ftruncate(descriptor(file), size); });
+}
+
 void copyPermissions(FileHandle from, FileHandle to) {
     struct stat found {};
     if (fstat(descriptor(from), &found) == 0) {

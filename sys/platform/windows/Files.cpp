@@ -172,6 +172,14 @@ long long seekFile(FileHandle file, long long offset, SeekOrigin origin) {
     return position.QuadPart;
 }
 
+int resizeFile(FileHandle file, long long size) {
+    FILE_END_OF_FILE_INFO end{};
+    end.EndOfFile.QuadPart = size;
+    return SetFileInformationByHandle(asHandle(file), FileEndOfFileInfo, &end, sizeof end) != 0
+               ? 0
+               : negativeLastError();
+}
+
 int syncFile(FileHandle file) {
     return resultOf(FlushFileBuffers(asHandle(file)) != 0);
 }
