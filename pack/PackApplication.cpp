@@ -159,6 +159,10 @@ void PackApplication::List() {
     if (ReadArchive(reader, json ? nullptr : &progress)) {
         json ? printJson(Value("l"), reader) : printTable(reader);
     }
+    // Here the output is all there is: whoever keeps it must not take a part of it for a list.
+    if (Console::hasLostText()) {
+        result_ = failed;
+    }
 }
 
 void PackApplication::Check() {
