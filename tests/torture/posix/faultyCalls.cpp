@@ -6,7 +6,7 @@
 //   i  a signal interrupts it
 //   k  the process is killed in its place
 // The number 0 lets nothing go wrong. FAULT_REPORT is a file that takes the name of the call at
-// fault and, behind main, the number of calls that can go wrong in this way.
+// fault, or behind main the number of calls that can go wrong in this way.
 #include <dlfcn.h>
 #include <fcntl.h>
 #include <netdb.h>
@@ -45,16 +45,9 @@ Type* original(char const* name) {
 /// Whether the mode applies to the call.
 bool counts(char const* name, unsigned kind, Words words) {
     bool const console = name[0] == 'w' && words[0] <= 2;
-    switch (mode) {
-        case 's':
-            return (kind & moves) != 0 && words[2] > 1;
-        case 'i':
-            return (kind & waits) != 0;
-        case 'k':
-            return true;
-        default:
-            return console == (mode == 'w');
-    }
+    return mode == 's'   ? (kind & moves) != 0 && words[2] > 1
+           : mode == 'i' ? (kind & waits) != 0
+                         : mode == 'k' || console == (mode == 'w');
 }
 
 Word pass(char const* name, unsigned kind, Word failure, int error, Words words) {
@@ -105,41 +98,22 @@ extern "C" int __libc_start_main(Main* main, int argc, char** argv, void (*init)
         return pass(#name, kind, failure, error, words);                         \
     }
 
-CALL(open64, waits, -1, EMFILE)
-CALL(openat64, waits, -1, EMFILE)
-CALL(mkostemp64, waits, -1, ENOSPC)
-CALL(read, moves | waits, -1, EIO)
-CALL(write, moves | waits, -1, ENOSPC)
-CALL(close, takesPlace | waits, -1, EIO)
-CALL(fsync, waits, -1, EIO)
-CALL(lseek64, plain, -1, EIO)
-CALL(stat64, plain, -1, ENOMEM)
-CALL(lstat64, plain, -1, ENOMEM)
-CALL(fstat64, plain, -1, EIO)
-CALL(fstatat64, plain, -1, ENOMEM)
-CALL(fchmod, plain, -1, EPERM)
-CALL(realpath, plain, 0, ENOMEM)
-CALL(renameat, plain, -1, EIO)
-CALL(renameat2, plain, -1, EIO)
-CALL(unlink, plain, -1, EIO)
-CALL(unlinkat, plain, -1, EIO)
-CALL(mkdir, plain, -1, ENOSPC)
-CALL(mkdirat, plain, -1, ENOSPC)
-CALL(opendir, waits, 0, EMFILE)
-CALL(socket, plain, -1, EMFILE)
-CALL(bind, plain, -1, EADDRINUSE)
-CALL(listen, plain, -1, EADDRINUSE)
-CALL(accept4, waits, -1, EMFILE)
-CALL(poll, waits, -1, ENOMEM)
-CALL(send, moves | waits, -1, ECONNRESET)
-CALL(recv, moves | waits, -1, ECONNRESET)
-CALL(fcntl64, plain, -1, ENOMEM)
-CALL(shutdown, plain, -1, ENOTCONN)
-CALL(setsockopt, plain, -1, ENOBUFS)
-CALL(getsockopt, plain, -1, ENOBUFS)
-CALL(getsockname, plain, -1, ENOBUFS)
-CALL(getaddrinfo, plain, EAI_MEMORY, ENOMEM)
-CALL(getnameinfo, plain, EAI_MEMORY, ENOMEM)
-
 // An interrupted connect goes on by itself.
 CALL(connect, mode == 'i' ? takesPlace | waits : plain, -1, ECONNREFUSED)
+
+// clang-format off
+CALL(open64, waits, -1, EMFILE)               CALL(openat64, waits, -1, EMFILE)
+CALL(mkostemp64, waits, -1, ENOSPC)           CALL(read, moves | waits, -1, EIO)
+CALL(write, moves | waits, -1, ENOSPC)        CALL(close, takesPlace | waits, -1, EIO)
+CALL(lseek64, plain, -1, EIO)                 CALL(stat64, plain, -1, ENOMEM)
+CALL(fstat64, plain, -1, EIO)                 CALL(fstatat64, plain, -1, ENOMEM)
+CALL(fchmod, plain, -1, EPERM)                CALL(realpath, plain, 0, ENOMEM)
+CALL(renameat, plain, -1, EIO)                CALL(renameat2, plain, -1, EIO)
+CALL(unlink, plain, -1, EIO)                  CALL(mkdir, plain, -1, ENOSPC)
+CALL(mkdirat, plain, -1, ENOSPC)              CALL(socket, plain, -1, EMFILE)
+CALL(bind, plain, -1, EADDRINUSE)             CALL(listen, plain, -1, EADDRINUSE)
+CALL(accept4, waits, -1, EMFILE)              CALL(poll, waits, -1, ENOMEM)
+CALL(send, moves | waits, -1, ECONNRESET)     CALL(recv, moves | waits, -1, ECONNRESET)
+CALL(fcntl64, plain, -1, ENOMEM)              CALL(shutdown, plain, -1, ENOTCONN)
+CALL(setsockopt, plain, -1, ENOBUFS)          CALL(getsockname, plain, -1, ENOBUFS)
+CALL(getaddrinfo, plain, EAI_MEMORY, ENOMEM)  CALL(getnameinfo, plain, EAI_MEMORY, ENOMEM)
