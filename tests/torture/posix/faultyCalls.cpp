@@ -2,8 +2,8 @@
 // files and sockets inside main. FAULT says which: the mode's letter and the number of the call.
 //   f  it fails, if it is no write to the console
 //   w  it fails, if it is one
-//   s  it moves a single byte
-//   i  a signal interrupts it
+//   s  it moves a single byte, and so does every seventh call behind it
+//   i  a signal interrupts it and every seventh call behind it
 //   k  the process is killed in its place
 // The number 0 lets nothing go wrong. FAULT_REPORT is a file that takes the name of the call at
 // fault, or behind main the number of calls that can go wrong in this way.
@@ -42,6 +42,10 @@ Type* original(char const* name) {
     return reinterpret_cast<Type*>(dlsym(RTLD_NEXT, name));
 }
 
+bool isDue(long call) {
+    return mode == 's' || mode == 'i' ? chosen > 0 && (call - chosen) % 7 == 0 : call == chosen;
+}
+
 /// Whether the mode applies to the call.
 bool counts(char const* name, unsigned kind, Words words) {
     bool const console = name[0] == 'w' && words[0] <= 2;
@@ -51,7 +55,7 @@ bool counts(char const* name, unsigned kind, Words words) {
 }
 
 Word pass(char const* name, unsigned kind, Word failure, int error, Words words) {
-    bool const due = inMain && counts(name, kind, words) && ++calls == chosen;
+    bool const due = inMain && counts(name, kind, words) && isDue(++calls);
     if (due) {
         dprintf(report, "%s(%ld)\n", name, words[0]);
         if (mode == 'k') {
