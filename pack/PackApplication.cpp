@@ -133,6 +133,10 @@ void PackApplication::WriteArchive(StreamSequencerBuilder& builder, String const
         return;
     }
     long long const size = target.Tell();
+    if (size < 0) {
+        errors_.Add(fileFault("Archive not writable", path, static_cast<int>(size)));
+        return;
+    }
     // A new file is its owner's alone: whoever may read the recipe may read the archive.
     core::FileStream recipe;
     if (recipe.Open(manifest, sys::platform::openRead) == 0) {
@@ -155,6 +159,10 @@ void PackApplication::List() {
     if (ReadArchive(reader, json ? nullptr : &progress)) {
         json ? printJson(Value("l"), reader) : printTable(reader);
     }
+    // Here the output is all there is: whoever keeps it must not take a part of it for a list.
+    if (Console::hasLostText()) {
+        result_ = failed;
+    }
 }
 
 void PackApplication::Check() {
@@ -163,11 +171,16 @@ void PackApplication::Check() {
     if (!ReadArchive(reader, &progress)) {
         return;
     }
+    long long const size = archive_.Size();
+    if (size < 0) {
+        errors_.Add(fileFault("Archive not readable", Value("c"), static_cast<int>(size)));
+        return;
+    }
     progress.Finish(String::format("- The archive is sound: %1, %2, CRC-32 %3")
                         .argi(1, fileCount(reader.FileCount()))
                         .argi(2, sizeInColor(reader.GetPlace().end, doneColor))
                         .argi(3, hex(reader.GetCRC(), 8)));
-    long long const behind = archive_.Size() - reader.GetPlace().end;
+    long long const behind = size - reader.GetPlace().end;
     if (behind > 0) {
         Console::write(String::format("- Behind its end at offset %1 are %2 bytes that are no part "
                                       "of it")
@@ -191,14 +204,17 @@ void PackApplication::Extract() {
 
 bool PackApplication::ReadArchive(StreamSequencerReader& reader, core::ICopyCallback* progress) {
     String const path = Value(command_->option);
-    int const result = sys::openRegular(archive_, path);
+    int result = sys::openRegular(archive_, path);
     if (result != 0) {
         errors_.Add(fileFault("Archive not readable", path, result));
         return false;
     }
     reader.SetStream(&archive_);
     reader.SetProgress(progress);
-    String const fault = verdict(reader, reader.Read());
+    result = reader.Read();
+    String const fault = reader.GetReadError() != 0
+                             ? fileFault("Archive not readable", path, reader.GetReadError())
+                             : verdict(reader, result);
     if (!fault.IsEmpty()) {
         errors_.Add(fault);
     }

@@ -35,16 +35,24 @@ long long getFileSize(core::String const& path) {
 }
 
 unsigned int calculatesCRC32(core::String const& path) {
+    unsigned int crc = 0;
+    calculatesCRC32(path, crc);
+    return crc;
+}
+
+int calculatesCRC32(core::String const& path, unsigned int& crc) {
+    crc = 0;
     core::FileStream file;
-    if (openRegular(file, path) != 0) {
-        return 0;
+    int const result = openRegular(file, path);
+    if (result != 0) {
+        return result;
     }
     char piece[pieceSize];
-    unsigned int crc = 0;
-    for (int got = file.Read(piece, pieceSize); got > 0; got = file.Read(piece, pieceSize)) {
+    int got = file.Read(piece, pieceSize);
+    for (; got > 0; got = file.Read(piece, pieceSize)) {
         crc = core::crc32::update(piece, got, crc);
     }
-    return crc;
+    return got;
 }
 
 bool isDirectory(core::String const& path) {

@@ -25,6 +25,8 @@ long long getFileSize(core::String const& path);
 /// The CRC-32 of the whole file. 0 when it cannot be opened, as for an empty one; a read error
 /// ends the sum where it happened. Callers that must tell these apart ask exists and getFileSize.
 unsigned int calculatesCRC32(core::String const& path);
+/// The same, but it tells how it went: 0 when the whole file was read, or a negative error code.
+int calculatesCRC32(core::String const& path, unsigned int& crc);
 /// True when path is a folder, or leads to one, whose entries may be read.
 bool isDirectory(core::String const& path);
 /// The kind of what stands at path, which is a link for a link; none when there is nothing or it

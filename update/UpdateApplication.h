@@ -64,6 +64,7 @@ private:
     bool SendRecord(UpdateSession& session, Record const& record);
     bool QuitWithCommunicationError();
     bool QuitWithOpenError(UpdateSession const& session);
+    bool QuitWithReadError(UpdateSession const& session);
     /// Prints what the errors hold already.
     bool QuitWithList();
 };

@@ -129,8 +129,9 @@ bool UpdateApplication::MeasureFile(UpdateSession& session) {
                              true);
     }
     session.fileSize = static_cast<int>(size);
-    session.fileCrc = sys::file::calculatesCRC32(session.path);
-    return true;
+    // With the CRC of a part the device would take the whole file, and then refuse it.
+    return sys::file::calculatesCRC32(session.path, session.fileCrc) == 0 ||
+           QuitWithReadError(session);
 }
 
 bool UpdateApplication::Announce(UpdateSession& session) {
@@ -233,6 +234,13 @@ bool UpdateApplication::QuitWithOpenError(UpdateSession const& session) {
         String::format("Cannot open the file \"%1\". Please provide the correct rights")
             .argi(1, session.path),
         true);
+}
+
+bool UpdateApplication::QuitWithReadError(UpdateSession const& session) {
+    return QuitWithError("Error reading from the file",
+                         String::format("Error occurred reading the file \"%1\". This is a mess")
+                             .argi(1, session.path),
+                         true);
 }
 
 bool UpdateApplication::QuitWithList() {

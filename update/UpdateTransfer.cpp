@@ -58,11 +58,7 @@ bool UpdateApplication::SendFile(UpdateSession& session) {
         // Never more than was announced, even when the file has grown since.
         int const length = file.Read(piece, std::min(pieceSize, session.fileSize - sent));
         if (length < 1) {
-            return QuitWithError(
-                "Error reading from the file",
-                String::format("Error occurred reading the file \"%1\". This is a mess")
-                    .argi(1, session.path),
-                true);
+            return QuitWithReadError(session);
         }
         if (!SendPiece(session, piece, length, stall)) {
             return false;

@@ -37,7 +37,9 @@ int StreamSequencerReader::Read() {
     place_ = {};
     dataSize_ = 0;
     streamSize_ = stream_->Size();
-    if (stream_->Seek(0) != 0) {
+    long long const start = stream_->Seek(0);
+    readError_ = static_cast<int>(std::min(start, 0LL));
+    if (start != 0) {
         return endsEarly;
     }
     using Step = int (StreamSequencerReader::*)();
@@ -188,6 +190,7 @@ bool StreamSequencerReader::Take(void* buffer, int length) {
     for (int done = 0; done < length;) {
         int const got = stream_->Read(bytes + done, length - done);
         if (got < 1) {
+            readError_ = got;
             return false;
         }
         done += got;

@@ -62,6 +62,9 @@ public:
 
     /// Where Read stopped: the faulty piece, or the trailer of a sound archive.
     Place const& GetPlace() const { return place_; }
+    /// The negative error code of the read that failed, where it was not the stream that ended; 0
+    /// when none did.
+    int GetReadError() const { return readError_; }
     /// The CRC in the trailer; GetCRC is that of the stream.
     unsigned GetTrailerCRC() const { return trailerCrc_; }
 
@@ -95,6 +98,7 @@ private:
     ICopyCallback* progress_ = nullptr;
     long long streamSize_ = -1;
     Place place_;
+    int readError_ = 0;
     bool sound_ = false;
     unsigned headerFlags_ = 0;
     unsigned trailerCrc_ = 0;

@@ -1,5 +1,6 @@
 #include "core/console/Console.h"
 
+#include <atomic>
 #include <cstddef>
 #include <string_view>
 
@@ -15,6 +16,8 @@ namespace {
 
 using sys::platform::StandardStream;
 
+std::atomic<bool> lostText = false;
+
 void writeFor(StandardStream stream, String const& text, bool newline) {
     if (sys::Screen* const screen = sys::screenOf(stream)) {
         return Console::write(*screen, text, newline);
@@ -25,7 +28,10 @@ void writeFor(StandardStream stream, String const& text, bool newline) {
         out.Append('\n');
     }
     // Line and line feed in one piece, so that lines of several threads do not mix.
-    sys::platform::writeStandardOutput(out.getCString(), static_cast<std::size_t>(out.GetLength()));
+    auto const length = static_cast<std::size_t>(out.GetLength());
+    if (!sys::platform::writeStandardOutput(out.getCString(), length)) {
+        lostText = true;
+    }
 }
 
 }  // namespace
@@ -36,6 +42,10 @@ void Console::write(String const& text, bool newline) {
 
 void Console::ewrite(String const& text, bool newline) {
     writeFor(StandardStream::error, text, newline);
+}
+
+bool Console::hasLostText() {
+    return lostText;
 }
 
 void Console::write(sys::Screen& screen, String const& text, bool newline) {

@@ -100,12 +100,14 @@ public:
     static String color(String const& text, Color c);
 
     /// Writes text to standard output, prompt and whole, with a line feed behind it when newline
-    /// is set. Where it goes is found out anew each time. Nothing is reported: a console that has
-    /// gone away must not end an update.
+    /// is set. Where it goes is found out anew each time. Nothing is reported at once: a console
+    /// that has gone away must not end an update.
     static void write(String const& text, bool newline);
     /// The same, except that the sequences are meant for the console of standard error. The text
     /// itself goes to standard output all the same, as those who collect it there expect.
     static void ewrite(String const& text, bool newline);
+    /// Whether anything that was written to standard output so far has not arrived there.
+    static bool hasLostText();
     /// Writes text to the screen and carries out the sequences on it; see ConsoleInterpreter.
     static void write(sys::Screen& screen, String const& text, bool newline);
 

@@ -105,16 +105,16 @@ SocketResult ServerSocket::StartOne(int index) {
         return socket_result::noAddress;
     }
     ClassRef<Socket> const socket(new Socket(info->GetSocketAddress()->GetDomain(), type_));
-    SocketResult const result = socket->Bind(info);
+    SocketResult result = socket->Bind(info);
+    if (result == socket_result::success && type_ == SocketType::stream) {
+        result = ListenOn(*socket);
+    }
+    if (result == socket_result::success) {
+        result = socket->GetSockName(slot.bound, true);
+    }
     if (result != socket_result::success) {
         return result;
     }
-    if (type_ == SocketType::stream) {
-        // Here already, so that who reads the bound address from us can connect at once; the
-        // worker tries again if it failed.
-        socket->Listen();
-    }
-    socket->GetSockName(slot.bound, true);
     slot.worker = std::make_unique<ServerSocketThread>(*this, socket, slot.bind, index);
     if (!slot.worker->Start()) {
         slot.worker.reset();
@@ -122,6 +122,14 @@ SocketResult ServerSocket::StartOne(int index) {
         return socket_result::failed;
     }
     return socket_result::success;
+}
+
+/// Before the worker starts, so that who reads the bound address from us can connect at once.
+SocketResult ServerSocket::ListenOn(Socket& socket) {
+    SocketResult const result = socket.Listen();
+    // A client may go away between the wait and the accept, which must not wait for the next one.
+    bool const waits = result == socket_result::success && !socket.setBlocking(false);
+    return waits ? socket_result::failed : result;
 }
 
 bool ServerSocket::IsListening() const {

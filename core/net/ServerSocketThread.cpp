@@ -7,7 +7,6 @@ namespace core {
 
 namespace {
 
-int const listenRetry = 2;     ///< ms between two attempts to listen
 int const waitSlice = 100;     ///< ms of waiting between two looks at the termination request
 int const acceptBackOff = 50;  ///< ms after a failed accept: without free descriptors it would spin
 
@@ -44,10 +43,6 @@ void ServerSocketThread::Execute() {
 }
 
 void ServerSocketThread::ExecuteStream() {
-    // A client may go away between the wait and the accept, which must not wait for the next one.
-    if (!ListenUntilTermination() || !socket_->setBlocking(false)) {
-        return;
-    }
     while (!IsTerminationRequested()) {
         if (!socket_->CanRecv(waitSlice)) {
             continue;
@@ -68,16 +63,6 @@ void ServerSocketThread::ExecuteDatagram() {
             server_.DoAccept(socket_, bind_, index_);
         }
     }
-}
-
-bool ServerSocketThread::ListenUntilTermination() {
-    while (!IsTerminationRequested()) {
-        if (socket_->Listen() == socket_result::success) {
-            return true;
-        }
-        sys::scheduler::sleepms(listenRetry);
-    }
-    return false;
 }
 
 void ServerSocketThread::DeleteSocket() {

@@ -15,7 +15,8 @@ class ServerSocket;
 /// the other, until its termination is requested.
 class ServerSocketThread : public Thread {
 public:
-    /// Serves the bound socket for server, which must outlive the worker.
+    /// Serves the bound socket for server, which must outlive the worker. A stream socket listens
+    /// already and does not block.
     ServerSocketThread(ServerSocket& server, ClassRef<Socket> const& socket, String const& bind,
                        int index);
     ~ServerSocketThread() override;
@@ -31,7 +32,6 @@ protected:
 private:
     void ExecuteStream();
     void ExecuteDatagram();
-    bool ListenUntilTermination();
     void DeleteSocket();
 
     ServerSocket& server_;

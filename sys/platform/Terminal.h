@@ -11,7 +11,7 @@ enum class StandardStream { output, error };
 bool terminalTakesSequences(StandardStream stream);
 
 /// Writes all bytes to standard output at once, unbuffered, so that a reader of a pipe sees them as
-/// they happen. An output that is closed, full or gone is ignored: it must not end an update.
-void writeStandardOutput(char const* text, std::size_t length);
+/// they happen. False when the output is closed, full or gone: that must not end an update.
+bool writeStandardOutput(char const* text, std::size_t length);
 
 }  // namespace sys::platform

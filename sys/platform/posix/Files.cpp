@@ -32,20 +32,6 @@ int descriptor(FileHandle file) {
     return static_cast<int>(file);
 }
 
-/// Runs a call again for as long as a signal interrupts it; its result or the negative errno.
-template <class Call>
-int withoutInterruption(Call call) {
-    for (;;) {
-        auto const result = call();
-        if (result >= 0) {
-            return static_cast<int>(result);
-        }
-        if (errno != EINTR) {
-            return -errno;
-        }
-    }
-}
-
 /// Stores what a stat call found; its result as 0 or the negative errno.
 int takeStatus(int result, struct stat const& found, FileStatus& status) {
     if (result != 0) {
@@ -151,8 +137,10 @@ void copyPermissions(FileHandle from, FileHandle to) {
 }
 
 int closeFile(FileHandle file) {
-    // Not repeated after EINTR: the descriptor is already gone and may be somebody else's by now.
-    return negativeErrno(close(descriptor(file)));
+    int const result = negativeErrno(close(descriptor(file)));
+    // No failure, and not to be repeated: the file is closed all the same, and its descriptor may
+    // be somebody else's by now.
+    return result == -EINTR ? 0 : result;
 }
 
 int statPath(char const* path, FileStatus& status) {

@@ -23,9 +23,8 @@ int const folderFlags = O_PATH | O_DIRECTORY | O_CLOEXEC;
 /// its name: whoever moves folders or puts up links meanwhile cannot lead it elsewhere.
 class Descent {
 public:
-    explicit Descent(char const* folder) : at_(open(folder, folderFlags)) {
-        at_ = at_ < 0 ? -errno : at_;
-    }
+    explicit Descent(char const* folder)
+        : at_(withoutInterruption([&] { return open(folder, folderFlags); })) {}
     Descent(Descent const&) = delete;
     Descent& operator=(Descent const&) = delete;
     ~Descent() { Close(); }
@@ -46,13 +45,13 @@ private:
         if (create && mkdirat(at_, name, 0777) != 0 && errno != EEXIST) {
             return -errno;
         }
-        int const next = openat(at_, name, folderFlags | O_NOFOLLOW);
+        int const next =
+            withoutInterruption([&] { return openat(at_, name, folderFlags | O_NOFOLLOW); });
         if (next < 0) {
-            int const result = -errno;
             struct stat found {};
             bool const link =
                 fstatat(at_, name, &found, AT_SYMLINK_NOFOLLOW) == 0 && S_ISLNK(found.st_mode);
-            return link ? -ELOOP : result;
+            return link ? -ELOOP : next;
         }
         Close();
         at_ = next;
@@ -96,9 +95,10 @@ int statBelow(char const* folder, char const* path, FileStatus& status) {
 
 int createBelow(char const* folder, char const* path, FileHandle& opened) {
     return inParent(folder, path, true, [&](int parent, char const* name) {
-        int const file = openat(parent, name, O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+        int const flags = O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC;
+        int const file = withoutInterruption([&] { return openat(parent, name, flags, 0666); });
         opened = file >= 0 ? file : noFile;
-        return file >= 0 ? 0 : -errno;
+        return std::min(file, 0);
     });
 }
 

@@ -20,7 +20,7 @@ bool terminalTakesSequences(StandardStream stream) {
     return terminal != nullptr && *terminal != '\0' && std::string_view(terminal) != "dumb";
 }
 
-void writeStandardOutput(char const* text, std::size_t length) {
+bool writeStandardOutput(char const* text, std::size_t length) {
     while (length > 0) {
         ssize_t const written = write(STDOUT_FILENO, text, length);
         if (written > 0) {
@@ -31,9 +31,10 @@ void writeStandardOutput(char const* text, std::size_t length) {
             pollfd waiting{STDOUT_FILENO, POLLOUT, 0};
             poll(&waiting, 1, -1);
         } else if (written == 0 || errno != EINTR) {
-            return;
+            return false;
         }
     }
+    return true;
 }
 
 }  // namespace sys::platform

@@ -17,6 +17,20 @@ inline int negativeErrno(int result) {
     return result == 0 ? 0 : -errno;
 }
 
+/// Runs a call again for as long as a signal interrupts it; its result or the negative errno.
+template <class Call>
+int withoutInterruption(Call call) {
+    for (;;) {
+        auto const result = call();
+        if (result >= 0) {
+            return static_cast<int>(result);
+        }
+        if (errno != EINTR) {
+            return -errno;
+        }
+    }
+}
+
 /// Moves a text that the C library allocated into text; null means that the call failed.
 inline int takeText(char* allocated, std::string& text) {
     if (allocated == nullptr) {

@@ -11,17 +11,18 @@ namespace sys::platform {
 namespace {
 
 /// In UTF-16, because a console reads 8-bit text in a code page of its own.
-void writeToConsole(HANDLE console, std::string_view text) {
+bool writeToConsole(HANDLE console, std::string_view text) {
     std::wstring const words = wide(text);
     for (std::wstring_view rest = words; !rest.empty();) {
         DWORD written = 0;
         if (WriteConsoleW(console, rest.data(), static_cast<DWORD>(rest.size()), &written,
                           nullptr) == 0 ||
             written == 0) {
-            return;
+            return false;
         }
         rest.remove_prefix(written);
     }
+    return true;
 }
 
 }  // namespace
@@ -31,7 +32,7 @@ bool terminalTakesSequences(StandardStream) {
     return false;
 }
 
-void writeStandardOutput(char const* text, std::size_t length) {
+bool writeStandardOutput(char const* text, std::size_t length) {
     HANDLE const output = GetStdHandle(STD_OUTPUT_HANDLE);
     DWORD mode = 0;
     if (GetConsoleMode(output, &mode) != 0) {
@@ -41,11 +42,12 @@ void writeStandardOutput(char const* text, std::size_t length) {
         DWORD written = 0;
         if (WriteFile(output, text, static_cast<DWORD>(length), &written, nullptr) == 0 ||
             written == 0) {
-            return;
+            return false;
         }
         text += written;
         length -= written;
     }
+    return true;
 }
 
 }  // namespace sys::platform

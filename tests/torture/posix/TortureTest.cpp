@@ -1,0 +1,230 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <atomic>
+#include <filesystem>
+#include <map>
+#include <optional>
+#include <regex>
+
+#include "tests/device/ScenarioDevice.h"
+#include "tests/pack/packing.h"
+#include "tests/support/posix/SmallDisk.h"
+#include "tests/support/system.h"
+#include "tests/update/TestedUpdater.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+using support::contentOf;
+using Files = std::map<std::string, std::string>;
+
+/// What the program under torture talks with, sound and in this process.
+enum class Peer { none, device, updater };
+
+struct Scenario {
+    std::string name;
+    std::string command;  ///< "@" stands for the folder, "ADDRESS" for the device's
+    std::string modes;    ///< see faultyCalls.cpp; d: the disk is full
+    Peer peer = Peer::none;
+    std::vector<std::string> old = {};  ///< files in work/ that are to be replaced
+};
+
+struct Ran {
+    std::string output;
+    int status = 0;
+    std::string fault;  ///< the call that went wrong, or how many could have
+    Files files;        ///< what lies in work/ then
+    bool claims = false;
+    bool peerClaims = false;
+};
+
+std::string const updated = "The device is updated and it will restart itself if needed.";
+
+bool contains(std::string const& text, std::string const& part) {
+    return text.find(part) != std::string::npos;
+}
+
+class Torture : public testing::TestWithParam<std::pair<Scenario, char>> {
+protected:
+    Torture() {
+        fs::create_directory(folder_.PathOf("work"));
+        folder_.Write("a", std::string(30'000, 'a'));
+        folder_.Write("b", "b");
+        folder_.Write("m.conf",
+                      "crypt = All\nuniqueId = 1\ntargetId = t\nfile.count = 2\n"
+                      "file[0].origin = a\nfile[0].destination = dir/a\nfile[1].origin = b\n");
+        Prepare();
+        for (std::string const& name : scenario_.old) {
+            before_[name] = "old";
+        }
+        Run("f0", RAVELINK_PACK " -b @m.conf -o @a.rvl");
+        folder_.Write("tail.rvl", contentOf(folder_.PathOf("a.rvl")) + "tail");
+        TestedUpdater::Instance().limits = {};
+        TestedUpdater::Instance().limits.headerAnswer = 20;
+    }
+
+    void Prepare() {
+        for (auto const& entry : fs::directory_iterator(folder_.PathOf("work"))) {
+            fs::remove_all(entry);
+        }
+        fs::create_directory(folder_.PathOf("work/tmp"));
+        fs::create_directory(folder_.PathOf("work/dir"));
+        for (auto const& [name, content] : before_) {
+            folder_.Write("work/" + name, content);
+        }
+    }
+
+    Ran Run(std::string const& fault, std::string command) {
+        std::string const report = folder_.PathOf("report");
+        fs::remove(report);
+        command = "timeout 20 env LD_PRELOAD=" RAVELINK_FAULTS
+                  " ASAN_OPTIONS=exitcode=99 TMPDIR=@work/tmp FAULT_REPORT=@report FAULT=" +
+                  fault + " " + command + " 2>&1";
+        command = support::replaced(command, "ADDRESS", device_.Address());
+        std::FILE* const pipe =
+            support::openPipe(support::replaced(command, "@", folder_.Path() + "/"));
+        Ran ran;
+        int const before = completed_;
+        std::string line;
+        for (int c = std::fgetc(pipe); c != EOF; c = std::fgetc(pipe)) {
+            line += static_cast<char>(c);
+            if (c == '\n') {
+                if (line.starts_with("- Listening on: ") && contains(line, "127.")) {
+                    ran.peerClaims =
+                        TestedUpdater::Instance()
+                            .RunSession(folder_.PathOf("a.rvl"), line.substr(line.find("127.")))
+                            .back() == updated;
+                }
+                ran.output += line.starts_with("  System is still updating.") ? "" : line;
+                line.clear();
+            }
+        }
+        ran.output = std::regex_replace(ran.output, std::regex("127.0.0.1:[0-9]+"), "");
+        ran.status = support::closePipe(pipe);
+        ran.fault = contentOf(report);
+        for (auto const& entry : fs::recursive_directory_iterator(folder_.PathOf("work"))) {
+            if (entry.is_regular_file()) {
+                ran.files[entry.path().lexically_relative(folder_.PathOf("work")).string()] =
+                    contentOf(entry.path());
+            }
+        }
+        ran.claims =
+            scenario_.peer == Peer::device ? contains(ran.output, updated) : ran.status == 0;
+        ran.peerClaims = ran.peerClaims || completed_ > before;
+        return ran;
+    }
+
+    /// Nothing but what was there or is to be there may lie under a final name.
+    void ExpectWholeFiles(Ran const& ran, Ran const& sound, std::string const& temporary) {
+        for (auto const& file : ran.files) {
+            EXPECT_TRUE(std::count(before_.begin(), before_.end(), file) > 0 ||
+                        std::count(sound.files.begin(), sound.files.end(), file) > 0 ||
+                        std::regex_search(file.first, std::regex(temporary)))
+                << file.first;
+        }
+    }
+
+    void ExpectTruth(Ran const& ran, Ran const& sound) {
+        EXPECT_TRUE(ran.status == 0 || (ran.status == 1 && scenario_.peer != Peer::device));
+        if (!ran.claims) {
+            EXPECT_TRUE(contains(ran.output, "*** ") || contains(ran.output, "\"error\":{"));
+            // A file that could not be read is no bad file.
+            EXPECT_FALSE(std::regex_search(ran.output, std::regex("cut short|your math")));
+            EXPECT_FALSE(ran.peerClaims && scenario_.peer == Peer::updater);
+        } else if (scenario_.peer == Peer::none) {
+            EXPECT_EQ(ran.output, sound.output);
+        } else if (scenario_.peer == Peer::device) {
+            EXPECT_TRUE(ran.peerClaims);
+        } else {
+            EXPECT_TRUE(contains(ran.output, "- Archive: sound, files in it: 2"));
+        }
+        EXPECT_TRUE(!ran.claims || std::includes(ran.files.begin(), ran.files.end(),
+                                                 sound.files.begin(), sound.files.end()));
+    }
+
+    Scenario const& scenario_ = GetParam().first;
+    Files before_;  ///< what lies in work/ when the program starts
+    support::TemporaryFolder folder_;
+    std::atomic<int> completed_ = 0;
+    /// It takes nothing but sound archives, so that what it completes it has received.
+    ScenarioDevice device_{[this](device::Moment const& moment, device::Wire& wire) {
+                               completed_ += moment.step == device::Step::Complete ? 1 : 0;
+                               return device::Behaviour().Act(moment, wire);
+                           },
+                           {},
+                           ScenarioDevice::Content::archives};
+};
+
+TEST_P(Torture, NoLieAndNothingHalfDone) {
+    std::string const mode(1, GetParam().second);
+    Prepare();
+    Ran const sound = Run(mode + "0", scenario_.command);
+    ASSERT_TRUE(sound.claims) << sound.output;
+    // What must succeed goes wrong in many places at once.
+    bool const patient = mode == "s" || mode == "i";
+    if (!patient) {
+        update::SessionLimits& limits = TestedUpdater::Instance().limits;
+        limits.requestAnswer = limits.completion = 150;
+        limits.notification = 50;
+    }
+    std::optional<support::SmallDisk> disk;
+    if (mode == "d" && !disk.emplace(folder_.PathOf("work")).IsMounted()) {
+        GTEST_SKIP() << "only root may mount a small disk";
+    }
+    long const last = disk ? 14 : patient ? 7 : std::atol(sound.fault.c_str());
+    ASSERT_GT(last, 0);
+    for (long number = 1; number <= last; ++number) {
+        if (disk) {
+            before_["filler"] = std::string(static_cast<std::size_t>(number) * 4096, 'x');
+        }
+        Prepare();
+        Ran const ran = Run(mode + (disk ? "0" : std::to_string(number)), scenario_.command);
+        SCOPED_TRACE(mode + std::to_string(number) + " " + ran.fault + "\n" + ran.output);
+        if (mode == "k") {
+            ExpectWholeFiles(ran, sound, "\\.copy-|\\.unpacking-|Vorx-|status$");
+            // The next one is not troubled by what the killed one left.
+            Ran const next = Run("k0", scenario_.command);
+            EXPECT_TRUE(next.claims) << next.output;
+            ExpectTruth(next, sound);
+            continue;
+        }
+        ExpectWholeFiles(ran, sound, ran.fault.starts_with("unlink") ? "" : "^$");
+        if (mode == "w") {
+            // Only a list is nothing but its output.
+            EXPECT_EQ(ran.claims, scenario_.name != "List");
+            continue;
+        }
+        ExpectTruth(ran, sound);
+        EXPECT_TRUE(!patient || (ran.claims && ran.output == sound.output));
+        EXPECT_FALSE(disk && number == last && ran.claims) << "there was no room";
+    }
+}
+
+std::vector<std::pair<Scenario, char>> cases() {
+    std::string const build = RAVELINK_PACK " -b @m.conf -o @work/a.rvl";
+    std::string const unpack = RAVELINK_PACK " -x @a.rvl -d @work";
+    std::vector<std::pair<Scenario, char>> all;
+    // The slowest first, so that they run beside the others.
+    for (Scenario const& scenario : {
+             Scenario{"Device", RAVELINK_DEVICE " --once -c -b 127.0.0.1:0", "fsi", Peer::updater},
+             Scenario{"Update", RAVELINK " -o @a.rvl -a ADDRESS", "fsik", Peer::device},
+             Scenario{"Build", build, "fwsikd"},
+             Scenario{"Rebuild", build, "fkd", Peer::none, {"a.rvl"}},
+             Scenario{"Unpack", unpack + "/new", "fsid"},
+             Scenario{"Replace", unpack + " -f", "fkd", Peer::none, {"b", "dir/a"}},
+             Scenario{"Check", RAVELINK_PACK " -c @tail.rvl", "fsi"},
+             Scenario{"List", RAVELINK_PACK " -l @a.rvl -j", "fwsi"},
+         }) {
+        for (char const mode : scenario.modes) {
+            all.emplace_back(scenario, mode);
+        }
+    }
+    return all;
+}
+
+INSTANTIATE_TEST_SUITE_P(Programs, Torture, testing::ValuesIn(cases()), [](auto const& row) {
+    return row.param.first.name + "_" + row.param.second;
+});
+
+}  // namespace
