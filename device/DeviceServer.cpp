@@ -23,15 +23,18 @@ char const* DeviceServer::ClassName() const {
     return "DeviceServer";
 }
 
-void DeviceServer::HandleConnection(core::ClassRef<core::Socket>& socket, core::String const&,
+void DeviceServer::HandleConnection(core::ClassRef<core::Socket>& socket, core::String const& bind,
                                     int) {
     core::String peer;
     socket->GetTarget(peer);
     observer_.OnConnection(peer);
     Wire wire(*socket, limits_, observer_, stop_);
     core::String name;
-    socket->GetSockName(name, true);
-    Inbox inbox(intake_, name.Replace("|", "-"));
+    if (socket->GetSockName(name, true) != core::socket_result::success) {
+        name = bind;
+    }
+    // A colon, which an IPv6 address has, is no part of a file's name everywhere.
+    Inbox inbox(intake_, name.Replace("|", "-").Replace(":", "."));
     // The number of the update, from 1 on, serves as its token: a zeroed record never matches.
     Conversation conversation(wire, behaviour_, observer_, inbox, ++updates_);
     Outcome const outcome = conversation.Run();

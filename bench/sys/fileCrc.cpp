@@ -1,6 +1,6 @@
-#include "sys/file.h"
-
 #include <cstdio>
+
+#include "sys/file.h"
 
 /// fileCrc PATH: prints the CRC-32 of a file as the updater computes it.
 int main(int argc, char** argv) {

@@ -12,7 +12,8 @@ namespace core {
 
 namespace {
 
-int const stopSlice = 5;  ///< ms between two looks at the workers that are to end
+int const patience = 100;  ///< ms that a worker may take until it listens
+int const stopSlice = 5;   ///< ms between two looks at the workers that are to end
 
 }  // namespace
 
@@ -106,9 +107,6 @@ SocketResult ServerSocket::StartOne(int index) {
     }
     ClassRef<Socket> const socket(new Socket(info->GetSocketAddress()->GetDomain(), type_));
     SocketResult result = socket->Bind(info);
-    if (result == socket_result::success && type_ == SocketType::stream) {
-        result = ListenOn(*socket);
-    }
     if (result == socket_result::success) {
         result = socket->GetSockName(slot.bound, true);
     }
@@ -121,15 +119,10 @@ SocketResult ServerSocket::StartOne(int index) {
         slot.bound.Clear();
         return socket_result::failed;
     }
+    // Who reads the bound address from us can connect at once. A worker that cannot listen yet goes
+    // on trying.
+    slot.worker->WaitUntilReady(patience);
     return socket_result::success;
-}
-
-/// Before the worker starts, so that who reads the bound address from us can connect at once.
-SocketResult ServerSocket::ListenOn(Socket& socket) {
-    SocketResult const result = socket.Listen();
-    // A client may go away between the wait and the accept, which must not wait for the next one.
-    bool const waits = result == socket_result::success && !socket.setBlocking(false);
-    return waits ? socket_result::failed : result;
 }
 
 bool ServerSocket::IsListening() const {

@@ -77,7 +77,6 @@ private:
         std::unique_ptr<ServerSocketThread> worker;
     };
 
-    static SocketResult ListenOn(Socket& socket);
     bool InUse(int index) const { return index >= 0 && index < count_; }
     void StopRange(int first, int last, long long timeoutMs);
     bool ReapFinished(int first, int last);

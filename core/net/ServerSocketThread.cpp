@@ -7,6 +7,7 @@ namespace core {
 
 namespace {
 
+int const listenRetry = 2;     ///< ms between two attempts to listen
 int const waitSlice = 100;     ///< ms of waiting between two looks at the termination request
 int const acceptBackOff = 50;  ///< ms after a failed accept: without free descriptors it would spin
 
@@ -43,6 +44,10 @@ void ServerSocketThread::Execute() {
 }
 
 void ServerSocketThread::ExecuteStream() {
+    if (!ListenUntilTermination()) {
+        return;
+    }
+    ready_.Signal();
     while (!IsTerminationRequested()) {
         if (!socket_->CanRecv(waitSlice)) {
             continue;
@@ -57,12 +62,28 @@ void ServerSocketThread::ExecuteStream() {
 }
 
 void ServerSocketThread::ExecuteDatagram() {
+    ready_.Signal();
     // The handler receives the datagram itself, from our own socket.
     while (!IsTerminationRequested()) {
         if (socket_->CanRecv(waitSlice)) {
             server_.DoAccept(socket_, bind_, index_);
         }
     }
+}
+
+bool ServerSocketThread::ListenUntilTermination() {
+    while (!IsTerminationRequested()) {
+        if (Listen()) {
+            return true;
+        }
+        sys::scheduler::sleepms(listenRetry);
+    }
+    return false;
+}
+
+bool ServerSocketThread::Listen() {
+    // A client may go away between the wait and the accept, which must not wait for the next one.
+    return socket_->Listen() == socket_result::success && socket_->setBlocking(false);
 }
 
 void ServerSocketThread::DeleteSocket() {

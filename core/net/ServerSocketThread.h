@@ -4,6 +4,7 @@
 
 #include "core/net/Socket.h"
 #include "core/object/ClassRef.h"
+#include "core/runtime/Event.h"
 #include "core/runtime/Thread.h"
 #include "core/text/String.h"
 
@@ -15,8 +16,7 @@ class ServerSocket;
 /// the other, until its termination is requested.
 class ServerSocketThread : public Thread {
 public:
-    /// Serves the bound socket for server, which must outlive the worker. A stream socket listens
-    /// already and does not block.
+    /// Serves the bound socket for server, which must outlive the worker.
     ServerSocketThread(ServerSocket& server, ClassRef<Socket> const& socket, String const& bind,
                        int index);
     ~ServerSocketThread() override;
@@ -26,18 +26,24 @@ public:
     /// The place of the address in the server's table, which changes when another is removed.
     void SetIndex(int index) { index_ = index; }
 
+    /// Waits up to ms milliseconds until clients can reach the socket.
+    void WaitUntilReady(int ms) { ready_.Wait(ms); }
+
 protected:
     void Execute() override;
 
 private:
     void ExecuteStream();
     void ExecuteDatagram();
+    bool ListenUntilTermination();
+    bool Listen();
     void DeleteSocket();
 
     ServerSocket& server_;
     ClassRef<Socket> socket_;
     String bind_;  ///< a copy of our own: texts are not shared between threads
     std::atomic<int> index_;
+    Event ready_;
 };
 
 }  // namespace core

@@ -1,5 +1,4 @@
 #include <algorithm>
-#include <cmath>
 #include <cstdio>
 
 #include "core/text/String.h"
@@ -64,8 +63,9 @@ String String::FormatByteSize(long long bytes, bool roundUp) {
     double const scaled = value / unit->bytes;
     char text[64];
     if (roundUp) {
-        std::snprintf(text, sizeof text, "%lli %s", static_cast<long long>(std::ceil(scaled)),
-                      unit->name);
+        auto const size = static_cast<long long>(unit->bytes);
+        long long const whole = bytes / size + (bytes % size > 0 ? 1 : 0);
+        std::snprintf(text, sizeof text, "%lli %s", whole, unit->name);
     } else {
         std::snprintf(text, sizeof text, "%0.1f %s", scaled, unit->name);
     }

@@ -28,9 +28,7 @@ core::ClassRef<core::MemoryStream> memory(std::string const& bytes) {
 
 class Builder : public core::StreamSequencerBuilder {
 public:
-    Builder() {
-        AddFile("").SetText(core::StreamDescriptor::Text::name, "content");
-    }
+    Builder() { AddFile("").SetText(core::StreamDescriptor::Text::name, "content"); }
 
 protected:
     core::ClassRef<core::Stream> OpenData(int, int&) override {
