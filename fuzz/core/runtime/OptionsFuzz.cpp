@@ -52,12 +52,31 @@ bool allows(StringArray const& grammar, Stored const& option) {
     return false;
 }
 
+/// Whether no word can mean two entries: each has both its names, and shares none.
+bool isClear(StringArray const& grammar) {
+    for (int i = 0; i < grammar.Count(); ++i) {
+        String shortName;
+        String longName;
+        Application::SplitOption(grammar.GetNameByIndex(i), shortName, longName);
+        if (shortName.IsEmpty() || longName.IsEmpty()) {
+            return false;
+        }
+        for (int other = 0; other < i; ++other) {
+            if (Application::SameOption(grammar.GetNameByIndex(other), grammar.GetNameByIndex(i))) {
+                return false;
+            }
+        }
+    }
+    return true;
+}
+
 void requireSense(String const& grammar, std::vector<Stored> const& options,
                   StringArray const& errors, std::size_t given) {
     StringArray entries;
     grammar.Split(entries, '>');
+    bool const clear = isClear(entries);
     for (Stored const& option : options) {
-        require(allows(entries, option));
+        require(!clear || allows(entries, option));
         String values;
         require(option.shortName.IsEmpty() ||
                 application().GetOptionValues(option.shortName, values));
