@@ -209,7 +209,7 @@ std::vector<std::pair<Scenario, char>> cases() {
     std::vector<std::pair<Scenario, char>> all;
     // The slowest first, so that they run beside the others.
     for (Scenario const& scenario : {
-             Scenario{"Store", RAVELINK_DEVICE " --once -c -d @work -b 127.0.0.1:0", "fsik",
+             Scenario{"Store", RAVELINK_DEVICE " --once -c -d @work -b 127.0.0.1:0", "fsikd",
                       Peer::updater},
              Scenario{"Update", RAVELINK " -o @a.rvl -a ADDRESS", "fsik", Peer::device},
              Scenario{"Build", build, "fwsikd"},
