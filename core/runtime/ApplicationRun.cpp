@@ -63,7 +63,9 @@ void Application::Loop() {
                                    {30 * second, &Application::Idle30s, base},
                                    {60 * second, &Application::Idle60s, base}}};
     unsigned long long nextDue = 0;
-    timerStart();
+    if (!IsTerminationRequested()) {
+        timerStart();
+    }
     while (!IsTerminationRequested()) {
         if (wakeEvent_.Wait(waitUntil(nextDue)) == Event::signalled) {
             wakeEvent_.Clear();

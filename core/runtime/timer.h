@@ -5,7 +5,7 @@ namespace core {
 /// Arms the wake-up timer; false when it is armed already.
 bool timerInit();
 /// Starts an armed timer, which calls TimerFunc every 250 ms on a thread of its own. Not before the
-/// main loop: many programs never get there, and the thread is a third of their start-up time.
+/// main loop: many programs never get there, and the thread is a seventh of their start-up time.
 void timerStart();
 /// Disarms it and waits until its thread has ended.
 void timerDone();
