@@ -72,11 +72,13 @@ class Table:
 
     def __init__(self):
         self.rows = []
+        self.advantages = []  # how many times better than a peer we are, with what to call it
 
     def add(self, path, unit, ours, peer, theirs, goal, at_least):
         """ours and theirs are lists of measures; a goal is for the ratio of their medians."""
         mine, other = statistics.median(ours), statistics.median(theirs)
         ratio = mine / other
+        self.advantages.append((f"{path}: {peer}", ratio if at_least else 1 / ratio))
         wanted, verdict = "", ""
         if goal is not None:
             met = ratio >= goal if at_least else ratio <= goal
@@ -238,35 +240,42 @@ class Comparison:
 
     def footprint(self):
         """Memory as GNU time tells it: a child of ours would count our own as well."""
-        taker = sink.Sink(sink.device(lambda: 0), SINK_CPU)
-        command = ["time", "-f", "%M", self.program("ravelink"), "-o", self.file, "-a",
-                   f"127.0.0.1:{taker.port}"]
-        told = subprocess.run(command, stdout=subprocess.DEVNULL, stderr=subprocess.PIPE, text=True,
-                              check=True).stderr
-        taker.result()
-        self.table.limit("memory, file of 1 GiB", "MB", int(told.split()[-1]) / 1024, 4)
+
+        def memory(serve, *command):
+            taker = sink.Sink(serve, SINK_CPU)
+            command = [word.format(port=taker.port) for word in command]
+            with open(self.file, "rb") as file:
+                told = subprocess.run(["time", "-f", "%M"] + command, stdin=file,
+                                      stdout=subprocess.DEVNULL, stderr=subprocess.PIPE, text=True,
+                                      check=True).stderr
+            taker.result()
+            return int(told.split()[-1]) / 1024
+
+        ours = memory(sink.device(lambda: 0), self.program("ravelink"), "-o", self.file, "-a",
+                      "127.0.0.1:{port}")
+        theirs = memory(sink.raw(GIB), "nc", "-N", "127.0.0.1", "{port}")
+        self.table.add("memory, file of 1 GiB", "MB", [ours], "nc", [theirs], None, False)
+        self.table.limit("memory, file of 1 GiB", "MB", ours, 4)
         stripped = f"{self.folder}/stripped"
         run(["strip", "-o", stripped, self.program("ravelink")])
         self.table.limit("stripped program", "KB", os.path.getsize(stripped) / 1000, 400)
 
     def plot(self):
-        """Bars of the ratios to the peers; 1 is as good as the peer."""
-        data = f"{self.output}/ratios.dat"
+        """A bar for each peer, from 1 to how many times better than it we are."""
+        data = f"{self.output}/advantages.dat"
         with open(data, "w") as file:
-            for path, _, _, peer, _, ratio, _, _ in self.table.rows:
-                if peer:
-                    file.write(f'"{path}: {peer}" {ratio}\n')
+            for label, advantage in self.table.advantages:
+                file.write(f'"{label}" {advantage:.3f}\n')
         script = f"""
-set terminal svg size 900,480 font "sans,12"
-set output "{self.output}/ratios.svg"
-set title "ravelink's measure, its peer's being 1"
+set terminal svg size 900,{80 + 22 * len(self.table.advantages)} font "sans,12" background "white"
+set output "{self.output}/advantages.svg"
+set title "How many times better than each peer"
 set style fill solid 0.6
-set boxwidth 0.6
-set xtics rotate by -35 left
-set yrange [0:*]
-set grid y
-set bmargin 10
-plot "{data}" using 0:2:xtic(1) with boxes notitle, 1 notitle linecolor black
+set logscale x 2
+set grid x
+set lmargin 44
+set yrange [-{len(self.table.advantages)}:1]
+plot "{data}" using 2:(-$0):(1):2:(-$0-0.35):(-$0+0.35):ytic(1) with boxxyerror notitle
 """
         subprocess.run(["gnuplot"], input=script, text=True, check=True)
 
