@@ -5,8 +5,8 @@
 namespace sys::platform {
 
 /// As long as it lives, an interruption by the user or the system's request to end calls a function
-/// in the place of ending the process. Asked again, the process ends at once. There is one at a
-/// time.
+/// in the place of ending the process. A user who interrupts again ends it at once. There is one at
+/// a time.
 class InterruptWatch {
 public:
     /// act is called at most once, on a thread of its own.

@@ -288,8 +288,10 @@ TEST(Program, AnInterruptedDeviceLeavesNothingBehind) {
     std::string const script =
         startDevices(options, log) + ravelink + " -o " + folder.Write("update.rvl", "x") +
         " -a $a > /dev/null & updater=$!\nfor i in $(seq 500); do [ -n \"$(ls -A " + stored.Path() +
-        ")\" ] && break; sleep 0.02; done\nls -A " + stored.Path() + " | wc -l\nkill -TERM $(cat " +
-        log + ".pid); sleep 0.1; kill $updater; wait; tail -2 " + log + "; ls -A " + stored.Path();
+        ")\" ] && break; sleep 0.02; done\nls -A " + stored.Path() + " | wc -l\np=$(cat " + log +
+        ".pid)\nkill -TERM $p; sleep 0.01; kill -TERM $p; sleep 0.1; kill $updater; wait; tail "
+        "-2 " +
+        log + "; ls -A " + stored.Path();
     EXPECT_EQ(run("sh " + folder.Write("interrupt.sh", script)).lines,
               (Lines{"1", "*** Stopped: The update was broken off because the device stops", "1"}));
 }

@@ -11,8 +11,6 @@ namespace sys::platform {
 
 namespace {
 
-int const signals[] = {SIGINT, SIGTERM};
-
 /// What the handler writes to; it may do little else.
 volatile sig_atomic_t noticeTo = -1;
 
@@ -22,17 +20,15 @@ void notice(int) {
     errno = kept;
 }
 
-void handle(void (*handler)(int)) {
-    struct sigaction action = {};
-    action.sa_handler = handler;
-    action.sa_flags = static_cast<int>(SA_RESETHAND | SA_RESTART);
-    for (int const number : signals) {
-        struct sigaction before = {};
-        sigaction(number, nullptr, &before);
-        // Who runs us in the background may have it that the user's interrupt is not for us.
-        if (before.sa_handler != SIG_IGN) {
-            sigaction(number, &action, nullptr);
-        }
+void handle(int number, void (*handler)(int), unsigned flags) {
+    struct sigaction before = {};
+    sigaction(number, nullptr, &before);
+    // Who runs us in the background may have it that the user's interrupt is not for us.
+    if (before.sa_handler != SIG_IGN) {
+        struct sigaction action = {};
+        action.sa_handler = handler;
+        action.sa_flags = static_cast<int>(flags);
+        sigaction(number, &action, nullptr);
     }
 }
 
@@ -56,14 +52,18 @@ InterruptWatch::InterruptWatch(void (*act)()) : state_(std::make_unique<State>()
         }
     });
     noticeTo = state_->ends[1];
-    handle(&notice);
+    handle(SIGINT, &notice, SA_RESTART | SA_RESETHAND);
+    // A request to end may well come twice at once, to us and to all our group.
+    handle(SIGTERM, &notice, SA_RESTART);
 }
 
 InterruptWatch::~InterruptWatch() {
     if (!state_->thread.joinable()) {
         return;
     }
-    handle(SIG_DFL);
+    // The process is on its way out: that it is to end is nothing new to it.
+    handle(SIGTERM, SIG_IGN, 0);
+    handle(SIGINT, SIG_DFL, 0);
     close(state_->ends[1]);
     state_->thread.join();
     close(state_->ends[0]);
