@@ -13,7 +13,7 @@ namespace {
 /// The first name of this form that nothing has.
 String freePath(String const& folder, String const& device) {
     for (int number = 1;; ++number) {
-        String const path =
+        String path =
             folder.AppendNewPath(String::format("%1-%2.rvl").argi(2, number).argi(1, device));
         if (sys::file::getType(path) == sys::file::Type::none) {
             return path;

@@ -93,7 +93,7 @@ static_assert(by128Low == 0x1751997D0 && by128High == 0x0CCAA009E);
                                                              std::size_t blocks, std::uint32_t c) {
     __m512i const by2048 = _mm512_set4_epi64(by2048High, by2048Low, by2048High, by2048Low);
     __m512i lanes[4];
-    for (int i = 0; i < 4; ++i) {
+    for (std::size_t i = 0; i < 4; ++i) {
         lanes[i] = _mm512_loadu_si512(bytes + 64 * i);
     }
     __m512i const start = _mm512_set4_epi32(0, 0, 0, static_cast<int>(c));
@@ -101,12 +101,12 @@ static_assert(by128Low == 0x1751997D0 && by128High == 0x0CCAA009E);
     lanes[0] = _mm512_mask_xor_epi64(lanes[0], firstLane, lanes[0], start);
     for (std::size_t block = 1; block < blocks; ++block) {
         bytes += wideBlock;
-        for (int i = 0; i < 4; ++i) {
+        for (std::size_t i = 0; i < 4; ++i) {
             lanes[i] = fold(lanes[i], by2048, _mm512_loadu_si512(bytes + 64 * i));
         }
     }
     unsigned char rest[wideBlock];
-    for (int i = 0; i < 4; ++i) {
+    for (std::size_t i = 0; i < 4; ++i) {
         _mm512_storeu_si512(rest + 64 * i, lanes[i]);
     }
     return foldNarrow(rest, wideBlock / foldedBlock, 0);

@@ -38,7 +38,8 @@ TEST_P(SlowTest, KeepsItsLimits) {
     std::erase(lines, "");
     ASSERT_FALSE(lines.empty());
     EXPECT_EQ(lines.back().substr(0, std::string(row.end).size()), row.end);
-    double const room = 5;
+    // A wait for a notification that began within the limit may last 10 s more.
+    double const room = 15;
     EXPECT_GE(took.count(), row.seconds);
     EXPECT_LE(took.count(), row.seconds + room);
     auto const count = [&](char const* beginning) {
