@@ -152,8 +152,7 @@ std::optional<DeviceStatus> Conversation::ArchiveFault() {
     observer_.OnArchive(result, reader.FileCount());
     using Reader = core::StreamSequencerReader;
     Check const checks[] = {
-        // Of an empty update nothing was kept that could be read.
-        {bytes_ == 0 || reader.GetReadError() == 0, DeviceStatus::ReadWriteError},
+        {reader.GetReadError() == 0, DeviceStatus::ReadWriteError},
         {result != Reader::endsEarly, DeviceStatus::InvalidDataSize},
         {result != Reader::notAnArchive && result != Reader::wrongTrailer,
          DeviceStatus::InvalidMagic},
