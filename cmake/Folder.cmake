@@ -1,11 +1,22 @@
 # ravelink_library(name SOURCES ... HEADERS ... USES ...)
 # The library of one folder. Its headers form a header set, so that the build can check that each
-# compiles alone; USES names the libraries of the folders below.
+# compiles alone, and that an installation keeps their folders; USES names the libraries of the
+# folders below.
 function(ravelink_library name)
   cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;HEADERS;USES")
   add_library(${name} STATIC ${arg_SOURCES})
   target_sources(${name} PUBLIC FILE_SET HEADERS BASE_DIRS ${PROJECT_SOURCE_DIR}
                                 FILES ${arg_HEADERS})
   set_target_properties(${name} PROPERTIES VERIFY_INTERFACE_HEADER_SETS ON)
-  target_link_libraries(${name} PUBLIC options ${arg_USES})
+  target_compile_features(${name} PUBLIC cxx_std_20)
+  # Whoever uses an installed library decides about warnings and linking for himself.
+  target_link_libraries(${name} PUBLIC $<BUILD_INTERFACE:options> ${arg_USES})
+endfunction()
+
+# ravelink_executable(name library): a program: its folder's library, which learns the version, and
+# the main.cpp beside it.
+function(ravelink_executable name library)
+  target_compile_definitions(${library} PRIVATE RAVELINK_VERSION="${PROJECT_VERSION}")
+  add_executable(${name} main.cpp)
+  target_link_libraries(${name} PRIVATE ${library})
 endfunction()

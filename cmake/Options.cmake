@@ -1,10 +1,7 @@
 # The language level, warnings and sanitizers that every target of the project is built with.
-find_package(Threads REQUIRED)
-
 add_library(options INTERFACE)
 target_compile_features(options INTERFACE cxx_std_20)
 target_compile_options(options INTERFACE -Wall -Wextra -Wpedantic -Wconversion -Wshadow)
-target_link_libraries(options INTERFACE Threads::Threads)
 set(CMAKE_CXX_EXTENSIONS OFF)
 
 if(RAVELINK_WARNINGS_AS_ERRORS)

@@ -34,7 +34,7 @@ enum ExitStatus { done = 0, failed = 1, wrongUsage = 2 };
 
 DeviceApplication::DeviceApplication() : core::Application("ravelink-device") {
     setVersionModelName("Halvoren");
-    setVersionNumber(1, 0);
+    setVersionNumber(RAVELINK_VERSION);
     setDevStage(core::version::CEDevStage::release);
     setDescription("Simulated Device\n");
 }

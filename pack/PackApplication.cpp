@@ -48,7 +48,7 @@ PackApplication::Command const PackApplication::commands[] = {
 
 PackApplication::PackApplication() : core::Application("ravelink-pack") {
     setVersionModelName("Halvoren");
-    setVersionNumber(1, 0);
+    setVersionNumber(RAVELINK_VERSION);
     setDevStage(core::version::CEDevStage::release);
     setDescription("Update Archives\n");
 }

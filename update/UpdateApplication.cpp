@@ -20,7 +20,7 @@ UpdateApplication::UpdateApplication() : core::Application("ravelink") {
     // A device must not be left half updated because somebody closed a window.
     sys::platform::outliveTerminal();
     setVersionModelName("Halvoren");
-    setVersionNumber(1, 0);
+    setVersionNumber(RAVELINK_VERSION);
     setDevStage(core::version::CEDevStage::release);
     setDescription("Ethernet Updater\n");
 }

@@ -1,0 +1,34 @@
+# What "cmake --install" lays where. The component "programs" is what a user of the programs wants,
+# "development" the foundation library for other projects.
+include(CMakePackageConfigHelpers)
+include(GNUInstallDirs)
+
+set(programs_folder ${CMAKE_INSTALL_BINDIR})
+set(documents_folder ${CMAKE_INSTALL_DOCDIR})
+if(WIN32)
+  # There the programs lie on top of what is unpacked anywhere, and everything else below.
+  set(programs_folder .)
+  set(documents_folder .)
+endif()
+
+install(TARGETS ravelink ravelink-device ravelink-pack DESTINATION ${programs_folder}
+        COMPONENT programs)
+install(FILES README.md CHANGELOG.md DESTINATION ${documents_folder} COMPONENT programs)
+install(DIRECTORY docs examples DESTINATION ${documents_folder} COMPONENT programs)
+
+set(foundation sys_platform core_object core_text core_time core_console core_crc core_stream
+               sys_services core_runtime core_net core_archive)
+add_library(foundation INTERFACE)
+target_link_libraries(foundation INTERFACE ${foundation})
+set_target_properties(foundation PROPERTIES EXPORT_NAME core)
+
+# Below folders of its own, because names like "core/text/String.h" are nobody's alone.
+set(package_folder ${CMAKE_INSTALL_LIBDIR}/cmake/ravelink)
+install(TARGETS ${foundation} foundation EXPORT ravelink
+        ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR}/ravelink COMPONENT development
+        FILE_SET HEADERS DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/ravelink COMPONENT development)
+install(EXPORT ravelink NAMESPACE ravelink:: FILE ravelinkTargets.cmake
+        DESTINATION ${package_folder} COMPONENT development)
+write_basic_package_version_file(ravelinkConfigVersion.cmake COMPATIBILITY SameMajorVersion)
+install(FILES cmake/ravelinkConfig.cmake ${PROJECT_BINARY_DIR}/ravelinkConfigVersion.cmake
+        DESTINATION ${package_folder} COMPONENT development)
