@@ -1,0 +1,33 @@
+# What "./dev package" makes: of a build for this system a Debian package of the programs and a
+# tar.gz of all there is; of a build for Windows a ZIP of the programs.
+set(CPACK_PACKAGE_VENDOR ravelink)
+set(CPACK_PACKAGE_CONTACT "ravelink maintainers <maintainers@ravelink.invalid>")
+set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "installs updates on networked devices over Ethernet")
+set(CPACK_PACKAGE_DESCRIPTION
+"ravelink sends an update archive to a device by TCP and follows it until the
+device has installed it. ravelink-pack makes, lists, checks and unpacks update
+archives. ravelink-device stands in for a device, to rehearse an update and
+everything that can go wrong with it.")
+set(CPACK_STRIP_FILES ON)
+set(CPACK_VERBATIM_VARIABLES ON)
+# One package of the components that are wanted.
+set(CPACK_COMPONENTS_GROUPING ALL_COMPONENTS_IN_ONE)
+
+set(platform linux)
+if(WIN32)
+  set(platform windows)
+  set(CPACK_ARCHIVE_COMPONENT_INSTALL ON)
+  set(CPACK_COMPONENT_INCLUDE_TOPLEVEL_DIRECTORY ON)
+  set(CPACK_COMPONENTS_ALL programs)
+endif()
+set(CPACK_PACKAGE_FILE_NAME ravelink-${PROJECT_VERSION}-${platform}-${CMAKE_SYSTEM_PROCESSOR})
+
+set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
+set(CPACK_DEBIAN_PACKAGE_SECTION net)
+set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
+set(CPACK_DEB_COMPONENT_INSTALL ON)
+set(CPACK_DEBIAN_PACKAGE_CONTROL_EXTRA ${PROJECT_SOURCE_DIR}/cmake/debian/postrm)
+set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
+set(CPACK_PROJECT_CONFIG_FILE ${PROJECT_SOURCE_DIR}/cmake/PackageOf.cmake)
+
+include(CPack)

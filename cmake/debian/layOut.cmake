@@ -1,0 +1,6 @@
+# Run by cpack over what it is about to pack, in CPACK_TEMPORARY_INSTALL_DIRECTORY: what Debian's
+# rules want beyond an installation. Manuals are compressed, without a time in them.
+file(GLOB share ${CPACK_TEMPORARY_INSTALL_DIRECTORY}/*/usr/share)
+file(COPY ${CMAKE_CURRENT_LIST_DIR}/copyright DESTINATION ${share}/doc/ravelink)
+file(GLOB pages ${share}/man/man1/*.1)
+execute_process(COMMAND gzip -9n ${pages} COMMAND_ERROR_IS_FATAL ANY)

@@ -1,0 +1,61 @@
+# The packages as users get them. ./dev release-check reads this file and calls its functions.
+
+# In a system that has nothing but what every Debian has: the package is installed, used, and
+# removed without a trace.
+check_debian_package() {
+  need debootstrap lintian
+  say 'The Debian package'
+  local package root folder
+  package=$(echo build/packages/*.deb)
+  # It has no changes of the package's own, beside those of the program.
+  lintian --allow-root --suppress-tags no-changelog --fail-on error,warning "$package"
+
+  root=$(mktemp -d)
+  at_exit rm -rf --one-file-system "$root"
+  say 'Making a system to install it in'
+  debootstrap --variant=minbase bookworm "$root" >/dev/null
+  names_in "$root" >build/before
+  cp "$package" "$root/package.deb"
+  chroot "$root" apt-get install -y ./package.deb
+  rm "$root/package.deb"
+  # Complete, as the shells and man look for it.
+  local file
+  for file in man/man1/ravelink{,-pack,-device}.1.gz bash-completion/completions/ravelink{,-pack,-device} \
+    zsh/vendor-completions/_ravelink doc/ravelink/{copyright,README.md,docs/errors.md,examples/packing/update.conf}; do
+    [ -s "$root/usr/share/$file" ] || die "Not in the package: $file"
+  done
+
+  # At the same path inside and outside.
+  folder=$(mktemp -d)
+  at_exit rm -rf "$folder"
+  mkdir -p "$root$folder"
+  mount --bind "$folder" "$root$folder"
+  at_exit umount "$root$folder"
+  rehearse "$folder" chroot "$root" %s
+
+  chroot "$root" apt-get purge -y ravelink
+  names_in "$root" >build/after
+  diff build/before build/after || die 'The package leaves something behind'
+}
+
+# names_in ROOT: all that is there, but for the books that apt and dpkg keep of what they did, and
+# our own folder.
+names_in() {
+  find "$1" -xdev -printf '%P\n' | sort |
+    grep -vE '^(tmp|var/(log|cache|lib/apt))/|^var/lib/dpkg/(lock.*|.*-old)$'
+}
+
+# The ZIP, unpacked anywhere.
+check_windows_package() {
+  need unzip
+  say 'The ZIP for Windows'
+  local folder
+  folder=$(mktemp -d)
+  at_exit rm -rf "$folder"
+  unzip -q build/packages/*.zip -d "$folder"
+  local unpacked=("$folder"/*)
+  [ -s "${unpacked[0]}/manual/ravelink.html" ] || die 'No manual in the ZIP'
+  start_wine
+  mkdir "$folder/rehearsal"
+  rehearse "$folder/rehearsal" cmake/underWine "${unpacked[0]}/%s.exe"
+}
