@@ -21,7 +21,7 @@ set -e
 ip link set lo up
 ip address add 10.0.0.7/32 dev lo
 "$BIN/ravelink-device" --once --check -b $ADDRESS >device.log &
-until grep -q Listening device.log; do sleep 0.1; done
+until grep -sq Listening device.log; do sleep 0.1; done
 tmux -S tmux.sock -f /dev/null new-session -d -x $COLUMNS -y 30 \\
   'printf "$ ravelink -o update.rvl -a %s\\n" "$ADDRESS";
    "$BIN/ravelink" -o update.rvl -a "$ADDRESS"; : >ended; sleep 60'
