@@ -1,9 +1,35 @@
-# The packages as users get them. ./dev release-check reads this file and calls its functions.
+# What only a release is held to: the packages as users get them, and the first minutes of a newcomer.
+# ./dev release-check reads this file and calls its functions.
 
-# In a system that has nothing but what every Debian has: the package is installed, used, and
-# removed without a trace.
+# bare_debian ROOT: makes a system there that has nothing but what every Debian 12 has.
+bare_debian() {
+  need debootstrap
+  say 'Making a bare Debian 12'
+  debootstrap --variant=minbase bookworm "$1" >/dev/null
+  # This machine's ways to its mirrors.
+  cp -r /etc/apt/apt.conf.d "$1/etc/apt"
+  cp /etc/resolv.conf "$1/etc"
+  local folder
+  for folder in proc dev; do
+    mount --rbind --make-rslave "/$folder" "$1/$folder"
+    at_exit umount -R "$1/$folder"
+  done
+}
+
+# From a clone to a finished rehearsal, with one command.
+check_newcomer() {
+  say 'A newcomer'
+  local root
+  root=$(mktemp -d)
+  at_exit rm -rf --one-file-system "$root"
+  bare_debian "$root"
+  git clone -q . "$root/ravelink"
+  chroot "$root" /ravelink/dev demo
+}
+
+# The package is installed where there is nothing else, used, and removed without a trace.
 check_debian_package() {
-  need debootstrap lintian
+  need lintian
   say 'The Debian package'
   local package root folder
   package=$(echo build/packages/*.deb)
@@ -12,8 +38,7 @@ check_debian_package() {
 
   root=$(mktemp -d)
   at_exit rm -rf --one-file-system "$root"
-  say 'Making a system to install it in'
-  debootstrap --variant=minbase bookworm "$root" >/dev/null
+  bare_debian "$root"
   names_in "$root" >build/before
   cp "$package" "$root/package.deb"
   chroot "$root" apt-get install -y ./package.deb
