@@ -19,8 +19,6 @@ using core::StringArray;
 
 namespace {
 
-char const grammar[] =
-    "h|help=0>b|bind=1>n|count=1>1|once=0>c|check=0>d|directory=1>s|scenario=1>v|verbose=0";
 /// This machine alone: a rehearsal is not to be seen from outside unless it is asked for.
 char const defaultBind[] = "127.0.0.1:3007";
 int const defaultPort = 3007;
@@ -44,7 +42,7 @@ DeviceApplication::~DeviceApplication() = default;
 void DeviceApplication::Main(int argc, char const* const* argv) {
     println(getVersionLong(true));
     StringArray errors(16);
-    CommandLinePrepare(argc, argv, grammar, errors);
+    CommandLinePrepare(argc, argv, optionGrammar, errors);
     if (errors.Count() > 0) {
         Quit(errors, wrongUsage);
         println("");

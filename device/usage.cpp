@@ -7,6 +7,9 @@ namespace device {
 
 using core::String;
 
+char const optionGrammar[] =
+    "h|help=0>b|bind=1>n|count=1>1|once=0>c|check=0>d|directory=1>s|scenario=1>v|verbose=0";
+
 void showUsage() {
     using namespace core::usage;
     String const lines[] = {

@@ -2,6 +2,9 @@
 
 namespace device {
 
+/// All options, as core::Application::CommandLinePrepare takes them.
+extern char const optionGrammar[];
+
 /// Prints what the program takes on its command line.
 void showUsage();
 

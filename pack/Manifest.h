@@ -7,8 +7,8 @@
 
 namespace pack {
 
-/// The recipe of an archive, a configuration file: README.md lists its names. Letters of names may
-/// be large or small.
+/// The recipe of an archive, a configuration file: docs/ravelink-pack.md lists its names. Letters
+/// of names may be large or small.
 class Manifest {
 public:
     /// What is wrong goes to errors, as title "=" message.

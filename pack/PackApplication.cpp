@@ -22,9 +22,6 @@ using core::String;
 
 namespace {
 
-char const grammar[] =
-    "h|help=0>b|build=1>o|output=1>l|list=1>j|json=0>c|check=1>x|extract=1>d|directory=1>f|force=0";
-
 enum ExitStatus { done = 0, failed = 1, wrongUsage = 2 };
 
 int const doneColor = 10;
@@ -54,7 +51,7 @@ PackApplication::PackApplication() : core::Application("ravelink-pack") {
 }
 
 void PackApplication::Main(int argc, char const* const* argv) {
-    CommandLinePrepare(argc, argv, grammar, errors_);
+    CommandLinePrepare(argc, argv, optionGrammar, errors_);
     bool const help = errors_.Count() == 0 && FindOption("h");
     if (errors_.Count() == 0 && !help) {
         command_ = Chosen();

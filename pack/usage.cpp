@@ -18,6 +18,9 @@ String form(char const* arguments) {
 
 }  // namespace
 
+char const optionGrammar[] =
+    "h|help=0>b|build=1>o|output=1>l|list=1>j|json=0>c|check=1>x|extract=1>d|directory=1>f|force=0";
+
 void showUsage() {
     using namespace core::usage;
     String const lines[] = {

@@ -9,13 +9,6 @@ namespace update {
 
 using core::String;
 
-namespace {
-
-/// -t and -i are accepted and have no effect: scripts of the field still give them.
-char const grammar[] = "h|help=0>o|origin=1>a|address=1>t|type=1>i|id=1";
-
-}  // namespace
-
 UpdateApplication::UpdateApplication() : core::Application("ravelink") {
     // A device must not be left half updated because somebody closed a window.
     sys::platform::outliveTerminal();
@@ -27,7 +20,7 @@ UpdateApplication::UpdateApplication() : core::Application("ravelink") {
 
 void UpdateApplication::Main(int argc, char const* const* argv) {
     println(getVersionLong(true), true);
-    CommandLinePrepare(argc, argv, grammar, errors);
+    CommandLinePrepare(argc, argv, optionGrammar, errors);
     if (errors.Count() > 0) {
         showErrors();
         showUsage();

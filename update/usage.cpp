@@ -7,6 +7,8 @@ namespace update {
 
 using core::String;
 
+char const optionGrammar[] = "h|help=0>o|origin=1>a|address=1>t|type=1>i|id=1";
+
 void showUsage() {
     using namespace core::usage;
     println(heading("Usage:"), true);
