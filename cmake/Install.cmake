@@ -13,8 +13,29 @@ endif()
 
 install(TARGETS ravelink ravelink-device ravelink-pack DESTINATION ${programs_folder}
         COMPONENT programs)
-install(FILES README.md CHANGELOG.md DESTINATION ${documents_folder} COMPONENT programs)
-install(DIRECTORY docs examples DESTINATION ${documents_folder} COMPONENT programs)
+install(DIRECTORY examples DESTINATION ${documents_folder} COMPONENT programs)
+if(WIN32)
+  # As pages of HTML, which every Windows can show.
+  if(PANDOC)
+    install(DIRECTORY ${PROJECT_BINARY_DIR}/manual/ DESTINATION . COMPONENT programs
+            FILES_MATCHING PATTERN "*.html")
+  endif()
+  install(DIRECTORY docs DESTINATION . COMPONENT programs FILES_MATCHING PATTERN "*.svg")
+else()
+  install(FILES README.md CHANGELOG.md DESTINATION ${documents_folder} COMPONENT programs)
+  install(DIRECTORY docs DESTINATION ${documents_folder} COMPONENT programs)
+  if(PANDOC)
+    install(DIRECTORY ${PROJECT_BINARY_DIR}/manual/ DESTINATION ${CMAKE_INSTALL_MANDIR}/man1
+            COMPONENT programs FILES_MATCHING PATTERN "*.1" PATTERN docs EXCLUDE)
+  endif()
+  # Bash looks for a file of the program's name.
+  foreach(program IN ITEMS ravelink ravelink-device ravelink-pack)
+    install(FILES completions/ravelink.bash RENAME ${program} COMPONENT programs
+            DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions)
+  endforeach()
+  install(FILES completions/_ravelink COMPONENT programs
+          DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/site-functions)
+endif()
 
 set(foundation sys_platform core_object core_text core_time core_console core_crc core_stream
                sys_services core_runtime core_net core_archive)

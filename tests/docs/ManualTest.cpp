@@ -68,6 +68,12 @@ TEST(Manual, AllThatTellsOfOptionsTellsTheSame) {
     }
 }
 
+TEST(Manual, TheReadmeShowsTheUsageScreen) {
+    string screen = support::replaced(support::outputOf(update::showUsage), "\t", "        ");
+    screen.pop_back();
+    EXPECT_NE(sourceOf("README.md").find("```text\n" + screen + "```\n"), string::npos) << screen;
+}
+
 TEST(Manual, TellsTheNamesOfManifestsAndScenarios) {
     string const source = sourceOf("pack/Manifest.cpp") + sourceOf("pack/textNames.cpp");
     EXPECT_EQ(inTables(part(sourceOf("docs/ravelink-pack.md"), "\n| Name", "\n\n"),

@@ -79,7 +79,7 @@ check_windows_package() {
   at_exit rm -rf "$folder"
   unzip -q build/packages/*.zip -d "$folder"
   local unpacked=("$folder"/*)
-  [ -s "${unpacked[0]}/manual/ravelink.html" ] || die 'No manual in the ZIP'
+  [ -s "${unpacked[0]}/docs/ravelink.html" ] || die 'No manual in the ZIP'
   start_wine
   mkdir "$folder/rehearsal"
   rehearse "$folder/rehearsal" cmake/underWine "${unpacked[0]}/%s.exe"

@@ -4,7 +4,7 @@
 local man = FORMAT == 'man'
 local text = pandoc.utils.stringify
 
--- Where the package installs what lies beside and around the documents.
+-- Where the package installs the documents, and the examples beside their folder.
 local installed = '/usr/share/doc/ravelink/'
 
 -- The first heading is the page's title, which a man page has in its head line instead.
@@ -29,17 +29,20 @@ function Code(code)
 end
 
 function Link(link)
-  local document = link.target:match('^([%w-]+)%.md')
-  if not man then
-    link.target = document and link.target:gsub('%.md', '.html', 1) or link.target
-    return link
-  elseif document and document:match('^ravelink') then
-    return {pandoc.Strong(document), '(1)'}
-  elseif not link.target:match('^%a+:') then
-    local place = pandoc.Strong(installed .. link.target:gsub('^%.%./', ''))
-    link.content:extend({pandoc.Space(), '(', place, ')'})
-    return link.content
+  if link.target:match('^%a+:') then
+    return nil
   end
+  if not man then
+    link.target = link.target:gsub('%.md', '.html', 1)
+    return link
+  end
+  local program = link.target:match('^(ravelink[%w-]*)%.md')
+  if program then
+    return {pandoc.Strong(program), '(1)'}
+  end
+  local place = pandoc.Strong(installed .. ('docs/' .. link.target):gsub('^docs/%.%./', ''))
+  link.content:extend({pandoc.Space(), '(', place, ')'})
+  return link.content
 end
 
 -- A table becomes the indented list that man pages have: the first column names what the second one
