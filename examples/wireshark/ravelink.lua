@@ -395,7 +395,9 @@ function ravelink.dissector(tvb, pinfo, tree)
         if goes_on and pinfo.can_desegment > 0 then
             pinfo.desegment_offset = offset
             pinfo.desegment_len = stop - position - length
-            place.side.pending = position
+            if not pinfo.visited then
+                place.side.pending = position
+            end
             break
         end
         if is_record and range:len() == record_size then
