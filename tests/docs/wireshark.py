@@ -83,6 +83,7 @@ class Session:
         self.folder, self.programs = folder, programs
         self.path = folder / f'{number}.rvl'
         self.path.write_bytes(self.content)
+        self.updater = None
         log = folder / f'{number}.log'
         scenario = ['-s', SCENARIOS / f'{self.kind}.conf'] if isinstance(self.kind, str) else []
         self.device = subprocess.Popen(
@@ -95,7 +96,6 @@ class Session:
         self.port = listening[0][len(mark):].strip()
 
     def start(self):
-        self.updater = None
         if callable(self.kind):
             self.kind(self.path, ('127.0.0.1', int(self.port)))
         else:
@@ -109,7 +109,9 @@ class Session:
         self.device.wait(PATIENCE)
 
     def kill(self):
-        self.device.kill()
+        for program in filter(None, (self.device, self.updater)):
+            program.kill()
+            program.wait()
 
     def check(self, seen):
         size, crc = str(len(self.content)), f'0x{zlib.crc32(self.content):08x}'
