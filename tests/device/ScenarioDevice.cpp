@@ -56,8 +56,13 @@ bool ScenarioDevice::ScriptedBehaviour::Act(device::Moment const& moment, device
     return act ? act(moment, wire) : Behaviour::Act(moment, wire);
 }
 
+void ScenarioDevice::Record::add(std::string& all, void const* bytes, int length) {
+    all.append(static_cast<char const*>(bytes), static_cast<std::size_t>(length));
+}
+
 void ScenarioDevice::Record::OnData(void const* bytes, int length) {
-    file.append(static_cast<char const*>(bytes), static_cast<std::size_t>(length));
+    add(file, bytes, length);
+    add(received, bytes, length);
 }
 
 void ScenarioDevice::Record::OnEnd(device::Outcome outcome) {

@@ -35,6 +35,9 @@ public:
     std::vector<device::Outcome> End(std::size_t conversations = 1);
     /// All bytes of files that came, once the device has ended.
     std::string const& File() const { return record_.file; }
+    /// All bytes that came, and all that were sent, once the device has ended.
+    std::string const& Received() const { return record_.received; }
+    std::string const& Sent() const { return record_.sent; }
 
 private:
     struct ScriptedBehaviour : device::Behaviour {
@@ -43,9 +46,13 @@ private:
     };
     struct Record : device::Observer {
         std::string file;
+        std::string received, sent;
         std::mutex mutex;
         std::condition_variable ended;
         std::vector<device::Outcome> outcomes;
+        static void add(std::string& all, void const* bytes, int length);
+        void OnReceived(void const* bytes, int length) override { add(received, bytes, length); }
+        void OnSent(void const* bytes, int length) override { add(sent, bytes, length); }
         void OnData(void const* bytes, int length) override;
         void OnEnd(device::Outcome outcome) override;
     };

@@ -1,13 +1,8 @@
-#include <gtest/gtest.h>
-
-#include <fstream>
-#include <regex>
 #include <set>
 
 #include "device/usage.h"
 #include "pack/usage.h"
-#include "tests/support/TemporaryFolder.h"
-#include "tests/support/lines.h"
+#include "tests/docs/document.h"
 #include "tests/support/run.h"
 #include "update/usage.h"
 
@@ -15,11 +10,7 @@ namespace {
 
 using Names = std::set<std::string>;
 using std::string;
-
-string sourceOf(string const& path) {
-    std::ifstream file(RAVELINK_SOURCE "/" + path);
-    return {std::istreambuf_iterator<char>(file), {}};
-}
+using support::sourceText;
 
 string part(string const& text, string const& begin, string const& end) {
     std::size_t const at = text.find(begin);
@@ -51,10 +42,10 @@ TEST(Manual, AllThatTellsOfOptionsTellsTheSame) {
          {std::make_tuple("ravelink", update::optionGrammar, update::showUsage),
           std::make_tuple("ravelink-pack", pack::optionGrammar, pack::showUsage),
           std::make_tuple("ravelink-device", device::optionGrammar, device::showUsage)}) {
-        string const page = sourceOf(string("docs/") + name + ".md");
+        string const page = sourceText(string("docs/") + name + ".md");
         EXPECT_EQ(found(page, R"(`-(.)`, `--(\w+)`( \*[A-Z]+\*|,| and)?)", "$1|$2"),
                   found(grammar, R"((.)\|(\w+)=(?:0|(1)))", "$1|$2"));
-        string const zsh = part(sourceOf("completions/_ravelink"), name + string(")"), ";;");
+        string const zsh = part(sourceText("completions/_ravelink"), name + string(")"), ";;");
         EXPECT_EQ(found(zsh, R"(\{-(.)(?=,--\w+\}|=,.+=\})=?,--(\w+)(=)?\})", "$1|$2"),
                   found(page, R"(\n\| `-(.)`, `--(\w+)`( \*[A-Z]+\*)? \|)", "$1|$2"));
         Names const shown = found(page, R"(\n\| `-(.)`, `--(\w+)`)", "$1|$2");
@@ -71,16 +62,16 @@ TEST(Manual, AllThatTellsOfOptionsTellsTheSame) {
 TEST(Manual, TheReadmeShowsTheUsageScreen) {
     string screen = support::replaced(support::outputOf(update::showUsage), "\t", "        ");
     screen.pop_back();
-    EXPECT_NE(sourceOf("README.md").find("```text\n" + screen + "```\n"), string::npos) << screen;
+    EXPECT_NE(sourceText("README.md").find("```text\n" + screen + "```\n"), string::npos) << screen;
 }
 
 TEST(Manual, TellsTheNamesOfManifestsAndScenarios) {
-    string const source = sourceOf("pack/Manifest.cpp") + sourceOf("pack/textNames.cpp");
-    EXPECT_EQ(inTables(part(sourceOf("docs/ravelink-pack.md"), "\n| Name", "\n\n"),
+    string const source = sourceText("pack/Manifest.cpp") + sourceText("pack/textNames.cpp");
+    EXPECT_EQ(inTables(part(sourceText("docs/ravelink-pack.md"), "\n| Name", "\n\n"),
                        R"([`\]]\.?([a-z][\w.]*))"),
               found(source, R"re([({+,] ?"\.?([a-z][\w.]*)["\[])re"));
-    EXPECT_EQ(inTables(sourceOf("docs/rehearsing.md"), R"(`(\w+)[^`]*`)"),
-              found(sourceOf("device/loadScenario.cpp"), R"re([({]"(\w+)")re"));
+    EXPECT_EQ(inTables(sourceText("docs/rehearsing.md"), R"(`(\w+)[^`]*`)"),
+              found(sourceText("device/loadScenario.cpp"), R"re([({]"(\w+)")re"));
 }
 
 TEST(Manual, NamesOfFilesAreCompleted) {
