@@ -84,3 +84,10 @@ check_windows_package() {
   mkdir "$folder/rehearsal"
   rehearse "$folder/rehearsal" cmake/underWine "${unpacked[0]}/%s.exe"
 }
+
+# The dissector, on packets of real updates.
+check_dissector() {
+  need iproute2 python3 tshark
+  say 'The dissector for Wireshark'
+  tests/release/dissector.py build/release/bin
+}

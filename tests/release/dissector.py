@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""wireshark.py BIN: captures sessions of the programs in the folder BIN and compares what the
+"""dissector.py BIN: captures sessions of the programs in the folder BIN and compares what the
 dissector of examples/wireshark shows with what was sent. It needs tshark; who is not root captures
 in a network of his own, which takes unshare and ip."""
 
