@@ -6,6 +6,8 @@ bare_debian() {
   need debootstrap
   say 'Making a bare Debian 12'
   debootstrap --variant=minbase bookworm "$1" >/dev/null
+  # Not all that apt does, it does as root.
+  chmod 755 "$1"
   # This machine's ways to its mirrors.
   cp -r /etc/apt/apt.conf.d "$1/etc/apt"
   cp /etc/resolv.conf "$1/etc"
