@@ -88,8 +88,8 @@ PackApplication::Command const* PackApplication::Chosen() {
         bool const needed = String(chosen->needs) == option;
         bool const allowed = needed || String(chosen->takes) == option;
         if (FindOption(option) ? !allowed : needed) {
-            errors_.Add(needed ? "Option missing" : "Option without use",
-                        String::format(needed ? "Option -%1 needs -%2" : "Option -%1 takes no -%2")
+            errors_.Add(String::format(needed ? "Option missing=Option -%1 needs -%2"
+                                              : "Option without use=Option -%1 takes no -%2")
                             .argi(1, chosen->option)
                             .argi(2, option));
         }

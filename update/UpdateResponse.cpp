@@ -44,37 +44,35 @@ void printProgressOf(UpdateNotification const& response) {
 
 struct StatusText {
     DeviceStatus status;
-    char const* title;
-    char const* message;
+    char const* error;  ///< title "=" message
 };
-
-constexpr char acknowledgeError[] = "Error sending the acknowledge data";
 
 /// The device's own words, grammar and humour included: support knows them by heart.
 constexpr StatusText statusTexts[] = {
-    {DeviceStatus::InvalidMagic, "> Invalid magic number", acknowledgeError},
-    {DeviceStatus::InvalidCrc, "> Invalid CRC", acknowledgeError},
-    {DeviceStatus::InvalidDataSize, "> Invalid data size", acknowledgeError},
-    {DeviceStatus::InvalidMagicComplement, "> Invalid ~magic number", acknowledgeError},
-    {DeviceStatus::DataSizeTooBig, "> Invalid data size (too big)", acknowledgeError},
-    {DeviceStatus::SystemBusy, "> System is busy",
-     "The system is now busy and the update procedure must be postponed"},
-    {DeviceStatus::InvalidPassword, "> Invalid password", acknowledgeError},
-    {DeviceStatus::InvalidVersion, "> Invalid version", acknowledgeError},
-    {DeviceStatus::Timeout, "> Timeout", "Maybe I am too lazy"},
-    {DeviceStatus::ExchangeFailed, "> Unable to exchange information", "This should not happen"},
-    {DeviceStatus::ReadWriteError, "> Read/write error", "The system received an I/O error"},
-    {DeviceStatus::WrongFileCrc, "> Wrong file CRC", "Please do your math"},
-    {DeviceStatus::Interrupted, "> Interrupted", "The update procedure was interrupted"},
-    {DeviceStatus::GhostError, "> Ghost error", "Please call the Ghostbusters!"},
-    {DeviceStatus::InvalidTarget, "> Invalid target",
-     "This update is not applicable to this device"},
+    {DeviceStatus::InvalidMagic, "> Invalid magic number=Error sending the acknowledge data"},
+    {DeviceStatus::InvalidCrc, "> Invalid CRC=Error sending the acknowledge data"},
+    {DeviceStatus::InvalidDataSize, "> Invalid data size=Error sending the acknowledge data"},
+    {DeviceStatus::InvalidMagicComplement,
+     "> Invalid ~magic number=Error sending the acknowledge data"},
+    {DeviceStatus::DataSizeTooBig,
+     "> Invalid data size (too big)=Error sending the acknowledge data"},
+    {DeviceStatus::SystemBusy,
+     "> System is busy=The system is now busy and the update procedure must be postponed"},
+    {DeviceStatus::InvalidPassword, "> Invalid password=Error sending the acknowledge data"},
+    {DeviceStatus::InvalidVersion, "> Invalid version=Error sending the acknowledge data"},
+    {DeviceStatus::Timeout, "> Timeout=Maybe I am too lazy"},
+    {DeviceStatus::ExchangeFailed, "> Unable to exchange information=This should not happen"},
+    {DeviceStatus::ReadWriteError, "> Read/write error=The system received an I/O error"},
+    {DeviceStatus::WrongFileCrc, "> Wrong file CRC=Please do your math"},
+    {DeviceStatus::Interrupted, "> Interrupted=The update procedure was interrupted"},
+    {DeviceStatus::GhostError, "> Ghost error=Please call the Ghostbusters!"},
+    {DeviceStatus::InvalidTarget, "> Invalid target=This update is not applicable to this device"},
 };
 
 void addStatusError(core::StringArray& errors, std::uint32_t status) {
     for (StatusText const& row : statusTexts) {
         if (static_cast<std::uint32_t>(row.status) == status) {
-            errors.Add(row.title, row.message);
+            errors.Add(row.error);
             return;
         }
     }

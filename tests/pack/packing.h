@@ -4,8 +4,6 @@
 
 #include <algorithm>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <string>
 #include <vector>
 
@@ -17,11 +15,6 @@
 namespace support {
 
 using Lines = std::vector<std::string>;
-
-inline std::string contentOf(std::string const& path) {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-}
 
 /// The closing CRC of an archive as the program writes it.
 inline std::string crcOf(std::string const& bytes) {

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <fstream>
+#include <iterator>
 #include <sstream>
 
 namespace support {
@@ -13,6 +15,11 @@ std::vector<std::string> linesOf(std::string const& text) {
         lines.push_back(line);
     }
     return lines;
+}
+
+std::string contentOf(std::string const& path) {
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
 }
 
 std::string outputOf(std::function<void()> const& action) {
