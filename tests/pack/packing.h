@@ -36,8 +36,8 @@ protected:
     Lines Pack(std::string const& arguments, int status) const {
         Ran ran = run(RAVELINK_PACK " " + At(arguments));
         EXPECT_EQ(ran.status, status) << arguments;
-        if (!ran.lines.empty() &&
-            ran.lines[0] == "ravelink-pack 1.00 (Halvoren) - Update Archives") {
+        if (!ran.lines.empty() && ran.lines[0] == "ravelink-pack " RAVELINK_VERSION
+                                                  " (Halvoren) - Update Archives") {
             ran.lines.erase(ran.lines.begin());
         }
         for (std::string& line : ran.lines) {

@@ -1,3 +1,4 @@
+# shellcheck shell=bash
 # What only a release is held to: the packages as users get them, and the first minutes of a newcomer.
 # ./dev release-check reads this file and calls its functions.
 

@@ -24,7 +24,7 @@ bool const underWine = std::getenv("RAVELINK_UPDATER") != nullptr;
 std::string const ravelink = commandOf("RAVELINK_UPDATER", RAVELINK);
 std::string const ravelinkDevice = commandOf("RAVELINK_SIMULATED_DEVICE", RAVELINK_DEVICE);
 
-std::string const banner = "ravelink 1.00 (Halvoren) - Ethernet Updater";
+std::string const banner = "ravelink " RAVELINK_VERSION " (Halvoren) - Ethernet Updater";
 Lines const usage = {
     "Usage:",
     "\travelink [OPTIONS] -o originFile -a ipAddress",
@@ -200,7 +200,7 @@ std::string rehearsal(support::TemporaryFolder const& folder) {
 
 Lines const rehearsed = {
     "The device is updated and it will restart itself if needed.",
-    "ravelink-device 1.00 (Halvoren) - Simulated Device",
+    "ravelink-device " RAVELINK_VERSION " (Halvoren) - Simulated Device",
     "- The update is complete.",
     "0",
 };
