@@ -73,6 +73,20 @@ names_in() {
     grep -vE '^(tmp|var/(log|cache|lib/apt))/|^var/lib/dpkg/(lock.*|.*-old)$'
 }
 
+# The tar.gz, unpacked anywhere: its programs, and its library in a project of somebody else.
+check_tar() {
+  say 'The tar.gz'
+  local folder
+  folder=$(mktemp -d)
+  at_exit rm -rf "$folder"
+  tar xzf build/packages/*.tar.gz --strip-components=1 -C "$folder"
+  mkdir "$folder/rehearsal"
+  rehearse "$folder/rehearsal" "$folder/bin/%s"
+  cmake -S tests/install/consumer -B "$folder/consumer" -D ravelink_ROOT="$folder" >/dev/null
+  cmake --build "$folder/consumer"
+  "$folder/consumer/consumer"
+}
+
 # The ZIP, unpacked anywhere.
 check_windows_package() {
   need unzip
