@@ -76,6 +76,13 @@ TEST(Errors, EachIsDocumentedOnceAndNothingElse) {
     for (auto const& [line, times] : missing) {
         EXPECT_EQ(times, 0) << line;
     }
+
+    // Whoever stands beside a device wants to know all of that, of every line.
+    string const updater = document.substr(0, document.find("\n## ravelink-pack"));
+    auto const lines = found(updater, "\n`\\*{3} ", "").size();
+    for (char const* const label : {"Means", "Step", "Next", "Switch off"}) {
+        EXPECT_EQ(found(updater, string("\n- ") + label + ": ", "").size(), lines) << label;
+    }
 }
 
 }  // namespace
