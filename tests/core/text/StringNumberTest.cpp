@@ -28,13 +28,6 @@ void expectReads(long long (String::*read)(int*, long long) const,
 }
 
 TEST(StringNumber, ReadsDecimals) {
-    expectReads(
-        &String::ToDecimal64,
-        {Row{"12ab", 12, 2}, Row{"", fallback, untouched}, Row{" -7", -7, -1}, Row{"+7", 7, -1},
-         Row{"-", fallback, untouched}, Row{"- 7", fallback, untouched}, Row{"7 ", 7, 1},
-         Row{"9223372036854775807", LLONG_MAX, -1}, Row{"-9223372036854775808", LLONG_MIN, -1},
-         Row{"9223372036854775808", LLONG_MAX, -1}, Row{"-99999999999999999999999x", LLONG_MIN, 24},
-         Row{"\x80", fallback, untouched}});
     EXPECT_EQ(String("-3000000000").ToDecimal32(), INT_MIN);
     EXPECT_TRUE(String("2147483647").IsDecimal32());
     EXPECT_FALSE(String("2147483648").IsDecimal32());
