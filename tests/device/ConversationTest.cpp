@@ -18,7 +18,6 @@ namespace {
 
 using device::Outcome;
 using update::DeviceStatus;
-using update::UpdateNotification;
 
 template <class Record>
 std::string onWire(Record const& record) {
@@ -65,19 +64,19 @@ struct Client : core::Socket {
 /// The first so many of what an honest device says, and a refusal.
 std::string answers(std::size_t honest, std::optional<DeviceStatus> refusal,
                     std::uint32_t token = 1) {
-    std::vector<UpdateNotification> all = {
-        {update::wireMagic, UpdateNotification::Accepted, token},
-        {update::wireMagic, UpdateNotification::Received},
-        {update::wireMagic, UpdateNotification::Checked},
-        {update::wireMagic, UpdateNotification::Processing},
-        {update::wireMagic, UpdateNotification::Complete, UpdateNotification::FirmwareRestart}};
+    using Said = update::UpdateNotification;
+    std::vector<Said> all = {{.code = Said::Accepted, .value = token},
+                             {.code = Said::Received},
+                             {.code = Said::Checked},
+                             {.code = Said::Processing},
+                             {.code = Said::Complete, .value = Said::FirmwareRestart}};
     all.resize(honest);
     if (refusal) {
-        all.push_back(
-            {update::wireMagic, UpdateNotification::Error, static_cast<std::uint32_t>(*refusal)});
+        all.push_back({.code = Said::Error, .value = static_cast<std::uint32_t>(*refusal)});
     }
     std::string bytes;
-    for (UpdateNotification& record : all) {
+    for (Said& record : all) {
+        record.magic = update::wireMagic;
         record.crc = update::wireCrc(update::swapped(record));
         bytes += onWire(record);
     }
