@@ -2,7 +2,6 @@
 
 #include <functional>
 #include <future>
-#include <utility>
 #include <vector>
 
 #include "core/crc/crc32.h"
@@ -19,7 +18,12 @@ namespace {
 
 using device::Outcome;
 using update::DeviceStatus;
-using update::UpdateNotification;
+
+template <class Record>
+std::string onWire(Record const& record) {
+    Record const swapped = update::swapped(record);
+    return {reinterpret_cast<char const*>(&swapped), update::recordSize};
+}
 
 /// What an updater sends in one update.
 struct Update {
@@ -36,64 +40,47 @@ struct Update {
         request.fileCrc = trailer.fileCrc = crc;
         header.acceptToken = trailer.acceptToken = token;
     }
+
+    std::string Bytes() const { return onWire(request) + onWire(header) + file + onWire(trailer); }
 };
 
-using Notifications = std::vector<std::pair<std::uint32_t, std::uint32_t>>;
-
-class Client {
-public:
-    explicit Client(ScenarioDevice const& device) {
-        EXPECT_EQ(socket_.Connect(support::replaced(device.Address(), ":", "|").c_str()), 0u);
+struct Client : core::Socket {
+    explicit Client(ScenarioDevice const& device)
+        : Socket(core::SocketDomain::IPv4, core::SocketType::stream) {
+        EXPECT_EQ(Connect(support::replaced(device.Address(), ":", "|").c_str()), 0u);
     }
 
-    template <class Record>
-    void Send(Record const& record) {
-        Record const onWire = update::swapped(record);
-        socket_.Send(&onWire, update::recordSize);
-    }
-    void Send(std::string const& bytes) {
-        socket_.Send(bytes.data(), static_cast<int>(bytes.size()));
-    }
-
-    /// Sends the whole update without looking at the answers.
-    void Send(Update const& update) {
-        Send(update.request);
-        Send(update.header);
-        Send(update.file);
-        Send(update.trailer);
-    }
-
-    /// All notifications until the device ends its side; then we end ours.
-    Notifications Receive() {
-        Notifications all;
-        UpdateNotification onWire;
-        auto* const bytes = reinterpret_cast<char*>(&onWire);
-        int have = 0;
-        for (int got = 0; (got = socket_.Recv(bytes + have, update::recordSize - have)) > 0;) {
-            have += got;
-            if (have == update::recordSize) {
-                UpdateNotification const record = update::swapped(onWire);
-                EXPECT_EQ(record.magic, update::wireMagic);
-                EXPECT_EQ(record.crc, update::wireCrc(onWire));
-                all.emplace_back(record.code, record.value);
-                have = 0;
-            }
+    /// Sends all without looking at the answers; these, up to the end of the device's side.
+    std::string Answers(std::string const& bytes) {
+        Send(bytes.data(), static_cast<int>(bytes.size()));
+        std::string received;
+        for (char byte = 0; Recv(&byte, 1) == 1;) {
+            received += byte;
         }
-        EXPECT_EQ(have, 0);
-        socket_.Close();
-        return all;
+        return received;
     }
-
-private:
-    core::Socket socket_{core::SocketDomain::IPv4, core::SocketType::stream};
 };
 
 /// The first so many of what an honest device says, and a refusal.
-Notifications refusal(std::size_t honest, DeviceStatus status) {
-    Notifications all = {{UpdateNotification::Accepted, 1}, {UpdateNotification::Received, 0}};
+std::string answers(std::size_t honest, std::optional<DeviceStatus> refusal,
+                    std::uint32_t token = 1) {
+    using Said = update::UpdateNotification;
+    std::vector<Said> all = {{.code = Said::Accepted, .value = token},
+                             {.code = Said::Received},
+                             {.code = Said::Checked},
+                             {.code = Said::Processing},
+                             {.code = Said::Complete, .value = Said::FirmwareRestart}};
     all.resize(honest);
-    all.emplace_back(UpdateNotification::Error, static_cast<std::uint32_t>(status));
-    return all;
+    if (refusal) {
+        all.push_back({.code = Said::Error, .value = static_cast<std::uint32_t>(*refusal)});
+    }
+    std::string bytes;
+    for (Said& record : all) {
+        record.magic = update::wireMagic;
+        record.crc = update::wireCrc(update::swapped(record));
+        bytes += onWire(record);
+    }
+    return bytes;
 }
 
 TEST(Conversation, RefusesBadRecordsWithTheMatchingStatus) {
@@ -118,11 +105,10 @@ TEST(Conversation, RefusesBadRecordsWithTheMatchingStatus) {
     };
     for (Row const& row : rows) {
         ScenarioDevice device;
-        Client client(device);
         Update update(1);
         row.fault(update);
-        client.Send(update);
-        EXPECT_EQ(client.Receive(), refusal(row.honest, row.status)) << &row - rows;
+        EXPECT_EQ(Client(device).Answers(update.Bytes()), answers(row.honest, row.status))
+            << &row - rows;
         EXPECT_EQ(device.End(), std::vector{Outcome::refused}) << &row - rows;
     }
 }
@@ -132,18 +118,10 @@ TEST(Conversation, OneUpdateAfterAnotherWhateverBecameOfTheLast) {
     { Client goesAwayAtOnce(device); }
     {
         Client goesAwayEarly(device);
-        goesAwayEarly.Send(Update(2).request);
+        goesAwayEarly.Send(onWire(Update(2).request).data(), update::recordSize);
     }
     for (std::uint32_t const token : {3u, 4u}) {
-        Client client(device);
-        client.Send(Update(token));
-        EXPECT_EQ(
-            client.Receive(),
-            (Notifications{{UpdateNotification::Accepted, token},
-                           {UpdateNotification::Received, 0},
-                           {UpdateNotification::Checked, 0},
-                           {UpdateNotification::Processing, 0},
-                           {UpdateNotification::Complete, UpdateNotification::FirmwareRestart}}));
+        EXPECT_EQ(Client(device).Answers(Update(token).Bytes()), answers(5, {}, token));
     }
     EXPECT_EQ(device.End(4),
               (std::vector{Outcome::ended, Outcome::ended, Outcome::complete, Outcome::complete}));
@@ -172,14 +150,8 @@ TEST(Conversation, TakesNothingButSoundArchivesWhereToldSo) {
           Row{changed(11), InvalidVersion}, Row{changed(sound.size() - 1), InvalidMagic},
           Row{changed(1000), WrongFileCrc}}) {
         ScenarioDevice device({}, {}, {true, {}});
-        Client client(device);
-        client.Send(Update(1, row.bytes));
-        Notifications const received = client.Receive();
-        if (row.status) {
-            EXPECT_EQ(received, refusal(2, *row.status));
-        } else {
-            EXPECT_EQ(received.back().first, UpdateNotification::Complete);
-        }
+        EXPECT_EQ(Client(device).Answers(Update(1, row.bytes).Bytes()),
+                  answers(row.status ? 2 : 5, row.status));
         device.End();
     }
 }
@@ -188,12 +160,9 @@ TEST(Conversation, ASilentUpdaterIsToldSo) {
     device::DeviceLimits limits;
     limits.silence = 100;
     ScenarioDevice device({}, limits);
-    Client client(device);
-    Update const update(1);
-    client.Send(update.request);
-    client.Send(update.header);
-    client.Send(update.file.substr(1));
-    EXPECT_EQ(client.Receive(), refusal(1, DeviceStatus::Timeout));
+    std::string const allButAByteOfTheFile =
+        Update(1).Bytes().substr(0, 2 * update::recordSize + 7);
+    EXPECT_EQ(Client(device).Answers(allButAByteOfTheFile), answers(1, DeviceStatus::Timeout));
     EXPECT_EQ(device.End(), std::vector{Outcome::silent});
 }
 

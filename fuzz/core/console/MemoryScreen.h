@@ -1,0 +1,109 @@
+#pragma once
+
+#include <algorithm>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <tuple>
+#include <vector>
+
+#include "fuzz/require.h"
+#include "sys/platform/Screen.h"
+
+/// A buffer in memory, of which the window shows some rows, that insists on what its callers
+/// promise.
+class MemoryScreen : public sys::Screen {
+public:
+    MemoryScreen(std::int16_t width, std::int16_t height, std::int16_t shown, bool isGone = false)
+        : gone(isGone), shown_(shown), info_{width, height, {0, 0}, 7, 0} {}
+
+    /// A console that has gone away tells nothing.
+    bool gone;
+
+    char TextAt(Position at) const { return text_[IndexOf(at)]; }
+    std::uint16_t AttributeAt(Position at) const { return attributes_[IndexOf(at)]; }
+    /// All that can be seen of it.
+    auto Picture() const {
+        return std::tuple(text_, attributes_, info_.cursor.column, info_.cursor.row,
+                          info_.attribute, info_.windowTop);
+    }
+    std::string const& Written() const { return written_; }
+    /// The piece that was written last.
+    std::string const& LastPiece() const { return lastPiece_; }
+
+    bool read(Info& info) override {
+        info = info_;
+        return !gone;
+    }
+    void setCursor(Position at) override {
+        if (IsInside(at)) {
+            info_.cursor = at;
+        }
+    }
+    void setAttribute(std::uint16_t attribute) override {
+        requireAttribute(attribute);
+        info_.attribute = attribute;
+    }
+    void write(std::string_view text) override {
+        require(!text.empty());
+        lastPiece_ = text;
+        written_ += text;
+        for (char const c : text) {
+            if (c != '\n') {
+                text_[IndexOf(info_.cursor)] = c;
+                attributes_[IndexOf(info_.cursor)] = info_.attribute;
+            }
+            ++info_.cursor.column;
+            if (c == '\n' || info_.cursor.column == info_.width) {
+                StartLine();
+            }
+        }
+    }
+    void fillBlanks(Position from, int count) override { Fill(text_, from, count, ' '); }
+    void fillAttribute(Position from, int count, std::uint16_t attribute) override {
+        requireAttribute(attribute);
+        Fill(attributes_, from, count, attribute);
+    }
+    void moveWindow(std::int16_t rows) override {
+        int const top = info_.windowTop + rows;
+        if (top >= 0 && top + shown_ <= info_.height) {
+            info_.windowTop = static_cast<std::int16_t>(top);
+        }
+    }
+
+private:
+    bool IsInside(Position at) const {
+        return at.row >= 0 && at.row < info_.height && at.column >= 0 && at.column < info_.width;
+    }
+    std::size_t IndexOf(Position at) const {
+        require(IsInside(at));
+        return static_cast<std::size_t>(at.row * info_.width + at.column);
+    }
+    /// No screen shows more than the colours, reverse video and the underscore.
+    static void requireAttribute(std::uint16_t attribute) { require((attribute & ~0xC0FF) == 0); }
+
+    template <class Cells, class Value>
+    void Fill(Cells& all, Position from, int count, Value value) {
+        require(count >= 0);
+        std::size_t const room = all.size() - IndexOf(from);
+        std::fill_n(&all[IndexOf(from)], std::min(static_cast<std::size_t>(count), room), value);
+    }
+    void StartLine() {
+        info_.cursor.column = 0;
+        if (++info_.cursor.row < info_.height) {
+            return;
+        }
+        --info_.cursor.row;
+        text_ = text_.substr(Width()) + std::string(Width(), ' ');
+        attributes_.erase(attributes_.begin(), attributes_.begin() + info_.width);
+        attributes_.resize(text_.size(), info_.attribute);
+    }
+    std::size_t Width() const { return static_cast<std::size_t>(info_.width); }
+
+    int const shown_;
+    Info info_;
+    std::string text_ = std::string(Width() * static_cast<std::size_t>(info_.height), ' ');
+    std::vector<std::uint16_t> attributes_ = std::vector<std::uint16_t>(text_.size(), 7);
+    std::string written_;
+    std::string lastPiece_;
+};
