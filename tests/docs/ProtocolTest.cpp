@@ -13,6 +13,8 @@ std::string example(std::string const& kind) {
     return support::bytesOf(support::blocksOf(document, "hexdump " + kind));
 }
 
+// Updater and simulated device share the records, and so would share a fault in them: the document
+// pins their bytes.
 TEST(Protocol, ItsExamplesAreWhatTravels) {
     support::TemporaryFolder const folder;
     std::string const path = folder.Write("update.rvl", "123456789");
