@@ -53,6 +53,15 @@ check_debian_package() {
     [ -s "$root/usr/share/$file" ] || die "Not in the package: $file"
   done
 
+  # The pages are made of documents that are checked against the options; nothing gets lost on the way.
+  local program page option
+  for program in ravelink ravelink-device ravelink-pack; do
+    page=$(zcat "$root/usr/share/man/man1/$program.1.gz")
+    for option in $(chroot "$root" "$program" -h | grep -oE -- '-[a-z0-9], --[a-z]+' | tr -d ,); do
+      [[ $page == *"\f[B]$option\f[R]"* ]] || die "Not in the man page of $program: $option"
+    done
+  done
+
   # At the same path inside and outside.
   folder=$(mktemp -d)
   at_exit rm -rf "$folder"
@@ -82,9 +91,8 @@ check_tar() {
   tar xzf build/packages/*.tar.gz --strip-components=1 -C "$folder"
   mkdir "$folder/rehearsal"
   rehearse "$folder/rehearsal" "$folder/bin/%s"
-  cmake -S tests/install/consumer -B "$folder/consumer" -D ravelink_ROOT="$folder" >/dev/null
-  cmake --build "$folder/consumer"
-  "$folder/consumer/consumer"
+  cmake -D INSTALLED="$folder" -D FOLDER="$folder/consumer" -D COMPILER=g++ \
+    -P tests/install/CheckConsumer.cmake
 }
 
 # The ZIP, unpacked anywhere.
