@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
-#include "core/console/errorLine.h"
 #include "core/net/Socket.h"
+#include "core/text/StringArray.h"
 #include "core/text/readNumber.h"
 #include "device/loadScenario.h"
 #include "device/println.h"
@@ -41,10 +41,10 @@ DeviceApplication::~DeviceApplication() = default;
 
 void DeviceApplication::Main(int argc, char const* const* argv) {
     println(getVersionLong(true));
-    StringArray errors(16);
-    CommandLinePrepare(argc, argv, optionGrammar, errors);
-    if (errors.Count() > 0) {
-        Quit(errors, wrongUsage);
+    StringArray entries;
+    CommandLinePrepare(argc, argv, optionGrammar, entries);
+    if (entries.Count() > 0) {
+        Quit(core::faultsFromEntries(entries), wrongUsage);
         println("");
         showUsage();
         return;
@@ -60,7 +60,8 @@ void DeviceApplication::Main(int argc, char const* const* argv) {
 
 bool DeviceApplication::Init() {
     if (!core::Socket::init()) {
-        return Quit("Socket init error", "Unable to start the socket library", failed);
+        return Quit({core::fault("Socket init error", "Unable to start the socket library")},
+                    failed);
     }
     if (!ReadAddress() || !ReadCount() || !ReadFolder() || !ReadScenario()) {
         return false;
@@ -79,20 +80,20 @@ bool DeviceApplication::ReadAddress() {
     String text(defaultBind);
     GetOptionValues("b", text);
     if (!address_.Set(text.Replace(":", "|"))) {
-        return Quit("Bad address",
-                    String::format("The address provided (%1) is not a valid IPv4 address. Please "
-                                   "use the form IP:Port")
-                        .argi(1, text),
+        return Quit({core::fault("Bad address",
+                                 "The address provided (%1) is not a valid IPv4 address. Please "
+                                 "use the form IP:Port",
+                                 text)},
                     wrongUsage);
     }
     if (address_.Port() == IPv4Address::noPort) {
         address_.SetPortA(defaultPort);
     }
     if (address_.Port() < 0 || address_.Port() > largestPort) {
-        return Quit("Invalid port",
-                    String::format("The address provided (%1) does not contain a valid port. "
-                                   "Please use a port from 0 to 65535")
-                        .argi(1, text),
+        return Quit({core::fault("Invalid port",
+                                 "The address provided (%1) does not contain a valid port. "
+                                 "Please use a port from 0 to 65535",
+                                 text)},
                     wrongUsage);
     }
     return true;
@@ -106,10 +107,8 @@ bool DeviceApplication::ReadCount() {
     unsigned long long count = 0;
     int const most = std::min(largestCount, largestPort - address_.Port() + 1);
     if (!core::readWhole(text.View(), 10, static_cast<unsigned>(most), count) || count < 1) {
-        return Quit("Bad count",
-                    String::format("From here on there can be 1 to %1 devices, not %2")
-                        .argi(1, most)
-                        .argi(2, text),
+        return Quit({core::fault("Bad count", "From here on there can be 1 to %1 devices, not %2",
+                                 most, text)},
                     wrongUsage);
     }
     count_ = static_cast<int>(count);
@@ -118,17 +117,17 @@ bool DeviceApplication::ReadCount() {
 
 bool DeviceApplication::ReadFolder() {
     if (GetOptionValues("d", intake_.folder) && !sys::file::isDirectory(intake_.folder)) {
-        return Quit("Folder missing",
-                    String::format("Cannot find the folder \"%1\" to store updates in")
-                        .argi(1, intake_.folder),
-                    failed);
+        return Quit(
+            {core::fault("Folder missing", "Cannot find the folder \"%1\" to store updates in",
+                         intake_.folder)},
+            failed);
     }
     return true;
 }
 
 bool DeviceApplication::ReadScenario() {
     String path;
-    StringArray errors(16);
+    std::vector<core::Fault> errors;
     if (!GetOptionValues("s", path) || loadScenario(path, scenario_, errors)) {
         return true;
     }
@@ -149,9 +148,9 @@ bool DeviceApplication::StartDevice(int index) {
     }
     device.server->AddBind(address);
     if (device.server->StartListen() < 1) {
-        return Quit("Unable to listen",
-                    String::format("The address (%1) is in use or is not one of this machine")
-                        .argi(1, address.GetAsString(true).Replace("|", ":")),
+        return Quit({core::fault("Unable to listen",
+                                 "The address (%1) is in use or is not one of this machine",
+                                 address.GetAsString(true).Replace("|", ":"))},
                     failed);
     }
     println(prefix.AppendNew(String::format("- Listening on: %1")
@@ -171,19 +170,13 @@ void DeviceApplication::Done() {
     }
 }
 
-bool DeviceApplication::Quit(StringArray const& errors, int result) {
-    for (int i = 0; i < errors.Count(); ++i) {
-        println(core::errorLine(errors[i]));
+bool DeviceApplication::Quit(std::vector<core::Fault> const& errors, int result) {
+    for (String const& line : core::faultLines(errors)) {
+        println(line);
     }
     result_ = result;
     RequestTermination(normalRequest);
     return false;
-}
-
-bool DeviceApplication::Quit(String const& title, String const& message, int result) {
-    StringArray errors;
-    errors.Add(title, message);
-    return Quit(errors, result);
 }
 
 }  // namespace device

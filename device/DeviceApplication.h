@@ -7,7 +7,7 @@
 #include "core/net/IPv4Address.h"
 #include "core/runtime/Application.h"
 #include "core/text/String.h"
-#include "core/text/StringArray.h"
+#include "core/text/message.h"
 #include "device/DeviceServer.h"
 #include "device/Reporter.h"
 #include "device/Scenario.h"
@@ -46,9 +46,8 @@ private:
 
     /// Starts the device of that number, from 0 on.
     bool StartDevice(int index);
-    /// Prints errors, entries of title "=" message, and ends the application with that result.
-    bool Quit(core::StringArray const& errors, int result);
-    bool Quit(core::String const& title, core::String const& message, int result);
+    /// Prints the errors and ends the application with result. Returns false.
+    bool Quit(std::vector<core::Fault> const& errors, int result);
 
     int result_ = 0;
     core::IPv4Address address_;  ///< of the first device

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 
+#include "core/text/StringArray.h"
 #include "core/text/errnoDescription.h"
 #include "core/text/readNumber.h"
 #include "device/names.h"
@@ -165,14 +166,13 @@ std::vector<Action> readActions(String const& text, String const& step, sys::Con
 
 }  // namespace
 
-bool loadScenario(String const& path, Scenario& scenario, StringArray& errors) {
-    int const before = errors.Count();
+bool loadScenario(String const& path, Scenario& scenario, std::vector<core::Fault>& errors) {
+    std::size_t const before = errors.size();
     sys::ConfFile file("Bad scenario", errors);
     int const result = file.Load(path);
     if (result != 0) {
-        errors.Add(
-            "Scenario not readable",
-            String::format("\"%2\": %1").argi(1, core::errnoDescription(-result)).argi(2, path));
+        errors.push_back(core::fault("Scenario not readable", "\"%1\": %2", path,
+                                     core::errnoDescription(-result)));
         return false;
     }
     for (StepName const& row : stepNames) {
@@ -189,7 +189,7 @@ bool loadScenario(String const& path, Scenario& scenario, StringArray& errors) {
     file.TakeNumber("receiveBuffer", 0, bytes.largest, number);
     scenario.receiveBuffer = static_cast<std::uint32_t>(number);
     file.RefuseTheRest();
-    return errors.Count() == before;
+    return errors.size() == before;
 }
 
 }  // namespace device

@@ -5,12 +5,15 @@
 
 #include "core/console/Console.h"
 #include "core/console/UsageText.h"
+#include "core/text/printable.h"
 #include "pack/printable.h"
 #include "pack/textNames.h"
 
 namespace pack {
 
 using core::Console;
+using core::hex;
+using core::printable;
 using core::StreamDescriptor;
 using core::StreamSequencer;
 using core::StreamSequencerReader;
@@ -158,10 +161,10 @@ void printJson(String const& path, StreamSequencerReader const& reader) {
     Console::write(String("],") + member("crc", quoted(hex(reader.GetCRC(), 8))) + "}", true);
 }
 
-void printJsonError(String const& path, String const& error) {
+void printJsonError(String const& path, core::Fault const& error) {
     Console::write(String("{") + member("archive", quoted(path)) + "," + member("error", "{") +
-                       member("title", quoted(error.LeftOf('='))) + "," +
-                       member("message", quoted(error.RightOf('='))) + "}}",
+                       member("title", quoted(error.title)) + "," +
+                       member("message", quoted(error.message)) + "}}",
                    true);
 }
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "core/archive/StreamSequencerReader.h"
-#include "core/text/String.h"
+#include "core/text/message.h"
 
 namespace pack {
 
@@ -10,7 +10,7 @@ void printTable(core::StreamSequencerReader const& reader);
 
 /// Prints the same as one JSON object on one line; path is that of the archive.
 void printJson(core::String const& path, core::StreamSequencerReader const& reader);
-/// The object for an archive that cannot be listed: path, and the error of title "=" message.
-void printJsonError(core::String const& path, core::String const& error);
+/// The object for an archive that cannot be listed: its path and the error.
+void printJsonError(core::String const& path, core::Fault const& error);
 
 }  // namespace pack

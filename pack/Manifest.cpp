@@ -48,10 +48,10 @@ bool isAbsolute(String const& path) {
 }  // namespace
 
 bool Manifest::Load(String const& path, StreamSequencerBuilder& builder) {
-    int const before = errors_.Count();
+    std::size_t const before = errors_.size();
     int const result = file_.Load(path);
     if (result != 0) {
-        errors_.Add(fileFault("Manifest not readable", path, result));
+        errors_.push_back(fileFault("Manifest not readable", path, result));
         return false;
     }
     TakeIdentity(builder);
@@ -59,7 +59,7 @@ bool Manifest::Load(String const& path, StreamSequencerBuilder& builder) {
     TakeAttributes(builder);
     TakeFiles(path.GetFilePath(), builder);
     file_.RefuseTheRest();
-    return errors_.Count() == before;
+    return errors_.size() == before;
 }
 
 void Manifest::TakeIdentity(StreamSequencerBuilder& builder) {
@@ -112,7 +112,7 @@ void Manifest::TakeAttributes(StreamSequencerBuilder& builder) {
     unsigned long long count = 0;
     file_.TakeNumber("attribute.count", 0, core::archive::attributeCountMask, count);
     for (unsigned i = 0; i < count; ++i) {
-        String const name = String::format("attribute[%1]").argi(1, i);
+        String const name = core::message("attribute[%1]", i);
         String text;
         if (!file_.Take(name, text) || text.Find('=') < 1) {
             file_.Wrong(name, "must hold a name and a value");
@@ -131,7 +131,7 @@ void Manifest::TakeFiles(String const& folder, StreamSequencerBuilder& builder) 
     file_.TakeNumber("file.count", 0, INT_MAX, count);
     for (unsigned i = 0; i < count; ++i) {
         // A count that is too high is told once.
-        if (!TakeFile(String::format("file[%1]").argi(1, i), folder, builder)) {
+        if (!TakeFile(core::message("file[%1]", i), folder, builder)) {
             return;
         }
     }

@@ -1,8 +1,10 @@
 #pragma once
 
+#include <vector>
+
 #include "core/archive/StreamSequencerBuilder.h"
 #include "core/text/String.h"
-#include "core/text/StringArray.h"
+#include "core/text/message.h"
 #include "sys/ConfFile.h"
 
 namespace pack {
@@ -11,8 +13,9 @@ namespace pack {
 /// of names may be large or small.
 class Manifest {
 public:
-    /// What is wrong goes to errors, as title "=" message.
-    explicit Manifest(core::StringArray& errors) : errors_(errors), file_("Bad manifest", errors) {}
+    /// Errors in the manifest are added to errors, which must outlive this object.
+    explicit Manifest(std::vector<core::Fault>& errors)
+        : errors_(errors), file_("Bad manifest", errors) {}
 
     /// Reads the file and adds all that it says to the builder; false when anything is wrong with
     /// it: also a name that means nothing, which would be a misspelt one.
@@ -26,7 +29,7 @@ private:
     bool TakeFile(core::String const& name, core::String const& folder,
                   core::StreamSequencerBuilder& builder);
 
-    core::StringArray& errors_;
+    std::vector<core::Fault>& errors_;
     sys::ConfFile file_;
 };
 

@@ -1,13 +1,12 @@
 #include "pack/PackApplication.h"
 
 #include "core/console/Console.h"
-#include "core/console/errorLine.h"
+#include "core/text/StringArray.h"
 #include "pack/Listing.h"
 #include "pack/Manifest.h"
 #include "pack/PackProgress.h"
 #include "pack/Unpacker.h"
 #include "pack/faults.h"
-#include "pack/printable.h"
 #include "pack/usage.h"
 #include "pack/verdict.h"
 #include "sys/ReplacementFile.h"
@@ -51,9 +50,11 @@ PackApplication::PackApplication() : core::Application("ravelink-pack") {
 }
 
 void PackApplication::Main(int argc, char const* const* argv) {
-    CommandLinePrepare(argc, argv, optionGrammar, errors_);
-    bool const help = errors_.Count() == 0 && FindOption("h");
-    if (errors_.Count() == 0 && !help) {
+    core::StringArray entries;
+    CommandLinePrepare(argc, argv, optionGrammar, entries);
+    errors_ = core::faultsFromEntries(entries);
+    bool const help = errors_.empty() && FindOption("h");
+    if (errors_.empty() && !help) {
         command_ = Chosen();
     }
     bool const forPrograms = command_ != nullptr && FindOption("j");
@@ -81,25 +82,26 @@ PackApplication::Command const* PackApplication::Chosen() {
         }
     }
     if (given != 1) {
-        errors_.Add("Nothing to do", "Please provide one of the options -b, -l, -c and -x");
+        errors_.push_back(
+            core::fault("Nothing to do", "Please provide one of the options -b, -l, -c and -x"));
         return nullptr;
     }
     for (char const* const option : {"o", "d", "j", "f"}) {
         bool const needed = String(chosen->needs) == option;
         bool const allowed = needed || String(chosen->takes) == option;
         if (FindOption(option) ? !allowed : needed) {
-            errors_.Add(String::format(needed ? "Option missing=Option -%1 needs -%2"
-                                              : "Option without use=Option -%1 takes no -%2")
-                            .argi(1, chosen->option)
-                            .argi(2, option));
+            errors_.push_back(needed ? core::fault("Option missing", "Option -%1 needs -%2",
+                                                   chosen->option, option)
+                                     : core::fault("Option without use", "Option -%1 takes no -%2",
+                                                   chosen->option, option));
         }
     }
-    return errors_.Count() == 0 ? chosen : nullptr;
+    return errors_.empty() ? chosen : nullptr;
 }
 
 bool PackApplication::Init() {
     (this->*command_->work)();
-    if (errors_.Count() > 0) {
+    if (!errors_.empty()) {
         result_ = failed;
         ShowErrors();
     }
@@ -120,18 +122,18 @@ void PackApplication::WriteArchive(StreamSequencerBuilder& builder, String const
     sys::ReplacementFile target;
     int result = target.Create(path);
     if (result != 0) {
-        errors_.Add(fileFault("Archive not writable", path, result));
+        errors_.push_back(fileFault("Archive not writable", path, result));
         return;
     }
     PackProgress progress("Packed");
     result = builder.Write(target, &progress);
     if (result != 0) {
-        errors_.Add(buildFault(builder, path, result));
+        errors_.push_back(buildFault(builder, path, result));
         return;
     }
     long long const size = target.Tell();
     if (size < 0) {
-        errors_.Add(fileFault("Archive not writable", path, static_cast<int>(size)));
+        errors_.push_back(fileFault("Archive not writable", path, static_cast<int>(size)));
         return;
     }
     // A new file is its owner's alone: whoever may read the recipe may read the archive.
@@ -141,7 +143,7 @@ void PackApplication::WriteArchive(StreamSequencerBuilder& builder, String const
     }
     result = target.TakeOver(true);
     if (result != 0) {
-        errors_.Add(fileFault("Archive not writable", path, result));
+        errors_.push_back(fileFault("Archive not writable", path, result));
         return;
     }
     progress.Finish(String::format("- Archive made: %1, %2")
@@ -170,13 +172,13 @@ void PackApplication::Check() {
     }
     long long const size = archive_.Size();
     if (size < 0) {
-        errors_.Add(fileFault("Archive not readable", Value("c"), static_cast<int>(size)));
+        errors_.push_back(fileFault("Archive not readable", Value("c"), static_cast<int>(size)));
         return;
     }
     progress.Finish(String::format("- The archive is sound: %1, %2, CRC-32 %3")
                         .argi(1, fileCount(reader.FileCount()))
                         .argi(2, sizeInColor(reader.GetPlace().end, doneColor))
-                        .argi(3, hex(reader.GetCRC(), 8)));
+                        .argi(3, core::hex(reader.GetCRC(), 8)));
     long long const behind = size - reader.GetPlace().end;
     if (behind > 0) {
         Console::write(String::format("- Behind its end at offset %1 are %2 bytes that are no part "
@@ -203,19 +205,19 @@ bool PackApplication::ReadArchive(StreamSequencerReader& reader, core::ICopyCall
     String const path = Value(command_->option);
     int result = sys::openRegular(archive_, path);
     if (result != 0) {
-        errors_.Add(fileFault("Archive not readable", path, result));
+        errors_.push_back(fileFault("Archive not readable", path, result));
         return false;
     }
     reader.SetStream(&archive_);
     reader.SetProgress(progress);
     result = reader.Read();
-    String const fault = reader.GetReadError() != 0
-                             ? fileFault("Archive not readable", path, reader.GetReadError())
-                             : verdict(reader, result);
-    if (!fault.IsEmpty()) {
-        errors_.Add(fault);
+    auto const fault = reader.GetReadError() != 0
+                           ? fileFault("Archive not readable", path, reader.GetReadError())
+                           : verdict(reader, result);
+    if (fault) {
+        errors_.push_back(*fault);
     }
-    return fault.IsEmpty();
+    return !fault;
 }
 
 void PackApplication::ShowErrors() const {
@@ -223,8 +225,8 @@ void PackApplication::ShowErrors() const {
         printJsonError(Value("l"), errors_[0]);
         return;
     }
-    for (int i = 0; i < errors_.Count(); ++i) {
-        Console::write(core::errorLine(errors_[i]), true);
+    for (String const& line : core::faultLines(errors_)) {
+        Console::write(line, true);
     }
     Console::write("", true);
 }

@@ -1,11 +1,13 @@
 #pragma once
 
+#include <vector>
+
 #include "core/archive/StreamSequencerBuilder.h"
 #include "core/archive/StreamSequencerReader.h"
 #include "core/runtime/Application.h"
 #include "core/stream/FileStream.h"
 #include "core/text/String.h"
-#include "core/text/StringArray.h"
+#include "core/text/message.h"
 
 namespace pack {
 
@@ -42,7 +44,7 @@ private:
     core::String Value(char const* option) const;
 
     int result_ = 0;
-    core::StringArray errors_{16};  ///< entries of title "=" message
+    std::vector<core::Fault> errors_;
     Command const* command_ = nullptr;
     core::FileStream archive_;
 };

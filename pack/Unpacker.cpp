@@ -6,7 +6,6 @@
 
 #include "core/text/errnoDescription.h"
 #include "pack/faults.h"
-#include "pack/printable.h"
 #include "pack/unpackPath.h"
 #include "sys/FileBelow.h"
 #include "sys/dir.h"
@@ -45,18 +44,18 @@ private:
 }  // namespace
 
 bool Unpacker::Unpack(String const& folder, bool replace, core::ICopyCallback& progress) {
-    int const before = errors_.Count();
+    std::size_t const before = errors_.size();
     PlanPaths();
     RefuseClashes();
-    if (errors_.Count() == before) {
+    if (errors_.size() == before) {
         RefuseTaken(folder, replace);
     }
-    if (errors_.Count() > before) {
+    if (errors_.size() > before) {
         return false;
     }
     int result = sys::dir::create(folder, true);
     if (result != 0) {
-        errors_.Add(fileFault("Folder not made", folder, result));
+        errors_.push_back(fileFault("Folder not made", folder, result));
         return false;
     }
     for (int i = 0; i < archive_.FileCount(); ++i) {
@@ -128,11 +127,8 @@ int Unpacker::Write(int index, String const& folder, bool replace, core::ICopyCa
 void Unpacker::Refuse(int index, String const& why) {
     core::StreamDescriptor const& file = archive_.File(index);
     bool const named = file.GetDestination().IsEmpty();
-    errors_.Add("File not unpacked",
-                String::format("file[%1], \"%3\": %2")
-                    .argi(1, index)
-                    .argi(2, why)
-                    .argi(3, printable(named ? file.GetName() : file.GetDestination())));
+    errors_.push_back(core::fault("File not unpacked", "file[%1], \"%2\": %3", index,
+                                  named ? file.GetName() : file.GetDestination(), why));
 }
 
 }  // namespace pack

@@ -1,17 +1,19 @@
 #pragma once
 
+#include <vector>
+
 #include "core/archive/StreamSequencerReader.h"
 #include "core/text/String.h"
 #include "core/text/StringArray.h"
+#include "core/text/message.h"
 
 namespace pack {
 
 /// Lays the files of an archive below a folder, and nothing outside it.
 class Unpacker {
 public:
-    /// The archive must have been found sound; both must outlive this. What goes wrong goes to
-    /// errors, as title "=" message.
-    Unpacker(core::StreamSequencerReader& archive, core::StringArray& errors)
+    /// The archive must be valid. Errors are added to errors. Both must outlive this object.
+    Unpacker(core::StreamSequencerReader& archive, std::vector<core::Fault>& errors)
         : archive_(archive), errors_(errors) {}
 
     /// Writes all files, or none when any of them has a path that cannot be used, shares it with
@@ -28,7 +30,7 @@ private:
     void Refuse(int index, core::String const& why);
 
     core::StreamSequencerReader& archive_;
-    core::StringArray& errors_;
+    std::vector<core::Fault>& errors_;
     core::StringArray paths_{16};
 };
 

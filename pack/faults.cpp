@@ -35,22 +35,22 @@ String entryOf(Fault const& fault) {
         case Cause::targetId:
             return "targetId";
         case Cause::attribute:
-            return String::format("attribute[%1]").argi(1, fault.index);
+            return core::message("attribute[%1]", fault.index);
         default:
-            return String::format("file[%1].%2").argi(1, fault.index).argi(2, nameOf(*fault.text));
+            return core::message("file[%1].%2", fault.index, nameOf(*fault.text));
     }
 }
 
 }  // namespace
 
-String fileFault(char const* title, String const& path, int result) {
-    // Our own way to say that its size changed while it was read.
+core::Fault fileFault(char const* title, String const& path, int result) {
+    // The archive classes report a size that changed meanwhile as -EBUSY.
     String const reason =
         result == -EBUSY ? String("it changed while it was read") : core::errnoDescription(-result);
-    return String::format("%1=\"%3\": %2").argi(1, title).argi(2, reason).argi(3, path);
+    return core::fault(title, "\"%1\": %2", path, reason);
 }
 
-String buildFault(StreamSequencerBuilder const& builder, String const& path, int result) {
+core::Fault buildFault(StreamSequencerBuilder const& builder, String const& path, int result) {
     Fault const& fault = builder.GetFault();
     if (fault.cause == Cause::target) {
         return fileFault("Archive not writable", path, result);
@@ -60,13 +60,12 @@ String buildFault(StreamSequencerBuilder const& builder, String const& path, int
     }
     String const name = entryOf(fault);
     if (result == -EILSEQ) {
-        return String::format("Bad text=%1 is not UTF-8").argi(1, name);
+        return core::fault("Bad text", "%1 is not UTF-8", name);
     }
     int const room = fault.text ? roomOf(builder, *fault.text) : core::archive::textUnits;
-    return String::format(room > 0 ? "Text too long=%1 may have %2 UTF-16 units"
-                                   : "No room for text=%1 is not part of this format version")
-        .argi(1, name)
-        .argi(2, room);
+    return room > 0
+               ? core::fault("Text too long", "%1 may have %2 UTF-16 units", name, room)
+               : core::fault("No room for text", "%1 is not part of this format version", name);
 }
 
 }  // namespace pack

@@ -1,12 +1,14 @@
 #pragma once
 
+#include <optional>
+
 #include "core/archive/StreamSequencerReader.h"
-#include "core/text/String.h"
+#include "core/text/message.h"
 
 namespace pack {
 
-/// What is wrong with an archive that was read with the given result, as title "=" message with the
-/// offset of the first thing that is wrong; empty when nothing is.
-core::String verdict(core::StreamSequencerReader const& reader, int result);
+/// Returns the error of an archive that was read with the given result, with the offset of the
+/// first invalid part; none for a valid archive.
+std::optional<core::Fault> verdict(core::StreamSequencerReader const& reader, int result);
 
 }  // namespace pack

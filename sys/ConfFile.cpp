@@ -1,7 +1,12 @@
 #include "sys/ConfFile.h"
 
+#include <algorithm>
+#include <string_view>
+
+#include "core/stream/MemoryStream.h"
+#include "core/text/StringArray.h"
 #include "core/text/readNumber.h"
-#include "sys/file.h"
+#include "sys/openRegular.h"
 
 namespace sys {
 
@@ -16,8 +21,18 @@ std::string keyOf(String const& name) {
 }  // namespace
 
 int ConfFile::Load(String const& path) {
+    core::MemoryStream content;
+    int const result = readRegular(content, path);
+    if (result != 0) {
+        return result;
+    }
+    std::string_view const bytes = content.View();
+    if (std::size_t const nul = bytes.find('\0'); nul != bytes.npos) {
+        auto const line = std::count(bytes.begin(), bytes.begin() + static_cast<long>(nul), '\n');
+        Wrong(core::message("line %1", line + 1), "contains a NUL character");
+    }
     core::StringArray lines;
-    int const result = file::loadConfFile(lines, path);
+    lines.LoadAsConfFileFrom(&content);
     for (int i = 0; i < lines.Count(); ++i) {
         String const name = lines.GetNameByIndex(i);
         if (name.IsEmpty()) {
@@ -26,7 +41,7 @@ int ConfFile::Load(String const& path) {
             Wrong(name, "is there twice");
         }
     }
-    return result;
+    return 0;
 }
 
 bool ConfFile::Has(String const& name) const {
@@ -66,7 +81,7 @@ void ConfFile::RefuseTheRest() {
 }
 
 void ConfFile::Wrong(String const& name, String const& what) {
-    errors_.Add(title_, name.AppendNew(" ").AppendNew(what));
+    errors_.push_back({title_, name.AppendNew(" ").AppendNew(what)});
 }
 
 }  // namespace sys

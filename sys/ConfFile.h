@@ -2,9 +2,10 @@
 
 #include <map>
 #include <string>
+#include <vector>
 
 #include "core/text/String.h"
-#include "core/text/StringArray.h"
+#include "core/text/message.h"
 
 namespace sys {
 
@@ -12,11 +13,13 @@ namespace sys {
 /// end means nothing and is most likely misspelt. Letters of names may be large or small.
 class ConfFile {
 public:
-    /// What is wrong goes to errors, as title "=" message. They must outlive this object.
-    ConfFile(char const* title, core::StringArray& errors) : title_(title), errors_(errors) {}
+    /// Errors in the file are added to errors, under title. Both must outlive this object.
+    ConfFile(char const* title, std::vector<core::Fault>& errors)
+        : title_(title), errors_(errors) {}
 
-    /// Reads the file at path: 0, or a negative error code, which is no entry of the errors. Lines
-    /// that are no pair and names that are there twice are errors.
+    /// Reads the file at path. Returns 0 or a negative errno value, which is not added to the
+    /// errors. Lines without a name and a value, names that appear twice and NUL characters, which
+    /// would truncate a value, are errors.
     int Load(core::String const& path);
 
     bool Has(core::String const& name) const;
@@ -32,7 +35,7 @@ public:
 
 private:
     char const* const title_;
-    core::StringArray& errors_;
+    std::vector<core::Fault>& errors_;
     std::map<std::string, core::String> entries_;  ///< by name in small letters
 };
 

@@ -1,8 +1,6 @@
 #include <cerrno>
-#include <climits>
 #include <string_view>
 
-#include "core/stream/MemoryStream.h"
 #include "core/text/TextBuilder.h"
 #include "sys/file.h"
 #include "sys/openRegular.h"
@@ -14,33 +12,11 @@ namespace {
 int const pieceSize = 4096;
 int const lineGrowth = 16;
 
-/// Reads the whole file into memory and goes back to where its text starts: behind the mark that
-/// some editors of Windows put in front of UTF-8.
-int readInto(core::MemoryStream& memory, core::String const& path) {
-    core::FileStream file;
-    int const opened = openRegular(file, path);
-    if (opened != 0) {
-        return opened;
-    }
-    if (file.Size() > INT_MAX) {
-        return -EFBIG;
-    }
-    long long const copied = file.CopyTo(memory, false, false, nullptr);
-    if (copied < 0) {
-        return static_cast<int>(copied);
-    }
-    core::Buffer const& content = memory.Content();
-    std::string_view const bytes(reinterpret_cast<char const*>(content.GetData()),
-                                 static_cast<std::size_t>(content.GetSize()));
-    bool const marked = bytes.starts_with("\xEF\xBB\xBF");
-    return memory.Seek(marked ? 3 : 0) < 0 ? -EIO : 0;
-}
-
 /// Has the list take the file's content by one of its loading operations.
 int load(core::StringArray& list, core::String const& path,
          bool (core::StringArray::*take)(core::IStream*)) {
     core::MemoryStream memory;
-    int const result = readInto(memory, path);
+    int const result = readRegular(memory, path);
     if (result == 0) {
         (list.*take)(&memory);
     }

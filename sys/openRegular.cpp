@@ -1,6 +1,7 @@
 #include "sys/openRegular.h"
 
 #include <cerrno>
+#include <climits>
 
 namespace sys {
 
@@ -15,6 +16,23 @@ int openRegular(core::FileStream& file, core::String const& path) {
         return result;
     }
     return status.type == platform::FileType::regular ? 0 : -ENOTSUP;
+}
+
+int readRegular(core::MemoryStream& memory, core::String const& path) {
+    core::FileStream file;
+    int const opened = openRegular(file, path);
+    if (opened != 0) {
+        return opened;
+    }
+    if (file.Size() > INT_MAX) {
+        return -EFBIG;
+    }
+    long long const copied = file.CopyTo(memory, false, false, nullptr);
+    if (copied < 0) {
+        return static_cast<int>(copied);
+    }
+    bool const marked = memory.View().starts_with("\xEF\xBB\xBF");
+    return memory.Seek(marked ? 3 : 0) < 0 ? -EIO : 0;
 }
 
 }  // namespace sys

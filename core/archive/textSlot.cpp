@@ -4,7 +4,7 @@
 #include <string>
 
 #include "core/archive/littleEndian.h"
-#include "core/archive/unicode.h"
+#include "core/text/unicode.h"
 
 namespace core::archive {
 

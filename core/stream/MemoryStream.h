@@ -1,5 +1,7 @@
 #pragma once
 
+#include <string_view>
+
 #include "core/stream/Stream.h"
 #include "core/text/Buffer.h"
 
@@ -25,6 +27,11 @@ public:
 
     /// What was written; valid until the next write.
     Buffer const& Content() const { return content_; }
+    /// The same as characters.
+    std::string_view View() const {
+        return {reinterpret_cast<char const*>(content_.GetData()),
+                static_cast<std::size_t>(content_.GetSize())};
+    }
     /// Empties the stream and goes back to its start.
     void Clear();
 

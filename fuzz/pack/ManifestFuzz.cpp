@@ -56,12 +56,12 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size
     static support::TemporaryFolder const folder;
     String const path = folder.Write("manifest", Input(data, size).Rest()).c_str();
 
-    core::StringArray errors;
+    std::vector<core::Fault> errors;
     Builder builder;
     bool const good = pack::Manifest(errors).Load(path, builder);
-    require(good == (errors.Count() == 0));
-    for (int i = 0; i < errors.Count(); ++i) {
-        require(errors.GetNameByIndex(i) == "Bad manifest" && !errors.GetValueByIndex(i).IsEmpty());
+    require(good == (errors.empty()));
+    for (core::Fault const& error : errors) {
+        require(error.title == "Bad manifest" && !error.message.IsEmpty());
     }
     if (!good) {
         return 0;

@@ -25,10 +25,10 @@ ScenarioDevice::ScenarioDevice(std::string const& text)
 device::Scenario ScenarioDevice::scenarioOf(std::string const& text) {
     support::TemporaryFolder const folder;
     device::Scenario scenario;
-    core::StringArray errors;
+    std::vector<core::Fault> errors;
     bool const loaded =
         device::loadScenario(folder.Write("scenario", text).c_str(), scenario, errors);
-    EXPECT_TRUE(loaded) << text << errors[0].getCString();
+    EXPECT_TRUE(loaded) << text << core::faultLine(errors.at(0)).getCString();
     return scenario;
 }
 

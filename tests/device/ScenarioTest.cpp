@@ -7,7 +7,7 @@ namespace {
 
 TEST(Scenario, TellsEveryMistakeOfItsFile) {
     support::TemporaryFolder const folder;
-    std::string const bad = "Bad scenario=";
+    std::string const bad = "*** Bad scenario: ";
     std::string const after = "after needs a number from 1 on, and stands in data only";
     for (auto const& [text, error] : std::vector<std::pair<std::string, std::string>>{
              {"nonsense", bad + "nonsense is no pair of name and value"},
@@ -33,10 +33,10 @@ TEST(Scenario, TellsEveryMistakeOfItsFile) {
              {"header = after 5, close", bad + "header: " + after},
          }) {
         device::Scenario scenario;
-        core::StringArray errors;
+        std::vector<core::Fault> errors;
         EXPECT_FALSE(device::loadScenario(folder.Write("s", text).c_str(), scenario, errors));
-        EXPECT_EQ(errors.Count(), 1) << text;
-        EXPECT_STREQ(errors[0].getCString(), error.c_str());
+        ASSERT_EQ(errors.size(), 1u) << text;
+        EXPECT_STREQ(core::faultLine(errors[0]).getCString(), error.c_str());
     }
 }
 

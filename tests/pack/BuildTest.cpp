@@ -60,6 +60,7 @@ TEST_F(Build, MakesTheGoldenArchivesAndUnpacksWhatWentIn) {
 TEST_F(Build, TellsEveryMistakeOfAManifestAndLeavesTheOldArchive) {
     folder_.Write("f", "data");
     std::string const file = "file.count = 1\nfile[0].origin = f\n";
+    std::string const nul("file.count = 0\ntargetId = a\0b", 29);
     std::string const other = "file.count = 1\nfile[0].origin = ";
     std::string const bad = "Bad manifest: ";
     std::string const number = " must be a number from 0 to ";
@@ -73,6 +74,8 @@ TEST_F(Build, TellsEveryMistakeOfAManifestAndLeavesTheOldArchive) {
         {"file.count = 0\nfile[0].name = f", {bad + "file[0].name means nothing here"}},
         {file + "FILE.COUNT = 1", {bad + "FILE.COUNT is there twice"}},
         {file + "nonsense", {bad + "nonsense is no pair of name and value"}},
+        {file + "\x1B[2J\u061C=\xFF = 1", {bad + "?[2j? means nothing here"}},
+        {nul, {bad + "line 2 contains a NUL character"}},
         {file + "version = 2.1", {range}},
         {file + "version = 1.", {range}},
         {file + "version = 0x1\nkey = 1", {range, bad + "key has no use without crypt"}},
@@ -100,8 +103,8 @@ TEST_F(Build, TellsEveryMistakeOfAManifestAndLeavesTheOldArchive) {
         EXPECT_EQ(contentOf(At("@a.rvl")), "old");
         EXPECT_EQ(FilesBelow(""), (Lines{"a.rvl", "f", "m.conf"})) << "nothing is left behind";
     }
-    EXPECT_EQ(Errors("-b @none -o @a.rvl"),
-              Lines{"Manifest not readable: \"@none\": No such file or directory"});
+    EXPECT_EQ(Errors("-b @no=ne -o @a.rvl"),
+              Lines{"Manifest not readable: \"@no=ne\": No such file or directory"});
     folder_.Write("m.conf", file);
     EXPECT_EQ(Errors("-b @m.conf -o @no/a.rvl"),
               Lines{"Archive not writable: \"@no/a.rvl\": No such file or directory"});

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "pack/printable.h"
+#include "core/text/message.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tests/support/lines.h"
 #include "tests/support/run.h"
@@ -22,7 +22,7 @@ inline std::string crcOf(std::string const& bytes) {
     for (std::size_t i = 9; i < 13; ++i) {
         crc = crc << 8 | static_cast<unsigned char>(bytes[bytes.size() - i]);
     }
-    return pack::hex(crc, 8).getCString();
+    return core::hex(crc, 8).getCString();
 }
 
 /// A test that runs ravelink-pack in a fresh folder, which stands for "@" in its words.

@@ -44,12 +44,12 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size
     static support::TemporaryFolder const folder;
     core::String const path = folder.Write("scenario", Input(data, size).Rest()).c_str();
 
-    core::StringArray errors;
+    std::vector<core::Fault> errors;
     device::Scenario scenario;
     bool const good = device::loadScenario(path, scenario, errors);
-    require(good == (errors.Count() == 0));
-    for (int i = 0; i < errors.Count(); ++i) {
-        require(errors.GetNameByIndex(i) == "Bad scenario" && !errors.GetValueByIndex(i).IsEmpty());
+    require(good == (errors.empty()));
+    for (core::Fault const& error : errors) {
+        require(error.title == "Bad scenario" && !error.message.IsEmpty());
     }
     if (good) {
         for (auto const& [step, actions] : scenario.steps) {

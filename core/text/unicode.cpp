@@ -1,4 +1,4 @@
-#include "core/archive/unicode.h"
+#include "core/text/unicode.h"
 
 namespace core::unicode {
 

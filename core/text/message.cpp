@@ -1,0 +1,60 @@
+#include "core/text/message.h"
+
+#include "core/text/TextBuilder.h"
+#include "core/text/printable.h"
+
+namespace core {
+
+namespace {
+
+std::size_t const mostLines = 20;
+
+}  // namespace
+
+String fillMessage(char const* pattern, std::span<MessageValue const> values) {
+    TextBuilder text;
+    for (std::string_view rest = pattern; !rest.empty();) {
+        std::size_t const percent = rest.find('%');
+        text.Append(rest.substr(0, percent));
+        if (percent == rest.npos) {
+            break;
+        }
+        rest.remove_prefix(percent);
+        // '0' wraps around and is out of range like every other character.
+        auto const index = rest.size() > 1 ? static_cast<unsigned char>(rest[1] - '1') : 9U;
+        bool const filled = index < 9 && index < values.size();
+        text.Append(filled ? values[index].View() : rest.substr(0, 1));
+        rest.remove_prefix(filled ? 2 : 1);
+    }
+    return text.AsString();
+}
+
+String hex(unsigned long long value, int digits) {
+    return String::format("0x%1").argi(1, value, digits, 16);
+}
+
+std::vector<Fault> faultsFromEntries(StringArray const& entries) {
+    std::vector<Fault> errors;
+    for (int i = 0; i < entries.Count(); ++i) {
+        errors.push_back({entries[i].LeftOf('='), entries[i].RightOf('=')});
+    }
+    return errors;
+}
+
+String faultLine(Fault const& error) {
+    return message("*** %1: %2", printable(error.title), printable(error.message));
+}
+
+std::vector<String> faultLines(std::vector<Fault> const& errors) {
+    std::vector<String> lines;
+    for (std::size_t i = 0; i < errors.size() && i < mostLines; ++i) {
+        lines.push_back(faultLine(errors[i]));
+    }
+    if (errors.size() > mostLines) {
+        lines.push_back(
+            faultLine(fault("More errors", "There are %1 more", errors.size() - mostLines)));
+    }
+    return lines;
+}
+
+}  // namespace core
