@@ -10,7 +10,9 @@
 #include "pack/usage.h"
 #include "pack/verdict.h"
 #include "sys/ReplacementFile.h"
+#include "sys/file.h"
 #include "sys/openRegular.h"
+#include "sys/platform/InterruptWatch.h"
 
 namespace pack {
 
@@ -62,7 +64,9 @@ void PackApplication::Main(int argc, char const* const* argv) {
         Console::write(getVersionLong(true), true);
     }
     if (command_ != nullptr) {
+        sys::platform::InterruptWatch watch([] { RequestTermination(normalRequest); });
         Run();
+        watch.EndIfInterrupted();
         return;
     }
     if (!help) {
@@ -100,8 +104,13 @@ PackApplication::Command const* PackApplication::Chosen() {
 }
 
 bool PackApplication::Init() {
-    (this->*command_->work)();
-    if (!errors_.empty()) {
+    try {
+        (this->*command_->work)();
+    } catch (std::exception const& exception) {
+        errors_ = {core::faultFromException(exception)};
+    }
+    // An interrupted program ends by its signal, which needs no words.
+    if (!errors_.empty() && !IsTerminationRequested()) {
         result_ = failed;
         ShowErrors();
     }
@@ -119,6 +128,9 @@ void PackApplication::Build() {
 
 void PackApplication::WriteArchive(StreamSequencerBuilder& builder, String const& manifest) {
     String const path = Value("o");
+    if (RefuseSourceAsTarget(builder, manifest, path)) {
+        return;
+    }
     sys::ReplacementFile target;
     int result = target.Create(path);
     if (result != 0) {
@@ -136,12 +148,15 @@ void PackApplication::WriteArchive(StreamSequencerBuilder& builder, String const
         errors_.push_back(fileFault("Archive not writable", path, static_cast<int>(size)));
         return;
     }
-    // A new file is its owner's alone: whoever may read the recipe may read the archive.
+    // New files are owner-only; use the manifest's permissions.
     core::FileStream recipe;
     if (recipe.Open(manifest, sys::platform::openRead) == 0) {
         target.TakePermissionsOf(recipe);
     }
-    result = target.TakeOver(true);
+    result = target.Sync();
+    if (result == 0) {
+        result = target.TakeOver(true);
+    }
     if (result != 0) {
         errors_.push_back(fileFault("Archive not writable", path, result));
         return;
@@ -151,11 +166,31 @@ void PackApplication::WriteArchive(StreamSequencerBuilder& builder, String const
                         .argi(2, sizeInColor(size, doneColor)));
 }
 
+bool PackApplication::RefuseSourceAsTarget(StreamSequencerBuilder const& builder,
+                                           String const& manifest, String const& path) {
+    sys::file::stats target;
+    if (sys::file::stat(path, &target) != 0) {
+        return false;
+    }
+    for (int i = -1; i < builder.FileCount(); ++i) {
+        String const source = i < 0 ? manifest : builder.File(i).GetOriginalPath();
+        sys::file::stats status;
+        if (sys::file::stat(source, &status) == 0 && status.volume == target.volume &&
+            status.number == target.number) {
+            errors_.push_back(core::fault(
+                "Archive not writable", "\"%1\" is the same file as \"%2\", which it is made from",
+                path, source));
+            return true;
+        }
+    }
+    return false;
+}
+
 void PackApplication::List() {
     bool const json = FindOption("j");
-    PackProgress progress("Read");
+    PackProgress progress(json ? "" : "Read");
     StreamSequencerReader reader;
-    if (ReadArchive(reader, json ? nullptr : &progress)) {
+    if (ReadArchive(reader, progress)) {
         json ? printJson(Value("l"), reader) : printTable(reader);
     }
     // Here the output is all there is: whoever keeps it must not take a part of it for a list.
@@ -167,7 +202,7 @@ void PackApplication::List() {
 void PackApplication::Check() {
     PackProgress progress("Checked");
     StreamSequencerReader reader;
-    if (!ReadArchive(reader, &progress)) {
+    if (!ReadArchive(reader, progress)) {
         return;
     }
     long long const size = archive_.Size();
@@ -192,7 +227,7 @@ void PackApplication::Check() {
 void PackApplication::Extract() {
     PackProgress checking("Checked");
     StreamSequencerReader reader;
-    if (!ReadArchive(reader, &checking)) {
+    if (!ReadArchive(reader, checking)) {
         return;
     }
     PackProgress progress("Unpacked");
@@ -201,7 +236,7 @@ void PackApplication::Extract() {
     }
 }
 
-bool PackApplication::ReadArchive(StreamSequencerReader& reader, core::ICopyCallback* progress) {
+bool PackApplication::ReadArchive(StreamSequencerReader& reader, core::ICopyCallback& progress) {
     String const path = Value(command_->option);
     int result = sys::openRegular(archive_, path);
     if (result != 0) {
@@ -209,7 +244,7 @@ bool PackApplication::ReadArchive(StreamSequencerReader& reader, core::ICopyCall
         return false;
     }
     reader.SetStream(&archive_);
-    reader.SetProgress(progress);
+    reader.SetProgress(&progress);
     result = reader.Read();
     auto const fault = reader.GetReadError() != 0
                            ? fileFault("Archive not readable", path, reader.GetReadError())

@@ -38,8 +38,12 @@ private:
     void Extract();
 
     void WriteArchive(core::StreamSequencerBuilder& builder, core::String const& manifest);
+    /// Adds an error and returns true if the archive at path would overwrite a file that it is made
+    /// of, also through a link.
+    bool RefuseSourceAsTarget(core::StreamSequencerBuilder const& builder,
+                              core::String const& manifest, core::String const& path);
     /// Opens and reads the archive; what is wrong is added to the errors.
-    bool ReadArchive(core::StreamSequencerReader& reader, core::ICopyCallback* progress);
+    bool ReadArchive(core::StreamSequencerReader& reader, core::ICopyCallback& progress);
     void ShowErrors() const;
     core::String Value(char const* option) const;
 

@@ -1,6 +1,7 @@
 #include "pack/PackProgress.h"
 
 #include "core/console/Console.h"
+#include "core/runtime/Application.h"
 
 namespace pack {
 
@@ -15,18 +16,19 @@ int const runningColor = 11;
 }  // namespace
 
 bool PackProgress::Copied(long long done, long long total) {
+    bool const goesOn = !core::Application::IsTerminationRequested();
     if (done < next_) {
-        return true;
+        return goesOn;
     }
     // The first call only sets the pace.
-    if (next_ > 0) {
+    if (next_ > 0 && !verb_.IsEmpty()) {
         line_.Show(String::format(">   %1 by now: %2 of %3")
                        .argi(1, verb_)
                        .argi(2, sizeInColor(done - done % reportStep, runningColor))
                        .argi(3, core::FormatByteSize(total, false)));
     }
     next_ = (done / reportStep + 1) * reportStep;
-    return true;
+    return goesOn;
 }
 
 String fileCount(int count) {

@@ -6,10 +6,11 @@
 
 namespace pack {
 
-/// Reports long work on the console, a line that is overwritten in place. Short work stays silent.
+/// Reports long work on the console, in a line that is overwritten in place; short work prints
+/// nothing. Cancels the work once the application is requested to terminate.
 class PackProgress : public core::ICopyCallback {
 public:
-    /// verb says what is done: "Packed".
+    /// verb names the work, such as "Packed"; an empty one prints no reports.
     explicit PackProgress(core::String const& verb) : verb_(verb) {}
 
     bool Copied(long long done, long long total) override;

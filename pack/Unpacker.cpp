@@ -1,28 +1,40 @@
 #include "pack/Unpacker.h"
 
+#include <algorithm>
 #include <cerrno>
-#include <set>
-#include <string>
+#include <numeric>
 
-#include "core/text/errnoDescription.h"
+#include "core/text/unicode.h"
 #include "pack/faults.h"
 #include "pack/unpackPath.h"
 #include "sys/FileBelow.h"
 #include "sys/dir.h"
-#include "sys/platform/FilesBelow.h"
 
 namespace pack {
 
 using core::String;
+using sys::platform::ConfinedDirectory;
 
 namespace {
 
-/// Paths that differ only in the case of letters are one path on some systems.
+/// No name contains it, and it sorts before every character of a name: a path is followed by all
+/// paths below it.
+char const separator = '\1';
+
+/// The path in a form that is equal for paths which are one path on some systems: those that differ
+/// only in case.
 std::string folded(String const& path) {
-    return std::string(path.LowerCase().View());
+    std::string key = core::unicode::foldCase(path.View());
+    std::replace(key.begin(), key.end(), '/', separator);
+    return key;
 }
 
-/// Tells what one file's copy means for all files.
+bool isBelow(std::string const& path, std::string const& parent) {
+    return path.size() > parent.size() && path[parent.size()] == separator &&
+           path.starts_with(parent);
+}
+
+/// Reports the progress of one file's copy as that of all files.
 class ProgressOfAll : public core::ICopyCallback {
 public:
     ProgressOfAll(core::ICopyCallback& progress, core::StreamSequencerReader const& archive,
@@ -41,27 +53,50 @@ private:
     long long const total_;
 };
 
+/// Opens the directory at path or, if it does not exist, the nearest existing one above it.
+int openNearest(ConfinedDirectory& directory, String path) {
+    for (;;) {
+        int const result = directory.Open(path.IsEmpty() ? "." : path.getCString());
+        if (result != -ENOENT || path.IsEmpty()) {
+            return result;
+        }
+        String const parent = path.ForceNoTrailingPathDelimiter().GetFilePath();
+        if (parent == path) {
+            return result;
+        }
+        path = parent;
+    }
+}
+
 }  // namespace
 
-bool Unpacker::Unpack(String const& folder, bool replace, core::ICopyCallback& progress) {
+bool Unpacker::Unpack(String const& path, bool replace, core::ICopyCallback& progress) {
     std::size_t const before = errors_.size();
     PlanPaths();
     RefuseClashes();
-    if (errors_.size() == before) {
-        RefuseTaken(folder, replace);
+    RefuseLongNames(path);
+    ConfinedDirectory directory;
+    bool opened = directory.Open(path.getCString()) == 0;
+    if (opened && errors_.size() == before) {
+        RefuseTaken(directory, replace);
     }
     if (errors_.size() > before) {
         return false;
     }
-    int result = sys::dir::create(folder, true);
-    if (result != 0) {
-        errors_.push_back(fileFault("Folder not made", folder, result));
-        return false;
-    }
-    for (int i = 0; i < archive_.FileCount(); ++i) {
-        result = Write(i, folder, replace, progress);
+    if (!opened) {
+        int result = sys::dir::create(path, true);
+        if (result == 0) {
+            result = directory.Open(path.getCString());
+        }
         if (result != 0) {
-            Refuse(i, core::errnoDescription(-result));
+            errors_.push_back(fileFault("Folder not made", path, result));
+            return false;
+        }
+    }
+    for (std::size_t i = 0; i < paths_.size(); ++i) {
+        int const result = Write(i, directory, replace, progress);
+        if (result != 0) {
+            Refuse(i, reasonOf(result));
             return false;
         }
     }
@@ -69,66 +104,108 @@ bool Unpacker::Unpack(String const& folder, bool replace, core::ICopyCallback& p
 }
 
 void Unpacker::PlanPaths() {
-    paths_.Clear();
+    paths_.clear();
     for (int i = 0; i < archive_.FileCount(); ++i) {
         String why;
-        paths_.Add(unpackPath(archive_.File(i), why));
+        paths_.push_back(unpackPath(archive_.File(i), why));
         if (!why.IsEmpty()) {
-            Refuse(i, why);
+            Refuse(paths_.size() - 1, why);
         }
     }
 }
 
 void Unpacker::RefuseClashes() {
-    std::set<std::string> taken;
-    for (int i = 0; i < paths_.Count(); ++i) {
-        if (!paths_[i].IsEmpty() && !taken.insert(folded(paths_[i])).second) {
-            Refuse(i, "another file has the same path");
+    std::vector<std::string> keys;
+    for (String const& path : paths_) {
+        keys.push_back(folded(path));
+    }
+    std::vector<std::size_t> order(keys.size());
+    std::iota(order.begin(), order.end(), 0);
+    std::stable_sort(order.begin(), order.end(),
+                     [&](std::size_t one, std::size_t other) { return keys[one] < keys[other]; });
+    std::vector<char const*> clashes(keys.size(), nullptr);
+    std::string file;  ///< the last path that is not below another one
+    for (std::size_t const index : order) {
+        std::string const& key = keys[index];
+        if (key.empty()) {
+            continue;
+        }
+        if (key == file) {
+            clashes[index] = "another file has the same path";
+        } else if (!file.empty() && isBelow(key, file)) {
+            clashes[index] = "another file stands where it needs a folder";
+        } else {
+            file = key;
         }
     }
-    for (int i = 0; i < paths_.Count(); ++i) {
-        std::string const path = folded(paths_[i]);
-        for (auto end = path.find('/'); end != std::string::npos; end = path.find('/', end + 1)) {
-            if (taken.count(path.substr(0, end)) > 0) {
-                Refuse(i, "another file stands where it needs a folder");
-            }
+    for (std::size_t i = 0; i < clashes.size(); ++i) {
+        if (clashes[i] != nullptr) {
+            Refuse(i, clashes[i]);
         }
     }
 }
 
-void Unpacker::RefuseTaken(String const& folder, bool replace) {
+void Unpacker::RefuseLongNames(String const& path) {
+    ConfinedDirectory nearest;
+    if (openNearest(nearest, path) != 0) {
+        return;
+    }
+    for (std::size_t i = 0; i < paths_.size(); ++i) {
+        std::string_view rest = paths_[i].View();
+        bool fits = true;
+        while (fits && !rest.empty()) {
+            std::string_view const name = rest.substr(0, rest.find('/'));
+            fits = nearest.AllowsName(name);
+            rest.remove_prefix(std::min(name.size() + 1, rest.size()));
+        }
+        if (!fits) {
+            Refuse(i, "a name is too long for the file system");
+        }
+    }
+}
+
+void Unpacker::RefuseTaken(ConfinedDirectory const& directory, bool replace) {
     using sys::platform::FileType;
-    for (int i = 0; i < paths_.Count(); ++i) {
+    for (std::size_t i = 0; i < paths_.size(); ++i) {
         sys::platform::FileStatus status;
-        int const result =
-            sys::platform::statBelow(folder.getCString(), paths_[i].getCString(), status);
+        int const result = directory.Stat(paths_[i].getCString(), status);
         if (result == -ELOOP) {
             Refuse(i, "a link stands in its way");
-        } else if (result == 0 && (!replace || status.type == FileType::directory)) {
-            Refuse(i, replace ? "a folder has its name" : "it is there already");
+        } else if (result == 0 && !replace) {
+            Refuse(i, "it is there already");
+        } else if (result == 0 && status.type == FileType::directory) {
+            Refuse(i, "a folder has its name");
+        } else if (result == 0 && status.type != FileType::regular) {
+            Refuse(i, "it is there already and is not a regular file");
         } else if (result != 0 && result != -ENOENT) {
-            Refuse(i, core::errnoDescription(-result));
+            Refuse(i, reasonOf(result));
         }
     }
 }
 
-int Unpacker::Write(int index, String const& folder, bool replace, core::ICopyCallback& progress) {
-    sys::FileBelow target;
-    int const result = target.Create(folder, paths_[index]);
+int Unpacker::Write(std::size_t index, ConfinedDirectory const& directory, bool replace,
+                    core::ICopyCallback& progress) {
+    sys::FileBelow target(directory);
+    int const result = target.Create(paths_[index]);
     if (result != 0) {
         return result;
     }
-    core::ClassRef<core::Stream> const data = archive_.OpenData(index);
-    ProgressOfAll all(progress, archive_, index);
+    int const file = static_cast<int>(index);
+    core::ClassRef<core::Stream> const data = archive_.OpenData(file);
+    ProgressOfAll all(progress, archive_, file);
+    if (!all.Copied(0, 0)) {
+        return -ECANCELED;  // an empty file is copied without a report
+    }
     long long const copied = data ? data->CopyTo(target, false, false, &all) : -EIO;
     return copied < 0 ? static_cast<int>(copied) : target.TakeOver(replace);
 }
 
-void Unpacker::Refuse(int index, String const& why) {
-    core::StreamDescriptor const& file = archive_.File(index);
+void Unpacker::Refuse(std::size_t index, String const& why) {
+    core::StreamDescriptor const& file = archive_.File(static_cast<int>(index));
     bool const named = file.GetDestination().IsEmpty();
     errors_.push_back(core::fault("File not unpacked", "file[%1], \"%2\": %3", index,
                                   named ? file.GetName() : file.GetDestination(), why));
+    paths_[index].Clear();
 }
 
 }  // namespace pack

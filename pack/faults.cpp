@@ -43,11 +43,14 @@ String entryOf(Fault const& fault) {
 
 }  // namespace
 
+String reasonOf(int result) {
+    // The archive classes report a file that changed meanwhile as -EBUSY.
+    return result == -EBUSY ? String("it changed while it was read")
+                            : core::errnoDescription(-result);
+}
+
 core::Fault fileFault(char const* title, String const& path, int result) {
-    // The archive classes report a size that changed meanwhile as -EBUSY.
-    String const reason =
-        result == -EBUSY ? String("it changed while it was read") : core::errnoDescription(-result);
-    return core::fault(title, "\"%1\": %2", path, reason);
+    return core::fault(title, "\"%1\": %2", path, reasonOf(result));
 }
 
 core::Fault buildFault(StreamSequencerBuilder const& builder, String const& path, int result) {

@@ -5,6 +5,9 @@
 
 namespace pack {
 
+/// Returns the reason of a failed call in words; result is its negative errno value.
+core::String reasonOf(int result);
+
 /// A failed call on the file at path; result is its negative errno value.
 core::Fault fileFault(char const* title, core::String const& path, int result);
 

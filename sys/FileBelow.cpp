@@ -1,21 +1,26 @@
 #include "sys/FileBelow.h"
 
 #include <cerrno>
-
-#include "sys/platform/FilesBelow.h"
+#include <random>
 
 namespace sys {
 
 namespace {
 
-int const attempts = 100;
+/// A name that no archive can foresee: one of its files could have the name otherwise.
+core::String temporaryName() {
+    std::random_device random;
+    return core::String::format(".unpacking-%1%2")
+        .argi(1, static_cast<unsigned>(random()), 8, 16)
+        .argi(2, static_cast<unsigned>(random()), 8, 16);
+}
 
 }  // namespace
 
 FileBelow::~FileBelow() {
     if (!temporaryPath_.IsEmpty()) {
         Close();
-        platform::removeBelow(folder_.getCString(), temporaryPath_.getCString());
+        directory_.Remove(temporaryPath_.getCString());
     }
 }
 
@@ -23,24 +28,19 @@ char const* FileBelow::ClassName() const {
     return "FileBelow";
 }
 
-int FileBelow::Create(core::String const& folder, core::String const& path) {
-    folder_ = folder;
+int FileBelow::Create(core::String const& path) {
     name_ = path.GetFileName(posixPathStyle);
     platform::FileStatus status;
-    if (platform::statBelow(folder.getCString(), path.getCString(), status) == -EINVAL) {
+    if (directory_.Stat(path.getCString(), status) == -EINVAL) {
         return -EINVAL;
     }
-    core::String const front = path.Left(path.GetLength() - name_.GetLength());
-    int result = -EEXIST;
-    for (int i = 0; i < attempts && result == -EEXIST; ++i) {
-        core::String const temporary =
-            front.AppendNew(core::String::format(".unpacking-%1").argi(1, i));
-        platform::FileHandle opened = platform::noFile;
-        result = platform::createBelow(folder.getCString(), temporary.getCString(), opened);
-        if (result == 0) {
-            temporaryPath_ = temporary;
-            Adopt(opened);
-        }
+    core::String const temporary =
+        path.Left(path.GetLength() - name_.GetLength()).AppendNew(temporaryName());
+    platform::FileHandle opened = platform::noFile;
+    int const result = directory_.Create(temporary.getCString(), name_.getCString(), opened);
+    if (result == 0) {
+        temporaryPath_ = temporary;
+        Adopt(opened);
     }
     return result;
 }
@@ -48,8 +48,7 @@ int FileBelow::Create(core::String const& folder, core::String const& path) {
 int FileBelow::TakeOver(bool replace) {
     int result = Close();
     if (result == 0) {
-        result = platform::renameBelow(folder_.getCString(), temporaryPath_.getCString(),
-                                       name_.getCString(), replace);
+        result = directory_.Rename(temporaryPath_.getCString(), name_.getCString(), replace);
     }
     if (result == 0) {
         temporaryPath_.Clear();

@@ -44,18 +44,19 @@ int create(core::String const& path, bool recursive) {
     }
     std::string_view const text = path.View();
     char const* const delimiters = pathStyle().delimiters;
+    int result = 0;
     for (std::size_t end = 0; end < text.size();) {
         std::size_t const start = text.find_first_not_of(delimiters, end);
         if (start == std::string_view::npos) {
-            return 0;
+            break;
         }
         end = std::min(text.find_first_of(delimiters, start), text.size());
-        int const result = ensure(path.Left(static_cast<int>(end)));
-        if (result != 0) {
-            return result;
-        }
+        // A failure counts only if the next directory fails, too: the start of \\?\C:\a and of
+        // \\host\share\a is not a directory, but a path below it can be.
+        int const made = ensure(path.Left(static_cast<int>(end)));
+        result = made == 0 || result == 0 ? made : result;
     }
-    return 0;
+    return result;
 }
 
 }  // namespace sys::dir

@@ -3,16 +3,19 @@
 #include <algorithm>
 #include <cerrno>
 
+#include "core/crc/crc32.h"
 #include "core/stream/seekPosition.h"
 
 namespace core {
 
 ArchivedFileStream::ArchivedFileStream(Stream& archive, long long dataStart,
-                                       StreamDescriptor const& file)
+                                       StreamDescriptor const& file,
+                                       std::optional<RunningCrc> const& expected)
     : archive_(archive),
       file_(file),
       begin_(dataStart + static_cast<long long>(file.GetOffset())),
-      size_(static_cast<long long>(file.GetSize())) {}
+      size_(static_cast<long long>(file.GetSize())),
+      expected_(expected) {}
 
 char const* ArchivedFileStream::ClassName() const {
     return "ArchivedFileStream";
@@ -29,12 +32,33 @@ int ArchivedFileStream::Read(void* buffer, int count) {
     }
     int const wanted = static_cast<int>(std::min<long long>(count, size_ - position_));
     int const got = archive_.Read(buffer, wanted);
+    if (got > 0 && !Matches(buffer, got)) {
+        return -EBUSY;
+    }
     if (got > 0) {
         file_.CryptBlock(buffer, got, static_cast<unsigned long long>(position_));
         position_ += got;
     }
     // The archive held all of the file when it was read; by now somebody has cut it.
     return got == 0 ? -EIO : got;
+}
+
+/// Sums up the next bytes of the archive; false if they complete the file's data with another CRC
+/// than when the archive was checked.
+bool ArchivedFileStream::Matches(void const* bytes, int length) {
+    if (!expected_) {
+        return true;
+    }
+    if (position_ == 0) {
+        summed_ = 0;
+        crc_ = expected_->before;
+    }
+    if (position_ != summed_) {
+        return true;
+    }
+    crc_ = crc32::update(bytes, length, crc_);
+    summed_ += length;
+    return summed_ < size_ || crc_ == expected_->after;
 }
 
 int ArchivedFileStream::Write(void const*, int) {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <optional>
+
 #include "core/archive/StreamDescriptor.h"
 #include "core/stream/Stream.h"
 
@@ -8,9 +10,17 @@ namespace core {
 /// The data of one file of an archive, unscrambled; for reading only.
 class ArchivedFileStream : public Stream {
 public:
-    /// Reads archive, in which all data begin at dataStart; the data of file must lie in it. Both
-    /// must outlive the stream.
-    ArchivedFileStream(Stream& archive, long long dataStart, StreamDescriptor const& file);
+    /// The CRC-32 of the archive up to the file's data, and up to their end.
+    struct RunningCrc {
+        unsigned before;
+        unsigned after;
+    };
+
+    /// Reads archive, in which all data begin at dataStart; it must contain the data of file. Both
+    /// must outlive the stream. Data read from start to end must take the CRC from before to after:
+    /// otherwise the last read returns -EBUSY.
+    ArchivedFileStream(Stream& archive, long long dataStart, StreamDescriptor const& file,
+                       std::optional<RunningCrc> const& expected);
 
     char const* ClassName() const override;
 
@@ -21,11 +31,16 @@ public:
     long long Size() override { return size_; }
 
 private:
+    bool Matches(void const* bytes, int length);
+
     Stream& archive_;
     StreamDescriptor const& file_;
     long long const begin_;
     long long const size_;
+    std::optional<RunningCrc> const expected_;
     long long position_ = 0;
+    long long summed_ = 0;  ///< bytes from the start that crc_ includes
+    unsigned crc_ = 0;
 };
 
 }  // namespace core

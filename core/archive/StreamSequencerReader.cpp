@@ -1,8 +1,8 @@
 #include "core/archive/StreamSequencerReader.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <cstdint>
-#include <vector>
 
 #include "core/archive/ArchivedFileStream.h"
 #include "core/archive/descriptorRecord.h"
@@ -136,6 +136,7 @@ int StreamSequencerReader::ReadFiles() {
 
 int StreamSequencerReader::ReadData() {
     std::vector<char> piece(dataPiece);
+    dataEnds_ = {{0, GetCRC()}};
     for (int i = 0; i < FileCount(); ++i) {
         Enter(Piece::data, i, File(i).GetSize());
         for (unsigned long long left = File(i).GetSize(); left > 0;) {
@@ -146,6 +147,7 @@ int StreamSequencerReader::ReadData() {
             UpdateCRC(piece.data(), length);
             left -= static_cast<unsigned>(length);
         }
+        dataEnds_.push_back({static_cast<unsigned long long>(place_.end - dataStart_), GetCRC()});
     }
     dataSize_ = place_.end - dataStart_;
     return sound;
@@ -196,8 +198,9 @@ bool StreamSequencerReader::Take(void* buffer, int length) {
         done += got;
         place_.end += got;
     }
-    if (progress_ != nullptr) {
-        progress_->Copied(place_.end, streamSize_);
+    if (progress_ != nullptr && !progress_->Copied(place_.end, streamSize_)) {
+        readError_ = -ECANCELED;
+        return false;
     }
     return true;
 }
@@ -230,7 +233,12 @@ ClassRef<Stream> StreamSequencerReader::OpenData(int index) {
     if (!inside) {
         return {};
     }
-    return new ArchivedFileStream(*stream_, dataStart_, file);
+    auto const at = static_cast<std::size_t>(index);
+    std::optional<ArchivedFileStream::RunningCrc> expected;
+    if (file.GetOffset() == dataEnds_[at].offset) {
+        expected = {dataEnds_[at].crc, dataEnds_[at + 1].crc};
+    }
+    return new ArchivedFileStream(*stream_, dataStart_, file, expected);
 }
 
 }  // namespace core

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <vector>
+
 #include "core/archive/StreamSequencer.h"
 #include "core/object/ClassRef.h"
 #include "core/stream/ICopyCallback.h"
@@ -52,8 +54,8 @@ public:
     /// The stream to read, which must be able to seek. It is used, not owned, also by the streams
     /// of OpenData. Null: none.
     void SetStream(Stream* stream) { stream_ = stream; }
-    /// Is told how many bytes were read, of those that the stream has; it cannot cancel. Null:
-    /// nobody.
+    /// Receives the number of bytes read and the size of the stream; it can cancel Read, which is a
+    /// read error of -ECANCELED. Null: no callback.
     void SetProgress(ICopyCallback* progress) { progress_ = progress; }
 
     /// Reads the stream from its start: the first Result that applies. What comes behind the
@@ -80,7 +82,9 @@ public:
     /// The data of a file, unscrambled, as a stream that can be read and can seek. Empty when there
     /// is no such file, when Read did not find the archive sound, or when the data that its
     /// descriptor claims lie outside those of the archive.
-    /// Several streams may be read by turns; each read moves the position of the archive's stream.
+    /// Several streams may be read alternately; each read moves the position of the archive's
+    /// stream. Read from start to end, a stream compares its bytes with those that Read found: if
+    /// they differ, its last read returns -EBUSY.
     ClassRef<Stream> OpenData(int index);
 
 private:
@@ -102,6 +106,12 @@ private:
     bool sound_ = false;
     unsigned headerFlags_ = 0;
     unsigned trailerCrc_ = 0;
+    /// Where the data of a file end, counted from the start of all data, and the CRC up to there.
+    struct DataEnd {
+        unsigned long long offset;
+        unsigned crc;
+    };
+    std::vector<DataEnd> dataEnds_;  ///< the first is that of no file
     long long dataStart_ = 0;
     long long dataSize_ = 0;
 };

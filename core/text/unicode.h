@@ -16,4 +16,8 @@ bool takePoint(std::string_view& utf8, char32_t& point);
 /// Appends a character; point must be one.
 void appendPoint(char32_t point, std::string& utf8);
 
+/// Returns the text in simple case folding: equal for texts that differ only in case. Bytes that
+/// are not UTF-8 become replacement characters.
+[[nodiscard]] std::string foldCase(std::string_view utf8);
+
 }  // namespace core::unicode

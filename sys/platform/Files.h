@@ -25,6 +25,9 @@ enum class SeekOrigin { begin, current, end };
 struct FileStatus {
     long long size = 0;  ///< bytes
     FileType type = FileType::other;
+    // Two paths lead to the same file if both numbers are equal.
+    std::uint64_t volume = 0;
+    std::uint64_t number = 0;
 };
 
 // Every operation returns a negative error code (an errno value with its sign changed) on failure,

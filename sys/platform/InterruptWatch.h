@@ -4,17 +4,24 @@
 
 namespace sys::platform {
 
-/// As long as it lives, an interruption by the user or the system's request to end calls a function
-/// in the place of ending the process. A user who interrupts again ends it at once. There is one at
-/// a time.
+/// While it lives, an interruption by the user (Ctrl-C, Ctrl-Break) or a request of the operating
+/// system to end calls a function instead of ending the process. A second one ends the process at
+/// once. Only one watch may exist. It must be created before other threads, and destroyed on the
+/// thread that created it. Without memory or threads for it, interruptions end the process as
+/// usual.
 class InterruptWatch {
 public:
     /// act is called at most once, on a thread of its own.
     explicit InterruptWatch(void (*act)());
     InterruptWatch(InterruptWatch const&) = delete;
     InterruptWatch& operator=(InterruptWatch const&) = delete;
-    /// Returns when act has returned, if it was called.
+    /// Returns after act has returned, if it was called. From then on a request to end is ignored:
+    /// the process is about to exit.
     ~InterruptWatch();
+
+    /// Ends the process the way the interruption would have ended it without this watch. Returns if
+    /// there was none.
+    void EndIfInterrupted();
 
 private:
     struct State;

@@ -5,9 +5,10 @@
 
 namespace sys::platform {
 
-/// Makes the process safe for network work; called once at start-up. A write to a peer or a reader
-/// that has gone away fails instead of ending the process, and no file or socket opened later can
-/// take the place of a standard stream that was closed by the caller.
+/// Prepares the process for network work; called once at start-up. A write to a peer or a reader
+/// that has closed, and a write beyond the file size limit, fail instead of ending the process.
+/// Files and sockets opened later cannot take the place of a standard stream that the caller has
+/// closed.
 void prepareProcess();
 
 /// From now on the process goes on when its terminal or console is closed, for as long as the

@@ -1,5 +1,8 @@
 #include "core/archive/StreamSequencerBuilder.h"
+#include "pack/PackProgress.h"
+#include "pack/Unpacker.h"
 #include "pack/unpackPath.h"
+#include "tests/core/archive/MemoryBuilder.h"
 #include "tests/core/archive/golden.h"
 #include "tests/pack/packing.h"
 #include "tests/support/PrintText.h"
@@ -61,28 +64,60 @@ TEST(UnpackPath, IsPlainAndBelowTheFolderOnEverySystemOrRefused) {
     }
 }
 
-TEST_F(Unpack, OneFileThatCannotBeLaidDownKeepsAllAway) {
+TEST_F(Unpack, ExtractsNothingIfAnyPathIsRejected) {
+    std::u16string const tooLong(256, u'n');
+    std::string const inTheWay = ": another file stands where it needs a folder";
     struct Row {
         std::vector<std::u16string> destinations;
-        std::string error;
+        Lines errors;
     };
     for (Row const& row : {
-             Row{{u"good", u"../bad"}, "file[1], \"../bad\": it leads upward"},
+             Row{{u"good", u"../bad"}, {"[1], \"../bad\": it leads upward"}},
              Row{{u"good", u"bad\u0085\x1B[2J:"},
-                 "file[1], \"bad??[2J:\": a name holds a character that not every system allows"},
-             Row{{u"dir/A", u"DIR/a"}, "file[1], \"DIR/a\": another file has the same path"},
-             Row{{u"x", u"/x"}, "file[1], \"/x\": another file has the same path"},
-             Row{{u"x/y/z", u"X/Y"},
-                 "file[0], \"x/y/z\": another file stands where it needs a folder"},
-             Row{{u"good", u"there"}, "file[1], \"there\": it is there already"},
-             Row{{u"good", u"there/x"}, "file[1], \"there/x\": Not a directory"},
+                 {"[1], \"bad??[2J:\": a name holds a character that not every system allows"}},
+             Row{{u"dir/\u00C4", u"DIR/\u00E4"},
+                 {"[1], \"DIR/\u00E4\": another file has the same path"}},
+             Row{{u"x", u"/x"}, {"[1], \"/x\": another file has the same path"}},
+             // One error a file, also of those below several others.
+             Row{{u"x/y/z", u"X/Y", u"x!", u"x/y", u"X", u"x0", u"../x"},
+                 {"[6], \"../x\": it leads upward", "[0], \"x/y/z\"" + inTheWay,
+                  "[1], \"X/Y\"" + inTheWay, "[3], \"x/y\"" + inTheWay}},
+             Row{{u"good", u"new/" + tooLong},
+                 {"[1], \"new/" + std::string(256, 'n') +
+                  "\": a name is too long for the file system"}},
+             Row{{u"good", u"there"}, {"[1], \"there\": it is there already"}},
+             Row{{u"good", u"there/x"}, {"[1], \"there/x\": Not a directory"}},
          }) {
         folder_.Write("there", "old");
         WriteArchive(row.destinations);
-        EXPECT_EQ(Errors("-x @a.rvl -d @@"), Lines{"File not unpacked: " + row.error});
+        Lines expected = row.errors;
+        for (std::string& line : expected) {
+            line.insert(0, "File not unpacked: file");
+        }
+        EXPECT_EQ(Errors("-x @a.rvl -d @@"), expected);
         EXPECT_EQ(FilesBelow(""), (Lines{"a.rvl", "there"}));
         EXPECT_EQ(contentOf(At("@there")), "old");
     }
+    WriteArchive({u"new/" + tooLong});
+    EXPECT_EQ(Errors("-x @a.rvl -d @none/new").size(), 1u);
+    EXPECT_FALSE(std::filesystem::exists(At("@none")));
+}
+
+TEST_F(Unpack, WritesOnlyDataThatWereChecked) {
+    WriteArchive({u"first", u"second", u"third"});
+    std::string bytes = contentOf(At("@a.rvl"));
+    auto const archive = support::memory(bytes);
+    core::StreamSequencerReader reader;
+    reader.SetStream(archive.Get());
+    ASSERT_EQ(reader.Read(), 0);
+    archive->Seek(static_cast<long long>(bytes.size()) - 16 - 11);  // the start of "second"
+    archive->Write("S", 1);
+    std::vector<core::Fault> errors;
+    pack::PackProgress progress("");
+    EXPECT_FALSE(pack::Unpacker(reader, errors).Unpack(At("@out").c_str(), false, progress));
+    ASSERT_EQ(errors.size(), 1u);
+    EXPECT_EQ(errors[0].message, "file[1], \"second\": it changed while it was read");
+    EXPECT_EQ(FilesBelow("out"), Lines{"first"});
 }
 
 TEST_F(Unpack, ReplacesFilesOnlyWhenToldSoAndNeverFolders) {
@@ -93,6 +128,8 @@ TEST_F(Unpack, ReplacesFilesOnlyWhenToldSoAndNeverFolders) {
     EXPECT_EQ(contentOf(At("@new/folder/dir/file")), "mine");
     EXPECT_EQ(Pack("-x @a.rvl -d @new/folder --force", 0), Lines{"- Unpacked: 2 files"});
     EXPECT_EQ(contentOf(At("@new/folder/dir/file")), "dir/file");
+    WriteArchive({u"new/.unpacking-0", u"new/.copy-0"});
+    EXPECT_EQ(Pack("-x @a.rvl -d @", 0), Lines{"- Unpacked: 2 files"});
     WriteArchive({u"dir"});
     EXPECT_EQ(Errors("-x @a.rvl -d @new/folder -f"),
               Lines{"File not unpacked: file[0], \"dir\": a folder has its name"});
@@ -117,9 +154,11 @@ TEST_F(Unpack, FollowsNoLink) {
     EXPECT_EQ(FilesBelow(""), (Lines{"a.rvl", "out/file", "out/inner", "out/link", "outside"}));
     WriteArchive({u"file"});
     EXPECT_EQ(Pack("-x @a.rvl -d @out", 1).size(), 2u);
-    EXPECT_EQ(Pack("-x @a.rvl -d @out -f", 0).size(), 1u);
-    EXPECT_EQ(contentOf(At("@outside")), "mine") << "the link is replaced, not what it leads to";
-    EXPECT_EQ(contentOf(At("@out/file")), "file");
+    EXPECT_EQ(
+        Errors("-x @a.rvl -d @out -f"),
+        Lines{"File not unpacked: file[0], \"file\": it is there already and is not a regular "
+              "file"});
+    EXPECT_EQ(contentOf(At("@outside")), "mine");
 }
 
 }  // namespace

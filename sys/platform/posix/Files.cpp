@@ -32,16 +32,6 @@ int descriptor(FileHandle file) {
     return static_cast<int>(file);
 }
 
-/// Stores what a stat call found; its result as 0 or the negative errno.
-int takeStatus(int result, struct stat const& found, FileStatus& status) {
-    if (result != 0) {
-        return -errno;
-    }
-    status.size = found.st_size;
-    status.type = fileTypeOf(found.st_mode);
-    return 0;
-}
-
 }  // namespace
 
 FileType fileTypeOf(mode_t mode) {
@@ -59,6 +49,17 @@ FileType fileTypeOf(mode_t mode) {
         }
     }
     return FileType::other;
+}
+
+int takeStatus(int result, struct stat const& found, FileStatus& status) {
+    if (result != 0) {
+        return -errno;
+    }
+    status.size = found.st_size;
+    status.type = fileTypeOf(found.st_mode);
+    status.volume = found.st_dev;
+    status.number = found.st_ino;
+    return 0;
 }
 
 int openFile(char const* path, unsigned mode, FileHandle& opened) {

@@ -16,24 +16,27 @@ namespace sys::platform {
 
 namespace {
 
-/// Folders are opened only to go on from there, so they need not be readable.
-int const folderFlags = O_PATH | O_DIRECTORY | O_CLOEXEC;
+/// Directories are opened only to go on from there, so they need not be readable.
+int const directoryFlags = O_PATH | O_DIRECTORY | O_CLOEXEC;
 
-/// A walk from a folder downward. It holds the folder it has reached, by its descriptor and not by
-/// its name: whoever moves folders or puts up links meanwhile cannot lead it elsewhere.
+int descriptor(FileHandle directory) {
+    return static_cast<int>(directory);
+}
+
+/// A walk from a directory downward. It holds the directory reached by its descriptor, not by its
+/// name: directories that are moved and links that are created meanwhile cannot redirect it.
 class Descent {
 public:
-    explicit Descent(char const* folder)
-        : at_(withoutInterruption([&] { return open(folder, folderFlags); })) {}
+    explicit Descent(FileHandle directory) : top_(descriptor(directory)), at_(top_) {}
     Descent(Descent const&) = delete;
     Descent& operator=(Descent const&) = delete;
-    ~Descent() { Close(); }
+    ~Descent() { Leave(); }
 
     int At() const { return at_; }
 
-    /// Goes to the folder that the last of names is in, and makes missing ones when create is set.
+    /// Goes to the parent directory of the last of names, creating missing ones if create is set.
     int GoToParent(std::vector<std::string> const& names, bool create) {
-        int result = std::min(at_, 0);
+        int result = at_ >= 0 ? 0 : -EBADF;
         for (std::size_t i = 0; i + 1 < names.size() && result == 0; ++i) {
             result = Enter(names[i].c_str(), create);
         }
@@ -46,72 +49,103 @@ private:
             return -errno;
         }
         int const next =
-            withoutInterruption([&] { return openat(at_, name, folderFlags | O_NOFOLLOW); });
+            withoutInterruption([&] { return openat(at_, name, directoryFlags | O_NOFOLLOW); });
         if (next < 0) {
             struct stat found {};
             bool const link =
                 fstatat(at_, name, &found, AT_SYMLINK_NOFOLLOW) == 0 && S_ISLNK(found.st_mode);
             return link ? -ELOOP : next;
         }
-        Close();
+        Leave();
         at_ = next;
         return 0;
     }
 
-    void Close() const {
-        if (at_ >= 0) {
+    void Leave() const {
+        if (at_ != top_) {
             close(at_);
         }
     }
 
-    int at_;  ///< a negative error code when there was no way in
+    int const top_;
+    int at_;
 };
 
-/// Does call(folder, name) with the parent of path and its last name.
+/// Calls call(parent, name) with the parent directory of path and the last name of path.
 template <class Call>
-int inParent(char const* folder, char const* path, bool create, Call call) {
+int inParent(FileHandle directory, char const* path, bool create, Call call) {
     std::vector<std::string> names;
     if (!splitPlainPath(path, "", names)) {
         return -EINVAL;
     }
-    Descent descent(folder);
+    Descent descent(directory);
     int const result = descent.GoToParent(names, create);
     return result == 0 ? call(descent.At(), names.back().c_str()) : result;
 }
 
+/// The permissions of a regular file, or fallback.
+mode_t permissionsOf(int parent, char const* name, mode_t fallback) {
+    struct stat found {};
+    bool const regular =
+        fstatat(parent, name, &found, AT_SYMLINK_NOFOLLOW) == 0 && S_ISREG(found.st_mode);
+    return regular ? found.st_mode & 0777 : fallback;
+}
+
 }  // namespace
 
-int statBelow(char const* folder, char const* path, FileStatus& status) {
-    return inParent(folder, path, false, [&](int parent, char const* name) {
+ConfinedDirectory::~ConfinedDirectory() {
+    if (directory_ != noFile) {
+        closeFile(directory_);
+    }
+}
+
+int ConfinedDirectory::Open(char const* path) {
+    if (directory_ != noFile) {
+        closeFile(directory_);
+    }
+    int const opened = withoutInterruption([&] { return open(path, directoryFlags); });
+    directory_ = opened >= 0 ? opened : noFile;
+    return std::min(opened, 0);
+}
+
+bool ConfinedDirectory::AllowsName(std::string_view name) const {
+    long const limit = fpathconf(descriptor(directory_), _PC_NAME_MAX);
+    return limit < 0 || name.size() <= static_cast<std::size_t>(limit);
+}
+
+int ConfinedDirectory::Stat(char const* path, FileStatus& status) const {
+    return inParent(directory_, path, false, [&](int parent, char const* name) {
         struct stat found {};
-        if (fstatat(parent, name, &found, AT_SYMLINK_NOFOLLOW) != 0) {
-            return -errno;
-        }
-        status.size = found.st_size;
-        status.type = fileTypeOf(found.st_mode);
-        return 0;
+        return takeStatus(fstatat(parent, name, &found, AT_SYMLINK_NOFOLLOW), found, status);
     });
 }
 
-int createBelow(char const* folder, char const* path, FileHandle& opened) {
-    return inParent(folder, path, true, [&](int parent, char const* name) {
+int ConfinedDirectory::Create(char const* path, char const* like, FileHandle& opened) const {
+    return inParent(directory_, path, true, [&](int parent, char const* name) {
+        mode_t const none = ~mode_t{0};
+        mode_t const kept = permissionsOf(parent, like, none);
         int const flags = O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC;
-        int const file = withoutInterruption([&] { return openat(parent, name, flags, 0666); });
+        int const file = withoutInterruption(
+            [&] { return openat(parent, name, flags, kept != none ? kept : 0666); });
+        if (file >= 0 && kept != none) {
+            // What the umask took away. A file system without permissions rejects it.
+            (void)fchmod(file, kept);
+        }
         opened = file >= 0 ? file : noFile;
         return std::min(file, 0);
     });
 }
 
-int renameBelow(char const* folder, char const* path, char const* name, bool replace) {
-    return inParent(folder, path, false, [&](int parent, char const* from) {
+int ConfinedDirectory::Rename(char const* path, char const* name, bool replace) const {
+    return inParent(directory_, path, false, [&](int parent, char const* from) {
         std::vector<std::string> names;
         bool const plain = splitPlainPath(name, "", names) && names.size() == 1;
         return plain ? renameFrom(parent, from, name, replace) : -EINVAL;
     });
 }
 
-int removeBelow(char const* folder, char const* path) {
-    return inParent(folder, path, false, [](int parent, char const* name) {
+int ConfinedDirectory::Remove(char const* path) const {
+    return inParent(directory_, path, false, [](int parent, char const* name) {
         return negativeErrno(unlinkat(parent, name, 0));
     });
 }

@@ -1,72 +1,97 @@
 #include "sys/platform/InterruptWatch.h"
 
-#include <fcntl.h>
+#include <pthread.h>
 #include <signal.h>
-#include <unistd.h>
 
-#include <cerrno>
+#include <atomic>
+#include <chrono>
+#include <system_error>
 #include <thread>
 
 namespace sys::platform {
 
 namespace {
 
-/// What the handler writes to; it may do little else.
-volatile sig_atomic_t noticeTo = -1;
+using std::chrono::steady_clock;
 
-void notice(int) {
-    int const kept = errno;
-    [[maybe_unused]] ssize_t const written = write(noticeTo, "!", 1);
-    errno = kept;
+/// A request to end often comes twice: to the process and to its group.
+auto const sameRequest = std::chrono::milliseconds(200);
+
+bool isIgnored(int number) {
+    struct sigaction action = {};
+    sigaction(number, nullptr, &action);
+    return action.sa_handler == SIG_IGN;
 }
 
-void handle(int number, void (*handler)(int), unsigned flags) {
-    struct sigaction before = {};
-    sigaction(number, nullptr, &before);
-    // Who runs us in the background may have it that the user's interrupt is not for us.
-    if (before.sa_handler != SIG_IGN) {
-        struct sigaction action = {};
-        action.sa_handler = handler;
-        action.sa_flags = static_cast<int>(flags);
-        sigaction(number, &action, nullptr);
-    }
+void endBy(int number) {
+    signal(number, SIG_DFL);
+    sigset_t only;
+    sigemptyset(&only);
+    sigaddset(&only, number);
+    pthread_sigmask(SIG_UNBLOCK, &only, nullptr);
+    raise(number);
 }
 
 }  // namespace
 
+// The signals are blocked in every thread and taken by one that waits for them, so no handler runs
+// in the middle of other code.
 struct InterruptWatch::State {
-    int ends[2] = {-1, -1};
+    sigset_t watched;
+    sigset_t before;
+    bool ignoresTermination = false;
+    std::atomic<bool> ending = false;
+    std::atomic<int> interruption = 0;  ///< the number of the first signal
     std::thread thread;
+
+    void Watch(void (*act)()) {
+        steady_clock::time_point first;
+        for (int number = 0; sigwait(&watched, &number) == 0 && !ending;) {
+            if (number == SIGTERM && ignoresTermination) {
+                continue;
+            }
+            if (interruption == 0) {
+                first = steady_clock::now();
+                interruption = number;
+                act();
+            } else if (steady_clock::now() - first > sameRequest) {
+                endBy(number);
+            }
+        }
+    }
 };
 
 InterruptWatch::InterruptWatch(void (*act)()) : state_(std::make_unique<State>()) {
-    if (pipe2(state_->ends, O_CLOEXEC) != 0) {
-        return;
+    sigemptyset(&state_->watched);
+    sigaddset(&state_->watched, SIGTERM);
+    state_->ignoresTermination = isIgnored(SIGTERM);
+    // A shell starts background jobs with the user's interrupt ignored: it is not meant for them.
+    if (!isIgnored(SIGINT)) {
+        sigaddset(&state_->watched, SIGINT);
     }
-    state_->thread = std::thread([act, from = state_->ends[0]] {
-        char noticed = 0;
-        while (read(from, &noticed, 1) < 0 && errno == EINTR) {
-        }
-        if (noticed == '!') {
-            act();
-        }
-    });
-    noticeTo = state_->ends[1];
-    handle(SIGINT, &notice, SA_RESTART | SA_RESETHAND);
-    // A request to end may well come twice at once, to us and to all our group.
-    handle(SIGTERM, &notice, SA_RESTART);
+    pthread_sigmask(SIG_BLOCK, &state_->watched, &state_->before);
+    try {
+        state_->thread = std::thread([state = state_.get(), act] { state->Watch(act); });
+    } catch (std::system_error const&) {
+        pthread_sigmask(SIG_SETMASK, &state_->before, nullptr);
+    }
 }
 
 InterruptWatch::~InterruptWatch() {
     if (!state_->thread.joinable()) {
         return;
     }
-    // The process is on its way out: that it is to end is nothing new to it.
-    handle(SIGTERM, SIG_IGN, 0);
-    handle(SIGINT, SIG_DFL, 0);
-    close(state_->ends[1]);
+    state_->ending = true;
+    pthread_kill(state_->thread.native_handle(), SIGTERM);
     state_->thread.join();
-    close(state_->ends[0]);
+    signal(SIGTERM, SIG_IGN);
+    pthread_sigmask(SIG_SETMASK, &state_->before, nullptr);
+}
+
+void InterruptWatch::EndIfInterrupted() {
+    if (int const number = state_->interruption; number != 0) {
+        endBy(number);
+    }
 }
 
 }  // namespace sys::platform

@@ -11,6 +11,7 @@ namespace sys::platform {
 
 void prepareProcess() {
     signal(SIGPIPE, SIG_IGN);
+    signal(SIGXFSZ, SIG_IGN);
     for (int stream = 0; stream <= 2; ++stream) {
         // open takes the lowest free number, which is this stream's when it is closed.
         if (fcntl(stream, F_GETFD) < 0 && open("/dev/null", O_RDWR) < 0) {

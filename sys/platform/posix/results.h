@@ -1,5 +1,6 @@
 #pragma once
 
+#include <sys/stat.h>
 #include <sys/types.h>
 
 #include <cerrno>
@@ -42,6 +43,9 @@ inline int takeText(char* allocated, std::string& text) {
 }
 
 FileType fileTypeOf(mode_t mode);
+
+/// Stores what a stat call found; its result as 0 or the negative errno value.
+int takeStatus(int result, struct stat const& found, FileStatus& status);
 
 /// renameFile, with relative paths beginning in an open folder.
 int renameFrom(int folder, char const* from, char const* to, bool replace);

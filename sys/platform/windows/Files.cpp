@@ -204,6 +204,8 @@ int statFile(FileHandle file, FileStatus& status) {
     status.size = static_cast<long long>(info.nFileSizeHigh) << 32 | info.nFileSizeLow;
     status.type = (info.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0 ? FileType::directory
                                                                           : FileType::regular;
+    status.volume = info.dwVolumeSerialNumber;
+    status.number = std::uint64_t{info.nFileIndexHigh} << 32 | info.nFileIndexLow;
     return 0;
 }
 
@@ -231,18 +233,26 @@ int statEntry(char const* path, FileStatus& status) {
     return statAt(path, FILE_FLAG_OPEN_REPARSE_POINT, status);
 }
 
+int pathOf(FileHandle file, std::wstring& path) {
+    DWORD const needed = GetFinalPathNameByHandleW(asHandle(file), nullptr, 0, 0);
+    path.assign(needed, L'\0');
+    DWORD const length = GetFinalPathNameByHandleW(asHandle(file), path.data(), needed, 0);
+    if (length == 0 || length >= needed) {
+        return negativeLastError();
+    }
+    path.resize(length);
+    return 0;
+}
+
 int resolvePath(char const* path, std::string& resolved) {
     ScopedHandle const found(openToAsk(systemPath(path).c_str(), 0));
     if (!found.IsOpen()) {
         return negativeLastError();
     }
-    DWORD const needed = GetFinalPathNameByHandleW(found.Get(), nullptr, 0, 0);
-    std::wstring name(needed, L'\0');
-    DWORD const length = GetFinalPathNameByHandleW(found.Get(), name.data(), needed, 0);
-    if (length == 0 || length >= needed) {
-        return negativeLastError();
+    std::wstring name;
+    if (int const result = pathOf(found.AsFile(), name); result != 0) {
+        return result;
     }
-    name.resize(length);
     if (name.starts_with(L"\\\\?\\UNC\\")) {
         name.replace(0, 8, L"\\\\");
     } else if (name.starts_with(L"\\\\?\\")) {

@@ -18,29 +18,45 @@ namespace {
 /// What would divide names, name a drive or a stream, or stand for other characters.
 char const reserved[] = "\\:*?\"<>|";
 
-/// A walk from a folder downward. It keeps every folder on its way open without letting others
-/// delete or rename it, so that the path to the last one stays what it was when it was looked at.
+/// Opens a directory such that others can neither delete nor rename it; flags may say that a link
+/// is not followed.
+int hold(char const* path, DWORD flags, FileHandle& opened) {
+    HANDLE const directory = CreateFileW(systemPath(path).c_str(), FILE_LIST_DIRECTORY,
+                                         FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_EXISTING,
+                                         FILE_FLAG_BACKUP_SEMANTICS | flags, nullptr);
+    if (directory == INVALID_HANDLE_VALUE) {
+        return negativeLastError();
+    }
+    opened = reinterpret_cast<FileHandle>(directory);
+    return 0;
+}
+
+/// A walk from a directory downward. It keeps every directory on its way open without letting
+/// others delete or rename it, so the path to the last one stays what it was when it was checked.
 class Descent {
 public:
-    explicit Descent(char const* folder) : path_(folder) {}
+    Descent() = default;
     Descent(Descent const&) = delete;
     Descent& operator=(Descent const&) = delete;
     ~Descent() {
-        for (HANDLE const held : held_) {
-            CloseHandle(held);
+        for (FileHandle const held : held_) {
+            closeFile(held);
         }
     }
 
-    /// Goes to the folder that the last of names is in, and makes missing ones when create is set.
-    int GoToParent(std::vector<std::string> const& names, bool create) {
-        int result = Hold(0);
+    /// Goes from directory to the parent directory of the last of names, creating missing ones if
+    /// create is set.
+    int GoToParent(FileHandle directory, std::vector<std::string> const& names, bool create) {
+        std::wstring path;
+        int result = pathOf(directory, path);
+        path_ = narrow(path);
         for (std::size_t i = 0; i + 1 < names.size() && result == 0; ++i) {
             result = Enter(names[i], create);
         }
         return result;
     }
 
-    /// The path of a name in the folder reached.
+    /// The path of a name in the directory reached.
     std::string PathOf(std::string const& name) const { return path_ + '\\' + name; }
 
 private:
@@ -50,56 +66,78 @@ private:
         if (made != 0 && made != -EEXIST) {
             return made;
         }
-        int result = Hold(FILE_FLAG_OPEN_REPARSE_POINT);
-        FileStatus status;
-        if (result == 0) {
-            result = statEntry(path_.c_str(), status);
+        FileHandle opened = noFile;
+        int result = hold(path_.c_str(), FILE_FLAG_OPEN_REPARSE_POINT, opened);
+        if (result != 0) {
+            return result;
         }
+        held_.push_back(opened);
+        FileStatus status;
+        result = statEntry(path_.c_str(), status);
         if (result != 0 || status.type == FileType::directory) {
             return result;
         }
         return status.type == FileType::link ? -ELOOP : -ENOTDIR;
     }
 
-    /// Keeps the folder open; flags may say that a link is not followed.
-    int Hold(DWORD flags) {
-        HANDLE const folder =
-            CreateFileW(systemPath(path_.c_str()).c_str(), FILE_LIST_DIRECTORY,
-                        FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_EXISTING,
-                        FILE_FLAG_BACKUP_SEMANTICS | flags, nullptr);
-        if (folder == INVALID_HANDLE_VALUE) {
-            return negativeLastError();
-        }
-        held_.push_back(folder);
-        return 0;
-    }
-
     std::string path_;
-    std::vector<HANDLE> held_;
+    std::vector<FileHandle> held_;
 };
 
-/// Does call with the path of what stands at path below folder.
+/// Calls call(descent, entry) with the path of the entry at path below directory.
 template <class Call>
-int inParent(char const* folder, char const* path, bool create, Call call) {
+int inParent(FileHandle directory, char const* path, bool create, Call call) {
     std::vector<std::string> names;
     if (!splitPlainPath(path, reserved, names)) {
         return -EINVAL;
     }
-    Descent descent(folder);
-    int const result = descent.GoToParent(names, create);
+    Descent descent;
+    int const result = descent.GoToParent(directory, names, create);
     return result == 0 ? call(descent, descent.PathOf(names.back())) : result;
+}
+
+/// Gives the file at from the name of the file at to, which keeps its permissions.
+int replaceFile(char const* from, char const* to) {
+    return resultOf(ReplaceFileW(systemPath(to).c_str(), systemPath(from).c_str(), nullptr,
+                                 REPLACEFILE_IGNORE_MERGE_ERRORS, nullptr, nullptr) != 0);
 }
 
 }  // namespace
 
-int statBelow(char const* folder, char const* path, FileStatus& status) {
-    return inParent(folder, path, false, [&](Descent const&, std::string const& entry) {
+ConfinedDirectory::~ConfinedDirectory() {
+    if (directory_ != noFile) {
+        closeFile(directory_);
+    }
+}
+
+int ConfinedDirectory::Open(char const* path) {
+    if (directory_ != noFile) {
+        closeFile(directory_);
+        directory_ = noFile;
+    }
+    FileStatus status;
+    int const result = statPath(path, status);
+    if (result == 0 && status.type != FileType::directory) {
+        return -ENOTDIR;
+    }
+    return result == 0 ? hold(path, 0, directory_) : result;
+}
+
+bool ConfinedDirectory::AllowsName(std::string_view name) const {
+    DWORD limit = 0;
+    bool const known = GetVolumeInformationByHandleW(reinterpret_cast<HANDLE>(directory_), nullptr,
+                                                     0, nullptr, &limit, nullptr, nullptr, 0) != 0;
+    return wide(name).size() <= (known && limit > 0 ? limit : 255);
+}
+
+int ConfinedDirectory::Stat(char const* path, FileStatus& status) const {
+    return inParent(directory_, path, false, [&](Descent const&, std::string const& entry) {
         return statEntry(entry.c_str(), status);
     });
 }
 
-int createBelow(char const* folder, char const* path, FileHandle& opened) {
-    return inParent(folder, path, true, [&](Descent const&, std::string const& entry) {
+int ConfinedDirectory::Create(char const* path, char const*, FileHandle& opened) const {
+    return inParent(directory_, path, true, [&](Descent const&, std::string const& entry) {
         HANDLE const file =
             CreateFileW(systemPath(entry.c_str()).c_str(), GENERIC_WRITE,
                         FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr, CREATE_NEW,
@@ -109,16 +147,23 @@ int createBelow(char const* folder, char const* path, FileHandle& opened) {
     });
 }
 
-int renameBelow(char const* folder, char const* path, char const* name, bool replace) {
-    return inParent(folder, path, false, [&](Descent const& descent, std::string const& entry) {
+int ConfinedDirectory::Rename(char const* path, char const* name, bool replace) const {
+    return inParent(directory_, path, false, [&](Descent const& descent, std::string const& entry) {
         std::vector<std::string> names;
-        bool const plain = splitPlainPath(name, reserved, names) && names.size() == 1;
-        return plain ? renameFile(entry.c_str(), descent.PathOf(name).c_str(), replace) : -EINVAL;
+        if (!splitPlainPath(name, reserved, names) || names.size() != 1) {
+            return -EINVAL;
+        }
+        std::string const to = descent.PathOf(name);
+        FileStatus status;
+        bool const keeps =
+            replace && statEntry(to.c_str(), status) == 0 && status.type == FileType::regular;
+        return keeps ? replaceFile(entry.c_str(), to.c_str())
+                     : renameFile(entry.c_str(), to.c_str(), replace);
     });
 }
 
-int removeBelow(char const* folder, char const* path) {
-    return inParent(folder, path, false, [](Descent const&, std::string const& entry) {
+int ConfinedDirectory::Remove(char const* path) const {
+    return inParent(directory_, path, false, [](Descent const&, std::string const& entry) {
         return removeFile(entry.c_str());
     });
 }

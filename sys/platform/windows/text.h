@@ -3,6 +3,8 @@
 #include <string>
 #include <string_view>
 
+#include "sys/platform/Files.h"
+
 // The program speaks UTF-8, the system's wide calls UTF-16.
 
 namespace sys::platform {
@@ -15,5 +17,9 @@ std::string narrow(std::wstring_view text);
 /// A path as the system's file calls take it: one that is too long for their plain form is made
 /// absolute and gets the prefix that lifts the limit.
 std::wstring systemPath(char const* path);
+
+/// Stores the absolute path of an open file or directory, after all links, in the form without a
+/// length limit. Returns 0 or a negative errno value.
+int pathOf(FileHandle file, std::wstring& path);
 
 }  // namespace sys::platform

@@ -48,14 +48,16 @@ TEST_F(WindowsFileTest, FoldersAreMadeListedAndSearched) {
         int alone;
         int recursive;
     };
-    for (Row const& row : {Row{Path("new"), 0, 0}, Row{Path("a\\b/c"), -ENOENT, 0},
-                           Row{Path("a\\\\d\\\\"), 0, 0}, Row{Path("file"), -EEXIST, -ENOTDIR},
-                           Row{Path("file\\x"), -ENOENT, -ENOTDIR}, Row{"", -ENOENT, -ENOENT}}) {
+    for (Row const& row :
+         {Row{Path("new"), 0, 0}, Row{Path("a\\b/c"), -ENOENT, 0},
+          Row{"\\\\?\\" + Path("a\\b\\c\\e"), 0, 0}, Row{"\\\\?\\" + Path("a\\f\\g"), -ENOENT, 0},
+          Row{Path("a\\\\d\\\\"), 0, 0}, Row{Path("file"), -EEXIST, -ENOTDIR},
+          Row{Path("file\\x"), -ENOENT, -ENOTDIR}, Row{"", -ENOENT, -ENOENT}}) {
         EXPECT_EQ(sys::dir::create(row.path, false), row.alone) << row.path.getCString();
         EXPECT_EQ(sys::dir::create(row.path, true), row.recursive) << row.path.getCString();
         EXPECT_EQ(file::isDirectory(row.path), row.recursive == 0) << row.path.getCString();
     }
-    EXPECT_EQ(Names(), "a a\\b a\\b\\c a\\d file new ");
+    EXPECT_EQ(Names(), "a a\\b a\\b\\c a\\b\\c\\e a\\d a\\f a\\f\\g file new ");
     ASSERT_EQ(sys::dir::change(Path("a")), 0);
     EXPECT_EQ(sys::dir::current(), Path("a"));
     EXPECT_EQ(sys::dir::change("..\\file"), -ENOTDIR);
