@@ -17,10 +17,10 @@ public:
     };
 
     /// Reads archive, in which all data begin at dataStart; it must contain the data of file. Both
-    /// must outlive the stream. Data read from start to end must take the CRC from before to after:
-    /// otherwise the last read returns -EBUSY.
+    /// must outlive the stream. If expected is given, data read from start to end must take the CRC
+    /// from before to after: otherwise the last read returns -EBUSY.
     ArchivedFileStream(Stream& archive, long long dataStart, StreamDescriptor const& file,
-                       std::optional<RunningCrc> const& expected);
+                       std::optional<RunningCrc> const& expected = {});
 
     char const* ClassName() const override;
 

@@ -106,6 +106,15 @@ TEST_F(Build, TellsEveryMistakeOfAManifestAndLeavesTheOldArchive) {
     EXPECT_EQ(Errors("-b @no=ne -o @a.rvl"),
               Lines{"Manifest not readable: \"@no=ne\": No such file or directory"});
     folder_.Write("m.conf", file);
+    std::error_code noLinks;
+    std::filesystem::create_hard_link(At("@f"), At("@link"), noLinks);
+    for (auto const& [target, source] :
+         {std::pair{"m.conf", "m.conf"}, {"f", "f"}, {noLinks ? "f" : "link", "f"}}) {
+        EXPECT_EQ(Errors(std::string("-b @m.conf -o @") + target),
+                  Lines{std::string("Archive not writable: \"@") + target +
+                        "\" is the same file as \"@" + source + "\", which it is made from"});
+    }
+    EXPECT_EQ(contentOf(At("@f")) + contentOf(At("@m.conf")), "data" + file);
     EXPECT_EQ(Errors("-b @m.conf -o @no/a.rvl"),
               Lines{"Archive not writable: \"@no/a.rvl\": No such file or directory"});
 }
