@@ -1,0 +1,67 @@
+#include <gtest/gtest.h>
+#include <signal.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <chrono>
+#include <thread>
+
+#include "sys/platform/InterruptWatch.h"
+
+namespace {
+
+std::atomic<int> calls = 0;
+
+void pause(int ms) {
+    std::this_thread::sleep_for(std::chrono::milliseconds(ms));
+}
+
+/// Sends the signals, with a pause after each, to a process with a watch, which is destroyed then.
+void interrupt(std::initializer_list<int> signals, int ms) {
+    sys::platform::InterruptWatch watch([] { ++calls; });
+    for (int const number : signals) {
+        kill(getpid(), number);
+        while (calls == 0) {
+            pause(1);
+        }
+        pause(ms);
+    }
+    watch.EndIfInterrupted();
+}
+
+TEST(Interrupt, IsReportedOnceAndTheNextOneEndsTheProcess) {
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    for (int const number : {SIGINT, SIGTERM}) {
+        // Whether it is the second signal that ends the process, or the first in the end.
+        EXPECT_EXIT(
+            {
+                interrupt({number, number == SIGINT ? SIGTERM : SIGINT}, 400);
+                _exit(1);
+            },
+            testing::KilledBySignal(number == SIGINT ? SIGTERM : SIGINT), "");
+        EXPECT_EXIT(
+            {
+                interrupt({number, number}, 0);
+                _exit(1);
+            },
+            testing::KilledBySignal(number), "");
+    }
+    EXPECT_EXIT(
+        {
+            signal(SIGINT, SIG_IGN);
+            {
+                sys::platform::InterruptWatch const watch([] { ++calls; });
+                kill(getpid(), SIGINT);
+                kill(getpid(), SIGTERM);
+                while (calls == 0) {
+                    pause(1);
+                }
+                kill(getpid(), SIGTERM);
+            }
+            kill(getpid(), SIGTERM);
+            _exit(calls == 1 ? 7 : 1);
+        },
+        testing::ExitedWithCode(7), "");
+}
+
+}  // namespace
