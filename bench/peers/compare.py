@@ -222,12 +222,15 @@ class Comparison:
             return made + checked
 
         def theirs():
-            seconds = run(["cp", self.file, copy]).seconds + run(["cksum", copy]).seconds
+            # ravelink-pack has the archive on disk before it ends.
+            steps = (["cp", self.file, copy], ["sync", copy], ["cksum", copy])
+            seconds = sum(run(step).seconds for step in steps)
             os.remove(copy)
             return seconds
 
         results = rounds({"ours": ours, "cp": theirs})
-        self.table.add("archive made and checked, 1 GiB", "s", results["ours"], "cp, cksum",
+        self.table.add("archive made and checked, 1 GiB", "s", results["ours"],
+                       "cp, sync, cksum",
                        results["cp"], 1.2, False)
 
     def start(self):
