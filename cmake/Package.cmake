@@ -8,6 +8,7 @@ set(CPACK_PACKAGE_DESCRIPTION
 device has installed it. ravelink-pack makes, lists, checks and unpacks update
 archives. ravelink-device stands in for a device, to rehearse an update and
 everything that can go wrong with it.")
+set(CPACK_RESOURCE_FILE_LICENSE ${PROJECT_SOURCE_DIR}/LICENSE)
 set(CPACK_STRIP_FILES ON)
 set(CPACK_VERBATIM_VARIABLES ON)
 # One package of the components that are wanted.
