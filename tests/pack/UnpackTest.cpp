@@ -1,31 +1,19 @@
+#include <gtest/gtest.h>
+
 #include "core/archive/StreamSequencerBuilder.h"
 #include "pack/PackProgress.h"
 #include "pack/Unpacker.h"
 #include "pack/unpackPath.h"
 #include "tests/core/archive/MemoryBuilder.h"
 #include "tests/core/archive/golden.h"
-#include "tests/pack/packing.h"
+#include "tests/support/CopyWatcher.h"
 #include "tests/support/PrintText.h"
+#include "tests/support/TemporaryFolder.h"
+#include "tests/support/lines.h"
 
 namespace {
 
 using core::StreamDescriptor;
-using support::contentOf;
-using support::Lines;
-using support::PackTest;
-
-class Unpack : public PackTest {
-protected:
-    /// Writes a.rvl with files of these destinations; each holds its own.
-    void WriteArchive(std::vector<std::u16string> const& destinations) {
-        golden::Archive archive;
-        for (std::u16string const& destination : destinations) {
-            std::string const data(destination.begin(), destination.end());
-            archive.files.push_back({u"", destination, u"", u"", u"", 0, 0, data});
-        }
-        folder_.Write("a.rvl", bytesOf(archive));
-    }
-};
 
 TEST(UnpackPath, IsPlainAndBelowTheFolderOnEverySystemOrRefused) {
     struct Row {
@@ -64,101 +52,33 @@ TEST(UnpackPath, IsPlainAndBelowTheFolderOnEverySystemOrRefused) {
     }
 }
 
-TEST_F(Unpack, ExtractsNothingIfAnyPathIsRejected) {
-    std::u16string const tooLong(256, u'n');
-    std::string const inTheWay = ": another file stands where it needs a folder";
-    struct Row {
-        std::vector<std::u16string> destinations;
-        Lines errors;
-    };
-    for (Row const& row : {
-             Row{{u"good", u"../bad"}, {"[1], \"../bad\": it leads upward"}},
-             Row{{u"good", u"bad\u0085\x1B[2J:"},
-                 {"[1], \"bad??[2J:\": a name holds a character that not every system allows"}},
-             Row{{u"dir/\u00C4", u"DIR/\u00E4"},
-                 {"[1], \"DIR/\u00E4\": another file has the same path"}},
-             Row{{u"x", u"/x"}, {"[1], \"/x\": another file has the same path"}},
-             // One error a file, also of those below several others.
-             Row{{u"x/y/z", u"X/Y", u"x!", u"x/y", u"X", u"x0", u"../x"},
-                 {"[6], \"../x\": it leads upward", "[0], \"x/y/z\"" + inTheWay,
-                  "[1], \"X/Y\"" + inTheWay, "[3], \"x/y\"" + inTheWay}},
-             Row{{u"good", u"new/" + tooLong},
-                 {"[1], \"new/" + std::string(256, 'n') +
-                  "\": a name is too long for the file system"}},
-             Row{{u"good", u"there"}, {"[1], \"there\": it is there already"}},
-             Row{{u"good", u"there/x"}, {"[1], \"there/x\": Not a directory"}},
-         }) {
-        folder_.Write("there", "old");
-        WriteArchive(row.destinations);
-        Lines expected = row.errors;
-        for (std::string& line : expected) {
-            line.insert(0, "File not unpacked: file");
-        }
-        EXPECT_EQ(Errors("-x @a.rvl -d @@"), expected);
-        EXPECT_EQ(FilesBelow(""), (Lines{"a.rvl", "there"}));
-        EXPECT_EQ(contentOf(At("@there")), "old");
+TEST(Unpacker, WritesOnlyDataThatWereChecked) {
+    golden::Archive content;
+    for (char const* const data : {"first", "second", "third"}) {
+        std::string const text = data;
+        content.files.push_back({{text.begin(), text.end()}, u"", u"", u"", u"", 0, 0, text});
     }
-    WriteArchive({u"new/" + tooLong});
-    EXPECT_EQ(Errors("-x @a.rvl -d @none/new").size(), 1u);
-    EXPECT_FALSE(std::filesystem::exists(At("@none")));
-}
-
-TEST_F(Unpack, WritesOnlyDataThatWereChecked) {
-    WriteArchive({u"first", u"second", u"third"});
-    std::string bytes = contentOf(At("@a.rvl"));
+    std::string const bytes = golden::bytesOf(content);
     auto const archive = support::memory(bytes);
     core::StreamSequencerReader reader;
     reader.SetStream(archive.Get());
     ASSERT_EQ(reader.Read(), 0);
+    support::TemporaryFolder const folder;
+    core::String const path = folder.PathOf("out").c_str();
+    pack::PackProgress progress("");
+    std::vector<core::Fault> errors;
+    support::CopyWatcher cancels;
+    cancels.most = -1;
+    EXPECT_FALSE(pack::Unpacker(reader, errors).Unpack(path, false, cancels));
+    EXPECT_TRUE(std::filesystem::is_empty(path.getCString()));
     archive->Seek(static_cast<long long>(bytes.size()) - 16 - 11);  // the start of "second"
     archive->Write("S", 1);
-    std::vector<core::Fault> errors;
-    pack::PackProgress progress("");
-    EXPECT_FALSE(pack::Unpacker(reader, errors).Unpack(At("@out").c_str(), false, progress));
+    errors.clear();
+    EXPECT_FALSE(pack::Unpacker(reader, errors).Unpack(path, false, progress));
     ASSERT_EQ(errors.size(), 1u);
     EXPECT_EQ(errors[0].message, "file[1], \"second\": it changed while it was read");
-    EXPECT_EQ(FilesBelow("out"), Lines{"first"});
-}
-
-TEST_F(Unpack, ReplacesFilesOnlyWhenToldSoAndNeverFolders) {
-    WriteArchive({u"dir/file", u"dir/other"});
-    EXPECT_EQ(Pack("-x @a.rvl -d @new/folder", 0), Lines{"- Unpacked: 2 files"});
-    folder_.Write("new/folder/dir/file", "mine");
-    EXPECT_EQ(Pack("-x @a.rvl -d @new/folder", 1).size(), 3u);
-    EXPECT_EQ(contentOf(At("@new/folder/dir/file")), "mine");
-    EXPECT_EQ(Pack("-x @a.rvl -d @new/folder --force", 0), Lines{"- Unpacked: 2 files"});
-    EXPECT_EQ(contentOf(At("@new/folder/dir/file")), "dir/file");
-    WriteArchive({u"new/.unpacking-0", u"new/.copy-0"});
-    EXPECT_EQ(Pack("-x @a.rvl -d @", 0), Lines{"- Unpacked: 2 files"});
-    WriteArchive({u"dir"});
-    EXPECT_EQ(Errors("-x @a.rvl -d @new/folder -f"),
-              Lines{"File not unpacked: file[0], \"dir\": a folder has its name"});
-}
-
-TEST_F(Unpack, FollowsNoLink) {
-    std::filesystem::create_directories(At("@out/real"));
-    folder_.Write("outside", "mine");
-    std::error_code failure;
-    std::filesystem::create_directory_symlink(At("@@"), At("@out/link"), failure);
-    std::filesystem::create_directory_symlink("real", At("@out/inner"), failure);
-    std::filesystem::create_symlink(At("@outside"), At("@out/file"), failure);
-    if (failure) {
-        GTEST_SKIP() << "no links to be had here";
-    }
-    for (std::string const path : {"link/outside", "link/new", "inner/new", "link/a/b"}) {
-        WriteArchive({u"good", std::u16string(path.begin(), path.end())});
-        EXPECT_EQ(Pack("-x @a.rvl -d @out -f", 1), (Lines{"*** File not unpacked: file[1], \"" +
-                                                              path + "\": a link stands in its way",
-                                                          ""}));
-    }
-    EXPECT_EQ(FilesBelow(""), (Lines{"a.rvl", "out/file", "out/inner", "out/link", "outside"}));
-    WriteArchive({u"file"});
-    EXPECT_EQ(Pack("-x @a.rvl -d @out", 1).size(), 2u);
-    EXPECT_EQ(
-        Errors("-x @a.rvl -d @out -f"),
-        Lines{"File not unpacked: file[0], \"file\": it is there already and is not a regular "
-              "file"});
-    EXPECT_EQ(contentOf(At("@outside")), "mine");
+    EXPECT_EQ(support::contentOf(folder.PathOf("out/first")), "first");
+    EXPECT_FALSE(std::filesystem::exists(folder.PathOf("out/second")));
 }
 
 }  // namespace

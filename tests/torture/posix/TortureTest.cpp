@@ -8,7 +8,8 @@
 #include <regex>
 
 #include "tests/device/ScenarioDevice.h"
-#include "tests/pack/packing.h"
+#include "tests/support/TemporaryFolder.h"
+#include "tests/support/lines.h"
 #include "tests/support/posix/SmallDisk.h"
 #include "tests/support/system.h"
 #include "tests/update/TestedUpdater.h"

@@ -1,0 +1,169 @@
+"""The programs under test, and what their tests share.
+
+RAVELINK_BIN is the directory of the built programs. RAVELINK_EMULATOR runs them if they belong to
+another system; RAVELINK_UPDATER and RAVELINK_SIMULATED_DEVICE name other commands for these two.
+"""
+
+import os
+import re
+import shlex
+import subprocess
+import time
+from pathlib import Path
+from typing import NamedTuple
+
+import pytest
+
+SOURCE = Path(__file__).resolve().parents[2]
+BIN = Path(os.environ["RAVELINK_BIN"])
+EMULATOR = shlex.split(os.environ.get("RAVELINK_EMULATOR", ""))
+WINDOWS = bool(EMULATOR)
+VERSION = re.search(r"project\(ravelink VERSION (\S+)", (SOURCE / "CMakeLists.txt").read_text())[1]
+
+
+def built(name):
+    return EMULATOR + [str(BIN / (name + ".exe" if WINDOWS else name))]
+
+
+def source(path):
+    return (SOURCE / path).read_text(encoding="utf-8")
+
+
+class Result(NamedTuple):
+    lines: list
+    status: int
+
+
+def run(command, **options):
+    """Runs a command, a list or a shell's line, and returns the lines of its output."""
+    ended = subprocess.run(command, stdout=subprocess.PIPE, shell=isinstance(command, str),
+                           timeout=120, check=False, **options)
+    return Result(ended.stdout.decode().splitlines(), ended.returncode)
+
+
+def wait_until(condition):
+    """Waits up to a minute until condition() is true, and returns its value."""
+    end = time.monotonic() + 60
+    while not (value := condition()):
+        assert time.monotonic() < end
+        time.sleep(0.01)
+    return value
+
+
+class Directory:
+    """A fresh directory, called "@" in arguments and lines: "@@" is its path, "@a" a file in it."""
+
+    def __init__(self, path):
+        self.path = path
+
+    def at(self, text):
+        return text.replace("@@", str(self.path)).replace("@", f"{self.path}/")
+
+    def hidden(self, line):
+        return line.replace(f"{self.path}/", "@").replace(f"{self.path}\\", "@")
+
+    def write(self, name, content):
+        file = self.path / name
+        file.parent.mkdir(parents=True, exist_ok=True)
+        file.write_bytes(content if isinstance(content, bytes) else content.encode())
+        return str(file)
+
+    def read(self, name):
+        return (self.path / name).read_bytes()
+
+    def files(self, below=""):
+        """The sorted paths of all entries that are not directories."""
+        top = self.path / below
+        return sorted(entry.relative_to(top).as_posix() for entry in top.rglob("*")
+                      if entry.is_symlink() or not entry.is_dir())
+
+
+@pytest.fixture
+def directory(tmp_path):
+    return Directory(tmp_path)
+
+
+class Device:
+    """ravelink-device with these options, which ends after one update on each address."""
+
+    def __init__(self, log, options):
+        self.log = log
+        command = shlex.split(os.environ.get("RAVELINK_SIMULATED_DEVICE", ""))
+        with open(log, "wb") as output:
+            self.process = subprocess.Popen(
+                (command or built("device_program")) + ["-b", "127.0.0.1:0", "--once", *options],
+                stdout=output)
+        wait_until(lambda: self.addresses or self.process.poll() is not None)
+
+    @property
+    def lines(self):
+        return self.log.read_text(encoding="utf-8").splitlines()
+
+    @property
+    def addresses(self):
+        return [line.partition("Listening on: ")[2] for line in self.lines if "Listening" in line]
+
+    @property
+    def address(self):
+        return self.addresses[0]
+
+    def wait(self):
+        """Waits for its end and returns the exit status."""
+        return self.process.wait(60)
+
+
+@pytest.fixture
+def device(tmp_path_factory):
+    """Starts devices, which are ended after the test."""
+    started = []
+
+    def start(*options):
+        started.append(Device(tmp_path_factory.mktemp("device") / "log", options))
+        return started[-1]
+
+    yield start
+    for each in started:
+        each.process.kill()
+        each.process.wait()
+
+
+@pytest.fixture
+def ravelink():
+    """Runs ravelink with these arguments."""
+    command = shlex.split(os.environ.get("RAVELINK_UPDATER", "")) or built("update_program")
+    return lambda *arguments: run(command + list(arguments))
+
+
+class Pack:
+    """ravelink-pack in a fresh directory."""
+
+    banner = f"ravelink-pack {VERSION} (Halvoren) - Update Archives"
+
+    def __init__(self, directory):
+        self.directory = directory
+        self.command = built("pack_program")
+
+    def __call__(self, arguments, status=0):
+        """Runs it, checks its exit status, and returns the lines after the banner."""
+        words = [self.directory.at(word) for word in shlex.split(arguments)]
+        result = run(self.command + words)
+        assert result.status == status, (arguments, result)
+        lines = [self.directory.hidden(line) for line in result.lines]
+        return lines[1:] if lines[:1] == [self.banner] else lines
+
+    def errors(self, arguments):
+        """The lines of a failing run, without "*** " and the empty line that ends them."""
+        *lines, end = self(arguments, 1)
+        assert end == "" and all(line.startswith("*** ") for line in lines)
+        return [line[4:] for line in lines]
+
+    def golden(self, name, *words):
+        """Writes an archive that the library's own code has no part in, and returns its bytes."""
+        path = self.directory.at("@" + name)
+        subprocess.run(built("write_golden") + [path, *words], check=True)
+        return self.directory.read(name)
+
+
+@pytest.fixture
+def pack(directory):
+    return Pack(directory)

@@ -1,0 +1,246 @@
+"""The documents, compared with the code and with what the programs do."""
+
+import re
+
+import pytest
+
+from conftest import SOURCE, built, run, source
+
+PROGRAMS = ("ravelink", "ravelink-pack", "ravelink-device")
+DIRECTORIES = {"ravelink": "update", "ravelink-pack": "pack", "ravelink-device": "device"}
+
+
+def blocks(text, kind):
+    """The lines of all blocks between "```kind" and "```"."""
+    return "".join(re.findall(rf"^```{re.escape(kind)}\n(.*?)^```", text, re.M | re.S))
+
+
+def dumped(dump):
+    """The bytes of a dump: an offset, then up to 16 bytes, their characters after "|"; "*" repeats
+    the line before it up to the next offset."""
+    data = b""
+    for line in dump.splitlines():
+        if line == "*":
+            continue
+        offset, *octets = line.partition("|")[0].split()
+        while len(data) < int(offset, 16):
+            data += data[-16:]
+        assert len(data) == int(offset, 16), line
+        data += bytes.fromhex("".join(octets))
+    return data
+
+
+def part(text, begin, end):
+    return text[text.index(begin):].partition(end)[0]
+
+
+# Errors
+
+
+# The ways to report: their look in a source, with ` for a quote within a text, and their line. Any
+# other text must be documented too, except steps, progress, names of programs and single words.
+WAYS = (
+    (r'rrors\.Add\("([^"]+)", shown', r"\1: ..."),
+    (r'(?:QuitWithError|rrors_?\.Add|\bfault)\(\s*"([^"]+)",[^";]*"([^"]+)"', r"\1: \2"),
+    (r'"([A-Z>][^"=%]*)=([^"]+)"', r"\1: \2"),
+    (r'fileFault\("([^"]+)"', r"\1: `...`: ..."),
+    (r'"((?:it (?!changed)|a |another )[^"]+)"', r"File not unpacked: file[...], `...`: \1"),
+    (r'(?:Wrong\(step \+ ":",[^";]*|(?="%1 [a-z]+ ))"([^"]+)"', r"Bad scenario: ...: \1"),
+    (r'Wrong\([^;"]*(?:"[^"]+")?,[^";]*"([^"]+)"', r"Bad CONF: ... \1"),
+)
+UNDOCUMENTED = re.compile(r"(- | |>  ).*|.*\\n|((?![A-Za-z] [A-Za-z]).)*", re.S)
+
+
+def code_of(program):
+    files = [file for file in (SOURCE / DIRECTORIES[program]).rglob("*")
+             if re.fullmatch(r"(?!usage|Listing).*\.(cpp|h)", file.name)]
+    shared = ["core/runtime/ApplicationOptions.cpp"]
+    if program != "ravelink":
+        shared += ["sys/ConfFile.cpp", "core/text/message.cpp"]
+    text = "".join(file.read_text() for file in sorted(files)) + "".join(map(source, shared))
+    return re.sub(r"//.*|#include.*|'\"'|\"\s*\"", "", text.replace('\\"', "`"))
+
+
+def as_line(text):
+    return re.sub(r"%\d", "...", text).replace("`", '"')
+
+
+def errors_of(program):
+    """The error lines of a program's sources, and the rest of their texts."""
+    code = code_of(program)
+    conf = {"ravelink-pack": "manifest", "ravelink-device": "scenario"}.get(program, "")
+    lines = set()
+    for look, line in WAYS:
+        lines |= {as_line(found.expand(line)).replace("CONF", conf)
+                  for found in re.finditer(look, code)}
+        code = re.sub(look, "", code)
+    return lines, [as_line(text) for text in re.findall(r'"([^"]*)"', code)]
+
+
+def test_each_error_is_documented_once_and_nothing_else():
+    document = source("docs/errors.md")
+    sections = dict(re.findall(r"^## (ravelink\S*)\n(.*?)(?=^## |\Z)", document, re.M | re.S))
+    for program in PROGRAMS:
+        lines, texts = errors_of(program)
+        assert sorted(re.findall(r"`\*{3} ([^`]*)`", sections[program])) == sorted(lines)
+        for text in texts:
+            assert UNDOCUMENTED.fullmatch(text) or text in document, text
+    for scenario in (SOURCE / "examples/scenarios").iterdir():
+        for end in re.findall(r"\*{3} (.*)", scenario.read_text()):
+            assert re.sub(r"FILE|5(?= min)", "...", end) in errors_of("ravelink")[0], scenario
+    # Users next to a device need all of these, for every line.
+    count = sections["ravelink"].count("\n`*** ")
+    for label in ("Means", "Step", "Next", "Switch off"):
+        assert sections["ravelink"].count(f"\n- {label}: ") == count, label
+
+
+# Options
+
+
+def names(text, pattern):
+    """The two parts of each match as "a|b", with a "=" if the third part matched."""
+    return {f"{found[1]}|{found[2]}" + ("=" if found.lastindex == 3 else "")
+            for found in re.finditer(pattern, text)}
+
+
+def offered(*words, cwd=None):
+    """What bash completes the last of the words with."""
+    script = """source "$0/completions/ravelink.bash"; known=($(complete -p $1))
+COMP_WORDS=("$@") COMP_CWORD=$(($# - 1)) last=${!#}; ${known[2]} $1 "${last#=}"
+IFS=,; echo "${COMPREPLY[*]}\""""
+    return run(["bash", "-c", script, str(SOURCE), *words], cwd=cwd).lines[0]
+
+
+@pytest.mark.parametrize("program", PROGRAMS)
+def test_option_descriptions_agree(program):
+    directory = DIRECTORIES[program]
+    page = source(f"docs/{program}.md")
+    grammar = re.search(r'optionGrammar\[\] =\s*"([^"]*)"', source(f"{directory}/usage.cpp"))[1]
+    assert names(page, r"`-(.)`, `--(\w+)`( \*[A-Z]+\*|,| and)?") == names(
+        grammar, r"(.)\|(\w+)=(?:0|(1))")
+    zsh = part(source("completions/_ravelink"), program + ")", ";;")
+    assert names(zsh, r"\{-(.)(?=,--\w+\}|=,.+=\})=?,--(\w+)(=)?\}") == names(
+        page, r"\n\| `-(.)`, `--(\w+)`( \*[A-Z]+\*)? \|")
+    shown = names(page, r"\n\| `-(.)`, `--(\w+)`")
+    screen = "\n".join(run(built(directory + "_program") + ["-h"]).lines)
+    assert names(screen, r"\n\t-(.), --(\w+) ") == shown
+    all_words = offered(program, "-")
+    assert names(all_words, r"-(.),--(\w+)") == shown
+    for word in all_words.split(","):
+        plain = offered(program, word, "") == all_words
+        assert bool(re.search(rf"\n\|[^|]*`{word}`[^|*]*\|", page)) == plain, word
+
+
+def test_names_of_files_are_completed(directory):
+    (directory.path / "sub").mkdir()
+    for name in ("a b.rvl", "c.conf", "d.txt"):
+        directory.write(name, "")
+    for words, expected in ((("ravelink", "--origin", "=", "a"), "a b.rvl"),
+                            (("ravelink", "-o", "="), "sub,a b.rvl"),
+                            (("ravelink", "-a", "10.0.0.7", ":"), ""),
+                            (("ravelink-device", "-s", ""), "sub,c.conf"),
+                            (("ravelink-device", "-d", ""), "sub")):
+        assert offered(*words, cwd=directory.path) == expected
+
+
+def test_the_readme_shows_the_usage_screen():
+    screen = run(built("update_program") + ["-h"]).lines[1:-1]
+    shown = "".join(line + "\n" for line in screen).replace("\t", "        ")
+    assert f"```text\n{shown}```\n" in source("README.md")
+
+
+def test_names_of_manifests_and_scenarios_are_documented():
+    table = part(source("docs/ravelink-pack.md"), "\n| Name", "\n\n")
+    first = "\n".join(re.findall(r"^\|[^|]+", table, re.M))
+    code = source("pack/Manifest.cpp") + source("pack/textNames.cpp")
+    assert set(re.findall(r"[`\]]\.?([a-z][\w.]*)", first)) == set(
+        re.findall(r'[({+,] ?"\.?([a-z][\w.]*)["\[]', code))
+    first = "\n".join(re.findall(r"^\|[^|]+", source("docs/rehearsing.md"), re.M))
+    assert set(re.findall(r"`(\w+)[^`]*`", first)) == set(
+        re.findall(r'[({]"(\w+)"', source("device/loadScenario.cpp")))
+
+
+# Formats
+
+
+def test_the_example_archive_is_what_its_manifest_gives(pack, directory):
+    text = source("docs/archive-format.md")
+    directory.write("hello.txt", "Hello, device!\n")
+    directory.write("m.conf", blocks(text, "ini"))
+    pack("-b @m.conf -o @a.rvl")
+    assert directory.read("a.rvl") == dumped(blocks(text, "hexdump"))
+    directory.write("example.rvl", dumped(blocks(text, "hexdump")))
+    assert pack("-x @example.rvl -d @out") == ["- Unpacked: 1 file"]
+    assert directory.read("out/opt/hello.txt") == b"Hello, device!\n"
+
+
+def traffic(lines, arrow):
+    """The records that a device logs in hexadecimal, received ("<") or sent (">")."""
+    return [bytes.fromhex(found[1]) for line in lines
+            if (found := re.fullmatch(rf" *[0-9.]+ s {arrow}((?: [0-9A-F]{{8}})+)", line))]
+
+
+def test_the_examples_of_the_protocol_are_the_traffic(device, directory, ravelink):
+    """Updater and device share the records and would share a fault in them: the document pins the
+    bytes."""
+    text = source("docs/protocol.md")
+    update = directory.write("update.rvl", "123456789")
+    served = device("-v", "-d", str(directory.path))
+    ravelink("-o", update, "-a", served.address)
+    assert served.wait() == 0
+    request, header, trailer = traffic(served.lines, "<")
+    stored, = directory.path.glob("127.0.0.1-*.rvl")
+    assert request + header + stored.read_bytes() + trailer == dumped(
+        blocks(text, "hexdump updater"))
+    assert b"".join(traffic(served.lines, ">")) == dumped(blocks(text, "hexdump device"))
+    busy = device("-v", "-s", directory.write("s.conf", "request = notify Error:SystemBusy"))
+    ravelink("-o", update, "-a", busy.address)
+    assert busy.wait() == 1
+    assert b"".join(traffic(busy.lines, ">")) == dumped(blocks(text, "hexdump refusal"))
+
+
+def numbers(text, begin, end):
+    """The names and numbers that lines begin with, whichever comes first, from begin to end."""
+    rows = re.findall(r"^\W*(?:(\d\w*)\W+([A-Za-z]\w*)|([A-Za-z]\w*)\W+(\d\w*))",
+                      part(text, begin, end), re.M)
+    return {first or second: int(one or other, 0) for one, first, second, other in rows}
+
+
+def test_numbers_of_the_protocol_agree():
+    document = source("docs/protocol.md")
+    dissector = source("examples/wireshark/ravelink.lua")
+    for header, kind, section, table in (
+            ("UpdateNotification.h", "enum Code", "### Codes", "local code_names"),
+            ("UpdateNotification.h", "enum RestartKind", "### Restart kinds",
+             "local restart_names"),
+            ("DeviceStatus.h", "enum class", "### Status", "local status_names")):
+        expected = numbers(source("update/protocol/" + header), kind, "};")
+        assert numbers(document, section, "\n#") == expected != {}
+        assert numbers(dissector, table, "\n}") == expected
+    limits = {}
+    for name, value in re.findall(r"int (\w+) = (.+);", source("update/SessionLimits.h")):
+        limits[name] = eval(value.replace("'", ""), {}, limits)
+    minutes = limits.pop("completionMinutes")
+    assert numbers(document, "### Time limits", "\n#") == limits
+    assert limits["completion"] == minutes * 60_000
+
+
+# Links
+
+
+def anchors(document):
+    """What a "#" in a link to the document may be followed by: its headings as readers make anchors
+    of them."""
+    headings = re.findall(r"^#+ (.*)", document.read_text(), re.M)
+    return {re.sub(r"[^\w -]", "", heading).replace(" ", "-").lower() for heading in headings}
+
+
+def test_links_lead_somewhere():
+    checked = 0
+    for document in [SOURCE / "README.md", SOURCE / "CHANGELOG.md", *(SOURCE / "docs").iterdir()]:
+        for path, anchor in re.findall(r"\]\(([^):#]*)#?([^):]*)\)", document.read_text()):
+            target = document.parent / path if path else document
+            assert target.exists(), (document, path)
+            assert not anchor or anchor in anchors(target), (document, path, anchor)
+            checked += 1
+    assert checked > 40

@@ -1,0 +1,374 @@
+"""ravelink-pack as a user runs it."""
+
+import os
+import signal
+import subprocess
+import zlib
+
+import pytest
+
+from conftest import WINDOWS, run, wait_until
+
+FILE = "file.count = 1\nfile[0].origin = f\n"
+OTHER = "file.count = 1\nfile[0].origin = "
+RANGE = "Bad manifest: version must be from 1.0 to 2.0"
+NOTHING = "Nothing to do: Please provide one of the options -b, -l, -c and -x"
+
+
+def crc(archive):
+    """The closing CRC of an archive, as the program prints it."""
+    return f"0x{zlib.crc32(archive[:-16]):08X}"
+
+
+def with_valid_crc(archive):
+    return archive[:-12] + zlib.crc32(archive[:-16]).to_bytes(4, "little") + archive[-8:]
+
+
+def golden_manifest(version, crypt):
+    """The manifest of the golden sample."""
+    text = """# a comment
+ ; another
+uniqueId = 0xFEDCBA9876543210
+SOURCEID=plant 7
+targetId =
+attribute.count = 2
+attribute[0] = release=1.2=3
+attribute[1] = über=\U0001F680
+file.count = 4
+file[0].origin = in/0
+file[0].name = app.bin
+file[0].destination = /opt/app/
+file[0].flags = 0xABCD0100
+file[0].attributes = 0755
+file[1].origin = in/empty
+file[1].destination = etc/empty
+file[2].origin = in/2
+file[2].name = café-\U0001F4E6
+file[2].flags = 32
+file[2].attributes = 777
+file[3].origin = in/3
+file[3].name =
+file[3].destination = always
+file[3].flags = 0x10
+file[3].attributes = 0
+"""
+    text += f"crypt = {('None', 'headers', 'Data', 'ALL')[crypt]}\n"
+    text += "key = 0x90000011\n" if crypt else ""
+    return text + {0x00020000: "file[0].owner = root\nfile[0].group = wheel\n"
+                               "file[0].command = restart app\nfile[2].owner = o\n"
+                               "file[2].group = g\nfile[2].command = c\n",
+                   0x00010000: "version = 1\n", 0x0001000A: "version = 0x0001000A\n"}[version]
+
+
+@pytest.mark.parametrize("version", [0x00010000, 0x0001000A, 0x00020000])
+def test_builds_the_golden_archives_and_extracts_their_files(pack, directory, version):
+    files = {"in/0": b"twelve bytes and a few more", "in/empty": b"", "in/2": b"x" * 3000,
+             "in/3": b"odd"}
+    for name, data in files.items():
+        directory.write(name, data)
+    for crypt in range(4):
+        golden = pack.golden("golden.rvl", "sample", hex(version), str(crypt))
+        directory.write("m.conf", golden_manifest(version, crypt))
+        assert len(pack("-b @m.conf -o @a.rvl")) == 1
+        assert directory.read("a.rvl") == golden, crypt
+        assert pack("--extract=@a.rvl -d @out -f") == ["- Unpacked: 4 files"]
+        assert directory.files("out") == ["always", "café-\U0001F4E6", "etc/empty",
+                                          "opt/app/app.bin"]
+        assert directory.read("out/opt/app/app.bin") == files["in/0"]
+        assert directory.read("out/café-\U0001F4E6") == files["in/2"]
+        assert directory.read("out/always") == files["in/3"]
+
+
+@pytest.mark.parametrize("manifest, errors", [
+    ("", ["Bad manifest: file.count is missing"]),
+    ("file.count = 2\nfile[0].origin = f", ["Bad manifest: file[1].origin is missing"]),
+    ("file.count = 3000000000",
+     ["Bad manifest: file.count must be a number from 0 to 2147483647"]),
+    ("file.count = 0\nfile[0].name = f", ["Bad manifest: file[0].name means nothing here"]),
+    (FILE + "FILE.COUNT = 1", ["Bad manifest: FILE.COUNT is there twice"]),
+    (FILE + "nonsense", ["Bad manifest: nonsense is no pair of name and value"]),
+    (FILE.encode() + b"\x1B[2J\xD8\x9C=\xFF = 1", ["Bad manifest: ?[2j? means nothing here"]),
+    (FILE + "targetId = a\0b", ["Bad manifest: line 3 contains a NUL character"]),
+    (FILE + "version = 2.1", [RANGE]),
+    (FILE + "version = 1.", [RANGE]),
+    (FILE + "version = 0x1\nkey = 1", [RANGE, "Bad manifest: key has no use without crypt"]),
+    (FILE + "crypt = Some", ["Bad manifest: crypt must be None, Headers, Data or All"]),
+    (FILE + "uniqueId = -1",
+     ["Bad manifest: uniqueId must be a number from 0 to 18446744073709551615"]),
+    (FILE + "crypt = All\nkey = 0x100000000",
+     ["Bad manifest: key must be a number from 0 to 4294967295"]),
+    (FILE + "attribute.count = 1024",
+     ["Bad manifest: attribute.count must be a number from 0 to 1023"]),
+    (FILE + "attribute.count = 1", ["Bad manifest: attribute[0] must hold a name and a value"]),
+    (FILE + "file[0].attributes = 8",
+     ["Bad manifest: file[0].attributes must be an octal number from 0 to 37777777777"]),
+    (FILE + "file[0].flags = 1 2",
+     ["Bad manifest: file[0].flags must be a number from 0 to 4294967295"]),
+    (FILE + "version = 1.0\nfile[0].owner = root",
+     ["No room for text: file[0].owner is not part of this format version"]),
+    (FILE + "targetId = " + 65 * "x", ["Text too long: targetId may have 64 UTF-16 units"]),
+    (FILE + "file[0].name = " + 260 * "x",
+     ["Text too long: file[0].name may have 256 UTF-16 units"]),
+    (FILE.encode() + b"attribute.count = 1\nattribute[0] = a=\xFF",
+     ["Bad text: attribute[0] is not UTF-8"]),
+    (OTHER + "none", ['File not readable: "@none": No such file or directory']),
+    (OTHER + ".", ['File not readable: "@.": Is a directory']),
+    ("\n".join(f"n{i} = 1" for i in range(10, 50)),
+     ["Bad manifest: file.count is missing",
+      *(f"Bad manifest: n{i} means nothing here" for i in range(10, 29)),
+      "More errors: There are 21 more"]),
+])
+def test_rejects_manifests_and_keeps_the_old_archive(pack, directory, manifest, errors):
+    directory.write("f", "data")
+    directory.write("a.rvl", "old")
+    directory.write("m.conf", manifest)
+    assert pack.errors("-b @m.conf -o @a.rvl") == errors
+    assert directory.read("a.rvl") == b"old"
+    assert directory.files() == ["a.rvl", "f", "m.conf"], "nothing is left behind"
+
+
+def test_reports_files_that_cannot_be_used(pack, directory):
+    directory.write("f", "data")
+    directory.write("m.conf", FILE)
+    missing = "No such file or directory"
+    assert pack.errors("-b @no=ne -o @a.rvl") == [f'Manifest not readable: "@no=ne": {missing}']
+    assert pack.errors("-b @m.conf -o @no/a.rvl") == [
+        f'Archive not writable: "@no/a.rvl": {missing}']
+    assert pack.errors("-l @none") == [f'Archive not readable: "@none": {missing}']
+    os.link(directory.path / "f", directory.path / "hard")
+    os.symlink("m.conf", directory.path / "soft")
+    for target, made_of in (("m.conf", "m.conf"), ("f", "f"), ("hard", "f"), ("soft", "m.conf")):
+        assert pack.errors(f"-b @m.conf -o @{target}") == [
+            f'Archive not writable: "@{target}" is the same file as "@{made_of}", '
+            "which it is made from"]
+    assert directory.read("f") + directory.read("m.conf") == b"data" + FILE.encode()
+
+
+@pytest.mark.parametrize("arguments, error", [
+    ("", NOTHING),
+    ("-j", NOTHING),
+    ("-l a -c a", NOTHING),
+    ("-b m", "Option missing: Option -b needs -o"),
+    ("-x a", "Option missing: Option -x needs -d"),
+    ("-c a -j", "Option without use: Option -c takes no -j"),
+    ("-l a -f", "Option without use: Option -l takes no -f"),
+    ("-z", "Invalid option: -z "),
+    ("-c", "Invalid number of arguments: -c "),
+])
+def test_rejects_command_lines(pack, arguments, error):
+    assert pack(arguments, 2)[:3] == ["*** " + error, "", "Usage:"]
+    assert pack("--help")[0] == "Usage:"
+
+
+def test_reports_what_is_wrong_with_an_archive_and_where(pack, directory):
+    directory.write("a", "first")
+    directory.write("b", "second")
+    directory.write("m.conf", "file.count = 2\nfile[0].origin = a\nfile[1].origin = b\n")
+    pack("-b @m.conf -o @a.rvl")
+    valid = directory.read("a.rvl")
+    trailer = 24 + 2 * 4096 + 11
+    assert len(valid) == trailer + 16
+
+    def changed(at, data):
+        return valid[:at] + data + valid[at + len(data):]
+
+    for archive, error in (
+            (b"", "Archive cut short: It ends at offset 0, in the header, which begins at offset 0 "
+                  "and has 16 bytes"),
+            (valid[:5000], "Archive cut short: It ends at offset 5000, in the descriptor of "
+                           "file[1], which begins at offset 4120 and has 4096 bytes"),
+            (valid[:trailer - 1], "Archive cut short: It ends at offset 8226, in the data of "
+                                  "file[1], which begins at offset 8221 and has 6 bytes"),
+            (changed(4, b"x"), 'No archive: The eight bytes at offset 0 are not "QXRB5129"'),
+            (changed(10, b"\0"), "Format too old: The format version at offset 8 is 0x00000000, "
+                                 "below 0x00010000"),
+            (changed(8, b"\1"), "Format too new: The format version at offset 8 is 0x00020001, "
+                                "above 0x00020000"),
+            (changed(trailer + 4, b"\xEF\xCD\xAB\0"),
+             "Wrong CRC: The CRC-32 at offset 8231 is 0x00ABCDEF, that of the bytes before the "
+             f"trailer is {crc(valid)}"),
+            (changed(trailer + 8, b"x"),
+             'Wrong trailer: The eight bytes at offset 8235 are not "QXRB5129"'),
+            (with_valid_crc(changed(4120, b"\4")),
+             "Wrong offset: The descriptor of file[1], at offset 4120, lays its data at 4 behind "
+             "the descriptors, but they are at 5")):
+        directory.write("bad.rvl", archive)
+        assert pack.errors("-c @bad.rvl") == [error]
+        assert pack.errors("-x @bad.rvl -d @out") == [error]
+        assert not (directory.path / "out").exists(), "a bad archive is not extracted"
+    directory.write("a.rvl", valid + b"...")
+    assert pack("-c @a.rvl") == [
+        f"- The archive is sound: 2 files, 8.0 KB, CRC-32 {crc(valid)}",
+        "- Behind its end at offset 8243 are 3 bytes that are no part of it"]
+
+
+def test_lists_as_a_table_and_as_json(pack, directory):
+    archive = pack.golden("a.rvl", "hostile")
+    assert pack("-l @a.rvl") == [
+        "- Format version: 2.0",
+        "- Scrambled: All, key 0x90000011",
+        "- Unique ID: 0xFEDCBA9876543210",
+        "- Source ID: plant 7",
+        "- Target ID: ",
+        "- Attribute: release=1.2=3",
+        "- Attribute: über=\U0001F680",
+        "- Files: 3",
+        "Size  Mode  Flags       Owner  Group  Name      Destination  Command",
+        "  27  0755  0xABCD0100  root   wheel  app.bin   /opt/app/    restart app",
+        '   0  0644  0x00000000  \uFFFD             ?[1m"\\??  etc/empty',
+        "3000  0777  0x00000020  o      g      café-\U0001F4E6                 c",
+    ]
+    assert pack("-l @a.rvl -j") == [
+        '{"archive":"@a.rvl","version":"0x00020000","crypt":"All","key":"0x90000011",'
+        '"uniqueId":"0xFEDCBA9876543210","sourceId":"plant 7","targetId":"",'
+        '"attributes":["release=1.2=3","über=\U0001F680"],"files":['
+        '{"name":"app.bin","destination":"/opt/app/","owner":"root","group":"wheel",'
+        '"command":"restart app","attributes":"0755","flags":"0xABCD0100",'
+        '"scrambled":true,"offset":0,"size":27},'
+        '{"name":"\\u001B[1m\\"\\\\\\u0085\\u202E","destination":"etc/empty","owner":"\uFFFD",'
+        '"group":"","command":"","attributes":"0644","flags":"0x00000000",'
+        '"scrambled":true,"offset":27,"size":0},'
+        '{"name":"café-\U0001F4E6","destination":"","owner":"o","group":"g","command":"c",'
+        '"attributes":"0777","flags":"0x00000020","scrambled":false,"offset":27,"size":3000}],'
+        f'"crc":"{crc(archive)}"}}']
+    directory.write("bad.rvl", "no archive at all")
+    assert pack("-l @bad.rvl -j", 1) == [
+        '{"archive":"@bad.rvl","error":{"title":"No archive","message":'
+        '"The eight bytes at offset 0 are not \\"QXRB5129\\""}}']
+
+
+def test_reports_long_work(pack, directory):
+    directory.write("m.conf", OTHER + "big\n")
+    directory.write("big", "")
+    os.truncate(directory.path / "big", 70_000_000)
+    assert pack("-b @m.conf -o @a.rvl") == [">   Packed by now: 32.0 MB of 66.8 MB",
+                                            ">   Packed by now: 64.0 MB of 66.8 MB          ",
+                                            "- Archive made: 1 file, 66.8 MB          "]
+    assert pack("-x @a.rvl -d @out")[-1] == "- Unpacked: 1 file          "
+    assert os.path.getsize(directory.path / "out/big") == 70_000_000
+
+
+TOO_LONG = 256 * "n"
+IN_THE_WAY = ": another file stands where it needs a folder"
+
+
+@pytest.mark.parametrize("destinations, errors", [
+    (["good", "../bad"], ['[1], "../bad": it leads upward']),
+    (["good", "bad\x85\x1B[2J\u061C:"],
+     ['[1], "bad??[2J?:": a name holds a character that not every system allows']),
+    (["dir/Ä", "DIR/ä"], ['[1], "DIR/ä": another file has the same path']),
+    (["x", "/x"], ['[1], "/x": another file has the same path']),
+    # One error a file, also for one below several others.
+    (["x/y/z", "X/Y", "x!", "x/y", "X", "x0", "../x"],
+     ['[6], "../x": it leads upward', '[0], "x/y/z"' + IN_THE_WAY, '[1], "X/Y"' + IN_THE_WAY,
+      '[3], "x/y"' + IN_THE_WAY]),
+    (["good", "new/" + TOO_LONG],
+     [f'[1], "new/{TOO_LONG}": a name is too long for the file system']),
+    (["good", "there"], ['[1], "there": it is there already']),
+    (["good", "there/x"], ['[1], "there/x": Not a directory']),
+])
+def test_extracts_nothing_if_any_path_is_rejected(pack, directory, destinations, errors):
+    directory.write("there", "old")
+    pack.golden("a.rvl", "files", *destinations)
+    assert pack.errors("-x @a.rvl -d @@") == ["File not unpacked: file" + error for error in errors]
+    assert directory.files() == ["a.rvl", "there"]
+    assert directory.read("there") == b"old"
+    assert pack("-x @a.rvl -d @none/new", 0 if "there" in destinations[1] else 1)
+    assert (directory.path / "none").exists() == ("there" in destinations[1])
+
+
+def test_replaces_files_only_with_force_and_never_directories(pack, directory):
+    pack.golden("a.rvl", "files", "dir/file", "dir/other")
+    assert pack("-x @a.rvl -d @new/top") == ["- Unpacked: 2 files"]
+    directory.write("new/top/dir/file", "mine")
+    assert len(pack.errors("-x @a.rvl -d @new/top")) == 2
+    assert directory.read("new/top/dir/file") == b"mine"
+    assert pack("-x @a.rvl -d @new/top --force") == ["- Unpacked: 2 files"]
+    assert directory.read("new/top/dir/file") == b"dir/file"
+    pack.golden("a.rvl", "files", ".unpacking-0", ".copy-0")
+    assert pack("-x @a.rvl -d @new/top") == ["- Unpacked: 2 files"]
+    pack.golden("a.rvl", "files", "dir")
+    assert pack.errors("-x @a.rvl -d @new/top -f") == [
+        'File not unpacked: file[0], "dir": a folder has its name']
+
+
+def test_follows_and_replaces_no_link(pack, directory):
+    out = directory.path / "out"
+    (out / "real").mkdir(parents=True)
+    directory.write("outside", "mine")
+    (out / "link").symlink_to(directory.path)
+    (out / "inner").symlink_to("real")
+    (out / "file").symlink_to(directory.path / "outside")
+    for path in ("link/outside", "link/new", "inner/new", "link/a/b"):
+        pack.golden("a.rvl", "files", "good", path)
+        assert pack.errors("-x @a.rvl -d @out -f") == [
+            f'File not unpacked: file[1], "{path}": a link stands in its way']
+    assert directory.files() == ["a.rvl", "out/file", "out/inner", "out/link", "outside"]
+    pack.golden("a.rvl", "files", "file")
+    assert pack.errors("-x @a.rvl -d @out -f") == [
+        'File not unpacked: file[0], "file": it is there already and is not a regular file']
+    assert directory.read("outside") == b"mine"
+
+
+@pytest.mark.skipif(WINDOWS, reason="no permissions in files, no pipes with names")
+def test_keeps_permissions_and_replaces_no_pipe(pack, directory):
+    os.chmod(directory.write("secret", "old"), 0o640)
+    os.mkfifo(directory.path / "pipe")
+    pack.golden("a.rvl", "files", "secret")
+    before = os.umask(0o077)
+    try:
+        assert pack("-x @a.rvl -d @@ -f") == ["- Unpacked: 1 file"]
+    finally:
+        os.umask(before)
+    assert directory.read("secret") == b"secret"
+    assert (directory.path / "secret").stat().st_mode & 0o7777 == 0o640
+    pack.golden("a.rvl", "files", "pipe")
+    assert pack.errors("-x @a.rvl -d @@ -f") == [
+        'File not unpacked: file[0], "pipe": it is there already and is not a regular file']
+
+
+@pytest.mark.parametrize("by_terminal", [True, pytest.param(False, marks=pytest.mark.skipif(
+    WINDOWS, reason="no signals"))])
+def test_ends_as_interrupted_and_leaves_nothing(pack, directory, by_terminal):
+    """Wine, too, turns Ctrl-C at the terminal into the console's event, and keeps the low byte of
+    the exit status of the operating system."""
+    directory.write("big", "")
+    os.truncate(directory.path / "big", 2_000_000_000)
+    directory.write("m.conf", "file.count = 9\n"
+                    + "".join(f"file[{i}].origin = big\n" for i in range(9)))
+    command = pack.command + ["-b", directory.at("@m.conf"), "-o", directory.at("@a.rvl")]
+    if by_terminal:
+        command = ["script", "-qec", " ".join(command), "/dev/null"]
+    with subprocess.Popen(command, stdin=subprocess.PIPE, stdout=subprocess.DEVNULL) as process:
+        wait_until(lambda: len(directory.files()) == 3 or process.poll() is not None)
+        if by_terminal:
+            process.stdin.write(b"\x03")
+            process.stdin.flush()
+            assert process.wait() == (0xC000013A % 256 if WINDOWS else 128 + signal.SIGINT)
+        else:
+            process.send_signal(signal.SIGTERM)
+            assert process.wait() == -signal.SIGTERM
+    assert directory.files() == ["big", "m.conf"]
+
+
+@pytest.mark.skipif(WINDOWS, reason="no such limits")
+def test_reports_exhausted_resources(pack, directory):
+    directory.write("f", 100_000 * "f")
+    directory.write("m.conf", FILE)
+
+    def limited(option, arguments):
+        words = " ".join(pack.command) + " " + directory.at(arguments)
+        result = run(f"ulimit {option}; exec {words}")
+        assert result.status == 1
+        return directory.hidden(result.lines[1])
+
+    assert limited("-f 20", "-b @m.conf -o @a.rvl") == (
+        '*** Archive not writable: "@a.rvl": File too large')
+    pack("-b @m.conf -o @a.rvl")
+    assert limited("-f 20", "-x @a.rvl -d @@ -f") == (
+        '*** File not unpacked: file[0], "f": File too large')
+    assert directory.files() == ["a.rvl", "f", "m.conf"]
+    if "RAVELINK_SANITIZERS" not in os.environ:  # they need more memory than any limit
+        directory.write("m.conf", "".join(f"name{i} = value\n" for i in range(200_000)))
+        assert limited("-v 30000", "-b @m.conf -o @a.rvl") == (
+            "*** Out of memory: The system has no more memory for the program")
