@@ -1,6 +1,8 @@
 #include "core/net/ServerSocket.h"
 
 #include <algorithm>
+#include <cerrno>
+#include <new>
 #include <utility>
 
 #include "core/net/Address.h"
@@ -78,47 +80,74 @@ String ServerSocket::GetBoundName(int index) const {
 
 int ServerSocket::StartListen() {
     if (count_ == 0) {
+        lastError_ = EINVAL;
         return -1;
     }
+    lastError_ = 0;
     if (IsListening()) {
         return 0;
     }
     int started = 0;
+    int firstError = 0;
     for (int i = 0; i < count_; ++i) {
-        started += StartOne(i) == socket_result::success ? 1 : 0;
+        if (StartOne(i) == socket_result::success) {
+            ++started;
+        } else if (firstError == 0) {
+            firstError = lastError_;
+        }
     }
+    lastError_ = firstError;
     return started > 0 ? started : -1;
 }
 
 SocketResult ServerSocket::StartOne(int index) {
     if (!InUse(index)) {
-        return socket_result::invalid;
+        return Fail(EINVAL, socket_result::invalid);
     }
+    if (slots_[static_cast<unsigned>(index)].worker) {
+        return Fail(EALREADY, socket_result::wrongState);
+    }
+    lastError_ = 0;
+    try {
+        return Serve(index);
+    } catch (std::bad_alloc const&) {
+        return Fail(ENOMEM, SocketResultFrom_errno(ENOMEM, true));
+    }
+}
+
+SocketResult ServerSocket::Fail(int error, SocketResult result) {
+    lastError_ = error;
+    return result;
+}
+
+SocketResult ServerSocket::Serve(int index) {
     Slot& slot = slots_[static_cast<unsigned>(index)];
-    if (slot.worker) {
-        return socket_result::wrongState;
-    }
     ClassRef<AddressInfo> info;
     if (!slot.bind.IsEmpty()) {
         info = Address::GetInfo(slot.bind, type_, false);
     }
     if (!info) {
-        return socket_result::noAddress;
+        return Fail(EADDRNOTAVAIL, socket_result::noAddress);
     }
     ClassRef<Socket> const socket(new Socket(info->GetSocketAddress()->GetDomain(), type_));
-    SocketResult result = socket->Bind(info);
-    if (result == socket_result::success) {
-        result = socket->GetSockName(slot.bound, true);
+    if (int const error = socket->LastError(); error != 0) {
+        return Fail(error, SocketResultFrom_errno(error, true));
     }
-    if (result != socket_result::success) {
-        return result;
+    if (SocketResult const bound = socket->Bind(info); bound != socket_result::success) {
+        return Fail(socket->LastError(), bound);
     }
-    slot.worker = std::make_unique<ServerSocketThread>(*this, socket, slot.bind, index);
-    if (!slot.worker->Start()) {
-        slot.worker.reset();
-        slot.bound.Clear();
-        return socket_result::failed;
+    String name;
+    if (SocketResult const named = socket->GetSockName(name, true);
+        named != socket_result::success) {
+        return Fail(EADDRNOTAVAIL, named);
     }
+    auto worker = std::make_unique<ServerSocketThread>(*this, socket, slot.bind, index);
+    if (!worker->Start()) {
+        int const error = errno;
+        return Fail(error, SocketResultFrom_errno(error, true));
+    }
+    slot.worker = std::move(worker);
+    slot.bound = name;
     // Who reads the bound address from us can connect at once. A worker that cannot listen yet goes
     // on trying.
     slot.worker->WaitUntilReady(patience);

@@ -53,6 +53,11 @@ public:
     int StartListen();
     /// Starts the worker of one address; connections are taken from then on.
     SocketResult StartOne(int index);
+    /// Why the last StartListen or StartOne could not start an address, as an errno value; 0 if it
+    /// started all. Of several failures StartListen keeps the first. EADDRINUSE, EADDRNOTAVAIL
+    /// (also for a name without an address), EACCES, EMFILE and ENFILE (descriptors), ENOMEM and
+    /// EAGAIN (threads) are usual; EINVAL: there is no such address, EALREADY: it is served.
+    int LastError() const { return lastError_; }
     bool IsListening() const;
     /// Whether the address has no worker or a finished one.
     bool Terminated(int index) const;
@@ -66,8 +71,10 @@ public:
     void DoAccept(ClassRef<Socket>& accepted, String const& bind, int index);
 
 protected:
-    /// Called on the worker's thread with the accepted socket, the text of the address that it
-    /// came in on, and its index. The connection is closed when nobody holds the socket any more.
+    /// Called on the worker's thread with the accepted socket (for datagrams: the worker's own),
+    /// the text of the address that it came in on, and its index. The connection closes with the
+    /// last reference to the socket. An exception ends only this call: the worker releases the
+    /// connection, pauses for 50 ms and serves the next one.
     virtual void HandleConnection(ClassRef<Socket>& socket, String const& bind, int index) = 0;
 
 private:
@@ -78,12 +85,15 @@ private:
     };
 
     bool InUse(int index) const { return index >= 0 && index < count_; }
+    SocketResult Fail(int error, SocketResult result);
+    SocketResult Serve(int index);
     void StopRange(int first, int last, long long timeoutMs);
     bool ReapFinished(int first, int last);
 
     SocketType type_;
     std::array<Slot, maxBinds> slots_;
     int count_ = 0;
+    int lastError_ = 0;
 };
 
 }  // namespace core

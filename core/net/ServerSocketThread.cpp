@@ -7,9 +7,10 @@ namespace core {
 
 namespace {
 
-int const listenRetry = 2;     ///< ms between two attempts to listen
-int const waitSlice = 100;     ///< ms of waiting between two looks at the termination request
-int const acceptBackOff = 50;  ///< ms after a failed accept: without free descriptors it would spin
+int const listenRetry = 2;  ///< ms between two attempts to listen
+int const waitSlice = 100;  ///< ms of waiting between two looks at the termination request
+/// ms after a failure: without free descriptors or memory, accept would fail again at once.
+int const backOff = 50;
 
 }  // namespace
 
@@ -48,27 +49,47 @@ void ServerSocketThread::ExecuteStream() {
         return;
     }
     ready_.Signal();
-    while (!IsTerminationRequested()) {
-        if (!socket_->CanRecv(waitSlice)) {
-            continue;
-        }
-        ClassRef<Socket> accepted;
-        if (socket_->Accept(accepted) == socket_result::success) {
-            server_.DoAccept(accepted, bind_, index_);
-        } else {
-            sys::scheduler::sleepms(acceptBackOff);
-        }
-    }
+    ServeUntilTermination(&ServerSocketThread::ServeConnection);
 }
 
 void ServerSocketThread::ExecuteDatagram() {
     ready_.Signal();
-    // The handler receives the datagram itself, from our own socket.
+    ServeUntilTermination(&ServerSocketThread::ServeDatagram);
+}
+
+void ServerSocketThread::ServeUntilTermination(bool (ServerSocketThread::*serve)()) {
     while (!IsTerminationRequested()) {
-        if (socket_->CanRecv(waitSlice)) {
-            server_.DoAccept(socket_, bind_, index_);
+        bool served = false;
+        try {
+            served = (this->*serve)();
+        } catch (...) {
+            // Whatever a handler throws, or the lack of memory for a connection, concerns that
+            // connection alone. It is released by now.
+        }
+        if (!served) {
+            sys::scheduler::sleepms(backOff);
         }
     }
+}
+
+bool ServerSocketThread::ServeConnection() {
+    if (!socket_->CanRecv(waitSlice)) {
+        return true;
+    }
+    ClassRef<Socket> accepted;
+    if (socket_->Accept(accepted) != socket_result::success) {
+        return false;
+    }
+    server_.DoAccept(accepted, bind_, index_);
+    return true;
+}
+
+bool ServerSocketThread::ServeDatagram() {
+    // The handler receives the datagram itself, from our own socket.
+    if (socket_->CanRecv(waitSlice)) {
+        server_.DoAccept(socket_, bind_, index_);
+    }
+    return true;
 }
 
 bool ServerSocketThread::ListenUntilTermination() {

@@ -35,6 +35,9 @@ protected:
 private:
     void ExecuteStream();
     void ExecuteDatagram();
+    void ServeUntilTermination(bool (ServerSocketThread::*serve)());
+    bool ServeConnection();
+    bool ServeDatagram();
     bool ListenUntilTermination();
     bool Listen();
     void DeleteSocket();

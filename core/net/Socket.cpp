@@ -21,11 +21,13 @@ Socket::Socket(SocketDomain domain, SocketType type) {
     }
 }
 
+// Delegates to a finished object, whose destructor closes the handle if memory runs out.
 Socket::Socket(platform::SocketHandle handle, ClassRef<SocketAddr> const& peer, SocketType type)
-    : type_(type), handle_(handle) {
+    : Socket() {
+    handle_ = handle;
+    type_ = type;
     if (peer) {
-        domain_ = peer->GetDomain();
-        peer->GetName(target_, true);
+        SetPeer(*peer);
     }
 }
 
@@ -45,7 +47,7 @@ SocketResult Socket::CreateTheSocket(SocketDomain domain, SocketType type) {
         return socket_result::wrongState;
     }
     handle_ = platform::openSocket(domain, type);
-    return IsOpen() ? socket_result::success : LastResult();
+    return IsOpen() ? socket_result::success : Fail();
 }
 
 SocketResult Socket::Close() {
@@ -133,8 +135,14 @@ bool Socket::IsOpen() const {
     return handle_ != platform::noSocket;
 }
 
-SocketResult Socket::LastResult() const {
-    return SocketResultFrom_errno(platform::lastSocketError(), true);
+SocketResult Socket::Fail() {
+    lastError_ = platform::lastSocketError();
+    return SocketResultFrom_errno(lastError_, true);
+}
+
+void Socket::SetPeer(SocketAddr const& peer) {
+    domain_ = peer.GetDomain();
+    peer.GetName(target_, true);
 }
 
 }  // namespace core

@@ -99,6 +99,9 @@ public:
     int Recv(void* buffer, int length);
     /// Whether the last Send or Recv failed only because it would have had to wait.
     bool WouldBlock() const;
+    /// The errno value of the last failure of this socket to be created, to connect, bind, listen,
+    /// accept, send or receive; 0 after a send or receive that succeeded.
+    int LastError() const { return lastError_; }
 
     /// Gathers length bytes, until none has come for timeoutMs milliseconds: every byte that comes
     /// starts the wait anew. Returns the bytes gathered, or a negative value when the very first
@@ -201,8 +204,10 @@ public:
     void FlushRecv() {}
 
 private:
+    Socket() = default;
     bool IsOpen() const;
-    SocketResult LastResult() const;
+    SocketResult Fail();
+    void SetPeer(SocketAddr const& peer);
     SocketResult ConnectOpen(SocketAddr const& address);
     SocketResult ReadEndPoint(ClassRef<SocketAddr> const& address, EndPoint& endPoint) const;
     int BytesOrNone(int result) const;
@@ -221,7 +226,7 @@ private:
     int readTimeout_ = 1000;
     int writeTimeout_ = 2000;
     bool blocking_ = true;
-    int lastError_ = 0;  ///< of the last Send or Recv
+    int lastError_ = 0;  ///< see LastError
 };
 
 template <class Receive>

@@ -33,6 +33,10 @@ ClassRef<SocketAddr> readAddress(AddressCall call, platform::SocketHandle handle
     return call(handle, bytes, length) == 0 ? new SocketAddr(bytes, length) : nullptr;
 }
 
+SocketResult nameFailure() {
+    return SocketResultFrom_errno(platform::lastSocketError(), true);
+}
+
 }  // namespace
 
 SocketResult Socket::Connect(String const& text) {
@@ -64,7 +68,7 @@ SocketResult Socket::Connect(EndPoint const& endPoint) {
 
 SocketResult Socket::ConnectOpen(SocketAddr const& address) {
     if (platform::connectSocket(handle_, address.GetBytes(), address.GetLength()) != 0) {
-        return LastResult();
+        return Fail();
     }
     return address.GetName(target_, true);
 }
@@ -114,33 +118,36 @@ SocketResult Socket::Bind(ClassRef<SocketAddr> const& address) {
     }
     bool const bound =
         platform::bindSocket(handle_, address->GetBytes(), address->GetLength()) == 0;
-    return bound ? socket_result::success : LastResult();
+    return bound ? socket_result::success : Fail();
 }
 
 SocketResult Socket::Listen() {
-    return platform::listenSocket(handle_, largestBacklog) == 0 ? socket_result::success
-                                                                : LastResult();
+    return platform::listenSocket(handle_, largestBacklog) == 0 ? socket_result::success : Fail();
 }
 
 SocketResult Socket::Accept(ClassRef<Socket>& accepted) {
     unsigned char bytes[platform::addressRoom];
     int length = sizeof bytes;
-    platform::SocketHandle const handle = platform::acceptSocket(handle_, bytes, length);
-    if (handle == platform::noSocket) {
-        return LastResult();
+    // Allocate first: memory that runs out later must not leave a handle without an owner.
+    ClassRef<Socket> const next(new Socket);
+    next->handle_ = platform::acceptSocket(handle_, bytes, length);
+    if (next->handle_ == platform::noSocket) {
+        return Fail();
     }
-    accepted = new Socket(handle, ClassRef<SocketAddr>(new SocketAddr(bytes, length)), type_);
+    next->type_ = type_;
+    next->SetPeer(SocketAddr(bytes, length));
+    accepted = next;
     return socket_result::success;
 }
 
 SocketResult Socket::GetSockName(String& name, bool numeric) const {
     ClassRef<SocketAddr> const address = readAddress(&platform::localAddress, handle_);
-    return address ? address->GetName(name, numeric) : LastResult();
+    return address ? address->GetName(name, numeric) : nameFailure();
 }
 
 SocketResult Socket::GetPeerName(String& name, bool numeric) const {
     ClassRef<SocketAddr> const address = readAddress(&platform::peerAddress, handle_);
-    return address ? address->GetName(name, numeric) : LastResult();
+    return address ? address->GetName(name, numeric) : nameFailure();
 }
 
 SocketResult Socket::GetSockName(EndPoint& endPoint) const {
@@ -153,7 +160,7 @@ SocketResult Socket::GetPeerName(EndPoint& endPoint) const {
 
 SocketResult Socket::ReadEndPoint(ClassRef<SocketAddr> const& address, EndPoint& endPoint) const {
     if (!address) {
-        return LastResult();
+        return nameFailure();
     }
     endPoint = EndPoint(address, type_);
     return socket_result::success;

@@ -212,11 +212,15 @@ char const* Application::MainExecutionQueue::ClassName() const {
 
 void Application::MainExecutionQueue::ScheduleItem(ClassRef<ExecutionLink> const& item,
                                                    unsigned long long now) {
-    if (!item->IsCancelled() && item->Bit()->Execute(now) && !item->IsCancelled()) {
-        Requeue(item);
-    } else {
-        item->SetDone();
+    try {
+        if (!item->IsCancelled() && item->Bit()->Execute(now) && !item->IsCancelled()) {
+            Requeue(item);
+            return;
+        }
+    } catch (...) {
+        // The failure of one bit, or the lack of memory to queue it again, must not end the loop.
     }
+    item->SetDone();
 }
 
 void Application::MainExecutionQueue::Dispatched() {

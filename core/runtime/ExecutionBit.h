@@ -19,7 +19,8 @@ public:
     void SetNotBefore(unsigned long long tick) { notBefore_ = tick; }
 
     /// Does the work, at the tick now. True to be queued once more, behind the others of the same
-    /// priority; a bit that is to wait sets its new not-before tick here.
+    /// priority; a bit that is to wait sets its new not-before tick here. An exception counts as
+    /// false: the application's queue drops the bit and goes on.
     virtual bool Execute(unsigned long long now) = 0;
 
 private:

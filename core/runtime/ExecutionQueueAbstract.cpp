@@ -1,6 +1,7 @@
 #include "core/runtime/ExecutionQueueAbstract.h"
 
 #include <algorithm>
+#include <new>
 
 #include "sys/scheduler.h"
 
@@ -25,8 +26,13 @@ ClassRef<ExecutionLink> ExecutionQueueAbstract::Dispatch(ClassRef<ExecutionBit> 
         return {};
     }
     int const level = std::clamp(static_cast<int>(priority), 0, priorityCount - 1);
-    ClassRef<ExecutionLink> const item(new ExecutionLink(bit, level));
-    Requeue(item);
+    ClassRef<ExecutionLink> item;
+    try {
+        item.Set(new ExecutionLink(bit, level));
+        Requeue(item);
+    } catch (std::bad_alloc const&) {
+        return {};
+    }
     Dispatched();
     return item;
 }

@@ -25,7 +25,8 @@ public:
     char const* ClassName() const override;
 
     /// Queues the bit behind those of the same priority; a priority outside the five counts as
-    /// the nearest. Returns its link, or an empty reference for an empty bit.
+    /// the nearest. Returns its link, or an empty reference for an empty bit or if memory is
+    /// exhausted.
     ClassRef<ExecutionLink> Dispatch(ClassRef<ExecutionBit> const& bit, ExecutionPriority priority);
 
     /// Takes out the first item whose not-before tick has come, of the highest priority that has

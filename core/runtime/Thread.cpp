@@ -1,5 +1,7 @@
 #include "core/runtime/Thread.h"
 
+#include <cerrno>
+#include <new>
 #include <system_error>
 
 #include "sys/platform/Process.h"
@@ -18,8 +20,10 @@ char const* Thread::ClassName() const {
 
 bool Thread::Start() {
     if (thread_.joinable()) {
+        errno = EALREADY;
         return false;
     }
+    int error = 0;
     running_ = true;
     try {
         thread_ = std::thread([this] {
@@ -27,10 +31,17 @@ bool Thread::Start() {
             Execute();
             running_ = false;
         });
-    } catch (std::system_error const&) {
-        running_ = false;
+    } catch (std::system_error const& failure) {
+        error = failure.code().value();
+    } catch (std::bad_alloc const&) {
+        error = ENOMEM;
     }
-    return thread_.joinable();
+    if (error == 0) {
+        return true;
+    }
+    running_ = false;
+    errno = error;
+    return false;
 }
 
 void Thread::RequestTermination() {

@@ -22,8 +22,8 @@ public:
 
     char const* ClassName() const override;
 
-    /// Starts Execute on a thread of its own; false when it was started before or when the system
-    /// has no thread left.
+    /// Starts Execute on a thread of its own. On failure returns false and sets errno: EALREADY if
+    /// it was started before, else the reason why the system starts no further thread.
     bool Start();
     /// Asks the thread to end; from any thread.
     void RequestTermination();

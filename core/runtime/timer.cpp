@@ -1,6 +1,7 @@
 #include "core/runtime/timer.h"
 
 #include <memory>
+#include <new>
 #include <utility>
 
 #include "core/runtime/Application.h"
@@ -33,18 +34,37 @@ private:
 };
 
 bool armed = false;
+bool isLooping = false;
 std::unique_ptr<WakeUpTimer> timer;
+
+/// Without memory or a thread for it there is no timer: the main loop then wakes every 500 ms.
+void startThread() {
+    try {
+        auto started = std::make_unique<WakeUpTimer>();
+        if (started->Start()) {
+            timer = std::move(started);
+        }
+    } catch (std::bad_alloc const&) {
+        return;
+    }
+}
 
 }  // namespace
 
 bool timerInit() {
-    return !std::exchange(armed, true);
+    if (std::exchange(armed, true)) {
+        return false;
+    }
+    if (isLooping) {
+        startThread();
+    }
+    return true;
 }
 
 void timerStart() {
+    isLooping = true;
     if (armed && !timer) {
-        timer = std::make_unique<WakeUpTimer>();
-        timer->Start();
+        startThread();
     }
 }
 

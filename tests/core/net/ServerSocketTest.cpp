@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <cerrno>
 #include <thread>
 #include <vector>
 
@@ -30,6 +31,7 @@ public:
     std::atomic<bool> busy = false;
     std::atomic<bool> hold = false;  ///< keep the next handler until release
     std::atomic<bool> release = false;
+    std::atomic<int> throws = 0;  ///< handlers that are to fail
 
 protected:
     void HandleConnection(ClassRef<Socket>& socket, String const& bind, int index) override {
@@ -38,6 +40,10 @@ protected:
         busy = true;
         while (hold && !release) {
             sys::scheduler::sleepms(1);
+        }
+        if (throws > 0) {
+            --throws;
+            throw "neither memory nor an exception class";
         }
         char c = 0;
         while (isStream_ && socket->Recv(&c, 1) == 1) {
@@ -104,6 +110,7 @@ TEST(ServerSocket, Datagrams) {
     Socket client(SocketDomain::IPv4, SocketType::datagram);
     char buffer[5] = {};
     String from;
+    server.throws = 1;
     EXPECT_EQ(client.SendTo("echo", server.GetBoundName(0)), 4);
     ASSERT_TRUE(client.CanRecv(10'000));
     EXPECT_EQ(client.RecvFrom(buffer, 4, from), 4);
@@ -184,12 +191,39 @@ TEST(ServerSocket, AnAddressInUseDoesNotDisturbTheOthers) {
     second.AddBind("127.0.0.1|0");
     second.AddBind("");
     EXPECT_EQ(second.StartListen(), 1);
+    EXPECT_EQ(second.LastError(), EADDRINUSE) << "the first of two";
     EXPECT_TRUE(second.Terminated(0));
     EXPECT_FALSE(second.Terminated(1));
-    EXPECT_EQ(second.StartOne(0), 16u);
-    EXPECT_EQ(second.StartOne(7), 11u);
+    EXPECT_EQ(second.StartListen(), 0);
+    EXPECT_EQ(second.LastError(), 0);
+    struct Row {
+        int index;
+        core::SocketResult result;
+        int error;
+    };
+    for (auto const& [index, result, error] :
+         {Row{0, 16, EADDRINUSE}, Row{1, 4, EALREADY}, Row{2, 12, EADDRNOTAVAIL},
+          Row{7, 11, EINVAL}, Row{-1, 11, EINVAL}}) {
+        EXPECT_EQ(second.StartOne(index), result) << index;
+        EXPECT_EQ(second.LastError(), error) << index;
+    }
     EXPECT_TRUE(echoes(second.GetBoundName(1)));
     EXPECT_TRUE(echoes(taken));
+}
+
+TEST(ServerSocket, AFailingHandlerLosesOnlyItsConnection) {
+    EchoServer server;
+    server.throws = 2;
+    server.AddBind("127.0.0.1|0");
+    ASSERT_EQ(server.StartListen(), 1);
+    EXPECT_EQ(server.LastError(), 0);
+    while (server.throws > 0) {
+        Socket client(SocketDomain::IPv4, SocketType::stream);
+        ASSERT_EQ(client.Connect(server.GetBoundName(0)), 0u);
+        char c = 0;
+        EXPECT_EQ(client.Recv(&c, 1), 0) << "closed";
+    }
+    EXPECT_TRUE(echoes(server.GetBoundName(0)));
 }
 
 TEST(ServerSocket, AStopWaitsNoLongerThanToldForABusyHandler) {

@@ -75,6 +75,8 @@ TEST_F(Execution, ByPriorityAndTick) {
     EXPECT_EXIT(
         {
             Worker worker;
+            ClassRef<ExecutionLink> const failing = worker.Dispatch(
+                new Bit([]() -> bool { throw "not an exception class"; }), Queue::highest);
             worker.Add("late ", Queue::highest, 10'030);
             worker.Add("later ", Queue::lowest, 10'040);
             worker.Add("low ", Queue::lowest);
@@ -84,7 +86,7 @@ TEST_F(Execution, ByPriorityAndTick) {
             ClassRef<ExecutionLink> const done = worker.Add("high ", Queue::high);
             worker.Dispatch(nullptr, Queue::high);
             worker.Repeat(5, Queue::low, [&] {
-                worker.story += done->IsDone() ? "tick " : "too early ";
+                worker.story += done->IsDone() && failing->IsDone() ? "tick " : "too early ";
                 now += 10;
             });
             worker.Work();

@@ -1,12 +1,15 @@
 #include <gtest/gtest.h>
+#include <pthread.h>
 #include <sched.h>
 #include <signal.h>
 #include <sys/resource.h>
 #include <sys/time.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <vector>
 
+#include "core/net/ServerSocket.h"
 #include "tests/core/net/SocketPair.h"
 
 namespace {
@@ -34,6 +37,35 @@ TEST(Descriptors, OfMoreThan1024Work) {
     for (int const descriptor : taken) {
         close(descriptor);
     }
+}
+
+TEST(Descriptors, AServerReportsWhatItLacks) {
+    struct Server : public core::ServerSocket {
+        Server() : ServerSocket(core::SocketType::stream) { AddBind("127.0.0.1|0"); }
+        void HandleConnection(core::ClassRef<core::Socket>&, core::String const&, int) override {}
+    } server;
+    rlimit limit{};
+    ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &limit), 0);
+    rlimit const none{0, limit.rlim_max};
+    ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &none), 0);
+    EXPECT_EQ(server.StartOne(0), 35u);
+    EXPECT_EQ(server.StartListen(), -1);
+    EXPECT_EQ(server.LastError(), EMFILE);
+    ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &limit), 0);
+
+    pthread_attr_t usual;
+    pthread_attr_t endless;
+    pthread_getattr_default_np(&usual);
+    pthread_attr_init(&endless);
+    pthread_attr_setstacksize(&endless, std::size_t{1} << 50);
+    ASSERT_EQ(pthread_setattr_default_np(&endless), 0);
+    EXPECT_EQ(server.StartListen(), -1);
+    EXPECT_EQ(server.LastError(), EAGAIN) << "no thread";
+    EXPECT_FALSE(server.IsListening());
+    EXPECT_TRUE(server.GetBoundName(0).IsEmpty());
+    ASSERT_EQ(pthread_setattr_default_np(&usual), 0);
+    EXPECT_EQ(server.StartListen(), 1);
+    EXPECT_EQ(server.LastError(), 0);
 }
 
 TEST(Descriptors, SocketsKeepOffTheStandardStreams) {
