@@ -55,23 +55,25 @@ int ServerSocket::RemoveBind(int index) {
     auto const removed = slots_.begin() + index;
     std::move(removed + 1, slots_.begin() + count_, removed);
     slots_[static_cast<unsigned>(count_ - 1)] = Slot();
-    for (int i = index; i < count_; ++i) {
-        if (Slot const& slot = slots_[static_cast<unsigned>(i)]; slot.worker) {
-            slot.worker->SetIndex(i);
-        }
-    }
+    NumberWorkers();
     count_ = std::min(count_ + 1, maxBinds);
     return 0;
 }
 
 void ServerSocket::ClearBinds() {
-    if (IsListening()) {
-        return;
+    auto const end =
+        std::remove_if(slots_.begin(), slots_.end(), [](Slot const& slot) { return !slot.worker; });
+    std::for_each(end, slots_.end(), [](Slot& slot) { slot = Slot(); });
+    count_ = static_cast<int>(end - slots_.begin());
+    NumberWorkers();
+}
+
+void ServerSocket::NumberWorkers() {
+    for (int i = 0; i < count_; ++i) {
+        if (Slot const& slot = slots_[static_cast<unsigned>(i)]; slot.worker) {
+            slot.worker->SetIndex(i);
+        }
     }
-    for (Slot& slot : slots_) {
-        slot.bind.Clear();
-    }
-    count_ = 0;
 }
 
 String ServerSocket::GetBoundName(int index) const {
@@ -141,7 +143,7 @@ SocketResult ServerSocket::Serve(int index) {
         named != socket_result::success) {
         return Fail(EADDRNOTAVAIL, named);
     }
-    auto worker = std::make_unique<ServerSocketThread>(*this, socket, slot.bind, index);
+    auto worker = std::make_unique<ServerSocketThread>(*this, socket, index);
     if (!worker->Start()) {
         int const error = errno;
         return Fail(error, SocketResultFrom_errno(error, true));
@@ -207,8 +209,8 @@ bool ServerSocket::ReapFinished(int first, int last) {
     return all;
 }
 
-void ServerSocket::DoAccept(ClassRef<Socket>& accepted, String const& bind, int index) {
-    HandleConnection(accepted, bind, index);
+void ServerSocket::DoAccept(ClassRef<Socket>& accepted, int index) {
+    Handle(accepted, GetBind(index), index);
 }
 
 }  // namespace core

@@ -41,7 +41,7 @@ public:
     /// before, places n - 1 and n are empty after. Programs that remove and add again rely on the
     /// free places; a full table stays at 32.
     int RemoveBind(int index);
-    /// Removes all addresses that have no worker.
+    /// Removes all addresses that have no worker. Those that have one move down to fill the gaps.
     void ClearBinds();
 
     /// The address that a served slot is really bound to: it differs from GetBind where the port
@@ -67,8 +67,8 @@ public:
     void StopListen(long long timeoutMs);
     void StopOne(int index, long long timeoutMs);
 
-    /// Calls the handler; used by the workers.
-    void DoAccept(ClassRef<Socket>& accepted, String const& bind, int index);
+    /// Calls the handler for a connection, as if it had come in on the address at index.
+    void DoAccept(ClassRef<Socket>& accepted, int index);
 
 protected:
     /// Called on the worker's thread with the accepted socket (for datagrams: the worker's own),
@@ -78,15 +78,22 @@ protected:
     virtual void HandleConnection(ClassRef<Socket>& socket, String const& bind, int index) = 0;
 
 private:
+    friend class ServerSocketThread;
+
     struct Slot {
         String bind;
         String bound;
         std::unique_ptr<ServerSocketThread> worker;
     };
 
+    void NumberWorkers();
     bool InUse(int index) const { return index >= 0 && index < count_; }
     SocketResult Fail(int error, SocketResult result);
     SocketResult Serve(int index);
+    /// Calls the handler on a worker's thread, with the worker's own copy of the address.
+    void Handle(ClassRef<Socket>& socket, String const& bind, int index) {
+        HandleConnection(socket, bind, index);
+    }
     void StopRange(int first, int last, long long timeoutMs);
     bool ReapFinished(int first, int last);
 

@@ -7,19 +7,20 @@ namespace core {
 
 namespace {
 
-int const listenRetry = 2;  ///< ms between two attempts to listen
-int const waitSlice = 100;  ///< ms of waiting between two looks at the termination request
+int const missingRetry = 5;  ///< ms between two looks at a socket that is missing or closed
+int const listenRetry = 2;   ///< ms between two attempts to listen
+int const waitSlice = 100;   ///< ms of waiting between two looks at the termination request
 /// ms after a failure: without free descriptors or memory, accept would fail again at once.
 int const backOff = 50;
 
 }  // namespace
 
 ServerSocketThread::ServerSocketThread(ServerSocket& server, ClassRef<Socket> const& socket,
-                                       String const& bind, int index)
+                                       int index)
     : Thread(String::format("serve %1").argi(1, index)),
       server_(server),
       socket_(socket),
-      bind_(bind),
+      bind_(server.GetBind(index)),
       index_(index) {
     bind_.Unique();
 }
@@ -36,6 +37,12 @@ char const* ServerSocketThread::ClassName() const {
 void ServerSocketThread::Execute() {
     // The socket is only touched on this thread: waiting in slices ends an accept as surely as
     // closing it from outside, and no descriptor can be reused under a running call.
+    while (!socket_ && !IsTerminationRequested()) {
+        sys::scheduler::sleepms(missingRetry);
+    }
+    if (!socket_) {
+        return;
+    }
     if (socket_->GetType() == SocketType::stream) {
         ExecuteStream();
     } else if (socket_->GetType() == SocketType::datagram) {
@@ -73,23 +80,32 @@ void ServerSocketThread::ServeUntilTermination(bool (ServerSocketThread::*serve)
 }
 
 bool ServerSocketThread::ServeConnection() {
-    if (!socket_->CanRecv(waitSlice)) {
+    if (!WaitForTraffic()) {
         return true;
     }
     ClassRef<Socket> accepted;
     if (socket_->Accept(accepted) != socket_result::success) {
         return false;
     }
-    server_.DoAccept(accepted, bind_, index_);
+    server_.Handle(accepted, bind_, index_);
     return true;
 }
 
 bool ServerSocketThread::ServeDatagram() {
-    // The handler receives the datagram itself, from our own socket.
-    if (socket_->CanRecv(waitSlice)) {
-        server_.DoAccept(socket_, bind_, index_);
+    // The handler receives the datagram itself, from the worker's socket, and may close it or
+    // release the reference to it.
+    if (WaitForTraffic()) {
+        server_.Handle(socket_, bind_, index_);
     }
     return true;
+}
+
+bool ServerSocketThread::WaitForTraffic() {
+    if (socket_ && socket_->IsOpen()) {
+        return socket_->CanRecv(waitSlice);
+    }
+    sys::scheduler::sleepms(missingRetry);
+    return false;
 }
 
 bool ServerSocketThread::ListenUntilTermination() {

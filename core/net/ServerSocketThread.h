@@ -16,9 +16,9 @@ class ServerSocket;
 /// the other, until its termination is requested.
 class ServerSocketThread : public Thread {
 public:
-    /// Serves the bound socket for server, which must outlive the worker.
-    ServerSocketThread(ServerSocket& server, ClassRef<Socket> const& socket, String const& bind,
-                       int index);
+    /// Serves the bound socket for the address at index of server, which must outlive the worker.
+    /// Without a socket the worker waits until its termination is requested.
+    ServerSocketThread(ServerSocket& server, ClassRef<Socket> const& socket, int index);
     ~ServerSocketThread() override;
 
     char const* ClassName() const override;
@@ -38,6 +38,7 @@ private:
     void ServeUntilTermination(bool (ServerSocketThread::*serve)());
     bool ServeConnection();
     bool ServeDatagram();
+    bool WaitForTraffic();
     bool ListenUntilTermination();
     bool Listen();
     void DeleteSocket();

@@ -10,8 +10,9 @@ bool Socket::init() {
     return platform::startSockets();
 }
 
-void Socket::done() {
+int Socket::done() {
     platform::stopSockets();
+    return 0;
 }
 
 Socket::Socket(SocketDomain domain, SocketType type) {
@@ -129,10 +130,6 @@ bool Socket::setBlocking(bool blocking) {
     }
     blocking_ = blocking;
     return true;
-}
-
-bool Socket::IsOpen() const {
-    return handle_ != platform::noSocket;
 }
 
 SocketResult Socket::Fail() {

@@ -23,7 +23,8 @@ class Socket : public BasicClass, public IPeer, public IStream {
 public:
     /// Starts the platform's socket library, once before the first socket; true on success.
     static bool init();
-    static void done();
+    /// Takes one start back; always 0.
+    static int done();
 
     /// What a wait for readiness came to.
     enum class Readiness { ready, timedOut, badHandle, interrupted, invalid, noMemory, failed };
@@ -44,6 +45,8 @@ public:
     /// As they were given when the socket was made.
     SocketDomain GetDomain() const { return domain_; }
     SocketType GetType() const { return type_; }
+
+    bool IsOpen() const { return handle_ != sys::platform::noSocket; }
 
     /// 4 when a socket is already open.
     SocketResult CreateTheSocket(SocketDomain domain, SocketType type);
@@ -109,8 +112,9 @@ public:
     int RecvUntil(void* buffer, int length, long long timeoutMs);
 
     /// Transfer up to length bytes within timeoutMs milliseconds, a deadline for all of them: the
-    /// number transferred, or a negative value when the very first attempt failed. A negative
-    /// time-out leaves no time.
+    /// number transferred, or a negative value when the very first attempt failed, as it does at
+    /// once for writing to a closed socket. A negative time-out leaves no time. A peer that stops
+    /// reading does not prolong the deadline.
     int _Read(void* buffer, int length, int timeoutMs);
     int _Write(void const* data, int length, int timeoutMs);
     /// The same within the read or the write time-out.
@@ -154,7 +158,7 @@ public:
     }
 
     /// Wait at most ms milliseconds until the socket can be read or written: 1 ready, 0 time ran
-    /// out, -1 error. checkRecv answers 0 at once when no socket is open.
+    /// out, -1 error. When no socket is open, checkRecv returns 0 and checkSend -1, at once.
     int checkRecv(int ms) const;
     int checkSend(int ms) const;
     bool CanRecv(int ms) const;
@@ -205,7 +209,6 @@ public:
 
 private:
     Socket() = default;
-    bool IsOpen() const;
     SocketResult Fail();
     void SetPeer(SocketAddr const& peer);
     SocketResult ConnectOpen(SocketAddr const& address);

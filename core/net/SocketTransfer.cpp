@@ -99,10 +99,17 @@ int Socket::_Read(void* buffer, int length, int timeoutMs) {
 }
 
 int Socket::_Write(void const* data, int length, int timeoutMs) {
+    // A blocking send of the rest would wait for a peer that has stopped reading, past the
+    // deadline.
+    bool const switched = blocking_ && platform::setNonBlocking(handle_, true);
     auto const* const bytes = static_cast<char const*>(data);
-    return transferUntil(
+    int const written = transferUntil(
         length, timeoutMs, [this](int ms) { return checkSend(ms); },
         [=, this](int done) { return BytesOrNone(Send(bytes + done, length - done)); });
+    if (switched) {
+        platform::setNonBlocking(handle_, false);
+    }
+    return written;
 }
 
 int Socket::BytesOrNone(int result) const {

@@ -37,6 +37,11 @@ SocketHandle aboveStandardStreams(int socket) {
 
 /// poll, not select: a descriptor of 1,024 or more would make select write past its set.
 int waitFor(SocketHandle socket, short events, int ms) {
+    if (socket == noSocket) {
+        // poll would ignore it and wait.
+        errno = EBADF;
+        return -1;
+    }
     auto const deadline = steady_clock::now() + milliseconds(ms < 0 ? 0 : ms);
     for (;;) {
         auto const left = std::chrono::ceil<milliseconds>(deadline - steady_clock::now());

@@ -32,6 +32,10 @@ fd_set setOf(SocketHandle socket) {
 
 /// One socket a call: a set holds 64 and drops the rest in silence.
 int waitFor(SocketHandle socket, bool toRead, int ms) {
+    if (socket == noSocket) {
+        WSASetLastError(WSAEBADF);
+        return -1;
+    }
     int const limit = std::max(ms, 0);
     timeval time{limit / 1000, limit % 1000 * 1000};
     fd_set ready = setOf(socket);

@@ -89,6 +89,19 @@ TEST(Socket, ReadAndWriteHaveADeadlineForAll) {
     EXPECT_EQ(pair.near.Read(buffer.data(), 1), 0);
     pair.near.SetReadTimeout(-1);
     EXPECT_EQ(pair.near.Read(buffer.data(), 1), 0);
+
+    // A peer that reads nothing more, and a socket that blocks before and after.
+    buffer.resize(16'000'000);
+    pair.near.SetWriteTimeout(50);
+    int const written = pair.near.Write(buffer.data(), 16'000'000);
+    EXPECT_GT(written, 0);
+    EXPECT_LT(written, 16'000'000);
+    pair.near.SetRecvTimeout(30);
+    CountDownTimer const timer(30ULL);
+    EXPECT_EQ(pair.near.Recv(buffer.data(), 1), -1);
+    EXPECT_TRUE(timer.Expired());
+    pair.near.Close();
+    EXPECT_EQ(pair.near.Write(buffer.data(), 1), -1);
 }
 
 TEST(Socket, OpensAndCloses) {
@@ -186,6 +199,10 @@ TEST(Socket, OptionsAndReadiness) {
     EXPECT_EQ(pair.near.CheckSend(0), Socket::Readiness::ready);
     pair.near.Close();
     EXPECT_EQ(pair.near.CheckRecv(0), Socket::Readiness::timedOut);
+    EXPECT_EQ(pair.near.checkSend(0), -1);
+    EXPECT_EQ(pair.near.CheckSend(1'000'000'000), Socket::Readiness::badHandle);
+    EXPECT_EQ(Socket::done(), 0);
+    EXPECT_TRUE(Socket::init());
     EXPECT_FALSE(pair.near.setTCPNoDelay(true));
     EXPECT_LT(pair.near.GetRecvTimeout(), 0);
 }
