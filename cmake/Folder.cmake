@@ -16,7 +16,10 @@ endfunction()
 # ravelink_executable(name library): a program: its folder's library, which learns the version, and
 # the main.cpp beside it.
 function(ravelink_executable name library)
-  target_compile_definitions(${library} PRIVATE RAVELINK_VERSION="${PROJECT_VERSION}")
+  # As a number: with its leading zero, 08 would be a bad octal one.
+  math(EXPR minor ${PROJECT_VERSION_MINOR})
+  target_compile_definitions(${library} PRIVATE RAVELINK_VERSION_MAJOR=${PROJECT_VERSION_MAJOR}
+                                                RAVELINK_VERSION_MINOR=${minor})
   add_executable(${name} main.cpp)
   target_link_libraries(${name} PRIVATE ${library})
   if(WIN32)

@@ -32,7 +32,7 @@ enum ExitStatus { done = 0, failed = 1, wrongUsage = 2 };
 
 DeviceApplication::DeviceApplication() : core::Application("ravelink-device") {
     setVersionModelName("Halvoren");
-    setVersionNumber(RAVELINK_VERSION);
+    setVersionNumber(RAVELINK_VERSION_MAJOR, RAVELINK_VERSION_MINOR);
     setDevStage(core::version::CEDevStage::release);
     setDescription("Simulated Device\n");
 }

@@ -46,7 +46,7 @@ PackApplication::Command const PackApplication::commands[] = {
 
 PackApplication::PackApplication() : core::Application("ravelink-pack") {
     setVersionModelName("Halvoren");
-    setVersionNumber(RAVELINK_VERSION);
+    setVersionNumber(RAVELINK_VERSION_MAJOR, RAVELINK_VERSION_MINOR);
     setDevStage(core::version::CEDevStage::release);
     setDescription("Update Archives\n");
 }

@@ -80,8 +80,10 @@ long long getFileContentsAsInt64(core::String const& path, long long ifUnreadabl
                                  long long ifNotNumber);
 int getFileContentsAsInt32(core::String const& path, int ifUnreadable, int ifNotNumber);
 /// Writes text into the file, which is made when it is missing. With truncate the text becomes the
-/// whole content; without, it replaces the start and a longer old content keeps its tail.
-int setFileContents(core::String const& path, core::String const& text, bool truncate);
+/// whole content; without, it replaces the start and a longer old content keeps its tail. mode adds
+/// bits of platform::FileMode, such as openNoFollow.
+int setFileContents(core::String const& path, core::String const& text, bool truncate,
+                    unsigned mode = 0);
 /// Appends text to the file, which is made when it is missing.
 int addFileContents(core::String const& path, core::String const& text);
 

@@ -115,8 +115,9 @@ int getFileContentsAsInt32(core::String const& path, int ifUnreadable, int ifNot
     return firstLine(path, line) ? line.ToDecimal32(ifNotNumber) : ifUnreadable;
 }
 
-int setFileContents(core::String const& path, core::String const& text, bool truncate) {
-    unsigned const mode = truncate ? platform::openTruncate : 0u;
+int setFileContents(core::String const& path, core::String const& text, bool truncate,
+                    unsigned mode) {
+    mode |= truncate ? platform::openTruncate : 0u;
     return writeInto(path, mode, text.getCString(), text.GetLength());
 }
 

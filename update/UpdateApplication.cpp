@@ -13,7 +13,7 @@ UpdateApplication::UpdateApplication() : core::Application("ravelink") {
     // A device must not be left half updated because somebody closed a window.
     sys::platform::outliveTerminal();
     setVersionModelName("Halvoren");
-    setVersionNumber(RAVELINK_VERSION);
+    setVersionNumber(RAVELINK_VERSION_MAJOR, RAVELINK_VERSION_MINOR);
     setDevStage(core::version::CEDevStage::release);
     setDescription("Ethernet Updater\n");
 }

@@ -1,6 +1,10 @@
 #include "core/net/Address.h"
 
+#include <algorithm>
+#include <limits>
 #include <utility>
+
+#include "core/text/strToNumber.h"
 
 namespace core {
 
@@ -22,6 +26,14 @@ String Address::ComposeAddress(String const& host, String const& service) {
 
 void Address::ComposeAddress(String const& host, String const& service, String& out) {
     out = ComposeAddress(host, service);
+}
+
+int Address::PortOf(String const& service) {
+    long long const port = strToInt64Def(service.getCString(), noPort);
+    if (port < noPort) {
+        return noPort + 1;
+    }
+    return static_cast<int>(std::min<long long>(port, std::numeric_limits<int>::max()));
 }
 
 ClassRef<AddressInfo> Address::GetInfo(String const& text, SocketDomain domain, SocketType type,

@@ -3,6 +3,7 @@
 #include "core/net/AddressInfo.h"
 #include "core/net/SocketResult.h"
 #include "core/net/SocketTypes.h"
+#include "core/net/noPort.h"
 #include "core/object/ClassRef.h"
 #include "core/text/String.h"
 
@@ -19,6 +20,9 @@ public:
     static SocketResult DecomposeAddress(String const& text, String& host, String& service);
     static String ComposeAddress(String const& host, String const& service);
     static void ComposeAddress(String const& host, String const& service, String& out);
+    /// The port that a service names in decimal; noPort if it is not a number. A number outside the
+    /// int range saturates, a negative one at the value next to noPort: it is a port, if a bad one.
+    static int PortOf(String const& service);
 
     /// Resolves text; without a usable "|" it is all host. Empty when nothing is found; the
     /// resolver's reason is not kept. The flag has no effect in any of the forms.

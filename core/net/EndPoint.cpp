@@ -2,7 +2,6 @@
 
 #include "core/net/Address.h"
 #include "core/net/InfoSocketAddr.h"
-#include "core/text/strToNumber.h"
 
 namespace core {
 
@@ -65,7 +64,7 @@ int EndPoint::GetPort() const {
     if (address_) {
         address_->GetName(host, service, true);
     }
-    return strToIntDef(service.getCString(), noPort);
+    return Address::PortOf(service);
 }
 
 bool EndPoint::SameAs(EndPoint const& other) const {

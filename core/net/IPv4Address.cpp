@@ -91,7 +91,7 @@ bool IPv4Address::Set(String const& text) {
         }
         SetByte(octetCount - 1 - i, octet);
     }
-    port_ = strToIntDef(port.getCString(), noPort);
+    port_ = Address::PortOf(port);
     return true;
 }
 

@@ -113,7 +113,7 @@ bool IPv6Address::Set(String const& text) {
         return false;
     }
     Set(groups);
-    port_ = strToIntDef(port.Trim().getCString(), noPort);
+    port_ = Address::PortOf(port.Trim());
     return true;
 }
 

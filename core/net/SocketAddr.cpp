@@ -8,9 +8,10 @@
 namespace core {
 
 SocketAddr::SocketAddr(void const* bytes, int length) {
-    if (length > 0 && length <= sys::platform::addressRoom) {
-        std::memcpy(bytes_.data(), bytes, static_cast<std::size_t>(length));
+    int const room = sys::platform::addressRoom;
+    if (length != 0 && length >= -room && length <= room) {
         length_ = length;
+        std::memcpy(bytes_.data(), bytes, static_cast<std::size_t>(GetSize()));
     }
 }
 
@@ -19,12 +20,12 @@ char const* SocketAddr::ClassName() const {
 }
 
 SocketDomain SocketAddr::GetDomain() const {
-    return sys::platform::domainOf(bytes_.data(), length_);
+    return sys::platform::domainOf(bytes_.data(), GetSize());
 }
 
 bool SocketAddr::IsTheSameOf(SocketAddr const& other) const {
-    return length_ == other.length_ &&
-           std::memcmp(bytes_.data(), other.bytes_.data(), static_cast<std::size_t>(length_)) == 0;
+    return GetSize() == other.GetSize() && std::memcmp(bytes_.data(), other.bytes_.data(),
+                                                       static_cast<std::size_t>(GetSize())) == 0;
 }
 
 SocketResult SocketAddr::GetName(String& host, String& service, bool numeric) const {
@@ -33,7 +34,7 @@ SocketResult SocketAddr::GetName(String& host, String& service, bool numeric) co
     }
     char hostText[3072] = {};
     char serviceText[1024] = {};
-    int const error = sys::platform::nameOfAddress(bytes_.data(), length_, hostText,
+    int const error = sys::platform::nameOfAddress(bytes_.data(), GetSize(), hostText,
                                                    static_cast<int>(sizeof hostText), serviceText,
                                                    static_cast<int>(sizeof serviceText), numeric);
     if (error == 0) {

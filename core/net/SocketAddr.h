@@ -14,14 +14,17 @@ class SocketAddr : public BasicClass {
 public:
     /// The empty address.
     SocketAddr() = default;
-    /// Copies length bytes; an address that is too long for any domain stays empty.
+    /// Copies as many bytes as the absolute value of length says. An address that is too long for
+    /// any domain stays empty.
     SocketAddr(void const* bytes, int length);
 
     char const* ClassName() const override;
 
     void const* GetBytes() const { return bytes_.data(); }
-    /// Bytes in use; 0 for the empty address.
+    /// The length as it was given, which may be negative; 0 for the empty address.
     int GetLength() const { return length_; }
+    /// Its absolute value: the bytes in use.
+    int GetSize() const { return length_ < 0 ? -length_ : length_; }
     SocketDomain GetDomain() const;
     bool IsTheSameOf(SocketAddr const& other) const;
 

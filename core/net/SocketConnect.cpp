@@ -67,7 +67,7 @@ SocketResult Socket::Connect(EndPoint const& endPoint) {
 }
 
 SocketResult Socket::ConnectOpen(SocketAddr const& address) {
-    if (platform::connectSocket(handle_, address.GetBytes(), address.GetLength()) != 0) {
+    if (platform::connectSocket(handle_, address.GetBytes(), address.GetSize()) != 0) {
         return Fail();
     }
     return address.GetName(target_, true);
@@ -116,8 +116,7 @@ SocketResult Socket::Bind(ClassRef<SocketAddr> const& address) {
     if (!address) {
         return socket_result::failed;
     }
-    bool const bound =
-        platform::bindSocket(handle_, address->GetBytes(), address->GetLength()) == 0;
+    bool const bound = platform::bindSocket(handle_, address->GetBytes(), address->GetSize()) == 0;
     return bound ? socket_result::success : Fail();
 }
 

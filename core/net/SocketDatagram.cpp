@@ -9,7 +9,7 @@ int Socket::SendTo(void const* data, int length, ClassRef<SocketAddr> const& to)
     if (!to) {
         return -1;
     }
-    int const sent = platform::sendDatagram(handle_, data, length, to->GetBytes(), to->GetLength());
+    int const sent = platform::sendDatagram(handle_, data, length, to->GetBytes(), to->GetSize());
     lastError_ = sent < 0 ? platform::lastSocketError() : 0;
     return sent;
 }

@@ -8,9 +8,10 @@ namespace core {
 namespace {
 
 int const statusCount = 7;
+char const usualFolder[] = "/run";
 
 String& folder() {
-    static String theFolder("/run");
+    static String theFolder(usualFolder);
     return theFolder;
 }
 
@@ -27,8 +28,12 @@ String AppStatus::getFilePath() const {
 }
 
 bool AppStatus::writeToFile(int status) const {
-    return sys::file::setFileContents(getFilePath(), String::format("%1").argi(1, status), true) ==
-           0;
+    // Where systems have drives, "/run" is on the current one and any user may have created it.
+    if (sys::pathStyle().hasDrives && folder() == usualFolder) {
+        return false;
+    }
+    return sys::file::setFileContents(getFilePath(), String::format("%1").argi(1, status), true,
+                                      sys::platform::openNoFollow) == 0;
 }
 
 bool AppStatus::_setStatus(Status status) const {

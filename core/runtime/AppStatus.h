@@ -24,7 +24,9 @@ public:
 
     /// "/run/NAME.status"
     String getFilePath() const;
-    /// Writes the status as the file's content; true on success.
+    /// Writes the status as the file's content; true on success. Does not follow a symbolic link at
+    /// the file's path. Windows has no protected "/run": nothing is written there, and the result
+    /// is false.
     bool writeToFile(int status) const;
     /// Writes the status, or removes the file for none; true on success.
     bool _setStatus(Status status) const;

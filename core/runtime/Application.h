@@ -29,6 +29,9 @@ public:
     };
 
     /// A second application in one process ends the process at once with exit code 1.
+    /// Changes the whole process: it ignores SIGPIPE from now on, and opens those of the
+    /// descriptors 0 to 2 that are closed on an empty source or sink, so that no file or socket
+    /// gets their numbers. Writes the status file and initialises the checksums.
     explicit Application(String const& name);
     Application(Application const&) = delete;
     Application& operator=(Application const&) = delete;
@@ -91,14 +94,16 @@ public:
     /// Splits at the first "|"; without one all is short name.
     static void SplitOption(String const& option, String& shortName, String& longName);
     /// Whether two options share their short or their long name, ignoring case. Two empty names
-    /// are the same, so every entry of a grammar carries a short one.
+    /// are the same, so every entry of a grammar carries both.
     static bool SameOption(String const& one, String const& other);
     /// The option as a user types it: "--long", else "-short".
     static String Requote(String const& option);
-    /// Checks an option against the grammar and stores it; its place in the list, or -1 with an
-    /// error added. A repeated option gathers its values.
-    int AddToArguments(String const& key, String const& values, StringArray const& grammar,
-                       StringArray& errors);
+    /// Checks an option against the grammar and stores it in the application's list, which is
+    /// created if CommandLinePrepare has not done so: its place in the list, or -1 with an error
+    /// added. A repeated option gathers its values. Without an application the checks are the same
+    /// and the result is -1.
+    static int AddToArguments(String const& key, String const& values, StringArray const& grammar,
+                              StringArray& errors);
 
     /// Initialises, loops until termination is requested, and returns when all is done.
     void Run();
@@ -155,6 +160,7 @@ private:
     };
 
     bool HasFlag(ProcessFlag flag) const { return (flags_ & flag) != 0; }
+    StringArray& Options();
     bool Initialise();
     void Loop();
     unsigned long long RunNextBit(unsigned long long now);

@@ -1,5 +1,7 @@
 #include <algorithm>
 #include <limits>
+#include <string>
+#include <string_view>
 
 #include "core/runtime/Application.h"
 
@@ -21,12 +23,10 @@ int valueCount(String const& text) {
                                  : std::max(text.ToDecimal32(0), 0);
 }
 
-/// The entry of the grammar that names the option; -1 when there is none. An entry without a name
-/// (it lacks the "=") names none.
+/// The entry of the grammar that names the option; -1 if there is none.
 int findInGrammar(StringArray const& grammar, String const& key) {
     for (int i = 0; i < grammar.Count(); ++i) {
-        String const name = grammar.GetNameByIndex(i);
-        if (name.GetLength() > 0 && Application::SameOption(name, key)) {
+        if (Application::SameOption(grammar.GetNameByIndex(i), key)) {
             return i;
         }
     }
@@ -35,22 +35,22 @@ int findInGrammar(StringArray const& grammar, String const& key) {
 
 /// An option while its values are being gathered from the words behind it.
 struct PendingOption {
-    String key;  ///< "short|" or "|long"; empty when no option has been met yet
-    String values;
+    String key;          ///< "short|" or "|long"; empty when no option has been met yet
+    std::string values;  ///< joined by "|"; grows in place, however many there are
 
     void Begin(String const& word, bool isLong) {
         int const equals = word.Find('=', 0);
         String const name = equals > 0 ? word.Left(equals) : word;
-        values = equals > 0 ? word.Copy(equals + 1, -1) : String();
+        values = equals > 0 ? word.View().substr(static_cast<std::size_t>(equals) + 1) : "";
         key = isLong ? String("|").AppendNew(name) : name.AppendNew('|');
     }
 
-    void AddValue(String const& word) {
+    void AddValue(std::string_view word) {
         if (key.GetLength() == 0) {
             // Positional arguments do not exist: a word before any option means nothing.
             return;
         }
-        values = values.GetLength() > 0 ? values.AppendNew('|').AppendNew(word) : word;
+        values.append(values.empty() ? "" : "|").append(word);
     }
 };
 
@@ -58,18 +58,14 @@ struct PendingOption {
 
 bool Application::CommandLinePrepare(int argc, char const* const* argv, String const& grammar,
                                      StringArray& errors) {
-    if (options_) {
-        options_->Clear();
-    } else {
-        options_.Set(new StringArray(growthStep));
-    }
+    Options().Clear();
     StringArray entries(growthStep);
     grammar.Split(entries, '>');
 
     PendingOption pending;
     auto const commit = [&] {
         if (pending.key.GetLength() > 0) {
-            AddToArguments(pending.key, pending.values, entries, errors);
+            AddToArguments(pending.key, String(pending.values), entries, errors);
         }
     };
     for (int i = 1; i < argc; ++i) {
@@ -79,7 +75,7 @@ bool Application::CommandLinePrepare(int argc, char const* const* argv, String c
         String const word(argv[i]);
         bool const isLong = word.StartsWith("--");
         if (!isLong && !word.StartsWith("-")) {
-            pending.AddValue(word);
+            pending.AddValue(word.View());
             continue;
         }
         commit();
@@ -97,11 +93,12 @@ int Application::AddToArguments(String const& key, String const& values, StringA
         errors.Add("Invalid option", shown.AppendNew(values));
         return -1;
     }
+    Application* const application = Instance();
     String const name = grammar.GetNameByIndex(entry);
-    int const stored = FindOptionIndex(name);
+    int const stored = application != nullptr ? application->FindOptionIndex(name) : -1;
     String gathered = values;
     if (stored >= 0) {
-        String const before = options_->GetValueByIndex(stored);
+        String const before = application->options_->GetValueByIndex(stored);
         if (before.GetLength() > 0) {
             gathered = before.AppendNew('|').AppendNew(values);
         }
@@ -111,11 +108,21 @@ int Application::AddToArguments(String const& key, String const& values, StringA
         errors.Add("Invalid number of arguments", shown.AppendNew(gathered.Replace("|", " ")));
         return -1;
     }
-    if (stored < 0) {
-        return options_->Add(name, gathered);
+    if (application == nullptr) {
+        return -1;
     }
-    options_->SetValueByIndex(stored, gathered);
+    if (stored < 0) {
+        return application->Options().Add(name, gathered);
+    }
+    application->options_->SetValueByIndex(stored, gathered);
     return stored;
+}
+
+StringArray& Application::Options() {
+    if (!options_) {
+        options_.Set(new StringArray(growthStep));
+    }
+    return *options_;
 }
 
 bool Application::FindOption(String const& query) const {

@@ -20,7 +20,7 @@ public:
     static constexpr int priorityCount = highest + 1;
 
     /// The first execution tick of an empty queue.
-    static constexpr unsigned long long never = std::numeric_limits<long long>::max();
+    static constexpr unsigned long long never = std::numeric_limits<unsigned long long>::max();
 
     char const* ClassName() const override;
 

@@ -13,9 +13,10 @@ inline constexpr FileHandle noFile = -1;
 enum FileMode : unsigned {
     openRead = 0x100,
     openWrite = 0x200,
-    openCreate = 0x400,    ///< make the file when it is missing
-    openTruncate = 0x800,  ///< drop what it holds
-    openAppend = 0x1000,   ///< every write goes to the end
+    openCreate = 0x400,     ///< make the file when it is missing
+    openTruncate = 0x800,   ///< drop what it holds
+    openAppend = 0x1000,    ///< every write goes to the end
+    openNoFollow = 0x2000,  ///< fail with -ELOOP if path is a symbolic link
 };
 
 enum class FileType { none, regular, directory, link, pipe, socket, device, other };

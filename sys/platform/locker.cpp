@@ -11,23 +11,15 @@ void locker::init(bool recursive) {
 }
 
 void locker::lock() {
-    if (auto* plain = std::get_if<std::mutex>(&mutex_)) {
-        plain->lock();
-    } else if (auto* recursive = std::get_if<std::recursive_mutex>(&mutex_)) {
-        recursive->lock();
-    }
+    std::visit([](auto& mutex) { mutex.lock(); }, mutex_);
 }
 
 void locker::unlock() {
-    if (auto* plain = std::get_if<std::mutex>(&mutex_)) {
-        plain->unlock();
-    } else if (auto* recursive = std::get_if<std::recursive_mutex>(&mutex_)) {
-        recursive->unlock();
-    }
+    std::visit([](auto& mutex) { mutex.unlock(); }, mutex_);
 }
 
 void locker::done() {
-    mutex_.emplace<std::monostate>();
+    mutex_.emplace<std::mutex>();
 }
 
 }  // namespace sys

@@ -5,21 +5,21 @@
 
 namespace sys {
 
-/// The library's plain lock. It does nothing until init; std::lock_guard takes it.
+/// The library's lock, a plain one until init chooses; std::lock_guard accepts it.
 class locker {
 public:
-    /// Makes the lock ready; a recursive one may be taken again by the thread that holds it.
-    /// Must not be called while anybody holds the lock.
+    /// Makes it a plain or a recursive lock, which the thread that holds it may lock again.
+    /// No thread may hold the lock meanwhile.
     void init(bool recursive = false);
     /// Waits until the lock is free and takes it.
     void lock();
     /// Gives the lock back; the caller must hold it.
     void unlock();
-    /// Ends the lock, which nobody may hold; init makes it ready again.
+    /// Makes it a plain lock again. No thread may hold it.
     void done();
 
 private:
-    std::variant<std::monostate, std::mutex, std::recursive_mutex> mutex_;
+    std::variant<std::mutex, std::recursive_mutex> mutex_;
 };
 
 }  // namespace sys

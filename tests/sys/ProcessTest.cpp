@@ -1,10 +1,15 @@
 #include <gtest/gtest.h>
 
+#include <atomic>
+#include <chrono>
+#include <mutex>
 #include <string>
+#include <thread>
 
 #include "sys/cmd.h"
 #include "sys/env.h"
 #include "sys/platform/Environment.h"
+#include "sys/platform/locker.h"
 #include "tests/support/PrintText.h"
 #include "tests/support/system.h"
 
@@ -49,6 +54,33 @@ TEST(Env, FoldersOfThePath) {
         EXPECT_EQ(env::getPathDirectories(list), *text != '\0') << text;
         path.Split(expected, separator);
         EXPECT_EQ(list.AsString(), expected.AsString());
+    }
+}
+
+TEST(Locker, KeepsOtherThreadsOutWithAndWithoutInit) {
+    sys::locker lock;
+    for (int round = 0; round < 4; ++round) {
+        bool const recursive = round == 2;
+        if (round == 1 || recursive) {
+            lock.init(recursive);
+        } else if (round == 3) {
+            lock.done();
+        }
+        std::atomic<bool> entered = false;
+        lock.lock();
+        if (recursive) {
+            lock.lock();
+            lock.unlock();
+        }
+        std::thread other([&] {
+            std::lock_guard const locked(lock);
+            entered = true;
+        });
+        std::this_thread::sleep_for(std::chrono::milliseconds(20));
+        EXPECT_FALSE(entered) << round;
+        lock.unlock();
+        other.join();
+        EXPECT_TRUE(entered);
     }
 }
 

@@ -25,6 +25,7 @@ int openFlags(unsigned mode) {
     flags |= (mode & openCreate) != 0 ? O_CREAT : 0;
     flags |= (mode & openTruncate) != 0 ? O_TRUNC : 0;
     flags |= (mode & openAppend) != 0 ? O_APPEND : 0;
+    flags |= (mode & openNoFollow) != 0 ? O_NOFOLLOW : 0;
     return flags;
 }
 

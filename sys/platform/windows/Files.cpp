@@ -55,6 +55,11 @@ DWORD dispositionOf(unsigned mode) {
     return (mode & openCreate) != 0 ? OPEN_ALWAYS : OPEN_EXISTING;
 }
 
+DWORD attributesOf(unsigned mode) {
+    bool const follows = (mode & openNoFollow) == 0;
+    return FILE_ATTRIBUTE_NORMAL | (follows ? DWORD{0} : DWORD{FILE_FLAG_OPEN_REPARSE_POINT});
+}
+
 /// Opens what stands at a path to ask about it; flags may say that links are not followed.
 HANDLE openToAsk(wchar_t const* path, DWORD flags) {
     return CreateFileW(path, FILE_READ_ATTRIBUTES, shareAll, nullptr, OPEN_EXISTING,
@@ -101,13 +106,17 @@ std::string uniquePart() {
 int openFile(char const* path, unsigned mode, FileHandle& opened) {
     std::wstring const name = systemPath(path);
     HANDLE const file = CreateFileW(name.c_str(), accessOf(mode), shareAll, nullptr,
-                                    dispositionOf(mode), FILE_ATTRIBUTE_NORMAL, nullptr);
+                                    dispositionOf(mode), attributesOf(mode), nullptr);
     if (file == INVALID_HANDLE_VALUE) {
         int const error = negativeLastError();
         DWORD const attributes = GetFileAttributesW(name.c_str());
         bool const folder =
             attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
         return folder ? -EISDIR : error;
+    }
+    if ((mode & openNoFollow) != 0 && isLink(file)) {
+        CloseHandle(file);
+        return -ELOOP;
     }
     opened = reinterpret_cast<FileHandle>(file);
     return 0;

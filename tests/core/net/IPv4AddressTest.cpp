@@ -25,6 +25,9 @@ TEST(IPv4Address, SetParsesTheWholeText) {
         {"10.0.0.1|70000", true, "10.0.0.1", 70000},
         {"10.0.0.1|-1", true, "10.0.0.1", -1},
         {"10.0.0.1|99999999999999999999", true, "10.0.0.1", 2147483647},
+        {"10.0.0.1|-9999999999", true, "10.0.0.1", -2147483647},
+        {"10.0.0.1|-2147483649", true, "10.0.0.1", -2147483647},
+        {"10.0.0.1|-2147483648", true, "10.0.0.1", none},
         {"10.0.0.1|80|90", true, "10.0.0.1", none},
         {"|5000", false, "0.0.0.0", none},
         {"", false, "0.0.0.0", none},
@@ -109,8 +112,19 @@ TEST(Address, ResolvesNumbersToTheirBestAddress) {
     core::String name("untouched");
     EXPECT_EQ(core::SocketAddr().GetName(name, true), 13u);
     EXPECT_STREQ(name.getCString(), "untouched");
-    EXPECT_EQ(best->GetSocketAddress()->GetName(name, true), 0u);
+    auto const address = best->GetSocketAddress();
+    core::SocketAddr const negative(address->GetBytes(), -address->GetLength());
+    EXPECT_EQ(negative.GetLength(), -address->GetLength());
+    EXPECT_TRUE(negative.IsTheSameOf(*address) && address->IsTheSameOf(negative));
+    EXPECT_FALSE(negative.IsTheSameOf(core::SocketAddr(address->GetBytes(), 8)));
+    EXPECT_EQ(negative.GetDomain(), SocketDomain::IPv4);
+    EXPECT_EQ(negative.GetName(name, true), 0u);
     EXPECT_STREQ(name.getCString(), "127.0.0.1|3007");
+    char const tooLong[129] = {};
+    for (int const length : {0, 129, -129, -2147483647 - 1}) {
+        EXPECT_EQ(core::SocketAddr(tooLong, length).GetLength(), 0) << length;
+    }
+    EXPECT_EQ(core::SocketAddr(tooLong, -128).GetSize(), 128);
 }
 
 }  // namespace

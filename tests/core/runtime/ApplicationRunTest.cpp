@@ -6,6 +6,7 @@
 
 #include "core/runtime/Application.h"
 #include "tests/support/StatusFolder.h"
+#include "tests/support/system.h"
 
 namespace {
 
@@ -95,9 +96,18 @@ TEST_F(ApplicationRun, OneApplicationAProcess) {
                               Application::AppName() == "GApplication == nil" &&
                               !Application::IsTerminationRequested();
             Application::RequestTermination(Application::normalRequest);
+            core::StringArray grammar(16);
+            core::StringArray errors(16);
+            grammar.Add("h|help=0");
+            bool const refused = Application::AddToArguments("h|", "", grammar, errors) == -1 &&
+                                 errors.Count() == 0 &&
+                                 Application::AddToArguments("x|", "", grammar, errors) == -1 &&
+                                 errors.Count() == 1;
             Life life;
-            bool const one = Application::Instance() == &life && Application::AppName() == "life";
-            std::exit(none && one && !Application::IsTerminationRequested() ? 7 : 0);
+            bool const one = Application::Instance() == &life && Application::AppName() == "life" &&
+                             Application::AddToArguments("h|", "", grammar, errors) == 0 &&
+                             life.FindOption("help");
+            std::exit(none && refused && one && !Application::IsTerminationRequested() ? 7 : 0);
         },
         testing::ExitedWithCode(7), "");
 }
@@ -144,9 +154,18 @@ TEST(AppStatus, TheFileHoldsTheNumber) {
     EXPECT_TRUE(status._setStatus(AppStatus::none));
     EXPECT_EQ(status.readFromFile(), -1);
 
+    std::error_code noLinks;
+    std::filesystem::create_symlink(folder.Write("other", "kept"), folder.PathOf("name.status"),
+                                    noLinks);
+    EXPECT_EQ(status.writeToFile(1), bool(noLinks)) << "links are not followed";
+    status._setStatus(AppStatus::none);
     std::filesystem::create_directory(folder.PathOf("name.status"));
     EXPECT_FALSE(status._setStatus(AppStatus::running)) << "a folder in its place is no crash";
     EXPECT_EQ(status.readFromFile(), -1);
+    if (support::onWindows()) {
+        AppStatus::setFolder("/run");
+        EXPECT_FALSE(status.writeToFile(1));
+    }
 }
 
 TEST(Version, Texts) {

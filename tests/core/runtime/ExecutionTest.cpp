@@ -3,12 +3,14 @@
 #include <atomic>
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
 #include <functional>
 #include <string>
 #include <thread>
 #include <vector>
 
 #include "core/runtime/Application.h"
+#include "core/runtime/timer.h"
 #include "sys/scheduler.h"
 #include "tests/support/StatusFolder.h"
 
@@ -67,6 +69,13 @@ struct Worker : public Application {
     }
 };
 
+/// How many threads this process has; 0 where the system does not list them.
+long threads() {
+    std::error_code none;
+    std::filesystem::directory_iterator const list("/proc/self/task", none);
+    return std::distance(list, std::filesystem::directory_iterator());
+}
+
 class Execution : public testing::Test {
     support::StatusFolder folder_;
 };
@@ -92,6 +101,46 @@ TEST_F(Execution, ByPriorityAndTick) {
             worker.Work();
         },
         testing::ExitedWithCode(7), "^too high high normal tick tick tick late tick tick $");
+}
+
+TEST_F(Execution, QueuesReportWhenTheirFirstItemIsDue) {
+    struct Queued : public Queue {
+        void ScheduleItem(ClassRef<ExecutionLink> const&, unsigned long long) override {}
+        void Dispatched() override {}
+    } queue;
+    sys::scheduler::setTickSource([] { return now.load(); });
+    EXPECT_EQ(queue.GetFirstExecutionTick(), ~0ULL);
+    queue.Dispatch(new Bit(nullptr, now + 70), Queue::high);
+    auto const item = queue.Dispatch(new Bit(nullptr, now + 50), Queue::low);
+    EXPECT_EQ(queue.GetFirstExecutionTick(), now + 50);
+    EXPECT_FALSE(queue.GetNextItemToSchedule());
+    now += 50;
+    EXPECT_EQ(queue.GetFirstExecutionTick(), 0u);
+    EXPECT_EQ(queue.GetNextItemToSchedule().Get(), item.Get());
+    EXPECT_EQ(queue.Count(), 1);
+    auto const last = queue.Dispatch(new Bit(nullptr), Queue::low);
+    queue.Clear();
+    EXPECT_EQ(queue.Count(), 0);
+    EXPECT_TRUE(last->IsDone() && !item->IsDone());
+    sys::scheduler::setTickSource(nullptr);
+}
+
+TEST_F(Execution, ATimerThatIsArmedAgainRuns) {
+    EXPECT_EXIT(
+        {
+            Worker worker;
+            worker.Repeat(1, Queue::normal, [&] {
+                auto const running = threads();
+                bool const good = !core::timerInit();
+                core::timerDone();
+                while (threads() >= running && running > 0) {
+                    sys::scheduler::sleepms(1);
+                }
+                worker.story += good && core::timerInit() && threads() == running ? "good" : "bad";
+            });
+            worker.Work();
+        },
+        testing::ExitedWithCode(7), "^good$");
 }
 
 TEST_F(Execution, IdleHooksCatchUpOneAPass) {

@@ -11,7 +11,7 @@ namespace {
 using core::Application;
 using core::String;
 
-char const grammar[] = "h|help=0>o|origin=1>a|address=1>p|pair=2>c|count";
+char const grammar[] = "h|help=0>o|origin=1>a|address=1>p|pair=2>c|count=";
 
 struct TestedApplication : private support::StatusFolder, public Application {
     TestedApplication() : Application("options") {}
@@ -64,7 +64,7 @@ TEST(Options, Grammar) {
         {{"-x", "a", "b"}, " ! Invalid option=-x a|b"},
         {{"--extra=1"}, " ! Invalid option=--extra 1"},
         {{"-ho", "f"}, " ! Invalid option=-ho f"},
-        {{"-c", "1"}, " ! Invalid option=-c 1"},
+        {{"-c", "1"}, " ! Invalid number of arguments=-c 1"},
         {{"file", "-h"}, "h="},
         {{"-"}, " ! Invalid option= "},
         {{"--"}, " ! Invalid option= "},
@@ -82,6 +82,10 @@ TEST(Options, MalformedGrammars) {
         EXPECT_NE(parsed({"-h", "a"}, bad).find(" ! Invalid "), std::string::npos) << bad;
     }
     EXPECT_EQ(parsed({"-h"}, "h|help=-7"), "h=") << "a negative count is 0";
+    for (char const* const nameless : {"a|=1>b|both=0", "c|count>b|both=0"}) {
+        EXPECT_EQ(parsed({"-b"}, nameless), " ! Invalid number of arguments=-b ")
+            << "two absent names are the same";
+    }
     std::string huge;
     for (int i = 0; i < 5000; ++i) {
         huge.append("x").append(std::to_string(i)).append("|long=99999999999>");
