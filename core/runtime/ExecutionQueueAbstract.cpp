@@ -70,26 +70,4 @@ unsigned long long ExecutionQueueAbstract::GetFirstExecutionTick() {
     return first <= sys::scheduler::getcurrtickms() ? 0 : first;
 }
 
-int ExecutionQueueAbstract::Count() {
-    std::lock_guard locked(mutex_);
-    std::size_t count = 0;
-    for (auto const& list : lists_) {
-        count += list.size();
-    }
-    return static_cast<int>(count);
-}
-
-void ExecutionQueueAbstract::Clear() {
-    decltype(lists_) dropped;
-    {
-        std::lock_guard locked(mutex_);
-        std::swap(lists_, dropped);
-    }
-    for (auto const& list : dropped) {
-        for (auto const& item : list) {
-            item->SetDone();
-        }
-    }
-}
-
 }  // namespace core

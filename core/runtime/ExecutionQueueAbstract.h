@@ -37,9 +37,6 @@ public:
     /// The earliest not-before tick of all items: 0 when one is due at once, never when the queue
     /// is empty.
     unsigned long long GetFirstExecutionTick();
-    int Count();
-    /// Drops all items.
-    void Clear();
 
 protected:
     /// Puts an item back, behind those of the same priority.

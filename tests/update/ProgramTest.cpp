@@ -6,7 +6,6 @@
 #include "tests/support/TemporaryFolder.h"
 #include "tests/support/lines.h"
 #include "tests/support/run.h"
-#include "update/usage.h"
 
 namespace {
 
@@ -72,7 +71,14 @@ TEST(Program, CommandLinesThatReachNoDevice) {
         // An octet too big leaves an address to try, without a port.
         {"-o " + file + " -a 127.0.0.999:1", unreachable("3007")},
     };
-    Lines const usage = support::linesOf(support::outputOf(update::showUsage));
+    Lines const usage = {"Usage:",
+                         "\travelink [OPTIONS] -o originFile -a ipAddress",
+                         "where:",
+                         "\t-o, --origin *   : The update archive file name",
+                         "\t-a, --address *  : The IPv4 address in the form AAA.BBB.CCC.DDD:Port",
+                         "and options:",
+                         "\t-h, --help       : Show this screen",
+                         ""};
     for (Row const& row : rows) {
         Lines expected = {banner};
         expected.insert(expected.end(), row.errors.begin(), row.errors.end());

@@ -1,11 +1,15 @@
 #include <gtest/gtest.h>
 
+#include <ctime>
 #include <filesystem>
 
 #include "device/Behaviour.h"
+#include "tests/core/net/SocketPair.h"
 #include "tests/device/ScenarioDevice.h"
 #include "tests/support/TemporaryFolder.h"
+#include "tests/support/system.h"
 #include "tests/update/TestedUpdater.h"
+#include "update/UpdateSession.h"
 
 namespace {
 
@@ -74,26 +78,42 @@ TEST_F(SessionTest, ASlowDeviceIsNoStall) {
     EXPECT_TRUE(device.File() == content);
 }
 
+TEST(SendAll, SleepsWhileADeviceTakesNothing) {
+    SocketPair pair;
+    ASSERT_TRUE(pair.near.setBlocking(false));
+    std::vector<char> const data(16'000'000);
+    core::CountDownTimer stall(500ULL);
+    std::clock_t const start = std::clock();
+    EXPECT_EQ(update::sendAll(pair.near, data.data(), 16'000'000, stall),
+              update::SendOutcome::stalled);
+    EXPECT_TRUE(support::onWindows() || std::clock() - start < CLOCKS_PER_SEC / 4);
+}
+
 TEST_F(SessionTest, AFileThatChangesUnderWay) {
     std::string const content = contentOf(100'000);
-    for (bool const grows : {true, false}) {
+    for (int const size : {150'000, 50'000, -1}) {
         std::string const path = folder_.Write("update.rvl", content);
         ScenarioDevice device([&](Moment const& moment, Wire& wire) {
-            if (moment.step == Step::Header) {
-                std::filesystem::resize_file(path, grows ? 150'000 : 50'000);
+            if (moment.step == Step::Header && size > 0) {
+                std::filesystem::resize_file(path, static_cast<unsigned>(size));
+            } else if (moment.step == Step::Header) {
+                std::filesystem::remove(path);
             }
             return device::Behaviour().Act(moment, wire);
         });
         Lines const lines = RunSession(device, path);
+        bool const grows = size > 100'000;
         EXPECT_EQ(device.End(), std::vector{grows ? Outcome::complete : Outcome::ended});
         if (grows) {
             EXPECT_TRUE(device.File() == content) << "no extra byte on the wire";
-        } else {
-            ASSERT_GE(lines.size(), 2u);
-            EXPECT_EQ(lines[lines.size() - 2],
-                      "*** Error reading from the file: Error occurred reading the file \"" + path +
-                          "\". This is a mess");
+            continue;
         }
+        ASSERT_GE(lines.size(), 2u);
+        EXPECT_EQ(lines[lines.size() - 2],
+                  size > 0 ? "*** Error reading from the file: Error occurred reading the file \"" +
+                                 path + "\". This is a mess"
+                           : "*** Error opening the file: Cannot open the file \"" + path +
+                                 "\". Please provide the correct rights");
     }
 }
 

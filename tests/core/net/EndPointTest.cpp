@@ -14,6 +14,7 @@ using core::SocketType;
 
 TEST(EndPoint, ComesFromTextsNumbersAndAddresses) {
     EndPoint const text("127.0.0.1|3007", SocketDomain::IPv4, SocketType::stream);
+    EXPECT_STREQ(text.ClassName(), "EndPoint");
     EXPECT_STREQ(text.GetAddress().getCString(), "127.0.0.1");
     EXPECT_STREQ(text.GetService().getCString(), "3007");
     EXPECT_EQ(text.GetPort(), 3007);
@@ -27,11 +28,14 @@ TEST(EndPoint, ComesFromTextsNumbersAndAddresses) {
         EXPECT_EQ(same.GetDomain(), SocketDomain::IPv4);
         EXPECT_STREQ(same.GetComposedAddress().getCString(), "127.0.0.1|3007");
     }
+    EXPECT_EQ(EndPoint("127.0.0.1|7", SocketDomain::IPv4, SocketType::stream).GetPort(), 7);
     EXPECT_FALSE(text.SameAs(EndPoint(IPv4Address(127, 0, 0, 1, 1), SocketType::stream)));
     EXPECT_FALSE(text.SameAs(EndPoint(IPv4Address(127, 0, 0, 1, 3007), SocketType::datagram)));
 
     EndPoint six(core::IPv6Address("::1|80"), SocketType::datagram);
     EXPECT_EQ(six.GetDomain(), SocketDomain::IPv6);
+    EXPECT_TRUE(
+        six.SameAs(EndPoint(core::IPv6Address("::1|80").GetAddressInfo(true), six.GetType())));
     six.ResetAddress();
     EXPECT_FALSE(six.GetSocketAddress());
     EXPECT_EQ(six.GetPort(), 80);
@@ -45,6 +49,8 @@ TEST(InterfaceAddress, FindsTheLoopback) {
     ASSERT_TRUE(InterfaceAddress::GetInterfacesList(list));
     int const at = list.FindAddress("127.0.0.1|99");
     ASSERT_GE(at, 0);
+    EXPECT_STREQ(list.ClassName(), "List");
+    EXPECT_STREQ(list[at].ClassName(), "InterfaceAddress");
     EXPECT_EQ(list.FindAddress(IPv4Address(127, 0, 0, 1)), at);
     EXPECT_STREQ(list[at].GetMask().getCString(), "255.0.0.0");
     EXPECT_GE(list.FindName(list[at].GetName()), 0);

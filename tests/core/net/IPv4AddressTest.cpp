@@ -94,6 +94,7 @@ TEST(IPv4Address, NumbersAndTexts) {
     IPv4Address address(0xC0A8000Au, 5000);
     EXPECT_STREQ(address.GetAsString(true).getCString(), "192.168.0.10|5000");
     EXPECT_EQ(address.GetAsUInt32(), 0xC0A8000Au);
+    EXPECT_TRUE(IPv4Address(0, 0, 0, 0, 80).IsNull() && !address.IsNull());
     address.SetByte(-1, 7);
     address.SetByte(4, 7);
     EXPECT_TRUE(address.SameAs(IPv4Address(192, 168, 0, 10), false));
@@ -107,13 +108,22 @@ TEST(Address, ResolvesNumbersToTheirBestAddress) {
     auto const info = core::Address::GetInfo("127.0.0.1|3007", SocketType::stream, true);
     ASSERT_TRUE(info);
     EXPECT_FALSE(info->FindBest(SocketDomain::IPv6, SocketType::stream));
+    auto const any =
+        core::Address::GetInfo("127.0.0.1|3007", SocketDomain::IPv4, SocketType::unspecified, true);
+    if (any->Next()) {  // a stream, a datagram, then others
+        EXPECT_TRUE(any->FindBest(SocketDomain::IPv4, SocketType::stream)->Next()->Next());
+        EXPECT_FALSE(any->FindBest(SocketDomain::IPv4, SocketType::datagram)->Next()->Next());
+    }
     auto const best = info->FindBest(SocketDomain::IPv4, SocketType::stream);
     ASSERT_TRUE(best);
+    EXPECT_STREQ(best->ClassName(), "AddressInfo");
     core::String name("untouched");
     EXPECT_EQ(core::SocketAddr().GetName(name, true), 13u);
     EXPECT_STREQ(name.getCString(), "untouched");
     auto const address = best->GetSocketAddress();
     core::SocketAddr const negative(address->GetBytes(), -address->GetLength());
+    EXPECT_STREQ(address->ClassName(), "InfoSocketAddr");
+    EXPECT_STREQ(negative.ClassName(), "SocketAddr");
     EXPECT_EQ(negative.GetLength(), -address->GetLength());
     EXPECT_TRUE(negative.IsTheSameOf(*address) && address->IsTheSameOf(negative));
     EXPECT_FALSE(negative.IsTheSameOf(core::SocketAddr(address->GetBytes(), 8)));

@@ -12,7 +12,10 @@ struct SocketPair {
 
     SocketPair() {
         core::Socket listener(core::SocketDomain::IPv4, core::SocketType::stream);
-        EXPECT_EQ(listener.Bind(core::Address::GetInfo("127.0.0.1|0", true)), 0u);
+        // Without a type, the address is found once for each: the first that serves is taken.
+        EXPECT_EQ(listener.Bind(core::Address::GetInfo("127.0.0.1|0", core::SocketDomain::IPv4,
+                                                       core::SocketType::unspecified, true)),
+                  0u);
         EXPECT_EQ(listener.Listen(), 0u);
         core::String address;
         EXPECT_EQ(listener.GetSockName(address, true), 0u);

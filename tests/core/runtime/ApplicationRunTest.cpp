@@ -5,6 +5,8 @@
 #include <thread>
 
 #include "core/runtime/Application.h"
+#include "core/runtime/CountDownTimer.h"
+#include "sys/platform/Process.h"
 #include "tests/support/StatusFolder.h"
 #include "tests/support/system.h"
 
@@ -31,7 +33,8 @@ struct Life : public Application {
     std::thread other;
 
     static void tell(char const* event) {
-        std::fprintf(stderr, "%s:%d ", event, AppStatus("life").GetStatus());
+        std::fprintf(stderr, "%s:%d%d ", event, AppStatus("life").GetStatus(),
+                     Instance()->getApplicationStatus());
     }
     bool InitOnce() override {
         tell("once");
@@ -70,8 +73,8 @@ class ApplicationRun : public testing::Test {
 TEST_F(ApplicationRun, Lives) {
     // Done is for those whose Init was finished.
     for (auto const& [terminates, story] :
-         {std::pair{false, "^born:1 once:2 init:2 init:2 init:2 done:4 ended:6 $"},
-          std::pair{true, "^born:1 once:2 init:2 ended:6 $"}}) {
+         {std::pair{false, "^born:10 once:21 init:21 init:22 init:22 done:44 ended:65 $"},
+          std::pair{true, "^born:10 once:21 init:21 ended:65 $"}}) {
         EXPECT_EXIT(
             {
                 Life life;
@@ -102,11 +105,16 @@ TEST_F(ApplicationRun, OneApplicationAProcess) {
             bool const refused = Application::AddToArguments("h|", "", grammar, errors) == -1 &&
                                  errors.Count() == 0 &&
                                  Application::AddToArguments("x|", "", grammar, errors) == -1 &&
-                                 errors.Count() == 1;
+
+                                 Application::AddToArguments("h|", "x", grammar, errors) == -1 &&
+                                 errors.Count() == 2;
             Life life;
             bool const one = Application::Instance() == &life && Application::AppName() == "life" &&
                              Application::AddToArguments("h|", "", grammar, errors) == 0 &&
-                             life.FindOption("help");
+                             life.FindOption("help") && life.FulfillTerminationRequest() == 0 &&
+                             !Application::IsTerminated() && !Application::IsADaemon() &&
+                             Application::ProcessID() + Application::SessionID() == 0 &&
+                             Application::MainThreadID() == sys::platform::currentThreadId();
             std::exit(none && refused && one && !Application::IsTerminationRequested() ? 7 : 0);
         },
         testing::ExitedWithCode(7), "");
@@ -117,7 +125,9 @@ TEST_F(ApplicationRun, TerminationEndsSleepsAndWaits) {
         {
             Life life;
             core::Event event;
-            bool good = event.Wait(1) == core::Event::timedOut && Application::Sleep(1, true) == 0;
+            core::CountDownTimer const slept(20ULL);
+            bool good = Application::Sleep(20, false) == 0 && slept.Expired() &&
+                        event.Wait(1) == core::Event::timedOut && Application::Sleep(1, true) == 0;
             event.Signal();
             good = good && event.Wait(0) == core::Event::signalled &&
                    event.Wait(0) == core::Event::signalled;
@@ -135,6 +145,8 @@ TEST(AppStatus, TheFileHoldsTheNumber) {
     support::TemporaryFolder const folder;
     AppStatus::setFolder(folder.Path().c_str());
     AppStatus const status("name");
+    EXPECT_STREQ(status.ClassName(), "AppStatus");
+    EXPECT_STREQ(core::Event().ClassName(), "Event");
     EXPECT_STREQ(status.getFilePath().getCString(), (folder.Path() + "/name.status").c_str());
     EXPECT_EQ(status.readFromFile(), -1);
     EXPECT_EQ(status.GetStatus(), -1);
@@ -166,21 +178,6 @@ TEST(AppStatus, TheFileHoldsTheNumber) {
         AppStatus::setFolder("/run");
         EXPECT_FALSE(status.writeToFile(1));
     }
-}
-
-TEST(Version, Texts) {
-    core::version::Record record;
-    record.init("tool", 1, 0, core::version::CEDevStage::unchanged);
-    EXPECT_STREQ(record.getLong(true).getCString(), "tool 1.00");
-    record.setModelName("Model %1");
-    record.setDescription("What it does\nand more");
-    EXPECT_STREQ(record.getLong(true).getCString(), "tool 1.00 (Model %1) - What it does");
-    EXPECT_STREQ(record.getLong(false).getCString(), "tool 1.00 (Model %1)");
-    record.setBuild("77");
-    record.setDevStage(core::version::CEDevStage::beta);
-    EXPECT_STREQ(record.getLong(false).getCString(), "tool 1.00 build 77 beta (Model %1)");
-    record.init("tool", 12, 345, core::version::CEDevStage::unchanged);
-    EXPECT_STREQ(record.getNumber().getCString(), "12.345");
 }
 
 }  // namespace

@@ -95,6 +95,7 @@ TEST(Options, MalformedGrammars) {
 }
 
 TEST(Options, Queries) {
+    EXPECT_STREQ(application().Application::ClassName(), "Application");
     parsed({"-o", "file"});
     for (char const* const query : {"o", "O", "origin", "o|origin", "x|Origin", "o|x"}) {
         String values;
@@ -104,6 +105,34 @@ TEST(Options, Queries) {
     for (char const* const query : {"", "|", "origins", "orig", "a"}) {
         EXPECT_FALSE(application().FindOption(query)) << query;
     }
+}
+
+TEST(Version, Texts) {
+    using core::version::CEDevStage;
+    Application& tool = application();
+    tool.setVersionNumber(1, 0);
+    EXPECT_STREQ(tool.getVersionLong(true).getCString(), "options 1.00");
+    tool.setVersionModelName("Model %1");
+    tool.setDescription("What it does\nand more");
+    EXPECT_STREQ(tool.getVersionLong(true).getCString(), "options 1.00 (Model %1) - What it does");
+    EXPECT_STREQ(tool.getDescription().getCString(), "What it does\nand more");
+    tool.setBuildVersion("77");
+    EXPECT_STREQ(tool.getBuildVersion().getCString(), "77");
+    char const* const words[] = {"development", "alpha", "beta"};
+    for (int stage = 25; stage < 100; stage += 25) {
+        tool.setDevStage(static_cast<CEDevStage>(stage));
+        EXPECT_TRUE(tool.getVersionShort() ==
+                    String("options 1.00 build 77 ").AppendNew(words[stage / 25 - 1]));
+    }
+    tool.setVersionNumber(12, 345);
+    EXPECT_STREQ(tool.getVersionLong(false).getCString(),
+                 "options 12.345 build 77 beta (Model %1)");
+    tool.clearBuildVersion();
+    EXPECT_STREQ(tool.getVersionBuild().getCString(), "12.345");
+    tool.setVersionNumber("in words");
+    EXPECT_STREQ(tool.getVersionNumber().getCString(), "in words");
+    core::version::free();
+    EXPECT_STREQ(tool.getVersionLong(true).getCString(), " 0.00");
 }
 
 }  // namespace

@@ -22,6 +22,7 @@ protected:
 
 TEST_F(TimersTest, CountsDownAndStartsAnew) {
     CountDownTimer timer(5000ULL);
+    EXPECT_STREQ(timer.ClassName(), "CountDownTimer");
     EXPECT_FALSE(timer.Expired());
     EXPECT_EQ(timer.Remaining(100, 1000), 1000u);
     EXPECT_EQ(timer.RemainingTimeout(100, ~0U), 5000u);
@@ -35,7 +36,7 @@ TEST_F(TimersTest, CountsDownAndStartsAnew) {
     EXPECT_TRUE(timer.Expired());
     EXPECT_EQ(timer.Remaining(100, 1000), 0u) << "not the minimum";
 
-    timer.Reset(CountDownTimer::samePeriod);
+    timer.Reset(~0ULL);
     EXPECT_EQ(timer.Remaining(0, CountDownTimer::unlimited), 5000u);
     timer.Reset(core::Interval(70));
     EXPECT_EQ(timer.Remaining(0, CountDownTimer::unlimited), 70u);
@@ -62,6 +63,7 @@ TEST_F(TimersTest, TheTickJumpsBackAtItsWrap) {
 
 TEST_F(TimersTest, ChronometerMeasuresLapsAndTheWhole) {
     core::Chronometer chronometer;
+    EXPECT_STREQ(chronometer.ClassName(), "Chronometer");
     EXPECT_EQ(chronometer.LapNS(), 0u);
     EXPECT_EQ(chronometer.StopNS(), 0u);
     EXPECT_TRUE(chronometer.Start());
@@ -80,6 +82,7 @@ TEST_F(TimersTest, ChronometerMeasuresLapsAndTheWhole) {
 
 TEST_F(TimersTest, FailCounterCountsDown) {
     core::FailCounter three(3);
+    EXPECT_STREQ(three.ClassName(), "FailCounter");
     EXPECT_FALSE(three.Check());
     EXPECT_FALSE(three.Check());
     EXPECT_TRUE(three.Check());
