@@ -1,4 +1,5 @@
-"""Runs the benchmark programs of the library and sets each of their benchmarks beside its peer's."""
+"""Runs the benchmark programs of the library and compares each of their benchmarks with its peer's,
+or with its own at a quarter of the size."""
 
 import json
 import subprocess
@@ -22,6 +23,14 @@ PAIRS = [
     ("core_archive", "read an archive", "Read", "Zlib", "zlib's CRC-32", None),
 ]
 
+# Program, what it is, and the benchmark. With 4 * MANY entries it may take GROWTH times as long as
+# with MANY: what grows with the square takes 16 times as long.
+GROWING = [
+    ("core_runtime", "gather option words", "OptionWords"),
+]
+MANY = 500_000
+GROWTH = 5
+
 SIZES = {"4 KiB": 4 << 10, "16 KiB": 16 << 10, "256 MiB": 256 << 20}
 
 
@@ -38,7 +47,7 @@ def _medians(program):
 
 def measure(programs, table):
     results = {name: _medians(f"{programs}/{name}_bench")
-               for name in dict.fromkeys(pair[0] for pair in PAIRS)}
+               for name in dict.fromkeys(row[0] for row in PAIRS + GROWING)}
     for program, path, ours, theirs, peer, goal in PAIRS:
         for text, size in SIZES.items() if "{}" in path else [("", 0)]:
             mine = results[program][ours.format(size)]
@@ -49,3 +58,7 @@ def measure(programs, table):
             else:
                 table.add(path, mine["time_unit"], [mine["cpu_time"]], peer, [other["cpu_time"]],
                           goal, False)
+    for program, path, name in GROWING:
+        small, large = (results[program][f"{name}/{count}"]["cpu_time"]
+                        for count in (MANY, 4 * MANY))
+        table.limit(f"{path}, four times as long", "times", large / small, GROWTH)
