@@ -25,17 +25,17 @@ public:
 
     char const* ClassName() const override { return "ClassRef"; }
 
-    /// Holds object (null: nothing) in the place of what was held. Setting the object already
-    /// held is safe: it is added before it is released.
+    /// Holds object (null: none) instead of the current one. Adds a reference to the new object,
+    /// releases the current one, which is still held meanwhile, then holds the new one. So setting
+    /// the object already held is safe.
     void Set(T* object) {
         if (object != nullptr) {
             object->_addRef();
         }
-        T* const before = object_;
-        object_ = object;
-        if (before != nullptr) {
-            before->_release();
+        if (object_ != nullptr) {
+            object_->_release();
         }
+        object_ = object;
     }
 
     /// The object held, still owned by the references; null when empty.

@@ -13,9 +13,14 @@ public:
     explicit Counted(bool& deleted) : deleted_(deleted) {}
     ~Counted() override { deleted_ = true; }
     void _addRefCalled(int count) override { seen.push_back(count); }
-    void _releaseCalled(int count) override { seen.push_back(-count); }
+    void _releaseCalled(int count) override {
+        seen.push_back(-count);
+        heldAtRelease = holder != nullptr ? holder->Get() : nullptr;
+    }
 
     std::vector<int> seen;
+    core::ClassRef<Counted> const* holder = nullptr;
+    Counted const* heldAtRelease = nullptr;
 
 private:
     bool& deleted_;
@@ -32,7 +37,9 @@ TEST(ReferenceCounted, LivesAsLongAsItsReferences) {
     EXPECT_EQ(object->_getRefCount(), 2);
     second.Set(object);
     EXPECT_EQ(object->_getRefCount(), 2) << "setting the object already held changes nothing";
+    object->holder = &first;
     first.Set(nullptr);
+    EXPECT_EQ(object->heldAtRelease, object) << "released first, replaced after";
     first.Set(nullptr);
     EXPECT_EQ(object->seen, (std::vector{1, 2, 3, -2, -1}));
     ASSERT_FALSE(deleted);
