@@ -80,7 +80,9 @@ String Interval::spelledOut() const {
         if (unit.modulo != 0) {
             count %= static_cast<unsigned long long>(unit.modulo);
         }
-        if (count == 0 || unit.format == FormatMilliseconds) {
+        // A negative number of days is not written, though the smaller units are.
+        bool const negativeDays = milliseconds_ < 0 && unit.format == FormatDays;
+        if (count == 0 || negativeDays || unit.format == FormatMilliseconds) {
             continue;
         }
         text += text.IsEmpty() ? (milliseconds_ < 0 ? "-" : "") : ", ";

@@ -22,7 +22,7 @@ public:
         FormatHours = 4,
         FormatDays = 5,
         /// "1 day, 2 hours, 5 seconds": what is 0 is left out ("0 second" when all is), a negative
-        /// interval begins with "-".
+        /// interval begins with "-" and omits its days.
         FormatSpelledOut = 6,
         /// Days from one whole day on, below like FormatAuto.
         FormatDaysOrAuto = 7
