@@ -2,6 +2,7 @@
 
 #include <atomic>
 #include <cstddef>
+#include <cstdio>
 #include <string_view>
 
 #include "core/console/ConsoleInterpreter.h"
@@ -18,8 +19,9 @@ using sys::platform::StandardStream;
 
 std::atomic<bool> lostText = false;
 
-void writeFor(StandardStream stream, String const& text, bool newline) {
-    if (sys::Screen* const screen = sys::screenOf(stream)) {
+/// Sequences are executed on screen; if it is null, they pass to a terminal that is the stream's.
+void writeOn(sys::Screen* screen, StandardStream stream, String const& text, bool newline) {
+    if (screen != nullptr) {
         return Console::write(*screen, text, newline);
     }
     bool const pass = sys::platform::terminalTakesSequences(stream);
@@ -29,6 +31,7 @@ void writeFor(StandardStream stream, String const& text, bool newline) {
     }
     // Line and line feed in one piece, so that lines of several threads do not mix.
     auto const length = static_cast<std::size_t>(out.GetLength());
+    std::fflush(stdout);
     if (!sys::platform::writeStandardOutput(out.getCString(), length)) {
         lostText = true;
     }
@@ -37,11 +40,15 @@ void writeFor(StandardStream stream, String const& text, bool newline) {
 }  // namespace
 
 void Console::write(String const& text, bool newline) {
-    writeFor(StandardStream::output, text, newline);
+    writeOn(sys::screenOf(StandardStream::output), StandardStream::output, text, newline);
 }
 
 void Console::ewrite(String const& text, bool newline) {
-    writeFor(StandardStream::error, text, newline);
+    writeOn(sys::screenOf(StandardStream::error), StandardStream::error, text, newline);
+}
+
+void Console::write(void* handle, String const& text, bool newline) {
+    writeOn(sys::screenOf(handle).get(), StandardStream::output, text, newline);
 }
 
 bool Console::hasLostText() {
@@ -49,6 +56,7 @@ bool Console::hasLostText() {
 }
 
 void Console::write(sys::Screen& screen, String const& text, bool newline) {
+    std::fflush(stdout);
     ConsoleInterpreter(screen).Write(text.View(), newline);
 }
 

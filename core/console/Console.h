@@ -101,11 +101,16 @@ public:
 
     /// Writes text to standard output, prompt and whole, with a line feed behind it when newline
     /// is set. Where it goes is found out anew each time. Nothing is reported at once: a console
-    /// that has gone away must not end an update.
+    /// that has gone away must not end an update. Text that the C library still buffers for
+    /// standard output is written first.
     static void write(String const& text, bool newline);
     /// The same, except that the sequences are meant for the console of standard error. The text
     /// itself goes to standard output all the same, as those who collect it there expect.
     static void ewrite(String const& text, bool newline);
+    /// The same, except that the sequences are executed on the Win32 console with that handle; they
+    /// are ignored if it is not a console. Other systems have no such handles and ignore it. The
+    /// handle stays the caller's.
+    static void write(void* handle, String const& text, bool newline);
     /// Whether anything that was written to standard output so far has not arrived there.
     static bool hasLostText();
     /// Writes text to the screen and carries out the sequences on it; see ConsoleInterpreter.

@@ -1,6 +1,8 @@
 #include "core/console/ConsoleInterpreter.h"
 
+#include <algorithm>
 #include <atomic>
+#include <cstdint>
 #include <utility>
 
 #include "core/console/ConsolePiece.h"
@@ -159,8 +161,8 @@ void ConsoleInterpreter::blank(Position from, int count) {
 void ConsoleInterpreter::scroll(int rows) {
     Info info;
     // Only the way up is checked; how far down the window may go, the console knows itself.
-    if (screen_.read(info) && -rows <= info.windowTop && std::in_range<std::int16_t>(rows)) {
-        screen_.moveWindow(static_cast<std::int16_t>(rows));
+    if (screen_.read(info) && -rows <= info.windowTop) {
+        screen_.moveWindow(static_cast<std::int16_t>(std::min(rows, INT16_MAX)));
     }
 }
 

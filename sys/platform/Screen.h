@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <string_view>
 
 #include "sys/platform/Terminal.h"
@@ -54,5 +55,9 @@ public:
 /// The screen that the stream shows on at this moment; null when the stream is no such console. It
 /// belongs to the platform and stays valid: when the console goes away, its calls fail.
 Screen* screenOf(platform::StandardStream stream);
+
+/// Returns the screen of a Win32 console handle, which stays the caller's and must outlive it; null
+/// if the handle is not a console's, and on other systems.
+std::unique_ptr<Screen> screenOf(void* handle);
 
 }  // namespace sys

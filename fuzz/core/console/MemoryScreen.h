@@ -30,6 +30,8 @@ public:
     std::string const& Written() const { return written_; }
     /// The piece that was written last.
     std::string const& LastPiece() const { return lastPiece_; }
+    /// The rows that the window was to move last.
+    std::int16_t LastMove() const { return lastMove_; }
 
     bool read(Info& info) override {
         info = info_;
@@ -65,6 +67,7 @@ public:
         Fill(attributes_, from, count, attribute);
     }
     void moveWindow(std::int16_t rows) override {
+        lastMove_ = rows;
         int const top = info_.windowTop + rows;
         if (top >= 0 && top + shown_ <= info_.height) {
             info_.windowTop = static_cast<std::int16_t>(top);
@@ -106,4 +109,5 @@ private:
     std::vector<std::uint16_t> attributes_ = std::vector<std::uint16_t>(text_.size(), 7);
     std::string written_;
     std::string lastPiece_;
+    std::int16_t lastMove_ = 0;
 };

@@ -7,4 +7,8 @@ Screen* screenOf(platform::StandardStream) {
     return nullptr;
 }
 
+std::unique_ptr<Screen> screenOf(void*) {
+    return nullptr;
+}
+
 }  // namespace sys

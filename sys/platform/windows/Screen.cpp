@@ -6,12 +6,9 @@ namespace sys {
 
 namespace {
 
-/// The screen buffer that a standard stream is connected to. The stream's handle is asked for at
-/// each call, because it may be redirected at any time.
+/// The screen buffer that a handle is connected to.
 class Win32Screen : public Screen {
 public:
-    explicit Win32Screen(DWORD stream) : stream_(stream) {}
-
     bool read(Info& info) override {
         CONSOLE_SCREEN_BUFFER_INFO found{};
         if (GetConsoleScreenBufferInfo(Handle(), &found) == 0) {
@@ -55,20 +52,46 @@ public:
     }
 
 private:
-    HANDLE Handle() const { return GetStdHandle(stream_); }
+    virtual HANDLE Handle() const = 0;
     static COORD CellAt(Position position) { return {position.column, position.row}; }
+};
+
+/// The screen of a standard stream, whose handle is read at each call, because it may be redirected
+/// at any time.
+class StreamScreen : public Win32Screen {
+public:
+    explicit StreamScreen(DWORD stream) : stream_(stream) {}
+
+private:
+    HANDLE Handle() const override { return GetStdHandle(stream_); }
 
     DWORD const stream_;
+};
+
+class HandleScreen : public Win32Screen {
+public:
+    explicit HandleScreen(HANDLE handle) : handle_(handle) {}
+
+private:
+    HANDLE Handle() const override { return handle_; }
+
+    HANDLE const handle_;
 };
 
 }  // namespace
 
 Screen* screenOf(platform::StandardStream stream) {
-    static Win32Screen output(STD_OUTPUT_HANDLE);
-    static Win32Screen error(STD_ERROR_HANDLE);
+    static StreamScreen output(STD_OUTPUT_HANDLE);
+    static StreamScreen error(STD_ERROR_HANDLE);
     Screen& screen = stream == platform::StandardStream::output ? output : error;
     Screen::Info info;
     return screen.read(info) ? &screen : nullptr;
+}
+
+std::unique_ptr<Screen> screenOf(void* handle) {
+    auto screen = std::make_unique<HandleScreen>(handle);
+    Screen::Info info;
+    return screen->read(info) ? std::move(screen) : nullptr;
 }
 
 }  // namespace sys

@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <cstdio>
+
 #include "core/console/Console.h"
 #include "core/console/errorLine.h"
 #include "tests/support/lines.h"
@@ -53,12 +55,14 @@ TEST(Console, SequencesLeaveOutWhatTheTerminalAssumes) {
 
 TEST(Console, AnOutputThatIsNoTerminalGetsPlainText) {
     EXPECT_EQ(support::outputOf([] {
+                  std::printf("C, ");
                   Console::write(Console::color("OK", Console::Color::green), true);
+                  Console::write(nullptr, "\x1B[31mno \x1B[2Jconsole", true);
                   Console::ewrite("\x1B[1;31mred\x1B[?25h \x1B[2J\x1B[Hcut\x1B[12", true);
                   String("no \x1B line end\x1B").print(false);
                   Console::write("\x1B[", true);
               }),
-              "OK\nred25h cut\nno \x1B line end\x1B\n");
+              "C, OK\nno console\nred25h cut\nno \x1B line end\x1B\n");
 }
 
 TEST(Console, ErrorLineReplacesEveryEqualsSign) {

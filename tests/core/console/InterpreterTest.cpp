@@ -21,6 +21,8 @@ TEST(Interpreter, WithoutAConsoleTextIsWrittenAndColoursStartFromBlack) {
     Console::write(screen, "\x1B[KOne piece\x1B[12", true);
     EXPECT_EQ(screen.AttributeAt({0, 1}), 8);
     EXPECT_EQ(screen.LastPiece(), "One piece\n");
+    Console::write(screen, "\x1B[32768T", false);
+    EXPECT_EQ(screen.LastMove(), 32767) << "clamped, and left to the console";
 }
 
 }  // namespace
