@@ -430,7 +430,8 @@ public:
     static String vsprintf(char const* format, va_list args);
 
     /// A number of bytes for people, "1.9 MB": in B, KB, MB, GB or TB, steps of 1024, each unit
-    /// taken above one and a half of it; one decimal, or whole and rounded up.
+    /// taken above one and a half of it; one decimal, or whole and rounded up. Calculated as a
+    /// double, to which bytes is rounded first.
     static String FormatByteSize(long long bytes, bool roundUp);
 
     /// The tag's characters up to its first NUL; when safe is set, its SafeDump.
@@ -440,8 +441,8 @@ public:
     // Numbers. The forms with errorPosition store -1 there when the whole text was read, else the
     // position of the first character that was not, and return what was read up to it; when
     // nothing could be read they leave it alone and return defaultValue. It may be null. White
-    // space in front is skipped. A number past the type's range counts as read and is cut to the
-    // range's end; the tests of the whole text refuse it.
+    // space in front is skipped. An integer past the type's range counts as read and is clamped to
+    // the range's end; the tests of the whole text refuse it.
 
     /// An optional sign and decimal digits.
     int ToDecimal32(int* errorPosition, int defaultValue) const;
@@ -463,14 +464,15 @@ public:
     long long ToCustom(int base, long long defaultValue = 0) const {
         return ToCustom(base, nullptr, defaultValue);
     }
-    /// A decimal number that is the whole text ("017" is 17), or digits behind "0x" (base 16),
-    /// "0b" (2) or "0" (8), or the words "min" and "max" for the ends of the range.
+    /// A decimal number that is the whole text ("017" is 17), or digits after "0x" (base 16; "0X"
+    /// is not accepted), "0b" (2) or "0" (8), or the words "min" and "max", ignoring case, for the
+    /// ends of the range.
     int ToInt32(int* errorPosition, int defaultValue) const;
     int ToInt32(int defaultValue = 0) const { return ToInt32(nullptr, defaultValue); }
     long long ToInt64(int* errorPosition, long long defaultValue) const;
     long long ToInt64(long long defaultValue = 0) const { return ToInt64(nullptr, defaultValue); }
-    /// Whatever strtod takes, but the whole text must be a number, else the result is
-    /// defaultValue.
+    /// What strtod reads, infinity past the range included, if that is the whole text; otherwise
+    /// defaultValue. errno stays as it was.
     double ToFloat(int* errorPosition, double defaultValue) const;
     double ToFloat(double defaultValue = 0) const { return ToFloat(nullptr, defaultValue); }
     /// A decimal number (true unless 0), or one of true, yes, on, false, no, off.

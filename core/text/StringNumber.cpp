@@ -1,5 +1,4 @@
 #include <cerrno>
-#include <cmath>
 #include <cstdlib>
 #include <limits>
 
@@ -55,7 +54,7 @@ ReadNumber readPrefixed(String const& text, unsigned long long largest) {
     std::string_view const whole = text.View();
     std::size_t const start = whole.find_first_not_of(" \t\r\n");
     for (Prefix const& prefix : prefixes) {
-        int const found = text.FindIC(prefix.text);
+        int const found = text.Find(prefix.text);
         if (found < 0 || static_cast<std::size_t>(found) != start) {
             continue;
         }
@@ -127,13 +126,8 @@ long long String::ToInt64(int* errorPosition, long long defaultValue) const {
 
 double String::ToFloat(int* errorPosition, double defaultValue) const {
     int const errorBefore = errno;
-    errno = 0;
     char* end = nullptr;
-    double value = std::strtod(getCString(), &end);
-    // Beyond the range strtod answers infinity, which is also what it reads from "inf".
-    if (errno == ERANGE && std::isinf(value)) {
-        value = std::copysign(std::numeric_limits<double>::max(), value);
-    }
+    double const value = std::strtod(getCString(), &end);
     errno = errorBefore;
 
     auto const length = static_cast<std::size_t>(end - getCString());

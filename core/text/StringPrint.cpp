@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <cmath>
 #include <cstdio>
 
 #include "core/text/String.h"
@@ -63,8 +64,7 @@ String String::FormatByteSize(long long bytes, bool roundUp) {
     double const scaled = value / unit->bytes;
     char text[64];
     if (roundUp) {
-        auto const size = static_cast<long long>(unit->bytes);
-        long long const whole = bytes / size + (bytes % size > 0 ? 1 : 0);
+        auto const whole = static_cast<long long>(std::ceil(scaled));
         std::snprintf(text, sizeof text, "%lli %s", whole, unit->name);
     } else {
         std::snprintf(text, sizeof text, "%0.1f %s", scaled, unit->name);

@@ -99,7 +99,8 @@ TEST(StringFormat, WritesByteSizes) {
           Row{1537, "1.5 KB|2 KB|"}, Row{1572864, "1536.0 KB|1536 KB|"},
           Row{1572865, "1.5 MB|2 MB|"}, Row{2000000, "1.9 MB|2 MB|"},
           Row{1610612737, "1.5 GB|2 GB|"}, Row{1649267441665, "1.5 TB|2 TB|"},
-          Row{LLONG_MAX, "8388608.0 TB|8388608 TB|"}, Row{-5, "-5.0 B|-5 B|"},
+          Row{(1LL << 53) + 1, "8192.0 TB|8192 TB|"}, Row{LLONG_MAX, "8388608.0 TB|8388608 TB|"},
+          Row{-5, "-5.0 B|-5 B|"},
           Row{LLONG_MIN, "-9223372036854775808.0 B|-9223372036854775808 B|"}}) {
         EXPECT_EQ(joined({core::FormatByteSize(bytes, false), String::FormatByteSize(bytes, true)}),
                   expected);
