@@ -111,7 +111,7 @@ void Reporter::OnStored(int result, String const& path) {
         Print(String::format("- Stored: %1").argi(1, path));
     } else {
         Print(core::errorLine(String::format("Update not stored=\"%2\": %1")
-                                  .argi(1, core::errnoDescription(-result))
+                                  .argi(1, core::cLibraryErrorText(-result))
                                   .argi(2, path)));
     }
 }

@@ -172,7 +172,7 @@ bool loadScenario(String const& path, Scenario& scenario, std::vector<core::Faul
     int const result = file.Load(path);
     if (result != 0) {
         errors.push_back(core::fault("Scenario not readable", "\"%1\": %2", path,
-                                     core::errnoDescription(-result)));
+                                     core::cLibraryErrorText(-result)));
         return false;
     }
     for (StepName const& row : stepNames) {

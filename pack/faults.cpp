@@ -46,7 +46,7 @@ String entryOf(Fault const& fault) {
 String reasonOf(int result) {
     // The archive classes report a file that changed meanwhile as -EBUSY.
     return result == -EBUSY ? String("it changed while it was read")
-                            : core::errnoDescription(-result);
+                            : core::cLibraryErrorText(-result);
 }
 
 core::Fault fileFault(char const* title, String const& path, int result) {

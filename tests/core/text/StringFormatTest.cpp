@@ -2,7 +2,9 @@
 
 #include <cerrno>
 
+#include "core/text/errnoDescription.h"
 #include "tests/core/text/joined.h"
+#include "tests/support/system.h"
 
 namespace {
 
@@ -85,6 +87,13 @@ TEST(StringFormat, WritesErrorNumbers) {
     EXPECT_TRUE(shown.StartsWith("(2: ")) << shown.getCString();
     errno = 0;
     EXPECT_EQ(String("%1").argi_errno(1, true), "0: OK");
+
+    EXPECT_EQ(core::cLibraryErrorText(EACCES), "Permission denied");
+    // 13 is another error among those of Windows.
+    String const system = core::errnoDescription(EACCES);
+    EXPECT_EQ(system == core::cLibraryErrorText(EACCES), !support::onWindows());
+    EXPECT_EQ(system.FindDelimiter("\r\n"), -1) << system.getCString();
+    EXPECT_EQ(core::errnoDescription(-7), core::cLibraryErrorText(-7)) << "unknown to the system";
 }
 
 TEST(StringFormat, PrintsLikeTheCLibrary) {
