@@ -99,6 +99,18 @@ void String::setPieces(std::string_view first, std::string_view second, std::str
     adopt(text);
 }
 
+String String::joined(std::string_view first, std::string_view second,
+                      std::string_view third) const {
+    std::string_view const text = View();
+    if (text.size() == first.size() + second.size() + third.size() && text.starts_with(first) &&
+        text.substr(first.size()).starts_with(second) && text.ends_with(third)) {
+        return *this;
+    }
+    String result;
+    result.setPieces(first, second, third);
+    return result;
+}
+
 void String::adopt(char* buffer) {
     if (data_ != nullptr && data_->count == 1) {
         delete[] std::exchange(data_->buffer, buffer);

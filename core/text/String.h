@@ -34,7 +34,8 @@ class NumberText;
 /// - Positions start at 0; "not found" is -1. No operation reports an error or reads outside the
 ///   text: positions and counts are clipped. A negative start counts as 0, a start past the end
 ///   leaves nothing, a count past the end is cut, a negative count means "all that is there".
-/// - An operation changes this text only where it says so; all others return a new text.
+/// - An operation changes this text only where it says so; all others return a new text. If that
+///   equals this text, it shares this text's record.
 /// - Letters are the ASCII letters; a name that ends in IC ignores their case. All other bytes are
 ///   taken as they are. A null pointer is an empty text everywhere.
 /// - Threads: the count of holders is not atomic. A text that goes to another thread must be a
@@ -394,7 +395,8 @@ public:
     [[nodiscard]] String argi_choice(int index, bool condition, String const& ifTrue,
                                      String const& ifFalse, int width = 0,
                                      Align align = AlignDefault, char fill = '\0') const;
-    /// This thread's errno; with text as "2: No such file or directory", or "0: OK".
+    /// This thread's errno; with text followed by errnoDescription, as "2: No such file or
+    /// directory", or "0: OK".
     [[nodiscard]] String argi_errno(int index, bool withText) const;
 
     // The same for named placeholders.
@@ -533,6 +535,9 @@ private:
     /// Takes the place of the text; the pieces hold no NUL and may lie within this text.
     void setPieces(std::string_view first, std::string_view second = {},
                    std::string_view third = {});
+    /// The text of the pieces, which hold no NUL; a copy of this text if it equals that.
+    String joined(std::string_view first, std::string_view second = {},
+                  std::string_view third = {}) const;
     /// Makes buffer (new char[], from now on owned) the text, in a record of its own.
     void adopt(char* buffer);
     template <Integer Value>

@@ -1,6 +1,7 @@
 #include <cstring>
 
 #include "core/text/String.h"
+#include "core/text/mapped.h"
 
 namespace core {
 
@@ -8,14 +9,6 @@ namespace {
 
 constexpr char whiteSpace[] = " \t\r\n";
 constexpr char punctuation[] = ".,:;!?";
-
-template <class Map>
-String mapped(String text, Map map) {
-    for (char* c = text.GetBuffer(); c != nullptr && *c != '\0'; ++c) {
-        *c = map(*c);
-    }
-    return text;
-}
 
 }  // namespace
 

@@ -34,21 +34,12 @@ String behind(String const& text, int found, Pattern const& pattern) {
 }  // namespace
 
 String String::Copy(int start, int count) const {
-    std::string_view const text = View();
-    std::string_view const wanted = piece(text, start, count);
-    if (wanted.size() == text.size()) {
-        return *this;
-    }
-    String result;
-    result.setPieces(wanted);
-    return result;
+    return joined(piece(View(), start, count));
 }
 
 String String::Copy(int start, int count, int secondStart, int secondCount) const {
     std::string_view const text = View();
-    String result;
-    result.setPieces(piece(text, start, count), piece(text, secondStart, secondCount));
-    return result;
+    return joined(piece(text, start, count), piece(text, secondStart, secondCount));
 }
 
 String String::CopyRange(int from, int to, bool inclusive) const {
@@ -158,13 +149,16 @@ void String::DeleteFromRight(int count) {
 void String::Append(String const& text) {
     if (IsEmpty()) {
         SetString(text);
-        return;
+    } else {
+        Append(text.getCString());
     }
-    setPieces(View(), text.View());
 }
 
 void String::Append(char const* text) {
-    setPieces(View(), text != nullptr ? text : "");
+    // Nothing to append keeps the record, which may be shared.
+    if (text != nullptr && *text != '\0') {
+        setPieces(View(), text);
+    }
 }
 
 void String::Append(char c) {

@@ -2,6 +2,7 @@
 
 #include "core/text/String.h"
 #include "core/text/TextBuilder.h"
+#include "core/text/mapped.h"
 
 namespace core {
 
@@ -52,13 +53,7 @@ String String::PathDelimiters(sys::PathStyle const& style) {
 }
 
 String String::EnsurePlatformPathDelimiters(sys::PathStyle const& style) const {
-    String result(*this);
-    for (char* c = result.GetBuffer(); c != nullptr && *c != '\0'; ++c) {
-        if (*c == '/' || *c == '\\') {
-            *c = style.delimiter;
-        }
-    }
-    return result;
+    return mapped(*this, [&](char c) { return c == '/' || c == '\\' ? style.delimiter : c; });
 }
 
 String String::GetFileName(sys::PathStyle const& style) const {
@@ -86,24 +81,19 @@ String String::ReplaceFileExt(String const& ext, sys::PathStyle const& style) co
     std::size_t const start = nameStart(path, style);
     std::string_view const front = path.substr(0, start + extStart(path.substr(start)));
     bool const needsPoint = !ext.IsEmpty() && ext.FirstChar() != '.';
-    String result;
-    result.setPieces(front, needsPoint ? "." : "", ext.View());
-    return result;
+    return joined(front, needsPoint ? "." : "", ext.View());
 }
 
 void String::AppendPath(String const& part, sys::PathStyle const& style) {
-    if (IsEmpty() || part.IsEmpty()) {
-        Append(part);
-        return;
-    }
-    setPieces(withoutTrailing(View(), style), {&style.delimiter, 1},
-              withoutLeading(part.View(), style));
+    *this = AppendNewPath(part, style);
 }
 
 String String::AppendNewPath(String const& part, sys::PathStyle const& style) const {
-    String result(*this);
-    result.AppendPath(part, style);
-    return result;
+    if (IsEmpty() || part.IsEmpty()) {
+        return AppendNew(part);
+    }
+    return joined(withoutTrailing(View(), style), {&style.delimiter, 1},
+                  withoutLeading(part.View(), style));
 }
 
 bool String::IsPathDelimiter(int index, sys::PathStyle const& style) const {
@@ -153,7 +143,7 @@ String String::RemoveDuplicatedPathDelimiters(sys::PathStyle const& style) const
             result.Append(path[i]);
         }
     }
-    return result.AsString();
+    return joined(result.View());
 }
 
 String operator/(char const* left, String const& right) {

@@ -36,9 +36,7 @@ std::string_view takeValue(std::string_view& text) {
 
 String String::Quote(char quote) const {
     std::string_view const mark(&quote, quote != '\0' ? 1 : 0);
-    String result;
-    result.setPieces(mark, View(), mark);
-    return result;
+    return joined(mark, View(), mark);
 }
 
 String String::Unquote(char quote) const {
@@ -46,9 +44,7 @@ String String::Unquote(char quote) const {
     if (text.size() < 2 || text.front() != quote || text.back() != quote) {
         return *this;
     }
-    String result;
-    result.setPieces(text.substr(1, text.size() - 2));
-    return result;
+    return joined(text.substr(1, text.size() - 2));
 }
 
 String String::GetProperty(String const& name, int start) const {

@@ -23,7 +23,7 @@ String replace(String const& text, std::string_view pattern, std::string_view wi
         found = done < whole.size() ? find(whole, pattern, done) : std::string_view::npos;
     }
     result.Append(whole.substr(done));
-    return result.AsString();
+    return result.View() == whole ? text : result.AsString();
 }
 
 }  // namespace
@@ -43,7 +43,7 @@ String String::ReplaceNewLine(String const& with) const {
         std::size_t const line = rest.find_first_of("\r\n");
         result.Append(rest.substr(0, line));
         if (line == std::string_view::npos) {
-            return result.AsString();
+            return joined(result.View());
         }
         result.Append(with.View());
         rest.remove_prefix(line + (rest.substr(line).starts_with("\r\n") ? 2 : 1));
@@ -55,7 +55,7 @@ String String::FilterNewLineChar(char c) const {
     for (char each : View()) {
         result.Append(IsNewLine(each) ? c : each);
     }
-    return result.AsString();
+    return joined(result.View());
 }
 
 }  // namespace core

@@ -31,6 +31,17 @@ TEST(String, SharesUntilOneChanges) {
     copy.SetChar(0, 'S');
     EXPECT_EQ(copy, "Shared");
 
+    String const text("/1\n2.3");
+    sys::PathStyle const& posix = sys::posixPathStyle;
+    for (String const& same :
+         {text.UpperCase(), text.LowerCase(), text.CapitalCase(), text.ReplaceNewLine("\n"),
+          text.FilterNewLineChar('\n'), text.EnsurePlatformPathDelimiters(posix),
+          text.RemoveDuplicatedPathDelimiters(posix), text.AppendNew(""), text.AppendNew(String()),
+          text.AppendNewPath("", posix), text.ReplaceFileExt("3", posix), text.Copy(0, 2, 2, 9),
+          text.Copy(0, 9), text.Quote('\0'), text.Replace("2", "2")}) {
+        EXPECT_TRUE(same.SameRef(text)) << "a result that equals the text shares its record";
+    }
+
     copy = original;
     copy.Unique();
     EXPECT_FALSE(copy.SameRef(original));
