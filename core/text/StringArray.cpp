@@ -31,8 +31,7 @@ char const* StringArray::ClassName() const {
 }
 
 void StringArray::Clear() {
-    entries_.reset();
-    count_ = 0;
+    decltype(entries_)().swap(entries_);
     capacity_ = 0;
 }
 
@@ -49,25 +48,20 @@ int StringArray::Add(String const& name, String const& value) {
 }
 
 void StringArray::Add(StringArray const& other) {
-    int const count = other.count_;
+    int const count = other.Count();
     for (int i = 0; i < count; ++i) {
         Add(other.Get(i));
     }
 }
 
 void StringArray::Delete(int index) {
-    if (!has(index)) {
-        return;
+    if (has(index)) {
+        entries_.erase(entries_.begin() + index);
     }
-    std::move(&entries_[static_cast<std::size_t>(index) + 1],
-              &entries_[static_cast<std::size_t>(count_)],
-              &entries_[static_cast<std::size_t>(index)]);
-    --count_;
-    entries_[static_cast<std::size_t>(count_)].reset();
 }
 
 int StringArray::IndexOf(String const& text, int start) const {
-    for (int i = std::max(start, 0); i < count_; ++i) {
+    for (int i = std::max(start, 0); i < Count(); ++i) {
         if (!Get(i).IsEmpty() && Get(i).CompareIC(text) == 0) {
             return i;
         }
@@ -76,7 +70,7 @@ int StringArray::IndexOf(String const& text, int start) const {
 }
 
 int StringArray::IndexOfName(String const& name, int start) const {
-    for (int i = std::max(start, 0); i < count_; ++i) {
+    for (int i = std::max(start, 0); i < Count(); ++i) {
         String const found = GetNameByIndex(i);
         if (!found.IsEmpty() && found.CompareIC(name) == 0) {
             return i;
@@ -126,30 +120,21 @@ int StringArray::SetValueByName(String const& name, String const& value) {
 
 String StringArray::AsString() const {
     TextBuilder result;
-    for (int i = 0; i < count_; ++i) {
+    for (int i = 0; i < Count(); ++i) {
         result.Append(Get(i).View());
         result.Append("\r\n");
     }
     return result.AsString();
 }
 
-void StringArray::grow() {
-    if (capacity_ > MaxCapacity - step_) {
+int StringArray::append(std::unique_ptr<String> entry) {
+    bool const full = Count() == capacity_;
+    if (full && capacity_ > MaxCapacity - step_) {
         throw std::bad_alloc();
     }
-    int const larger = capacity_ + step_;
-    auto entries = std::make_unique<std::unique_ptr<String>[]>(static_cast<unsigned>(larger));
-    std::move(entries_.get(), entries_.get() + count_, entries.get());
-    entries_ = std::move(entries);
-    capacity_ = larger;
-}
-
-int StringArray::append(std::unique_ptr<String> entry) {
-    if (count_ == capacity_) {
-        grow();
-    }
-    entries_[static_cast<std::size_t>(count_)] = std::move(entry);
-    return count_++;
+    entries_.push_back(std::move(entry));
+    capacity_ += full ? step_ : 0;
+    return Count() - 1;
 }
 
 }  // namespace core

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <vector>
 
 #include "core/object/BasicClass.h"
 #include "core/text/String.h"
@@ -19,7 +20,7 @@ class IStream;
 /// one thread at a time.
 class StringArray : public BasicClass {
 public:
-    /// Empty; the storage will grow by step entries at a time (1 to MaxStep).
+    /// Empty; the capacity grows by step entries at a time (1 to MaxStep).
     explicit StringArray(int step = 16);
     StringArray(StringArray const& other);
     StringArray& operator=(StringArray const& other);
@@ -31,8 +32,9 @@ public:
 
     char const* ClassName() const override;
 
-    int Count() const { return count_; }
-    /// The entries that fit before the storage grows again.
+    int Count() const { return static_cast<int>(entries_.size()); }
+    /// The slots, a multiple of the step: grows by the step whenever an entry does not fit. The
+    /// memory grows geometrically, so appending takes constant time on average.
     int Capacity() const { return capacity_; }
     /// An entry stays where it is until it is deleted.
     String& Get(int index) { return *entries_[static_cast<std::size_t>(index)]; }
@@ -95,14 +97,12 @@ public:
     StringPCharList AsPCharList(StringPCharList::ListType type = StringPCharList::Entries) const;
 
 private:
-    bool has(int index) const { return index >= 0 && index < count_; }
-    void grow();
+    bool has(int index) const { return index >= 0 && index < Count(); }
     void takeEntries(StringArray& other);
     void takeConfLines(StringArray const& lines);
     int append(std::unique_ptr<String> entry);
 
-    std::unique_ptr<std::unique_ptr<String>[]> entries_;
-    int count_ = 0;
+    std::vector<std::unique_ptr<String>> entries_;
     int capacity_ = 0;
     int step_;
     String separator_ = "=";

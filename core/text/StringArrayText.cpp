@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <vector>
 
 #include "core/object/IStream.h"
 #include "core/text/LineSplitter.h"
@@ -49,6 +50,20 @@ String itemName(String const& name, int index) {
     return String::format("%1[%2]").argi(2, index).argi(1, name);
 }
 
+/// The index of the first pair of each name from name[0] to name[count - 1], or -1. Reads the list
+/// once, because a search for each item would make long lists slow.
+std::vector<int> itemIndexes(StringArray const& list, String const& name, int count) {
+    std::vector<int> indexes(static_cast<std::size_t>(count), -1);
+    for (int i = list.Count() - 1; i >= 0; --i) {
+        String const pair = list.GetNameByIndex(i);
+        int const item = pair.RightBy('[').ToDecimal32(-1);
+        if (item >= 0 && item < count && pair.CompareIC(itemName(name, item)) == 0) {
+            indexes[static_cast<std::size_t>(item)] = i;
+        }
+    }
+    return indexes;
+}
+
 }  // namespace
 
 void StringArray::LoadFrom(String const& text) {
@@ -86,7 +101,6 @@ bool StringArray::LoadAsConfFileFrom(IStream* stream) {
 
 void StringArray::takeEntries(StringArray& other) {
     std::swap(entries_, other.entries_);
-    std::swap(count_, other.count_);
     std::swap(capacity_, other.capacity_);
 }
 
@@ -109,7 +123,7 @@ bool StringArray::SaveTo(IStream* stream) const {
     if (stream == nullptr) {
         return false;
     }
-    for (int i = 0; i < count_; ++i) {
+    for (int i = 0; i < Count(); ++i) {
         if (!writeAll(*stream, Get(i).View()) || !writeAll(*stream, "\r\n")) {
             return false;
         }
@@ -118,24 +132,32 @@ bool StringArray::SaveTo(IStream* stream) const {
 }
 
 int StringArray::GetCountedList(String const& name, StringArray& list) const {
-    // Each item needs an entry, so a count above the number of entries is a lie.
-    int const count = std::min(GetValueByName(countName(name)).ToDecimal32(), count_);
-    for (int i = 0; i < count; ++i) {
-        list.Add(GetValueByName(itemName(name, i)));
+    // Each item needs an entry, so a count above the number of entries is false.
+    int const count = std::clamp(GetValueByName(countName(name)).ToDecimal32(), 0, Count());
+    for (int const index : itemIndexes(*this, name, count)) {
+        list.Add(GetValueByIndex(index));
     }
-    return std::max(count, 0);
+    return count;
 }
 
 void StringArray::SetCountedList(String const& name, StringArray const& list) {
-    SetValueByName(countName(name), String::format("%1").argi(1, list.Count()));
-    for (int i = 0; i < list.Count(); ++i) {
-        SetValueByName(itemName(name, i), list[i]);
+    // The list may be this array, which grows: only the items that it has now count.
+    int const count = list.Count();
+    std::vector<int> const indexes = itemIndexes(*this, name, count);
+    SetValueByName(countName(name), String::format("%1").argi(1, count));
+    for (int i = 0; i < count; ++i) {
+        int const index = indexes[static_cast<std::size_t>(i)];
+        if (index >= 0) {
+            SetValueByIndex(index, list[i]);
+        } else {
+            Add(itemName(name, i), list[i]);
+        }
     }
 }
 
 StringPCharList StringArray::AsPCharList(StringPCharList::ListType type) const {
     StringArray texts(step_);
-    for (int i = 0; i < count_; ++i) {
+    for (int i = 0; i < Count(); ++i) {
         texts.Add(type == StringPCharList::Names    ? GetNameByIndex(i)
                   : type == StringPCharList::Values ? GetValueByIndex(i)
                                                     : Get(i));

@@ -183,6 +183,19 @@ TEST(StringArrayText, KeepsCountedLists) {
     EXPECT_EQ(joined(list), "one|two|one|two|");
     conf.SetValueByName("lie.count", "2000000000");
     EXPECT_EQ(conf.GetCountedList("lie", list), conf.Count());
+    conf.SetCountedList("%2", conf);
+    EXPECT_EQ(conf.GetValueByName("%2[3]"), "lie.count=2000000000") << "a list into itself";
+}
+
+TEST(StringArrayText, HoldsLongLists) {
+    int const count = 500'000;
+    StringArray list;
+    EXPECT_EQ(String::OfChar(',', count).Split(list, ','), count);
+    StringArray conf;
+    conf.SetCountedList("list", list);
+    conf.LoadAsConfFileFrom(conf.AsString());
+    EXPECT_EQ(conf.GetCountedList("list", list), count);
+    EXPECT_EQ(list.Count(), 2 * count);
 }
 
 }  // namespace
