@@ -2,6 +2,7 @@
 #include <benchmark/benchmark.h>
 
 #include <cmath>
+#include <cstdint>
 #include <cstdio>
 #include <string>
 #include <vector>
@@ -136,5 +137,71 @@ void ReplaceStandard(benchmark::State& state) {
     }
 }
 BENCHMARK(ReplaceStandard);
+
+// Long lists, at a size and at four times as much, to compare the two.
+
+constexpr int many = 500'000;
+
+void GrowList(benchmark::State& state) {
+    String const entry("an entry");
+    for (auto _ : state) {
+        core::StringArray list;
+        for (int i = 0; i < state.range(0); ++i) {
+            list.Add(entry);
+        }
+        benchmark::DoNotOptimize(list);
+    }
+}
+BENCHMARK(GrowList)->Arg(many)->Arg(4 * many);
+
+void SplitMany(benchmark::State& state) {
+    String const text = String::OfChar(',', static_cast<int>(state.range(0)));
+    for (auto _ : state) {
+        core::StringArray list;
+        benchmark::DoNotOptimize(text.Split(list, ','));
+    }
+}
+BENCHMARK(SplitMany)->Arg(many)->Arg(4 * many);
+
+/// The entries of a counted list, "list.count" included.
+core::StringArray countedList(std::int64_t count) {
+    core::StringArray items;
+    String::OfChar(',', static_cast<int>(count)).Split(items, ',');
+    core::StringArray conf;
+    conf.SetCountedList("list", items);
+    return conf;
+}
+
+void SetCountedList(benchmark::State& state) {
+    for (auto _ : state) {
+        core::StringArray conf = countedList(state.range(0));
+        benchmark::DoNotOptimize(conf);
+    }
+}
+BENCHMARK(SetCountedList)->Arg(many)->Arg(4 * many);
+
+void GetCountedList(benchmark::State& state) {
+    core::StringArray const conf = countedList(state.range(0));
+    for (auto _ : state) {
+        core::StringArray list;
+        benchmark::DoNotOptimize(conf.GetCountedList("list", list));
+    }
+}
+BENCHMARK(GetCountedList)->Arg(many)->Arg(4 * many);
+
+template <void (core::StringArray::*Load)(String const&)>
+void LoadText(benchmark::State& state) {
+    String const text = countedList(state.range(0)).AsString();
+    for (auto _ : state) {
+        core::StringArray list;
+        (list.*Load)(text);
+        benchmark::DoNotOptimize(list);
+    }
+}
+BENCHMARK(LoadText<&core::StringArray::LoadFrom>)->Name("LoadLines")->Arg(many)->Arg(4 * many);
+BENCHMARK(LoadText<&core::StringArray::LoadAsConfFileFrom>)
+    ->Name("LoadConfFile")
+    ->Arg(many)
+    ->Arg(4 * many);
 
 }  // namespace
