@@ -25,6 +25,8 @@ public:
         CloseHandle(handle_);
     }
 
+    HANDLE Handle() const { return handle_; }
+
     wchar_t CharacterAt(COORD position) const {
         wchar_t character = 0;
         DWORD count = 0;
@@ -58,6 +60,19 @@ TEST(RealConsole, ShowsWhatAsciiLacks) {
     EXPECT_EQ(buffer.CharacterAt({1, 0}), L'\u00fc');
     EXPECT_EQ(buffer.CharacterAt({7, 0}), L'\u03a9');
     EXPECT_EQ(buffer.At({7, 0}).attribute, 12);
+}
+
+TEST(RealConsole, SequencesGoToTheGivenHandleAndTextToStandardOutput) {
+    ScreenBuffer const given;
+    {
+        ScreenBuffer const output;
+        core::Console::write(given.Handle(), "\x1B[2;1H\x1B[31mX", false);
+        EXPECT_EQ(output.At({0, 0}).text, 'X');
+        EXPECT_NE(output.At({0, 0}).attribute, 4);
+    }
+    core::Console::write("Y", false);
+    EXPECT_EQ(given.At({0, 1}).text, 'Y');
+    EXPECT_EQ(given.At({0, 1}).attribute, 4);
 }
 
 TEST(RealConsole, OneThatGoesAwayBreaksNothing) {
