@@ -292,9 +292,9 @@ public:
     /// The text without the quotes around it; unchanged when it does not begin and end with one.
     [[nodiscard]] String Unquote(char quote = '"') const;
     /// The value of the first property of that name (case ignored) at or after start, in a text
-    /// such as: type=flat; size = "3 4". A property begins behind white space, a comma or a
-    /// semicolon and ends before the next one, unless its value stands in quotes (single or
-    /// double), which are taken off. Empty when there is none.
+    /// such as: type=flat; size = "3 4". A property begins after white space, a comma or a
+    /// semicolon and ends before the next one, unless its value is in quotes (single or double):
+    /// these are removed, and another property may follow at once. Empty when there is none.
     [[nodiscard]] String GetProperty(String const& name, int start = 0) const;
 
     // Paths, by default in the style of the platform

@@ -83,8 +83,9 @@ TEST(MChar, PacksTextInMemoryOrderAndShowsAnyByteSafely) {
 
     EXPECT_EQ(MChar4("\x1F\x20\x7F\x80").SafeDump(), "? \x7F?");
     MChar4 const tag("A\nB");
-    EXPECT_EQ(joined({String::FromMultiChar4(tag, true), String::FromMultiChar4(tag, false)}),
-              "A?B?|A\nB|");
+    EXPECT_EQ(joined({String::FromMultiChar4(tag, true), String::FromMultiChar4(tag, false),
+                      String::FromMultiChar8("12345678", true)}),
+              "A?B?|A\nB|12345678|");
 }
 
 }  // namespace

@@ -29,6 +29,9 @@ TEST(StringArray, GrowsByItsStepAndKeepsEntriesInPlace) {
     StringArray wide(INT_MAX);
     wide.Add("x");
     EXPECT_EQ(wide.Capacity(), StringArray::MaxStep);
+    StringArray narrow(0);
+    narrow.Add("x");
+    EXPECT_EQ(narrow.Capacity(), 1);
 }
 
 TEST(StringArray, CopiesDeeply) {
@@ -52,6 +55,7 @@ TEST(StringArray, DeletesAndFinds) {
     String("abc,,ABC,d").Split(list, ",");
     EXPECT_EQ(list.IndexOf("Abc"), 0);
     EXPECT_EQ(list.IndexOf("Abc", 1), 2);
+    EXPECT_EQ(list.IndexOf("d", INT_MIN), 3);
     EXPECT_EQ(list.IndexOf(""), -1) << "an empty entry is never found";
     for (int index : {-1, 4, 0, 2}) {
         list.Delete(index);
@@ -76,6 +80,9 @@ TEST(StringArray, HoldsPairs) {
     list.SetNameByIndex(2, "n");
     list.SetNameByIndex(3, "name");
     EXPECT_EQ(joined(list), "Bad address=new|=x|n=b=c|name=|");
+    EXPECT_EQ(list.IndexOfName("N", 2) * 10 + list.IndexOfName("N", 3), 19);
+    list.SetSeparator("");
+    EXPECT_EQ(list.GetSeparator(), "=");
     list.SetSeparator("::");
     list.Add("long", "separator");
     EXPECT_EQ(list.GetValueByName("long"), "separator");
@@ -93,6 +100,8 @@ TEST(StringArray, BecomesCStrings) {
     EXPECT_STREQ(texts.GetList()[0], "a=1") << "the list owns what it points at";
     EXPECT_EQ(texts.GetList()[2], nullptr);
     EXPECT_STREQ(values.GetList()[0], "1");
+    list.Add("name", "");
+    EXPECT_STREQ(list.AsPCharList(core::StringPCharList::Names).GetList()[0], "name");
 }
 
 /// A stream in memory that gives and takes few bytes at a time, and may fail after some.
@@ -161,7 +170,7 @@ TEST(StringArrayText, SavesWhatItLoadsAgainAndKeepsItWhenAStreamFails) {
     EXPECT_FALSE(again.LoadFrom(static_cast<core::IStream*>(nullptr)));
     EXPECT_EQ(joined(again), "a||long enough for several writes|");
     ShortStream full(3, "", 7);
-    EXPECT_FALSE(list.SaveTo(&full));
+    EXPECT_FALSE(list.SaveTo(&full) || list.SaveTo(nullptr));
 }
 
 TEST(StringArrayText, ReadsConfigurationFiles) {
@@ -185,6 +194,10 @@ TEST(StringArrayText, KeepsCountedLists) {
     EXPECT_EQ(conf.GetCountedList("lie", list), conf.Count());
     conf.SetCountedList("%2", conf);
     EXPECT_EQ(conf.GetValueByName("%2[3]"), "lie.count=2000000000") << "a list into itself";
+    conf.LoadFrom("l.count=3\nL[1]=first\nl[2]\nl[02]=x\nl[1]=second\nl[3]=x\nm[0]=x");
+    list.Clear();
+    EXPECT_EQ(conf.GetCountedList("l", list) + conf.GetCountedList("m", list), 3);
+    EXPECT_EQ(joined(list), "|first||");
 }
 
 TEST(StringArrayText, HoldsLongLists) {

@@ -37,8 +37,6 @@ TEST(String, KnowsDelimiterSets) {
         EXPECT_EQ(text.IsDelimiter(set, index), index == 0 || index == 2) << index;
     }
     EXPECT_FALSE(text.IsDelimiter("", 0) || String().HasTrailingDelimiter(set));
-    EXPECT_EQ(text.FindNotDelimiter(set, -7), 1);
-    EXPECT_EQ(text.LastNotDelimiter(set), 3);
     EXPECT_EQ(String("a").ForceTrailingDelimiter(set, ','), "a,");
 }
 
@@ -49,14 +47,7 @@ TEST(String, CutsPieces) {
                       text.CopyRange(-3, INT_MAX, true), text.CopyRange(INT_MIN, INT_MIN, true)}),
               "abef|bcd||abcdef||");
     EXPECT_EQ(joined({text.Left(-1), text.Right(2), text.Right(INT_MAX)}), "abcdef|ef|abcdef|");
-    EXPECT_EQ(String().FirstChar() + String().LastChar(), 0);
-
-    String const pair("one=two=three");
-    EXPECT_EQ(joined({pair.LeftOf('='), pair.RightOf("="), pair.RightBy('='), pair.RightOfIC("E=T"),
-                      pair.LeftOfIC('N')}),
-              "one|two=three|three|wo=three|o|");
-    EXPECT_EQ(pair.LeftOf('!') + pair.RightOf('!') + pair.RightBy("!!"), "");
-    EXPECT_EQ(pair.LeftOf('o'), "") << "nothing stands before it";
+    EXPECT_EQ(String().FirstChar() + String().LastChar() + text.LastChar(), 'f');
 }
 
 TEST(String, EditsItself) {
@@ -73,7 +64,7 @@ TEST(String, EditsItself) {
     text.DeleteFromRight(INT_MAX);
     EXPECT_TRUE(text.SameRef(String()));
 
-    text.Append('c');
+    text += 'c';
     text.Append('\0');
     text.Append(static_cast<char const*>(nullptr));
     text.Append(core::Buffer("d\0e", 3));
@@ -81,12 +72,16 @@ TEST(String, EditsItself) {
     EXPECT_EQ(text, "cdcd");
     text.Append(text.getCString() + 2);
     EXPECT_EQ(text, "cdcdcd");
-    EXPECT_EQ(('0' + String("1").AppendNew("2") + String("3") + '4' + "5").nl(), "012345\n");
+    text.DeleteFromRight(-1);
+    EXPECT_EQ(text, "") << "a negative count is all there is";
+    String const one = String("1").AppendNew(core::Buffer("2", 1));
+    EXPECT_EQ(("/" + ('0' + one + String("3") + '4' + "5")).nl(), "/012345\n");
 }
 
 TEST(String, ChangesCaseAndTrims) {
     String const mixed("hELLO wORLD\t\xE4x_9z");
-    EXPECT_EQ(mixed.UpperCase(), "HELLO WORLD\t\xE4X_9Z");
+    String const borders("@AZ[`az{");
+    EXPECT_EQ(borders.UpperCase() + borders.LowerCase(), "@AZ[`AZ{@az[`az{");
     EXPECT_EQ(mixed.CapitalCase(), "Hello World\t\xE4x_9z");
     String const blank(" \t\r\n a b \v\n");
     EXPECT_EQ(joined({blank.TrimLeft(), blank.TrimRight(), blank.Trim()}),
@@ -143,6 +138,7 @@ TEST(String, QuotesAndReadsProperties) {
                       text.GetProperty("size", 20), text.GetProperty("last", -4)}),
               "flat|3 4|x;y|open end|");
     EXPECT_EQ(text.GetProperty("y"), "") << "within quotes there are no properties";
+    EXPECT_EQ(String("a='1'b=2").GetProperty("b"), "2");
 }
 
 }  // namespace

@@ -36,6 +36,8 @@ TEST(StringFormat, FindsNamedPlaceholders) {
     EXPECT_EQ(String("%[a%[b]").argn("b", "x"), "%[a%[b]") << "a name reaches to the next \"]\"";
     EXPECT_EQ(String("<%[n]>").argn("n", 255u, 4, 16), "<00FF>");
     EXPECT_EQ(String("<%[n]>").argn_choice("n", false, "yes", "no", 4), "<no  >");
+    EXPECT_EQ(String("%[n").argn("n", "x"), "%[n");
+    EXPECT_EQ(String("%[n]").argn("n", reinterpret_cast<void*>(0xAB)), "0x000000AB");
 }
 
 TEST(StringFormat, ChoosesTheOverloadByTheValue) {
@@ -65,8 +67,9 @@ TEST(StringFormat, WritesNumbers) {
     EXPECT_EQ(joined({text.argi(1, 7, 3), text.argi(1, -5, 3),
                       text.argi(1, -5, 3, 10, Align::Default, '0'),
                       text.argi(1, -5, 3, 10, Align::Center, '*'),
-                      text.argi(1, -5, 3, 10, Align::Default, '\t')}),
-              "  7| -5|-005|-*5*|-  5|");
+                      text.argi(1, -5, 3, 10, Align::Default, '\t'),
+                      text.argi(1, -5, 3, 10, Align::Default, ' ')}),
+              "  7| -5|-005|-*5*|-  5| -5|");
     EXPECT_EQ(joined({text.argi(1, 255, 4, 16), text.argi(1, 255, 4, 16, Align::Default, ' '),
                       text.argi(1, -1, 0, 16), text.argi(1, 35, 0, 36), text.argi(1, 5, 6, 2)}),
               "00FF|  FF|FFFFFFFFFFFFFFFF|Z|000101|");
@@ -86,7 +89,7 @@ TEST(StringFormat, WritesErrorNumbers) {
     String const shown = String::format("(%1)").argi_errno(1, true);
     EXPECT_TRUE(shown.StartsWith("(2: ")) << shown.getCString();
     errno = 0;
-    EXPECT_EQ(String("%1").argi_errno(1, true), "0: OK");
+    EXPECT_EQ(String("%1").argi_errno(1, true) + String("%[n]").argn_errno("n", false), "0: OK0");
 
     EXPECT_EQ(core::cLibraryErrorText(EACCES), "Permission denied");
     // 13 is another error among those of Windows.

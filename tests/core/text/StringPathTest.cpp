@@ -45,9 +45,11 @@ TEST(StringPath, ReplacesExtensionsAndJoinsWithOneDelimiter) {
 
 TEST(StringPath, ForcesAndFindsDelimiters) {
     EXPECT_EQ(joined({String("a").ForceLeadingPathDelimiter(windows),
+                      String("/a").ForceLeadingPathDelimiter(posix),
+                      String("a").ForceTrailingPathDelimiter(posix), String::PathDelimiters(posix),
                       String("//a//").ForceNoLeadingPathDelimiter(posix),
                       String("//a//").ForceNoTrailingPathDelimiter(posix)}),
-              "\\a|a//|//a|");
+              "\\a|/a|a/|/|a//|//a|");
     EXPECT_EQ(joined({String("a/b\\c").EnsurePlatformPathDelimiters(posix),
                       String("a/b\\c").EnsurePlatformPathDelimiters(windows)}),
               "a/b/c|a\\b\\c|");
@@ -58,6 +60,7 @@ TEST(StringPath, ForcesAndFindsDelimiters) {
     String const path("/a\\b/c");
     EXPECT_EQ(path.FindPathDelimiter(1, posix), 4);
     EXPECT_EQ(path.FindPathDelimiter(1, windows), 2);
+    EXPECT_EQ(path.LastPathDelimiter(windows) + path.FindPathDelimiter(), 4);
     EXPECT_FALSE(path.IsPathDelimiter(2, posix) || path.IsPathDelimiter(6, posix));
     EXPECT_FALSE(path.HasTrailingPathDelimiter(posix) || String().HasTrailingPathDelimiter(posix));
 }

@@ -22,6 +22,12 @@ TEST(String, TakesTextUpToItsLengthOrItsEnd) {
     }
     EXPECT_EQ(String(std::string_view("ab\0cd", 5)), "ab") << "a NUL ends the text on every way in";
     EXPECT_EQ(String::OfChar('-', -3), "");
+    String text("old");
+    text.SetBuffer(nullptr, 5);
+    EXPECT_EQ(text, "");
+    text = "old";
+    text.SetBuffer("new", -1);
+    EXPECT_EQ(text, "");
 }
 
 TEST(String, SharesUntilOneChanges) {
@@ -72,6 +78,9 @@ TEST(String, IsCutAtItsLongest) {
     EXPECT_EQ(text.GetLength(), String::MaxLength);
     EXPECT_EQ(text.Replace("x", "yy").GetLength(), String::MaxLength);
     text.SetLength(INT_MAX);
+    EXPECT_EQ(text.GetLength(), String::MaxLength);
+    text.Insert("abc", 1);
+    EXPECT_EQ(text.Left(5) + text.Right(1), "xabcxx");
     EXPECT_EQ(text.GetLength(), String::MaxLength);
 }
 

@@ -56,8 +56,37 @@ struct Call {
           value(input.Line()) {}
 };
 
+/// Without a width nothing is padded, however a text is given.
+void requirePlain(String const& value) {
+    String const expected = '[' + value + ']';
+    char const* const plain = value.getCString();
+    String const numbered("[%1]");
+    String const named("[%[n]]");
+    for (String const& result :
+         {numbered.argi(1, value), numbered.argi(1, plain), String("[%1]").argi(1, value),
+          String("[%1]").argi(1, plain), numbered.argi_choice(1, true, value, "x"),
+          named.argn("n", value), named.argn("n", plain),
+          named.argn_choice("n", false, "x", value)}) {
+        require(result == expected);
+    }
+}
+
+/// A number is written the same for either kind of placeholder, with the same defaults.
+template <class Number>
+void requireSame(Number number, int width) {
+    String const numbered("%1");
+    String const named("%[n]");
+    String const padded = numbered.argi(1, number, width);
+    require(named.argn("n", number, width) == padded);
+    require(String("%1").argi(1, number, width) == padded);
+    require(numbered.argi(1, number).GetAligned(width, String::AlignRight) == padded);
+    require(named.argn("n", number) == numbered.argi(1, number));
+}
+
 String withText(String const& text, Call const& call) {
     String const value(call.value.c_str());
+    requirePlain(value);
+    requirePlain("");
     String const result = text.argi(call.index, value, call.width, call.align, call.fill);
     String const padded = value.GetAligned(call.width, call.align, call.fill);
     require(result == text.argi(call.index, padded));
@@ -78,6 +107,9 @@ String withName(String const& text, Call const& call) {
 
 String withNumber(String const& text, Call const& call) {
     String const value(call.value.c_str());
+    requireSame(value.ToDecimal64(), call.width);
+    requireSame(value.ToHex64(), call.width);
+    requireSame(value.ToFloat(), call.width);
     if (call.kind / 4 % 2 == 0) {
         char const format = value.FirstChar();
         return text.argi(call.index, value.ToFloat(1e300), call.width, format, call.width,

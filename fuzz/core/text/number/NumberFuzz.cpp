@@ -2,6 +2,7 @@
 #include <cstdlib>
 
 #include "core/text/String.h"
+#include "core/text/readNumber.h"
 #include "core/text/strToNumber.h"
 #include "fuzz/Input.h"
 #include "fuzz/require.h"
@@ -25,6 +26,19 @@ struct Expected {
     }
 };
 
+/// The conversions of C strings clamp the value to their own ranges.
+void requireCStrings(char const* text, bool whole, long long value) {
+    auto const narrow = static_cast<int>(std::clamp<long long>(value, INT_MIN, INT_MAX));
+    auto const natural = static_cast<unsigned>(std::clamp<long long>(value, 0, UINT_MAX));
+    unsigned long long const wide = value < 0 ? 0 : std::strtoull(text, nullptr, 10);
+    require(core::strToInt(text) == narrow && core::strToUInt(text) == natural);
+    require(core::strToInt64(text) == value && core::strToUInt64(text) == wide);
+    require(core::strToIntDef(text, 7) == (whole ? narrow : 7));
+    require(core::strToUIntDef(text, 7) == (whole ? natural : 7));
+    require(core::strToInt64Def(text, 7) == (whole ? value : 7));
+    require(core::strToUInt64Def(text, 7) == (whole ? wide : 7));
+}
+
 void requireDecimals(String const& text) {
     Expected const expected(text, 10);
     int at = -2;
@@ -37,8 +51,7 @@ void requireDecimals(String const& text) {
     require(whole || (!text.IsDecimal32() && !text.IsDecimal64()));
     require(!text.IsDecimal64() || text.IsInt64());
     require(!text.IsDecimal32() || (text.IsDecimal64() && narrow == wide));
-    require(core::strToInt64(text.getCString()) == (expected.read ? expected.value : 0));
-    require(core::strToIntDef(text.getCString(), 7) == (whole ? narrow : 7));
+    requireCStrings(text.getCString(), whole, expected.read ? expected.value : 0);
 }
 
 void requireOfBase(String const& text, int base) {
@@ -55,6 +68,22 @@ void requireOfBase(String const& text, int base) {
     require(!fits || written.ToCustom(base, 1) == value);
 }
 
+/// Whole numbers, up to a limit; the hexadecimal one is written as digits.
+void requireWhole(String const& text, long long value, String const& digits,
+                  unsigned long long hex) {
+    unsigned long long read = 0;
+    bool const plain = text.IsDecimal64() && text.FindDelimiter("+-") < 0;
+    require(core::readWhole(text.View(), 10, LLONG_MAX, read) == plain);
+    require(!plain || read == static_cast<unsigned long long>(value));
+    require(!plain || core::readWhole(text.View(), 0, LLONG_MAX, read));
+    for (char const* prefix : {"0x", "0X"}) {
+        String const prefixed = prefix + digits;
+        require(core::readWhole(prefixed.View(), 0, hex, read) && read == hex);
+        require(hex == 0 || !core::readWhole(prefixed.View(), 0, hex - 1, read));
+        require(!core::readWhole(String(prefix).View(), 0, hex, read));
+    }
+}
+
 void requireInts(String const& text) {
     int at = -2;
     long long const wide = text.ToInt64(&at, 77);
@@ -67,6 +96,15 @@ void requireInts(String const& text) {
     String const written = String::format("%1").argi(1, hex, 0, 16);
     require(written.IsHex() && written.ToHex64() == hex);
     require(text.ToHex32() == std::min<unsigned long long>(hex, UINT_MAX));
+    requireWhole(text, wide, written, hex);
+}
+
+void requireZeroByDefault(String const& text) {
+    require(text.ToDecimal32() == text.ToDecimal32(0) && text.ToDecimal64() == text.ToDecimal64(0));
+    require(text.ToHex32() == text.ToHex32(0) && text.ToHex64() == text.ToHex64(0));
+    require(text.ToInt32() == text.ToInt32(0) && text.ToInt64() == text.ToInt64(0));
+    require(text.ToCustom(9) == text.ToCustom(9, 0) && text.ToBool() == text.ToBool(false));
+    require(text.ToFloat() == text.ToFloat(0) || text.ToFloat() != text.ToFloat());
 }
 
 void requireFloat(String const& text) {
@@ -77,13 +115,24 @@ void requireFloat(String const& text) {
     // Two NaNs are never equal.
     require(again == value || (again != again && value != value));
     require(core::strToFloatDef(text.getCString(), -1) == value || value != value);
+    double const front = std::strtod(text.getCString(), nullptr);
+    require(core::strToFloat(text.getCString()) == front || front != front);
 }
 
-void requireList(String const& text, int count) {
-    int values[8];
-    int const filled = core::strToIntArrayDef(text.getCString(), values, count, -9);
-    require(filled >= 0 && filled <= count);
-    require(filled == count || std::find(values, values + count, -9) != values + count);
+/// Each entry is read as a text of its own.
+template <class Number>
+void requireList(char const* text, int count, int (*read)(char const*, Number*, int, Number, char),
+                 Number (*readOne)(char const*, Number)) {
+    Number values[9] = {};
+    int const filled = read(text, values, count, 9, ',');
+    String rest(text);
+    int numbers = 0;
+    for (int i = 0; i < count; ++i) {
+        String const entry = rest.ExtractNextToken(',').Trim();
+        require(values[i] == readOne(entry.getCString(), 9));
+        numbers += readOne(entry.getCString(), 9) == readOne(entry.getCString(), 8) ? 1 : 0;
+    }
+    require(filled == numbers && values[count] == 0);
 }
 
 }  // namespace
@@ -96,7 +145,11 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size
     requireDecimals(text);
     requireOfBase(text, base);
     requireInts(text);
+    requireZeroByDefault(text);
     requireFloat(text);
-    requireList(text, base % 9);
+    int const count = base % 9;
+    requireList<int>(text.getCString(), count, core::strToIntArrayDef, core::strToIntDef);
+    requireList<unsigned>(text.getCString(), count, core::strToUIntArrayDef, core::strToUIntDef);
+    requireList<long long>(text.getCString(), count, core::strToInt64ArrayDef, core::strToInt64Def);
     return 0;
 }

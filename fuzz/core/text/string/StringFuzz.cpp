@@ -5,6 +5,7 @@
 #include <utility>
 #include <vector>
 
+#include "core/text/Buffer.h"
 #include "core/text/String.h"
 #include "core/text/StringArray.h"
 #include "fuzz/Input.h"
@@ -56,21 +57,69 @@ std::vector<signed char> asSigned(std::string const& text) {
     return {text.begin(), text.end()};
 }
 
+/// What std::string finds is found, and in upper case where case is ignored: texts have none.
+template <class Pattern, class Plain>
+void searchFor(std::string const& whole, int start, Plain const& plain, Pattern const& pattern,
+               Pattern const& upper, std::size_t length) {
+    String const ours(whole.c_str());
+    auto const from = static_cast<std::size_t>(std::max(start, 0));
+    int const next = asPosition(whole.find(plain, from));
+    int const before = start < 0 ? -1 : asPosition(whole.rfind(plain, from));
+    require(ours.Find(pattern, start) == next && ours.FindIC(upper, start) == next);
+    require(ours.RFind(pattern, start) == before && ours.RFindIC(upper, start) == before);
+
+    std::size_t const first = whole.find(plain);
+    std::size_t const last = whole.rfind(plain);
+    require(ours.Find(pattern) == asPosition(first) && ours.FindIC(upper) == asPosition(first));
+    require(ours.RFind(pattern) == asPosition(last) && ours.RFindIC(upper) == asPosition(last));
+    bool const found = first != std::string::npos;
+    String const left(found ? whole.substr(0, first).c_str() : "");
+    String const right(found ? whole.substr(first + length).c_str() : "");
+    String const tail(found ? whole.substr(last + length).c_str() : "");
+    require(ours.LeftOf(pattern) == left && ours.LeftOfIC(upper) == left);
+    require(ours.RightOf(pattern) == right && ours.RightOfIC(upper) == right);
+    require(ours.RightBy(pattern) == tail && ours.RightByIC(upper) == tail);
+}
+
 void search(Arguments& arguments) {
     std::string const whole = arguments.Text(24);
-    std::string const pattern = arguments.Text(3) + "a";
+    std::string const plain = arguments.Text(3) + "a";
     int const start = arguments.Position(whole);
     String const ours(whole.c_str());
-    std::size_t const from = static_cast<std::size_t>(std::max(start, 0));
-    require(ours.Find(pattern.c_str(), start) == asPosition(whole.find(pattern, from)));
-    require(ours.Find(pattern[0], start) == asPosition(whole.find(pattern[0], from)));
-    int const last = start < 0 ? -1 : asPosition(whole.rfind(pattern, from));
-    require(ours.RFind(pattern.c_str(), start) == last);
-    String const upper = ours.UpperCase();
-    String const upperPattern = String(pattern.c_str()).UpperCase();
-    require(ours.FindIC(upperPattern, start) == upper.Find(upperPattern, start));
-    require(ours.RFindIC(upperPattern, start) == upper.RFind(upperPattern, start));
-    require((ours.Compare(pattern.c_str()) <=> 0) == (asSigned(whole) <=> asSigned(pattern)));
+    String const pattern(plain.c_str());
+    String const upper = pattern.UpperCase();
+    searchFor(whole, start, plain, pattern, upper, plain.size());
+    searchFor(whole, start, plain[0], plain[0], String::ToUpper(plain[0]), 1);
+    require(ours.StartsWith(pattern) == whole.starts_with(plain));
+    require(ours.StartsWithIC(upper) == whole.starts_with(plain));
+    require(ours.EndsWith(pattern) == whole.ends_with(plain));
+    require(ours.EndsWithIC(upper) == whole.ends_with(plain));
+    require((ours.Compare(plain.c_str()) <=> 0) == (asSigned(whole) <=> asSigned(plain)));
+
+    auto const from = static_cast<std::size_t>(std::max(start, 0));
+    require(ours.FindDelimiter(pattern, start) == asPosition(whole.find_first_of(plain, from)));
+    require(ours.FindNotDelimiter(pattern, start) ==
+            asPosition(whole.find_first_not_of(plain, from)));
+    require(ours.FindDelimiter(pattern) == asPosition(whole.find_first_of(plain)));
+    require(ours.FindNotDelimiter(pattern) == asPosition(whole.find_first_not_of(plain)));
+    require(ours.LastDelimiter(pattern) == asPosition(whole.find_last_of(plain)));
+    require(ours.LastNotDelimiter(pattern) == asPosition(whole.find_last_not_of(plain)));
+    require(ours.CountChars(plain[0]) == std::count(whole.begin(), whole.end(), plain[0]));
+}
+
+/// A text comes back from units of any width, up to the room that it was given.
+template <class Unit>
+void throughUnits(String const& text, int room, core::Buffer const& units) {
+    std::vector<Unit> out(static_cast<std::size_t>(room) + 1, 9);
+    String const kept = text.Left(std::max(room - 1, 0));
+    require(text.GetString(out.data(), room) == kept.GetLength());
+    require(room == 0 || (out[static_cast<std::size_t>(room)] == 9));
+    String back("before");
+    back.SetString(out.data(), room);
+    require(back == kept);
+    auto const* const first = reinterpret_cast<Unit const*>(units.GetData());
+    back.SetString(first, units.GetSize() / static_cast<int>(sizeof(Unit)));
+    require(back == text);
 }
 
 /// One text that is edited on and on, and the copies that were made on the way.
@@ -148,6 +197,10 @@ void takeAnyArgument(Arguments& arguments) {
     int const length = text.GetLength();
     require(text.Copy(a, b, b, a).GetLength() <= 2 * length);
     require(text.CopyRange(a, b, true).Right(a).GetLength() <= length);
+    int const room = arguments.Number(0, 15);
+    throughUnits<char>(text, room, text.GetAnsiBuffer());
+    throughUnits<unsigned short>(text, room, text.GetUnicode16Buffer());
+    throughUnits<unsigned int>(text, room, text.GetUnicode32Buffer());
     require((text.GetChar(a) == '\0') == (a < 0 || a >= length));
     require(text.GetProperty("a", a).GetLength() <= length);
     text.SetChar(a, 'x');
