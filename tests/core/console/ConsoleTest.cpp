@@ -3,6 +3,8 @@
 #include <cstdio>
 
 #include "core/console/Console.h"
+#include "core/console/ProgressLine.h"
+#include "core/console/UsageText.h"
 #include "core/console/errorLine.h"
 #include "tests/support/lines.h"
 
@@ -59,10 +61,23 @@ TEST(Console, AnOutputThatIsNoTerminalGetsPlainText) {
                   Console::write(Console::color("OK", Console::Color::green), true);
                   Console::write(nullptr, "\x1B[31mno \x1B[2Jconsole", true);
                   Console::ewrite("\x1B[1;31mred\x1B[?25h \x1B[2J\x1B[Hcut\x1B[12", true);
-                  String("no \x1B line end\x1B").print(false);
+                  String("no \x1B line end\x1B").print();
                   Console::write("\x1B[", true);
+                  core::ProgressLine progress;
+                  progress.Show("1 of 9");
+                  progress.Show("9 of 9");
+                  progress.End();
+                  progress.Show("1 of 2");
               }),
-              "C, OK\nno console\nred25h cut\nno \x1B line end\x1B\n");
+              "C, OK\nno console\nred25h cut\nno \x1B line end\x1B\n"
+              "1 of 9\n9 of 9          \n1 of 2\n");
+    EXPECT_FALSE(Console::hasLostText());
+}
+
+TEST(Console, UsageScreensHaveTheirColours) {
+    using namespace core::usage;
+    EXPECT_EQ(shown(heading("h") + literal("l") + optional("o") + option("-o", ": m")),
+              " [93mh [39m [97ml [39m [37mo [39m\t [96m-o [39m: m");
 }
 
 TEST(Console, ErrorLineReplacesEveryEqualsSign) {

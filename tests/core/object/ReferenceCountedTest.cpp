@@ -1,10 +1,12 @@
 #include <gtest/gtest.h>
 
 #include <thread>
+#include <utility>
 #include <vector>
 
 #include "core/object/BasicClass.h"
 #include "core/object/ClassRef.h"
+#include "core/object/RootClass.h"
 
 namespace {
 
@@ -45,6 +47,22 @@ TEST(ReferenceCounted, LivesAsLongAsItsReferences) {
     ASSERT_FALSE(deleted);
     second = nullptr;
     EXPECT_TRUE(deleted);
+}
+
+TEST(ReferenceCounted, CopiesAndDeletesAtOnce) {
+    bool deleted = false;
+    core::ClassRef<Counted> const held(new Counted(deleted));
+    auto* copy = new Counted(*held);
+    EXPECT_EQ(copy->_getRefCount(), 0) << "a copy has no references";
+    *static_cast<core::BasicClass*>(copy) = *held;
+    EXPECT_EQ(copy->_getRefCount(), 0);
+    core::_deferDeletion(static_cast<core::BasicClass*>(copy));
+    EXPECT_TRUE(std::exchange(deleted, false));
+    core::_deferDeletion(static_cast<core::ReferenceCounted*>(new Counted(deleted)));
+    EXPECT_TRUE(std::exchange(deleted, false));
+    EXPECT_STREQ(held->ClassName(), "BasicClass");
+    EXPECT_STREQ(held.ClassName(), "ClassRef");
+    EXPECT_STREQ(core::RootClass().ClassName(), "RootClass");
 }
 
 TEST(ReferenceCounted, CountsOnSeveralThreads) {

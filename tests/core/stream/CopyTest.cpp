@@ -4,6 +4,7 @@
 #include <cerrno>
 #include <climits>
 
+#include "core/stream/FileStream.h"
 #include "core/stream/MemoryStream.h"
 #include "tests/support/CopyWatcher.h"
 
@@ -65,7 +66,17 @@ TEST(Copy, ReturnsTheErrorOfTheStepThatFailed) {
         source.Seek(0);
         EXPECT_EQ(source.CopyTo(full, false, false, nullptr), failure == 0 ? -EIO : failure);
         EXPECT_EQ(full.Content(), bytes(3500));
+        FrailStream again(3500, failure);
+        source.Seek(0);
+        EXPECT_EQ(source.WriteTo(again), failure == 0 ? -1 : failure);
+        EXPECT_EQ(again.Content(), bytes(3500));
     }
+    FrailStream whole(INT_MAX, 0);
+    source.Seek(0);
+    EXPECT_EQ(source.WriteTo(whole), 2 * piece);
+    EXPECT_EQ(whole.Content(), source.Content());
+    core::FileStream closed;
+    EXPECT_EQ(closed.WriteTo(whole) + closed.CopyTo(whole, true, true, nullptr), -2 * EBADF);
     FrailStream unsafe(INT_MAX, 0);
     source.Seek(0);
     EXPECT_EQ(source.CopyTo(unsafe, false, true, nullptr), -EIO) << "its Sync fails";

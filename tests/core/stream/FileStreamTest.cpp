@@ -20,6 +20,9 @@ TEST_F(FileStreamTest, OneThatIsNotOpenFails) {
     EXPECT_EQ(stream.Open(Path("none"), platform::openRead), -ENOENT);
     EXPECT_FALSE(stream.IsOpened());
     EXPECT_EQ(stream.Close(), 0);
+    EXPECT_EQ(stream.Size() + stream.Sync() + stream.CutAt(0), -3 * EBADF);
+    EXPECT_STREQ(stream.ClassName(), "FileStream");
+    EXPECT_STREQ(core::HandleStream().ClassName(), "HandleStream");
 }
 
 TEST_F(FileStreamTest, GoesToPositionsBeyondFourGiB) {
@@ -34,6 +37,8 @@ TEST_F(FileStreamTest, GoesToPositionsBeyondFourGiB) {
     char read[4] = {};
     EXPECT_EQ(stream.Read(read, 4), 3);
     EXPECT_STREQ(read, "end");
+    EXPECT_EQ(stream.CutAt(far), 0);
+    EXPECT_EQ(stream.Sync() + stream.Size(), far);
 }
 
 }  // namespace

@@ -11,6 +11,21 @@ using core::Buffer;
 using core::MemoryStream;
 using Origin = core::Stream::SeekOrigin;
 
+/// Knows no positions.
+class Pipe : public core::Stream {
+    int Read(void*, int) override { return 0; }
+    int Write(void const*, int count) override { return count; }
+};
+
+TEST(MemoryStream, IsASeekableStream) {
+    Pipe pipe;
+    EXPECT_EQ(pipe.Seek(0), -ESPIPE);
+    EXPECT_EQ(pipe.Size(), -ESPIPE);
+    EXPECT_EQ(pipe.Sync(), 0);
+    EXPECT_STREQ(pipe.ClassName(), "Stream");
+    EXPECT_STREQ(MemoryStream().ClassName(), "MemoryStream");
+}
+
 TEST(MemoryStream, ReadsAndWritesAnywhereAndNowhereElse) {
     MemoryStream stream(Buffer("abcd", 4));
     EXPECT_EQ(stream.Seek(2), 2);

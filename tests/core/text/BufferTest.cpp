@@ -36,10 +36,7 @@ TEST(Buffer, CarriesTextsInAnyWidth) {
     EXPECT_EQ(text.GetRawBuffer(), Buffer("A\xE4z", 3));
     EXPECT_EQ(text.GetUnicode16Buffer(), Buffer(units16, 6));
     EXPECT_EQ(text.GetUnicode32Buffer(), Buffer(units32, sizeof units32));
-
     String back;
-    back.SetString(units16, 3);
-    EXPECT_EQ(back, text);
     back.SetString(units16);
     EXPECT_EQ(back, "A\xE4zAb") << "only the low 8 bits count, and a NUL among them ends the text";
     back.SetString(static_cast<unsigned int const*>(nullptr), 5);
@@ -48,8 +45,6 @@ TEST(Buffer, CarriesTextsInAnyWidth) {
 
 TEST(Buffer, RoomOfAnySizeGetsWhatFitsAndANul) {
     char room[6] = {'#', '#', '#', '#', '#', '#'};
-    EXPECT_EQ(String("abc").GetString(room, 3), 2);
-    EXPECT_EQ(std::string_view(room, 4), std::string_view("ab\0#", 4));
     EXPECT_EQ(String("abc").GetString(static_cast<char*>(nullptr), 9), 0);
     EXPECT_EQ(core::_strCopyLimited(room, 4, "abcdef"), 3);
     EXPECT_EQ(std::string_view(room, 6), std::string_view("abc\0##", 6));

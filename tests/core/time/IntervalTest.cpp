@@ -38,9 +38,15 @@ TEST(Interval, RoundsAndSaturates) {
     EXPECT_EQ(core::math::RoundToInt64(2.5), 3);
     EXPECT_EQ(core::math::RoundToInt64(-2.5), -3);
     EXPECT_EQ(core::math::RoundToInt64(0.0 / 0.0), 0);
+    EXPECT_EQ(core::math::RoundToInt64(1e19), LLONG_MAX);
+    EXPECT_EQ(core::math::RoundToInt64(-1e19), LLONG_MIN);
     EXPECT_EQ(core::math::SubtractSaturated(-1, LLONG_MIN), LLONG_MAX);
+    EXPECT_EQ(core::math::SubtractSaturated(LLONG_MIN, 1), LLONG_MIN);
+    EXPECT_EQ(core::math::AddSaturated(LLONG_MIN, -1), LLONG_MIN);
 
-    EXPECT_EQ(TimeVal(-2, 1500000).GetMilliseconds(), -500);
+    TimeVal const carried(-2, 1500000);
+    EXPECT_EQ(carried.GetSeconds() * 10 + carried.GetMicroseconds(), 499990);
+    EXPECT_EQ(carried.GetMilliseconds(), -500);
     EXPECT_EQ(TimeVal(0, -1).GetMilliseconds(), -1) << "rounded down";
     EXPECT_EQ(TimeVal(LLONG_MAX, LLONG_MAX).GetMilliseconds(), LLONG_MAX);
     for (long long ms : {LLONG_MIN, -1001LL, 0LL, 1LL, LLONG_MAX}) {

@@ -63,7 +63,18 @@ TEST(Time, CalculatesWithoutOverflow) {
     EXPECT_EQ(time.ToString(), "2020-03-01 00:00:00.000");
 }
 
+TEST(Time, TellsTheCurrentTime) {
+    long long const before = std::time(nullptr);
+    long long const microseconds = Time::utcus();
+    Time const now = Time::getStandardTime(true);
+    Time const second = Time::getStandardTime(false);
+    EXPECT_TRUE(before <= microseconds / 1000000 && Time(microseconds / 1000) <= now);
+    EXPECT_EQ(second.GetMilliseconds() % 1000, 0);
+    EXPECT_TRUE(now - second < Interval(1000) && second <= Time(std::time(nullptr) * 1000));
+}
+
 TEST(Time, ConvertsJulianDays) {
+    EXPECT_EQ(Time::timeToJulianModified(Time::encode(2000, 1, 1)), 51544);
     EXPECT_EQ(Time::timeToJulian(Time::encode(2000, 1, 1, 12)), 2451545.0);
     EXPECT_EQ(Time::julianToTimeModified(0).ToString(), "1858-11-17 00:00:00.000");
     EXPECT_EQ(Time::julianToTime(Time::timeToJulian(sample)), sample);

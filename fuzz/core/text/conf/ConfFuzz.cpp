@@ -8,23 +8,36 @@ namespace {
 using core::String;
 using core::StringArray;
 
-/// Gives its bytes in pieces of a few each.
-class Pieces : public core::IStream {
+/// Reads or writes its bytes in chunks of a few each, and returns end after the last one.
+class Chunks : public core::IStream {
 public:
-    Pieces(std::string bytes, int pieceSize) : bytes_(std::move(bytes)), pieceSize_(pieceSize) {}
+    Chunks(std::string bytes, int chunkSize, int end = 0)
+        : bytes_(std::move(bytes)), chunkSize_(chunkSize), end_(end) {}
 
     int Read(void* buffer, int count) override {
-        auto const length = static_cast<std::size_t>(std::min(count, pieceSize_));
-        std::string const piece = bytes_.substr(done_, length);
-        std::copy(piece.begin(), piece.end(), static_cast<char*>(buffer));
-        done_ += piece.size();
-        return static_cast<int>(piece.size());
+        std::string const chunk = Next(count);
+        std::copy(chunk.begin(), chunk.end(), static_cast<char*>(buffer));
+        return chunk.empty() ? end_ : static_cast<int>(chunk.size());
     }
-    int Write(void const*, int) override { return -1; }
+    /// Accepts its bytes only.
+    int Write(void const* data, int count) override {
+        std::string const chunk = Next(count);
+        require(std::equal(chunk.begin(), chunk.end(), static_cast<char const*>(data)));
+        return chunk.empty() ? end_ : static_cast<int>(chunk.size());
+    }
+    bool IsAtEnd() const { return done_ == bytes_.size(); }
 
 private:
+    std::string Next(int count) {
+        auto const length = static_cast<std::size_t>(std::min(count, chunkSize_));
+        std::string const chunk = bytes_.substr(done_, length);
+        done_ += chunk.size();
+        return chunk;
+    }
+
     std::string const bytes_;
-    int const pieceSize_;
+    int const chunkSize_;
+    int const end_;
     std::size_t done_ = 0;
 };
 
@@ -32,14 +45,27 @@ bool same(StringArray const& one, StringArray const& other) {
     return one.Count() == other.Count() && one.AsString() == other.AsString();
 }
 
+/// A list is saved as one text, or not at all if the stream is full before its end.
+void requireSaves(StringArray const& list, int chunkSize) {
+    std::string const text(list.AsString().View());
+    Chunks stream(text, chunkSize);
+    require(list.SaveTo(&stream) && stream.IsAtEnd());
+    Chunks full(text.substr(0, text.size() / 2), chunkSize, static_cast<int>(text.size() % 2) - 1);
+    require(text.empty() || !list.SaveTo(&full));
+}
+
 /// The lines of a text are the same however it comes.
-void requireSameLines(std::string const& bytes, int pieceSize) {
+void requireSameLines(std::string const& bytes, int chunkSize) {
     StringArray fromStream;
-    Pieces pieces(bytes, pieceSize);
-    require(fromStream.LoadFrom(&pieces));
+    Chunks chunks(bytes, chunkSize);
+    require(fromStream.LoadFrom(&chunks));
     StringArray fromText;
     fromText.LoadFrom(String(bytes.c_str()));
     require(same(fromText, fromStream));
+    Chunks broken(bytes, chunkSize, -1);
+    require(!fromStream.LoadFrom(&broken) && !fromStream.LoadAsConfFileFrom(&broken));
+    require(same(fromText, fromStream));
+    requireSaves(fromText, chunkSize);
     require(fromText.AsString().ReplaceNewLine("") == String(bytes.c_str()).ReplaceNewLine(""));
 }
 
@@ -74,19 +100,19 @@ void requireCountedList(StringArray const& conf, String const& name) {
 
 }  // namespace
 
-/// The size of the pieces, a line with the name of a list, then the configuration.
+/// The size of the chunks, a line with the name of a list, then the configuration.
 extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {
     Input input(data, size);
-    int const pieceSize = 1 + input.Byte();
+    int const chunkSize = 1 + input.Byte();
     String const name(input.Line().c_str());
     std::string const bytes = input.Rest();
 
     StringArray fromStream;
-    Pieces pieces(bytes, pieceSize);
-    require(fromStream.LoadAsConfFileFrom(&pieces));
+    Chunks chunks(bytes, chunkSize);
+    require(fromStream.LoadAsConfFileFrom(&chunks));
     requireSense(fromStream);
     if (bytes.find('\0') == std::string::npos) {
-        requireSameLines(bytes, pieceSize);
+        requireSameLines(bytes, chunkSize);
     }
     requireCountedList(fromStream, name);
     return 0;
