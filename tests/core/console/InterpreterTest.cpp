@@ -5,6 +5,14 @@ namespace {
 
 using core::Console;
 
+TEST(Interpreter, BeginsWithGreyOnBlackAndTheFirstCell) {
+    MemoryScreen screen(80, 30, 25);
+    screen.fillAttribute({0, 0}, 1, 1);
+    screen.setCursor({5, 5});
+    Console::write(screen, "\x1B[u\x1B[K", false);
+    EXPECT_EQ(screen.AttributeAt({0, 0}), 7);
+}
+
 TEST(Interpreter, RowsOnAScreenInMemory) {
     MemoryScreen screen(80, 30, 25);
     auto const cellAt = [&](auto at) {

@@ -22,6 +22,7 @@ TEST(MemoryStream, IsASeekableStream) {
     EXPECT_EQ(pipe.Seek(0), -ESPIPE);
     EXPECT_EQ(pipe.Size(), -ESPIPE);
     EXPECT_EQ(pipe.Sync(), 0);
+    EXPECT_EQ(MemoryStream(Buffer("\0", 1)).CopyTo(pipe, true, false, nullptr), -ESPIPE);
     EXPECT_STREQ(pipe.ClassName(), "Stream");
     EXPECT_STREQ(MemoryStream().ClassName(), "MemoryStream");
 }

@@ -103,7 +103,7 @@ TEST(String, Replaces) {
     EXPECT_EQ(joined({String("xax").Replace("x", "xx"), String("abc").Replace("", "Z"),
                       String("").Replace("", "Z"), String("xAxa").ReplaceIC("a", "b")}),
               "xxaxx|abcZ||xbxb|");
-    EXPECT_EQ(String("1\r\n2\n\n3\r").ReplaceNewLine("|"), "1|2||3|");
+    EXPECT_EQ(String("X\r\n2\n\n3\r").ReplaceNewLine("|"), "X|2||3|");
     EXPECT_EQ(String("1\r\n2").FilterNewLineChar('-'), "1--2");
     EXPECT_EQ(String("1\r\n2").FilterNewLineChar('\0'), "12");
 }
