@@ -55,8 +55,8 @@ void StringPool::deleteChunks() {
         Chunk* const chunk = chunks_;
         chunks_ = chunk->next;
         delete chunk;
+        --chunkCount_;
     }
-    chunkCount_ = 0;
     fresh_ = RecordsPerChunk;
     firstFree_ = nullptr;
 }

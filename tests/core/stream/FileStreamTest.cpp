@@ -4,6 +4,7 @@
 
 #include "core/stream/FileStream.h"
 #include "tests/support/FolderTest.h"
+#include "tests/support/system.h"
 
 namespace {
 
@@ -26,6 +27,13 @@ TEST_F(FileStreamTest, OneThatIsNotOpenFails) {
 }
 
 TEST_F(FileStreamTest, GoesToPositionsBeyondFourGiB) {
+    long const before = support::openDescriptors();
+    {
+        FileStream closes;
+        EXPECT_EQ(closes.Open(Path("g"), platform::openWrite | platform::openCreate), 0);
+        EXPECT_EQ(closes.Open(Path("g"), platform::openWrite), 0);
+    }
+    EXPECT_EQ(support::openDescriptors(), before);
     FileStream stream;
     unsigned const mode = platform::openRead | platform::openWrite | platform::openCreate;
     ASSERT_EQ(stream.Open(Path("f"), mode), 0);

@@ -56,18 +56,25 @@ struct Call {
           value(input.Line()) {}
 };
 
-/// Without a width nothing is padded, however a text is given.
-void requirePlain(String const& value) {
-    String const expected = '[' + value + ']';
+/// Without a width a text is not padded; with one, with spaces on its right, however it is given.
+void requireText(String const& value, int width) {
     char const* const plain = value.getCString();
-    String const numbered("[%1]");
-    String const named("[%[n]]");
+    String const numbered("%1");
+    String const named("%[n]");
     for (String const& result :
-         {numbered.argi(1, value), numbered.argi(1, plain), String("[%1]").argi(1, value),
-          String("[%1]").argi(1, plain), numbered.argi_choice(1, true, value, "x"),
+         {numbered.argi(1, value), numbered.argi(1, plain), String("%1").argi(1, value),
+          String("%1").argi(1, plain), numbered.argi_choice(1, true, value, "x"),
           named.argn("n", value), named.argn("n", plain),
           named.argn_choice("n", false, "x", value)}) {
-        require(result == expected);
+        require(result == value);
+    }
+    String const padded = value.GetAligned(width, String::AlignLeft, ' ');
+    for (String const& result :
+         {numbered.argi(1, value, width), numbered.argi(1, plain, width),
+          String("%1").argi(1, value, width), String("%1").argi(1, plain, width),
+          numbered.argi_choice(1, true, value, "x", width), named.argn("n", value, width),
+          named.argn("n", plain, width), named.argn_choice("n", false, "x", value, width)}) {
+        require(result == padded);
     }
 }
 
@@ -85,8 +92,8 @@ void requireSame(Number number, int width) {
 
 String withText(String const& text, Call const& call) {
     String const value(call.value.c_str());
-    requirePlain(value);
-    requirePlain("");
+    requireText(value, call.width);
+    requireText("", call.width);
     String const result = text.argi(call.index, value, call.width, call.align, call.fill);
     String const padded = value.GetAligned(call.width, call.align, call.fill);
     require(result == text.argi(call.index, padded));
