@@ -27,15 +27,14 @@ TEST_F(FileStreamTest, OneThatIsNotOpenFails) {
 }
 
 TEST_F(FileStreamTest, GoesToPositionsBeyondFourGiB) {
+    unsigned const mode = platform::openRead | platform::openWrite | platform::openCreate;
     long const before = support::openDescriptors();
     {
         FileStream closes;
-        EXPECT_EQ(closes.Open(Path("g"), platform::openWrite | platform::openCreate), 0);
-        EXPECT_EQ(closes.Open(Path("g"), platform::openWrite), 0);
+        EXPECT_EQ(closes.Open(Path("f"), mode) + closes.Open(Path("f"), mode), 0);
     }
     EXPECT_EQ(support::openDescriptors(), before);
     FileStream stream;
-    unsigned const mode = platform::openRead | platform::openWrite | platform::openCreate;
     ASSERT_EQ(stream.Open(Path("f"), mode), 0);
     long long const far = 5'000'000'000;
     EXPECT_EQ(stream.Seek(far), far);
@@ -45,8 +44,7 @@ TEST_F(FileStreamTest, GoesToPositionsBeyondFourGiB) {
     char read[4] = {};
     EXPECT_EQ(stream.Read(read, 4), 3);
     EXPECT_STREQ(read, "end");
-    EXPECT_EQ(stream.CutAt(far), 0);
-    EXPECT_EQ(stream.Sync() + stream.Size(), far);
+    EXPECT_EQ(stream.CutAt(far) + stream.Sync() + stream.Size(), far);
 }
 
 }  // namespace

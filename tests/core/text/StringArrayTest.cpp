@@ -23,12 +23,11 @@ TEST(StringArray, GrowsByItsStepAndKeepsEntriesInPlace) {
     list.Clear();
     EXPECT_EQ(list.Count() + list.Capacity(), 0);
 
-    StringArray wide(INT_MAX);
-    wide.Add("x");
-    EXPECT_EQ(wide.Capacity(), 0x10000);
-    StringArray narrow(0);
-    narrow.Add("x");
-    EXPECT_EQ(narrow.Capacity(), 1);
+    for (auto const& [step, capacity] : {std::pair{INT_MAX, 0x10000}, std::pair{0, 1}}) {
+        StringArray clamped(step);
+        clamped.Add("x");
+        EXPECT_EQ(clamped.Capacity(), capacity);
+    }
 }
 
 TEST(StringArray, CopiesDeeply) {
@@ -152,7 +151,6 @@ TEST(StringArrayText, HoldsLongLists) {
     conf.SetCountedList("list", list);
     conf.LoadAsConfFileFrom(conf.AsString());
     EXPECT_EQ(conf.GetCountedList("list", list), count);
-    EXPECT_EQ(list.Count(), 2 * count);
 }
 
 }  // namespace

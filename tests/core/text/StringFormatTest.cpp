@@ -33,10 +33,7 @@ TEST(StringFormat, FindsNumberedPlaceholders) {
 
 TEST(StringFormat, FindsNamedPlaceholders) {
     EXPECT_EQ(String("%[Name]=%[name]!").argn("NAME", "x"), "x=x!");
-    EXPECT_EQ(String("%[a%[b]").argn("b", "x"), "%[a%[b]") << "a name reaches to the next \"]\"";
     EXPECT_EQ(String("<%[n]>").argn("n", 255u, 4, 16), "<00FF>");
-    EXPECT_EQ(String("<%[n]>").argn_choice("n", false, "yes", "no", 4), "<no  >");
-    EXPECT_EQ(String("%[n").argn("n", "x"), "%[n");
     EXPECT_EQ(String("%[n]").argn("n", reinterpret_cast<void*>(0xAB)), "0x000000AB");
 }
 

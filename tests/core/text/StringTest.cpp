@@ -23,9 +23,6 @@ TEST(String, TakesTextUpToItsLengthOrItsEnd) {
     EXPECT_EQ(String(std::string_view("ab\0cd", 5)), "ab") << "a NUL ends the text on every way in";
     EXPECT_EQ(String::OfChar('-', -3), "");
     String text("old");
-    text.SetBuffer(nullptr, 5);
-    EXPECT_EQ(text, "");
-    text = "old";
     text.SetBuffer("new", -1);
     EXPECT_EQ(text, "");
 }
@@ -104,7 +101,7 @@ TEST(StringPool, GivesItsChunksBack) {
 
 TEST(StringPool, ServesThreadsThatOwnTheirTexts) {
     String const origin("handed over");
-    std::vector<std::thread> threads;
+    std::vector<std::jthread> threads;
     for (int i = 0; i < 4; ++i) {
         String own(origin);
         own.Unique();
@@ -116,9 +113,7 @@ TEST(StringPool, ServesThreadsThatOwnTheirTexts) {
             }
         });
     }
-    for (std::thread& thread : threads) {
-        thread.join();
-    }
+    threads.clear();
     EXPECT_EQ(origin, "handed over");
 }
 

@@ -68,10 +68,8 @@ TEST(RealConsole, SequencesGoToTheGivenHandleAndTextToStandardOutput) {
         ScreenBuffer const output;
         core::Console::write(given.Handle(), "\x1B[2;1H\x1B[31mX", false);
         EXPECT_EQ(output.At({0, 0}).text, 'X');
-        EXPECT_NE(output.At({0, 0}).attribute, 4);
     }
     core::Console::write("Y", false);
-    EXPECT_EQ(given.At({0, 1}).text, 'Y');
     EXPECT_EQ(given.At({0, 1}).attribute, 4);
 }
 
