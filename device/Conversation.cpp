@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <limits>
 
+#include "core/archive/StreamSequencerReader.h"
 #include "core/crc/crc32.h"
 #include "update/protocol/UpdateNotification.h"
 #include "update/protocol/UpdateTransferHeader.h"
@@ -101,7 +102,8 @@ bool Conversation::TakeFile() {
         observer_.OnData(piece, got);
         crc_ = core::crc32::update(piece, got, crc_);
         bytes_ += static_cast<std::uint32_t>(got);
-        if (!inbox_.Keep(piece, got)) {
+        if (int const error = inbox_.Keep(piece, got); error != 0) {
+            ReportFileError(error);
             return Refuse(Step::Data, DeviceStatus::ReadWriteError);
         }
         if (!Act(Step::Data, {}, static_cast<std::uint32_t>(got))) {
@@ -147,12 +149,20 @@ bool Conversation::ReportProgress() {
 }
 
 std::optional<DeviceStatus> Conversation::ArchiveFault() {
-    core::StreamSequencerReader reader;
-    int const result = inbox_.ReadArchive(reader);
-    observer_.OnArchive(result, reader.FileCount());
     using Reader = core::StreamSequencerReader;
+    Reader reader;
+    int error = inbox_.Open();
+    reader.SetStream(inbox_.File());
+    int const result = reader.Read();
+    if (error == 0) {
+        error = reader.GetReadError();
+    }
+    if (error != 0) {
+        observer_.OnNotChecked(error, inbox_.Path());
+        return DeviceStatus::ReadWriteError;
+    }
+    observer_.OnArchive(result, reader.FileCount());
     Check const checks[] = {
-        {reader.GetReadError() == 0, DeviceStatus::ReadWriteError},
         {result != Reader::endsEarly, DeviceStatus::InvalidDataSize},
         {result != Reader::notAnArchive && result != Reader::wrongTrailer,
          DeviceStatus::InvalidMagic},
@@ -165,10 +175,17 @@ std::optional<DeviceStatus> Conversation::ArchiveFault() {
 }
 
 bool Conversation::Store() {
-    core::String path;
-    int const result = inbox_.Store(path);
-    observer_.OnStored(result, path);
+    int const result = inbox_.Store();
+    observer_.OnStored(result, inbox_.Path());
     return result == 0;
+}
+
+void Conversation::ReportFileError(int error) {
+    if (inbox_.Stores()) {
+        observer_.OnStored(error, inbox_.Path());
+    } else {
+        observer_.OnNotChecked(error, inbox_.Path());
+    }
 }
 
 bool Conversation::Act(Step step, std::optional<Notification> answer, std::uint32_t newBytes) {

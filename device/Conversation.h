@@ -35,6 +35,8 @@ private:
     /// What is wrong with the update as an archive; nothing when it is sound.
     std::optional<update::DeviceStatus> ArchiveFault();
     bool Store();
+    /// Reports why the update cannot be kept.
+    void ReportFileError(int error);
     bool Act(Step step, std::optional<Notification> answer, std::uint32_t newBytes = 0);
     bool Answer(Step step, std::uint32_t code, std::uint32_t value);
     bool Refuse(Step step, update::DeviceStatus status);

@@ -4,6 +4,7 @@
 
 #include "core/net/Socket.h"
 #include "core/text/StringArray.h"
+#include "core/text/printable.h"
 #include "core/text/readNumber.h"
 #include "device/loadScenario.h"
 #include "device/println.h"
@@ -116,11 +117,15 @@ bool DeviceApplication::ReadCount() {
 }
 
 bool DeviceApplication::ReadFolder() {
-    if (GetOptionValues("d", intake_.folder) && !sys::file::isDirectory(intake_.folder)) {
-        return Quit(
-            {core::fault("Folder missing", "Cannot find the folder \"%1\" to store updates in",
-                         intake_.folder)},
-            failed);
+    String folder;
+    if (!GetOptionValues("d", folder)) {
+        return true;
+    }
+    intake_.folder = folder.View();
+    if (!sys::file::isDirectory(folder)) {
+        return Quit({core::fault("Folder missing",
+                                 "Cannot find the folder \"%1\" to store updates in", folder)},
+                    failed);
     }
     return true;
 }
@@ -135,7 +140,7 @@ bool DeviceApplication::ReadScenario() {
 }
 
 bool DeviceApplication::StartDevice(int index) {
-    String const prefix = count_ > 1 ? String::format("[%1] ").argi(1, index + 1) : String();
+    String const prefix = count_ > 1 ? core::message("[%1] ", index + 1) : String();
     auto const detail = FindOption("v") ? Reporter::Detail::bytes : Reporter::Detail::steps;
     Device& device = devices_.emplace_back();
     device.reporter =
@@ -153,8 +158,8 @@ bool DeviceApplication::StartDevice(int index) {
                                  address.GetAsString(true).Replace("|", ":"))},
                     failed);
     }
-    println(prefix.AppendNew(String::format("- Listening on: %1")
-                                 .argi(1, device.server->GetBoundName(0).Replace("|", ":"))));
+    println(core::message("%1- Listening on: %2", prefix,
+                          core::printable(device.server->GetBoundName(0).Replace("|", ":"))));
     return true;
 }
 

@@ -1,5 +1,7 @@
 #include "device/DeviceServer.h"
 
+#include <new>
+
 #include "device/Conversation.h"
 #include "device/Inbox.h"
 #include "device/Wire.h"
@@ -25,12 +27,22 @@ char const* DeviceServer::ClassName() const {
 
 void DeviceServer::HandleConnection(core::ClassRef<core::Socket>& socket, core::String const& bind,
                                     int) {
+    Outcome outcome = Outcome::exhausted;
+    try {
+        outcome = Serve(*socket, bind);
+    } catch (std::bad_alloc const&) {
+        // What the conversation held is released by now: the device goes on with the next.
+    }
+    observer_.OnEnd(outcome);
+}
+
+Outcome DeviceServer::Serve(core::Socket& socket, core::String const& bind) {
     core::String peer;
-    socket->GetTarget(peer);
+    socket.GetTarget(peer);
     observer_.OnConnection(peer);
-    Wire wire(*socket, limits_, observer_, stop_);
+    Wire wire(socket, limits_, observer_, stop_);
     core::String name;
-    if (socket->GetSockName(name, true) != core::socket_result::success) {
+    if (socket.GetSockName(name, true) != core::socket_result::success) {
         name = bind;
     }
     // A colon, which an IPv6 address has, is no part of a file's name everywhere.
@@ -39,7 +51,7 @@ void DeviceServer::HandleConnection(core::ClassRef<core::Socket>& socket, core::
     Conversation conversation(wire, behaviour_, observer_, inbox, ++updates_);
     Outcome const outcome = conversation.Run();
     wire.Finish();
-    observer_.OnEnd(outcome);
+    return outcome;
 }
 
 }  // namespace device

@@ -27,6 +27,8 @@ protected:
                           int index) override;
 
 private:
+    Outcome Serve(core::Socket& socket, core::String const& bind);
+
     Behaviour& behaviour_;
     Observer& observer_;
     DeviceLimits const limits_;

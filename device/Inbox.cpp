@@ -1,7 +1,6 @@
 #include "device/Inbox.h"
 
-#include <cerrno>
-
+#include "core/text/message.h"
 #include "sys/file.h"
 
 namespace device {
@@ -10,60 +9,60 @@ using core::String;
 
 namespace {
 
-/// The first name of this form that nothing has.
+/// A path that does not exist yet. Files are numbered from 1 on, so the end of the numbers in use
+/// is found by doubling and halving: a look at each of them would make every update slower than the
+/// last.
 String freePath(String const& folder, String const& device) {
-    for (int number = 1;; ++number) {
-        String path =
-            folder.AppendNewPath(String::format("%1-%2.rvl").argi(2, number).argi(1, device));
-        if (sys::file::getType(path) == sys::file::Type::none) {
-            return path;
-        }
+    auto const pathOf = [&](unsigned long long number) {
+        return folder.AppendNewPath(core::message("%1-%2.rvl", device, number));
+    };
+    auto const isFree = [&](unsigned long long number) {
+        return sys::file::getType(pathOf(number)) == sys::file::Type::none;
+    };
+    unsigned long long taken = 0;
+    unsigned long long free = 1;
+    while (!isFree(free)) {
+        taken = free;
+        free *= 2;
     }
+    while (free - taken > 1) {
+        unsigned long long const middle = taken + (free - taken) / 2;
+        (isFree(middle) ? free : taken) = middle;
+    }
+    return pathOf(free);
 }
 
 }  // namespace
 
 Inbox::Inbox(Intake const& intake, String const& device) : intake_(intake), device_(device) {}
 
-Inbox::~Inbox() {
-    temporary_.Close();
-    if (!temporaryPath_.IsEmpty()) {
-        sys::file::remove(temporaryPath_);
-    }
-}
-
 int Inbox::Open() {
     if (file_ != nullptr) {
         return 0;
     }
-    int result = 0;
+    path_ = Stores() ? freePath(intake_.folder.c_str(), device_) : sys::file::getTempPath();
+    int const result = Stores() ? stored_.Create(path_) : temporary_.Create();
+    if (result != 0) {
+        return result;
+    }
     if (Stores()) {
-        target_ = freePath(intake_.folder, device_);
-        result = stored_.Create(target_);
         file_ = &stored_;
     } else {
-        temporaryPath_ = sys::file::getTempFileName();
-        result =
-            temporary_.Open(temporaryPath_, sys::platform::openRead | sys::platform::openWrite);
         file_ = &temporary_;
     }
-    return result;
+    return 0;
 }
 
-bool Inbox::Keep(void const* bytes, int length) {
-    bool const needed = TakesArchivesOnly() || Stores();
-    return !needed || (Open() == 0 && file_->WriteAll(bytes, length) == 0);
+int Inbox::Keep(void const* bytes, int length) {
+    if (!TakesArchivesOnly() && !Stores()) {
+        return 0;
+    }
+    int const result = Open();
+    return result == 0 ? file_->WriteAll(bytes, length) : result;
 }
 
-int Inbox::ReadArchive(core::StreamSequencerReader& reader) {
-    Open();
-    reader.SetStream(file_);
-    return reader.Read();
-}
-
-int Inbox::Store(String& path) {
+int Inbox::Store() {
     int result = Open();
-    path = target_;
     if (result == 0) {
         result = stored_.Sync();
     }

@@ -1,45 +1,44 @@
 #pragma once
 
-#include "core/archive/StreamSequencerReader.h"
-#include "core/stream/FileStream.h"
 #include "core/text/String.h"
 #include "device/Intake.h"
 #include "sys/ReplacementFile.h"
+#include "sys/TemporaryFile.h"
 
 namespace device {
 
-/// Keeps an update in a file while it arrives, where it is to be looked into or stored.
+/// Keeps an update in a file while it arrives, where it is to be checked as an archive or stored.
+/// Unless it was stored, the file is deleted with this object.
 class Inbox {
 public:
-    /// device is what the names of stored files begin with.
+    /// Names of stored files begin with device. The intake must outlive this object.
     Inbox(Intake const& intake, core::String const& device);
     Inbox(Inbox const&) = delete;
     Inbox& operator=(Inbox const&) = delete;
-    /// Deletes the file, unless it was stored.
-    ~Inbox();
 
     bool TakesArchivesOnly() const { return intake_.archivesOnly; }
-    bool Stores() const { return !intake_.folder.IsEmpty(); }
+    bool Stores() const { return !intake_.folder.empty(); }
 
-    /// Keeps length more bytes; false when they could not be written.
-    bool Keep(void const* bytes, int length);
-    /// Reads all that was kept as an archive, as StreamSequencerReader::Read does. The reader may
-    /// be used until the file is stored.
-    int ReadArchive(core::StreamSequencerReader& reader);
-    /// Gives the file its name in the folder, "device-number.rvl", and tells it: 0, or a negative
-    /// error code. Until then nothing of that name is there.
-    int Store(core::String& path);
+    /// Creates the file unless it is open: 0 or a negative errno value.
+    int Open();
+    /// The path of the stored file or, where updates are not stored, the directory of temporary
+    /// files. Empty before Open.
+    core::String const& Path() const { return path_; }
+    /// The open file; null before Open has returned 0.
+    core::Stream* File() const { return file_; }
+
+    /// Keeps length more bytes where they are needed: 0 or a negative errno value.
+    int Keep(void const* bytes, int length);
+    /// Gives the file its name in the directory, "device-number.rvl": 0 or a negative errno value.
+    /// Until then no file of that name exists.
+    int Store();
 
 private:
-    /// Opens the file unless it is open.
-    int Open();
-
     Intake const& intake_;
     core::String const device_;
-    core::String target_;                 ///< of the stored file
+    core::String path_;
     sys::ReplacementFile stored_;         ///< the file where updates are stored
-    core::String temporaryPath_;          ///< that of the other
-    core::FileStream temporary_;          ///< the file where they are not
+    sys::TemporaryFile temporary_;        ///< the file where they are not
     core::HandleStream* file_ = nullptr;  ///< the one in use, once it is open
 };
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/text/String.h"
+#include <string>
 
 namespace device {
 
@@ -8,8 +8,9 @@ namespace device {
 struct Intake {
     /// Anything else than a sound archive is refused.
     bool archivesOnly = false;
-    /// Where whole updates are stored; empty: nowhere.
-    core::String folder;
+    /// The directory where whole updates are stored; empty: nowhere. Devices on several threads
+    /// read it, so it is not a core::String.
+    std::string folder;
 };
 
 }  // namespace device

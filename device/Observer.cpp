@@ -20,6 +20,8 @@ void Observer::OnFile(std::uint32_t, std::uint32_t) {}
 
 void Observer::OnArchive(int, int) {}
 
+void Observer::OnNotChecked(int, core::String const&) {}
+
 void Observer::OnStored(int, core::String const&) {}
 
 void Observer::OnTrailer(update::UpdateTransferTrailer const&) {}

@@ -31,7 +31,10 @@ public:
     /// The update was read as an archive, with the result of StreamSequencerReader::Read, and holds
     /// that many files. Only where the device takes nothing but archives.
     virtual void OnArchive(int result, int files);
-    /// The update was stored at path, or could not be, with a negative error code. Only where the
+    /// The update could not be read as an archive: its file, which is at path, failed with a
+    /// negative errno value. Comes in the place of OnArchive.
+    virtual void OnNotChecked(int error, core::String const& path);
+    /// The update was stored at path, or could not be, with a negative errno value. Only where the
     /// device stores updates.
     virtual void OnStored(int result, core::String const& path);
     virtual void OnTrailer(update::UpdateTransferTrailer const& trailer);

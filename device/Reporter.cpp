@@ -1,14 +1,16 @@
 #include "device/Reporter.h"
 
 #include <algorithm>
+#include <optional>
 #include <string_view>
 #include <utility>
 
 #include "core/console/Console.h"
-#include "core/console/errorLine.h"
 #include "core/runtime/Application.h"
 #include "core/text/TextBuilder.h"
 #include "core/text/errnoDescription.h"
+#include "core/text/message.h"
+#include "core/text/printable.h"
 #include "device/names.h"
 #include "device/println.h"
 
@@ -19,21 +21,34 @@ using core::String;
 
 namespace {
 
-struct OutcomeText {
-    Outcome outcome;
-    char const* error;  ///< title "=" message
-};
+/// How a conversation ended, unless the update is complete.
+std::optional<core::Fault> errorOf(Outcome outcome) {
+    switch (outcome) {
+        case Outcome::complete:
+            return {};
+        case Outcome::refused:
+            return core::fault("Update refused", "The updater was told why");
+        case Outcome::ended:
+            return core::fault("Connection ended",
+                               "The updater closed the connection before the end");
+        case Outcome::silent:
+            return core::fault("Updater silent", "Nothing came within the time limit");
+        case Outcome::stopped:
+            return core::fault("Stopped", "The update was broken off because the device stops");
+        case Outcome::misbehaved:
+            return core::fault("Update broken off", "The device could not or would not go on");
+        case Outcome::exhausted:
+            return core::fault("Out of memory", "The update was aborted");
+    }
+    return {};
+}
 
-constexpr OutcomeText outcomeTexts[] = {
-    {Outcome::refused, "Update refused=The updater was told why"},
-    {Outcome::ended, "Connection ended=The updater closed the connection before the end"},
-    {Outcome::silent, "Updater silent=Nothing came within the time limit"},
-    {Outcome::stopped, "Stopped=The update was broken off because the device stops"},
-    {Outcome::misbehaved, "Update broken off=The device could not or would not go on"},
-};
+core::Fault fileFault(char const* title, String const& path, int error) {
+    return core::fault(title, "\"%1\": %2", path, core::cLibraryErrorText(-error));
+}
 
-String hex(std::uint32_t word) {
-    return String::format("0x%1").argi(1, word, 8, 16);
+String word(std::uint32_t value) {
+    return core::hex(value, 8);
 }
 
 /// The bytes as they travel, in groups of four; of many only the first.
@@ -47,18 +62,17 @@ String dump(void const* bytes, int length) {
         char const pair[] = {digits[octets[i] / 16], digits[octets[i] % 16]};
         text.Append(std::string_view(pair, sizeof pair));
     }
-    return length <= most
-               ? text.AsString()
-               : String::format("%2 ... (%1 bytes)").argi(1, length).argi(2, text.AsString());
+    return length <= most ? text.AsString()
+                          : core::message("%1 ... (%2 bytes)", text.AsString(), length);
 }
 
 }  // namespace
 
 Reporter::Reporter(String const& prefix, Detail detail, std::atomic<int>* awaited)
-    : prefix_(prefix), detail_(detail), awaited_(awaited) {}
+    : prefix_(prefix.View()), detail_(detail), awaited_(awaited) {}
 
 void Reporter::Print(String const& line) const {
-    println(prefix_.AppendNew(line));
+    println(String(prefix_.c_str()).AppendNew(line));
 }
 
 void Reporter::Trace(char const* arrow, String const& what) const {
@@ -74,7 +88,7 @@ void Reporter::Trace(char const* arrow, String const& what) const {
 
 void Reporter::OnConnection(String const& peer) {
     clock_.Reset(0);
-    Print(String::format("- Connection from: %1").argi(1, peer.Replace("|", ":")));
+    Print(core::message("- Connection from: %1", core::printable(peer.Replace("|", ":"))));
 }
 
 void Reporter::OnReceived(void const* bytes, int length) {
@@ -86,56 +100,56 @@ void Reporter::OnSent(void const* bytes, int length) {
 }
 
 void Reporter::OnRequest(update::UpdateRequest const& request) {
-    Print(String::format("- Request: %1 (%2 bytes), CRC-32 %3")
-              .argi(1, core::FormatByteSize(request.fileSize, false))
-              .argi(2, request.fileSize)
-              .argi(3, hex(request.fileCrc)));
+    Print(core::message("- Request: %1 (%2 bytes), CRC-32 %3",
+                        core::FormatByteSize(request.fileSize, false), request.fileSize,
+                        word(request.fileCrc)));
 }
 
 void Reporter::OnHeader(update::UpdateTransferHeader const& header) {
-    Print(String::format("- Header: token %1").argi(1, hex(header.acceptToken)));
+    Print(core::message("- Header: token %1", word(header.acceptToken)));
 }
 
 void Reporter::OnFile(std::uint32_t size, std::uint32_t crc) {
-    Trace("<", String::format(" %1 bytes of the file").argi(1, size));
-    Print(String::format("- File received: %1 bytes, CRC-32 %2").argi(1, size).argi(2, hex(crc)));
+    Trace("<", core::message(" %1 bytes of the file", size));
+    Print(core::message("- File received: %1 bytes, CRC-32 %2", size, word(crc)));
 }
 
 void Reporter::OnArchive(int result, int files) {
-    Print(result == 0 ? String::format("- Archive: sound, files in it: %1").argi(1, files)
-                      : String::format("- Archive: not sound (%1)").argi(1, result));
+    Print(result == 0 ? core::message("- Archive: sound, files in it: %1", files)
+                      : core::message("- Archive: not sound (%1)", result));
+}
+
+void Reporter::OnNotChecked(int error, String const& path) {
+    Print(core::faultLine(fileFault("Update not checked", path, error)));
 }
 
 void Reporter::OnStored(int result, String const& path) {
     if (result == 0) {
-        Print(String::format("- Stored: %1").argi(1, path));
+        Print(core::message("- Stored: %1", core::printable(path)));
     } else {
-        Print(core::errorLine(String::format("Update not stored=\"%2\": %1")
-                                  .argi(1, core::cLibraryErrorText(-result))
-                                  .argi(2, path)));
+        Print(core::faultLine(fileFault("Update not stored", path, result)));
     }
 }
 
 void Reporter::OnTrailer(update::UpdateTransferTrailer const& trailer) {
-    Print(String::format("- Trailer: token %1").argi(1, hex(trailer.acceptToken)));
+    Print(core::message("- Trailer: token %1", word(trailer.acceptToken)));
 }
 
 void Reporter::OnNotification(std::uint32_t code, std::uint32_t value) {
-    Print(String::format("  Sent: %1, value %2").argi(1, nameOfCode(code)).argi(2, hex(value)));
+    Print(core::message("  Sent: %1, value %2", nameOfCode(code), word(value)));
 }
 
 void Reporter::OnEnd(Outcome outcome) {
     completed_ = outcome == Outcome::complete;
+    // First, because a line may find no memory: the application waits for the lines anyway.
+    if (awaited_ != nullptr && std::exchange(awaited_, nullptr)->fetch_sub(1) == 1) {
+        core::Application::RequestTermination(core::Application::normalRequest);
+    }
     if (completed_) {
         Print(Console::color("- The update is complete.", Console::Color::brightGreen));
     }
-    for (OutcomeText const& row : outcomeTexts) {
-        if (row.outcome == outcome) {
-            Print(core::errorLine(row.error));
-        }
-    }
-    if (awaited_ != nullptr && std::exchange(awaited_, nullptr)->fetch_sub(1) == 1) {
-        core::Application::RequestTermination(core::Application::normalRequest);
+    if (auto const error = errorOf(outcome)) {
+        Print(core::faultLine(*error));
     }
 }
 

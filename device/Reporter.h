@@ -1,6 +1,7 @@
 #pragma once
 
 #include <atomic>
+#include <string>
 
 #include "core/runtime/CountDownTimer.h"
 #include "core/text/String.h"
@@ -30,6 +31,7 @@ public:
     void OnHeader(update::UpdateTransferHeader const& header) override;
     void OnFile(std::uint32_t size, std::uint32_t crc) override;
     void OnArchive(int result, int files) override;
+    void OnNotChecked(int error, core::String const& path) override;
     void OnStored(int result, core::String const& path) override;
     void OnTrailer(update::UpdateTransferTrailer const& trailer) override;
     void OnNotification(std::uint32_t code, std::uint32_t value) override;
@@ -40,7 +42,7 @@ private:
     /// A line of what travels, in the direction that the arrow says.
     void Trace(char const* arrow, core::String const& what) const;
 
-    core::String const prefix_;
+    std::string const prefix_;  ///< several threads read it, so it is not a core::String
     Detail const detail_;
     std::atomic<int>* awaited_;
     std::atomic<bool> completed_ = false;

@@ -107,25 +107,21 @@ String readAction(StringArray const& words, VerbRule const& rule, Action& action
         std::uint32_t& number = action.numbers[i];
         if (next >= words.Count() || !readWord(words[next], number) || number < range.smallest ||
             number > range.largest) {
-            return String::format("%1 needs a number from %2 to %3")
-                .argi(1, rule.name)
-                .argi(2, range.smallest)
-                .argi(3, range.largest);
+            return core::message("%1 needs a number from %2 to %3", rule.name, range.smallest,
+                                 range.largest);
         }
     }
     for (; next < words.Count(); ++next) {
         auto const record = readRecord(words[next]);
         if (!record || rule.records == Records::none) {
-            return String::format("%1 cannot be followed by %2")
-                .argi(1, rule.name)
-                .argi(2, words[next]);
+            return core::message("%1 cannot be followed by %2", rule.name, words[next]);
         }
         action.records.push_back(*record);
     }
     bool const enough = rule.records == Records::none || !action.records.empty();
     if (!enough || (rule.records == Records::one && action.records.size() > 1)) {
-        return String::format(enough ? "%1 takes one notification" : "%1 needs a notification")
-            .argi(1, rule.name);
+        return core::message(enough ? "%1 takes one notification" : "%1 needs a notification",
+                             rule.name);
     }
     return {};
 }
@@ -148,8 +144,7 @@ std::vector<Action> readActions(String const& text, String const& step, sys::Con
         }
         VerbRule const* const rule = words.Count() > 0 ? ruleOf(words[0]) : nullptr;
         if (rule == nullptr) {
-            file.Wrong(step + ":",
-                       String::format("there is no action \"%1\"").argi(1, parts[i].Trim()));
+            file.Wrong(step + ":", core::message("there is no action \"%1\"", parts[i].Trim()));
             continue;
         }
         Action action;

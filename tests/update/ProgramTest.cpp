@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <array>
 #include <cstdlib>
 
 #include "tests/device/ScenarioDevice.h"
@@ -181,13 +182,13 @@ TEST(Program, DevicesShowWhatTravelsAndStoreWhatArrivesWhole) {
     int const devices = 34;
     std::string const options = "-v -n 34 -d " + folder.Path() + " -s " +
                                 folder.Write("s.conf",
-                                             "header = notify Accepted\n"
+                                             "header = notify Accepted, wait 300\n"
                                              "complete = cut 3 Complete, notify Complete");
     Ran const ran =
         run("sh " + folder.Write("devices.sh",
                                  startDevices(options, log, devices) + "for each in $a; do " +
                                      ravelink + " -o " + folder.Write("update.rvl", "x") +
-                                     " -a $each > /dev/null; done; wait\ncat " + folder.Path() +
+                                     " -a $each > /dev/null & done; wait\ncat " + folder.Path() +
                                      "/127.0.0.1-*-1.rvl\ngrep '^.34. ' " + log +
                                      " | sed 's/[0-9]*\\.[0-9]* s/TIME/; s/:[0-9].*//; s|Stored: "
                                      ".*|Stored: FOLDER|'; tail -1 " +
@@ -261,6 +262,33 @@ TEST(Program, AnInterruptedDeviceLeavesNothingBehind) {
         log + "; ls -A " + stored.Path();
     EXPECT_EQ(run("sh " + folder.Write("interrupt.sh", script)).lines,
               (Lines{"1", "*** Stopped: The update was broken off because the device stops", "1"}));
+}
+
+TEST(Program, DevicesReportWhyAnUpdateIsNotKept) {
+    if (underWine) {
+        GTEST_SKIP() << "the limits and paths of a shell are no matter of Windows";
+    }
+    support::TemporaryFolder const folder;
+    std::string const none = folder.PathOf("none");
+    std::string const log = folder.PathOf("device.log");
+    std::string const file = folder.Write("update.rvl", std::string(10'000, 'x'));
+    std::string const name = "/127.0.0.1-PORT-1.rvl\": ";
+    for (auto const& [variable, options, line] : std::vector<std::array<std::string, 3>>{
+             {"TMPDIR", "-c",
+              "*** Update not checked: \"" + none + "/\": No such file or directory"},
+             {"GONE", "-c -d " + none,
+              "*** Update not stored: \"" + none + name + "No such file or directory"},
+             {"LIMITED", "-d " + folder.Path(),
+              "*** Update not stored: \"" + folder.Path() + name + "File too large"},
+         }) {
+        std::string const script = "mkdir " + none + "; export " + variable + "=" + none +
+                                   "; [ $LIMITED ] && ulimit -f 8\n" + startDevices(options, log) +
+                                   "rm -r " + none + "\ntimeout 30 " + ravelink + " -o " + file +
+                                   " -a $a > /dev/null; wait; sed -n 's/1-[0-9]*-/1-PORT-/; "
+                                   "/Update not/p; $p' " +
+                                   log;
+        EXPECT_EQ(run("sh " + folder.Write("unkept.sh", script)).lines, (Lines{line, "1"}));
+    }
 }
 
 TEST(Program, DeviceReportsItsOwnMistakes) {
