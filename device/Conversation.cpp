@@ -153,7 +153,7 @@ std::optional<DeviceStatus> Conversation::ArchiveFault() {
     Reader reader;
     int error = inbox_.Open();
     reader.SetStream(inbox_.File());
-    int const result = reader.Read();
+    int const result = reader.Check();
     if (error == 0) {
         error = reader.GetReadError();
     }

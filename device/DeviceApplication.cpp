@@ -158,8 +158,8 @@ bool DeviceApplication::StartDevice(int index) {
                                  address.GetAsString(true).Replace("|", ":"))},
                     failed);
     }
-    println(core::message("%1- Listening on: %2", prefix,
-                          core::printable(device.server->GetBoundName(0).Replace("|", ":"))));
+    String const name = core::printable(device.server->GetBoundName(0).Replace("|", ":"));
+    println(prefix.AppendNew(core::message("- Listening on: %1", name)));
     return true;
 }
 

@@ -245,7 +245,7 @@ bool PackApplication::ReadArchive(StreamSequencerReader& reader, core::ICopyCall
     }
     reader.SetStream(&archive_);
     reader.SetProgress(&progress);
-    result = reader.Read();
+    result = FindOption("c") ? reader.Check() : reader.Read();
     auto const fault = reader.GetReadError() != 0
                            ? fileFault("Archive not readable", path, reader.GetReadError())
                            : verdict(reader, result);

@@ -26,6 +26,16 @@ char const* StreamSequencerReader::ClassName() const {
 }
 
 int StreamSequencerReader::Read() {
+    keepsContent_ = true;
+    return ReadAll();
+}
+
+int StreamSequencerReader::Check() {
+    keepsContent_ = false;
+    return ReadAll();
+}
+
+int StreamSequencerReader::ReadAll() {
     if (FileCount() > 0) {
         return alreadyRead;
     }
@@ -52,7 +62,7 @@ int StreamSequencerReader::Read() {
             return result;
         }
     }
-    sound_ = true;
+    sound_ = keepsContent_;
     return sound;
 }
 
@@ -111,7 +121,9 @@ int StreamSequencerReader::ReadIdentity() {
         if (!TakeText(Piece::attribute, text, i)) {
             return endsEarly;
         }
-        AddAttribute(text);
+        if (keepsContent_) {
+            AddAttribute(text);
+        }
     }
     return sound;
 }
@@ -128,7 +140,12 @@ int StreamSequencerReader::ReadFiles() {
         if (!TakeHeaderPiece(Piece::descriptor, record, archive::descriptorSize(GetVersion()), i)) {
             return endsEarly;
         }
-        archive::readDescriptor(record, GetVersion(), AppendFile());
+        StreamDescriptor& file = AppendFile();
+        if (keepsContent_) {
+            archive::readDescriptor(record, GetVersion(), file);
+        } else {
+            archive::readPlace(record, file);
+        }
     }
     dataStart_ = place_.end;
     return sound;
@@ -147,7 +164,10 @@ int StreamSequencerReader::ReadData() {
             UpdateCRC(piece.data(), length);
             left -= static_cast<unsigned>(length);
         }
-        dataEnds_.push_back({static_cast<unsigned long long>(place_.end - dataStart_), GetCRC()});
+        if (keepsContent_) {
+            auto const offset = static_cast<unsigned long long>(place_.end - dataStart_);
+            dataEnds_.push_back({offset, GetCRC()});
+        }
     }
     dataSize_ = place_.end - dataStart_;
     return sound;

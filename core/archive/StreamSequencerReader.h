@@ -61,6 +61,9 @@ public:
     /// Reads the stream from its start: the first Result that applies. What comes behind the
     /// trailer is not looked at.
     int Read();
+    /// The same, but keeps of each file only its number, offset and size, and no attributes: a mere
+    /// check must not need memory for all texts of an archive. OpenData then returns nothing.
+    int Check();
 
     /// Where Read stopped: the faulty piece, or the trailer of a sound archive.
     Place const& GetPlace() const { return place_; }
@@ -88,6 +91,7 @@ public:
     ClassRef<Stream> OpenData(int index);
 
 private:
+    int ReadAll();
     int ReadHeader();
     int ReadIdentity();
     int ReadFiles();
@@ -103,6 +107,7 @@ private:
     long long streamSize_ = -1;
     Place place_;
     int readError_ = 0;
+    bool keepsContent_ = true;
     bool sound_ = false;
     unsigned headerFlags_ = 0;
     unsigned trailerCrc_ = 0;

@@ -45,8 +45,12 @@ std::span<DescriptorSlot const> descriptorSlots(unsigned version) {
     return olderSlots;
 }
 
-void readDescriptor(unsigned char const* record, unsigned version, StreamDescriptor& file) {
+void readPlace(unsigned char const* record, StreamDescriptor& file) {
     file.SetPlace(getWord<std::uint64_t>(record), getWord<std::uint64_t>(record + sizeAt));
+}
+
+void readDescriptor(unsigned char const* record, unsigned version, StreamDescriptor& file) {
+    readPlace(record, file);
     file.SetFlags(getWord<std::uint32_t>(record + flagsAt));
     file.SetAttributes(getWord<std::uint32_t>(record + attributesAt));
     for (DescriptorSlot const& slot : descriptorSlots(version)) {

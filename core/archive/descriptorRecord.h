@@ -17,6 +17,8 @@ struct DescriptorSlot {
 /// The texts that a descriptor has room for.
 std::span<DescriptorSlot const> descriptorSlots(unsigned version);
 
+/// Reads only offset and size into file.
+void readPlace(unsigned char const* record, StreamDescriptor& file);
 /// Fills file from a record of descriptorSize(version) bytes.
 void readDescriptor(unsigned char const* record, unsigned version, StreamDescriptor& file);
 /// Fills the record. Unless every text fits, the result says what is wrong with the first that does

@@ -272,6 +272,7 @@ TEST(Program, DevicesReportWhyAnUpdateIsNotKept) {
     std::string const none = folder.PathOf("none");
     std::string const log = folder.PathOf("device.log");
     std::string const file = folder.Write("update.rvl", std::string(10'000, 'x'));
+    std::string const answer = " -s " + folder.Write("s.conf", "header = notify Accepted");
     std::string const name = "/127.0.0.1-PORT-1.rvl\": ";
     for (auto const& [variable, options, line] : std::vector<std::array<std::string, 3>>{
              {"TMPDIR", "-c",
@@ -282,8 +283,9 @@ TEST(Program, DevicesReportWhyAnUpdateIsNotKept) {
               "*** Update not stored: \"" + folder.Path() + name + "File too large"},
          }) {
         std::string const script = "mkdir " + none + "; export " + variable + "=" + none +
-                                   "; [ $LIMITED ] && ulimit -f 8\n" + startDevices(options, log) +
-                                   "rm -r " + none + "\ntimeout 30 " + ravelink + " -o " + file +
+                                   "; [ $LIMITED ] && ulimit -f 8\n" +
+                                   startDevices(options + answer, log) + "rm -r " + none +
+                                   "\nunset TMPDIR; timeout 30 " + ravelink + " -o " + file +
                                    " -a $a > /dev/null; wait; sed -n 's/1-[0-9]*-/1-PORT-/; "
                                    "/Update not/p; $p' " +
                                    log;
