@@ -4,6 +4,7 @@
 
 #include "core/net/Socket.h"
 #include "core/text/StringArray.h"
+#include "core/text/errnoDescription.h"
 #include "core/text/printable.h"
 #include "core/text/readNumber.h"
 #include "device/loadScenario.h"
@@ -153,9 +154,9 @@ bool DeviceApplication::StartDevice(int index) {
     }
     device.server->AddBind(address);
     if (device.server->StartListen() < 1) {
-        return Quit({core::fault("Unable to listen",
-                                 "The address (%1) is in use or is not one of this machine",
-                                 address.GetAsString(true).Replace("|", ":"))},
+        return Quit({core::fault("Unable to listen", "The address (%1) cannot be used: %2",
+                                 address.GetAsString(true).Replace("|", ":"),
+                                 core::errnoDescription(device.server->LastError()))},
                     failed);
     }
     String const name = core::printable(device.server->GetBoundName(0).Replace("|", ":"));

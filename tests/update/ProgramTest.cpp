@@ -313,7 +313,7 @@ TEST(Program, DeviceReportsItsOwnMistakes) {
                  2},
              Row{"-b " + taken.Address(),
                  "*** Unable to listen: The address (" + taken.Address() +
-                     ") is in use or is not one of this machine",
+                     ") cannot be used: Address already in use",
                  1},
              Row{"-b 127.0.0.1:65535 -n 2",
                  "*** Bad count: From here on there can be 1 to 1 devices, not 2", 2},
@@ -333,6 +333,14 @@ TEST(Program, DeviceReportsItsOwnMistakes) {
                   "ravelink-device " RAVELINK_VERSION " (Halvoren) - Simulated Device");
         EXPECT_EQ(ran.lines[1], row.error);
         EXPECT_EQ(ran.lines.back(), std::to_string(row.status)) << row.arguments;
+    }
+    if (!underWine) {
+        Ran const ran = run("ulimit -n 4; " + ravelinkDevice + " -b 127.0.0.1:0 -n 2; echo $?");
+        ASSERT_EQ(ran.lines.size(), 4u);
+        EXPECT_EQ(ran.lines[2],
+                  "*** Unable to listen: The address (127.0.0.1:0) cannot be used: Too many open "
+                  "files");
+        EXPECT_EQ(ran.lines[3], "1");
     }
 }
 
