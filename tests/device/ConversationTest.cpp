@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <fstream>
 #include <functional>
 #include <future>
 #include <vector>
@@ -8,6 +9,7 @@
 #include "core/net/Socket.h"
 #include "tests/core/archive/golden.h"
 #include "tests/device/ScenarioDevice.h"
+#include "tests/support/TemporaryFolder.h"
 #include "tests/support/lines.h"
 #include "update/protocol/UpdateNotification.h"
 #include "update/protocol/UpdateRequest.h"
@@ -114,18 +116,34 @@ TEST(Conversation, RefusesBadRecordsWithTheMatchingStatus) {
 }
 
 TEST(Conversation, OneUpdateAfterAnotherWhateverBecameOfTheLast) {
-    ScenarioDevice device;
+    support::TemporaryFolder const folder;
+    ScenarioDevice device(
+        [](device::Moment const& moment, device::Wire& wire) {
+            if (moment.token == 3 && moment.step == device::Step::Trailer) {
+                throw std::bad_alloc();
+            }
+            return device::Behaviour().Act(moment, wire);
+        },
+        {}, {false, folder.Path()});
     { Client goesAwayAtOnce(device); }
     {
         Client goesAwayEarly(device);
         goesAwayEarly.Send(onWire(Update(2).request).data(), update::recordSize);
     }
-    for (std::uint32_t const token : {3u, 4u}) {
-        EXPECT_EQ(Client(device).Answers(Update(token).Bytes()), answers(5, {}, token));
+    // The numbers of stored files go on after those that exist.
+    std::string const stored = folder.PathOf("127.0.0.1-" + device.Port() + "-");
+    for (char const* const number : {"1", "2", "4"}) {
+        std::ofstream(stored + number + ".rvl") << "old";
     }
-    EXPECT_EQ(device.End(4),
-              (std::vector{Outcome::ended, Outcome::ended, Outcome::complete, Outcome::complete}));
-    EXPECT_EQ(device.File(), "the filethe file");
+    EXPECT_EQ(Client(device).Answers(Update(3).Bytes()), answers(1, {}, 3));
+    for (std::uint32_t const token : {4u, 5u}) {
+        EXPECT_EQ(Client(device).Answers(Update(token).Bytes()), answers(5, {}, token));
+        EXPECT_EQ(support::contentOf(stored + std::to_string(token + 1) + ".rvl"), "the file");
+    }
+    EXPECT_EQ(device.End(5), (std::vector{Outcome::ended, Outcome::ended, Outcome::exhausted,
+                                          Outcome::complete, Outcome::complete}));
+    EXPECT_EQ(device.File(), "the filethe filethe file");
+    EXPECT_EQ(support::contentOf(stored + "4.rvl"), "old");
 }
 
 TEST(Conversation, TakesNothingButSoundArchivesWhereToldSo) {

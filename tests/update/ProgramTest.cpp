@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstdlib>
+#include <filesystem>
 
 #include "tests/device/ScenarioDevice.h"
 #include "tests/support/TemporaryFolder.h"
@@ -180,7 +181,10 @@ TEST(Program, DevicesShowWhatTravelsAndStoreWhatArrivesWhole) {
     std::string const log = folder.PathOf("device.log");
     // More devices than one server socket has places; an answer to the header saves its wait.
     int const devices = 34;
-    std::string const options = "-v -n 34 -d " + folder.Path() + " -s " +
+    // A terminal takes U+061C for an order to write from right to left.
+    std::string const stored = folder.PathOf("a=\xD8\x9C");
+    std::filesystem::create_directory(std::filesystem::u8path(stored));
+    std::string const options = "-v -n 34 -d " + stored + " -s " +
                                 folder.Write("s.conf",
                                              "header = notify Accepted, wait 300\n"
                                              "complete = cut 3 Complete, notify Complete");
@@ -188,10 +192,10 @@ TEST(Program, DevicesShowWhatTravelsAndStoreWhatArrivesWhole) {
         run("sh " + folder.Write("devices.sh",
                                  startDevices(options, log, devices) + "for each in $a; do " +
                                      ravelink + " -o " + folder.Write("update.rvl", "x") +
-                                     " -a $each > /dev/null & done; wait\ncat " + folder.Path() +
+                                     " -a $each > /dev/null & done; wait\ncat " + stored +
                                      "/127.0.0.1-*-1.rvl\ngrep '^.34. ' " + log +
                                      " | sed 's/[0-9]*\\.[0-9]* s/TIME/; s/:[0-9].*//; s|Stored: "
-                                     ".*|Stored: FOLDER|'; tail -1 " +
+                                     ".*a=?/.*|Stored: FOLDER|'; tail -1 " +
                                      log));
     EXPECT_EQ(ran.lines, (Lines{"xxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxx[34] - Listening on: 127.0.0.1",
                                 "[34] - Connection from: 127.0.0.1",
@@ -269,16 +273,17 @@ TEST(Program, DevicesReportWhyAnUpdateIsNotKept) {
         GTEST_SKIP() << "the limits and paths of a shell are no matter of Windows";
     }
     support::TemporaryFolder const folder;
-    std::string const none = folder.PathOf("none");
+    std::string const none = folder.PathOf("a=\x01");
+    std::string const shown = folder.PathOf("a=?");
     std::string const log = folder.PathOf("device.log");
     std::string const file = folder.Write("update.rvl", std::string(10'000, 'x'));
     std::string const answer = " -s " + folder.Write("s.conf", "header = notify Accepted");
     std::string const name = "/127.0.0.1-PORT-1.rvl\": ";
     for (auto const& [variable, options, line] : std::vector<std::array<std::string, 3>>{
              {"TMPDIR", "-c",
-              "*** Update not checked: \"" + none + "/\": No such file or directory"},
+              "*** Update not checked: \"" + shown + "/\": No such file or directory"},
              {"GONE", "-c -d " + none,
-              "*** Update not stored: \"" + none + name + "No such file or directory"},
+              "*** Update not stored: \"" + shown + name + "No such file or directory"},
              {"LIMITED", "-d " + folder.Path(),
               "*** Update not stored: \"" + folder.Path() + name + "File too large"},
          }) {
@@ -318,12 +323,12 @@ TEST(Program, DeviceReportsItsOwnMistakes) {
              Row{"-b 127.0.0.1:65535 -n 2",
                  "*** Bad count: From here on there can be 1 to 1 devices, not 2", 2},
              Row{"-n 0", "*** Bad count: From here on there can be 1 to 1000 devices, not 0", 2},
-             Row{"-d " + folder.PathOf("none"),
-                 "*** Folder missing: Cannot find the folder \"" + folder.PathOf("none") +
+             Row{"-d " + folder.PathOf("a=\xD8\x9C"),
+                 "*** Folder missing: Cannot find the folder \"" + folder.PathOf("a=?") +
                      "\" to store updates in",
                  1},
-             Row{"-s " + folder.PathOf("none"),
-                 "*** Scenario not readable: \"" + folder.PathOf("none") +
+             Row{"-s " + folder.PathOf("a=\xD8\x9C"),
+                 "*** Scenario not readable: \"" + folder.PathOf("a=?") +
                      "\": No such file or directory",
                  1},
          }) {
@@ -342,6 +347,16 @@ TEST(Program, DeviceReportsItsOwnMistakes) {
                   "files");
         EXPECT_EQ(ran.lines[3], "1");
     }
+#ifndef RAVELINK_SANITIZED  // they need more memory than any limit
+    if (!underWine) {
+        Ran const ran =
+            run("cd " + folder.Path() + "; seq -f %.0f=x 300000 > s; ulimit -v 30000; " +
+                ravelinkDevice + " -s s; echo $?");
+        EXPECT_EQ(ran.lines,
+                  (Lines{"ravelink-device " RAVELINK_VERSION " (Halvoren) - Simulated Device",
+                         "*** Out of memory: The system has no more memory for the program", "1"}));
+    }
+#endif
 }
 
 }  // namespace
