@@ -38,7 +38,7 @@ std::optional<core::Fault> errorOf(Outcome outcome) {
         case Outcome::misbehaved:
             return core::fault("Update broken off", "The device could not or would not go on");
         case Outcome::exhausted:
-            return core::fault("Out of memory", "The update was aborted");
+            return core::fault("Out of memory", "The device could not go on with the update");
     }
     return {};
 }

@@ -39,9 +39,9 @@ int checkTarget(core::String const& target) {
 }  // namespace
 
 ReplacementFile::~ReplacementFile() {
-    if (!path_.IsEmpty()) {
+    if (!path_.empty()) {
         Close();
-        platform::removeFile(path_.getCString());
+        platform::removeFile(path_.c_str());
     }
 }
 
@@ -59,11 +59,9 @@ int ReplacementFile::Create(core::String const& target) {
         return result;
     }
     core::String const prefix = target_.GetFilePath().AppendNewPath(".copy-");
-    std::string path;
     platform::FileHandle opened = platform::noFile;
-    result = platform::createUniqueFile(prefix.getCString(), path, opened);
+    result = platform::createUniqueFile(prefix.getCString(), path_, opened);
     if (result == 0) {
-        path_ = path.c_str();
         Adopt(opened);
     }
     return result;
@@ -72,10 +70,10 @@ int ReplacementFile::Create(core::String const& target) {
 int ReplacementFile::TakeOver(bool replace) {
     int result = Close();
     if (result == 0) {
-        result = platform::renameFile(path_.getCString(), target_.getCString(), replace);
+        result = platform::renameFile(path_.c_str(), target_.getCString(), replace);
     }
     if (result == 0) {
-        path_.Clear();
+        path_.clear();
     }
     return result;
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <string>
+
 #include "core/stream/HandleStream.h"
 #include "core/text/String.h"
 
@@ -23,7 +25,7 @@ public:
 
 private:
     core::String target_;
-    core::String path_;
+    std::string path_;  ///< empty unless the file still has a name of its own
 };
 
 }  // namespace sys

@@ -1,15 +1,13 @@
 #include "sys/TemporaryFile.h"
 
-#include <string>
-
 #include "sys/file.h"
 
 namespace sys {
 
 TemporaryFile::~TemporaryFile() {
     Close();
-    if (!path_.IsEmpty()) {
-        platform::removeFile(path_.getCString());
+    if (!path_.empty()) {
+        platform::removeFile(path_.c_str());
     }
 }
 
@@ -18,16 +16,15 @@ char const* TemporaryFile::ClassName() const {
 }
 
 int TemporaryFile::Create() {
-    std::string path;
     platform::FileHandle opened = platform::noFile;
     int const result =
-        platform::createUniqueFile((file::getTempPath() + "Vorx-").getCString(), path, opened);
+        platform::createUniqueFile((file::getTempPath() + "Vorx-").getCString(), path_, opened);
     if (result != 0) {
         return result;
     }
     Adopt(opened);
-    if (platform::removeFile(path.c_str()) != 0) {
-        path_ = path.c_str();
+    if (platform::removeFile(path_.c_str()) == 0) {
+        path_.clear();
     }
     return 0;
 }

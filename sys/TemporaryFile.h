@@ -1,7 +1,8 @@
 #pragma once
 
+#include <string>
+
 #include "core/stream/HandleStream.h"
-#include "core/text/String.h"
 
 namespace sys {
 
@@ -19,7 +20,7 @@ public:
     int Create();
 
 private:
-    core::String path_;  ///< empty unless the file still has a name
+    std::string path_;  ///< empty unless the file still has a name
 };
 
 }  // namespace sys

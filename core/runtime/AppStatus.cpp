@@ -1,5 +1,7 @@
 #include "core/runtime/AppStatus.h"
 
+#include <new>
+
 #include "core/text/strToNumber.h"
 #include "sys/file.h"
 
@@ -37,7 +39,12 @@ bool AppStatus::writeToFile(int status) const {
 }
 
 bool AppStatus::_setStatus(Status status) const {
-    return status == none ? sys::file::remove(getFilePath()) == 0 : writeToFile(status);
+    try {
+        return status == none ? sys::file::remove(getFilePath()) == 0 : writeToFile(status);
+    } catch (std::bad_alloc const&) {
+        // Like a file that cannot be written: nothing that an application should end of.
+        return false;
+    }
 }
 
 int AppStatus::readFromFile() const {

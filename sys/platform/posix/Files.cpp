@@ -7,6 +7,7 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
+#include <utility>
 
 #include "sys/platform/posix/results.h"
 
@@ -88,7 +89,8 @@ int createUniqueFile(char const* prefix, std::string& path, FileHandle& opened) 
     if (file < 0) {
         return file;
     }
-    path = name;
+    // A copy could find no memory, and the file would have no owner.
+    path = std::move(name);
     opened = file;
     return 0;
 }

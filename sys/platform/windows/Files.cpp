@@ -3,6 +3,7 @@
 #include <windows.h>
 
 #include <cerrno>
+#include <utility>
 
 #include "sys/platform/windows/errors.h"
 #include "sys/platform/windows/text.h"
@@ -131,7 +132,8 @@ int createUniqueFile(char const* prefix, std::string& path, FileHandle& opened) 
             CreateFileW(systemPath(name.c_str()).c_str(), GENERIC_READ | GENERIC_WRITE, shareAll,
                         nullptr, CREATE_NEW, FILE_ATTRIBUTE_NORMAL, nullptr);
         if (file != INVALID_HANDLE_VALUE) {
-            path = name;
+            // A copy could find no memory, and the file would have no owner.
+            path = std::move(name);
             opened = reinterpret_cast<FileHandle>(file);
             return 0;
         }

@@ -92,10 +92,13 @@ protected:
             line += static_cast<char>(c);
             if (c == '\n') {
                 if (line.starts_with("- Listening on: ") && contains(line, "127.")) {
-                    ran.peerClaims =
-                        TestedUpdater::Instance()
-                            .RunSession(folder_.PathOf("a.rvl"), line.substr(line.find("127.")))
-                            .back() == updated;
+                    // A device without memory drops a connection, and waits for the next.
+                    for (int i = fault[0] == 'm' ? 0 : 1; i < 2 && !ran.peerClaims; ++i) {
+                        ran.peerClaims =
+                            TestedUpdater::Instance()
+                                .RunSession(folder_.PathOf("a.rvl"), line.substr(line.find("127.")))
+                                .back() == updated;
+                    }
                 }
                 ran.output += line.starts_with("  System is still updating.") ? "" : line;
                 line.clear();
@@ -129,12 +132,14 @@ protected:
     }
 
     void ExpectTruth(Ran const& ran, Ran const& sound) {
+        char const mode = GetParam().second;
         EXPECT_TRUE(ran.status == 0 || (ran.status == 1 && scenario_.peer != Peer::device));
         if (!ran.claims) {
             EXPECT_TRUE(contains(ran.output, "*** ") || contains(ran.output, "\"error\":{"));
             // A file that could not be read is no bad file.
             EXPECT_FALSE(std::regex_search(ran.output, std::regex("cut short|your math")));
-            EXPECT_FALSE(ran.peerClaims && scenario_.peer == Peer::updater);
+            // Without memory the device may fail after it has sent that all is done.
+            EXPECT_FALSE(ran.peerClaims && scenario_.peer == Peer::updater && mode != 'm');
         } else if (scenario_.peer == Peer::none) {
             EXPECT_EQ(ran.output, sound.output);
         } else if (scenario_.peer == Peer::device) {
@@ -176,8 +181,12 @@ TEST_P(Torture, NoLieAndNothingHalfDone) {
         GTEST_SKIP() << "only root may mount a small disk";
     }
     long const last = disk ? 14 : patient ? 7 : std::atol(sound.fault.c_str());
+    if (mode == "m" && last == 0) {
+        GTEST_SKIP() << "a sanitizer has an allocator of its own";
+    }
     ASSERT_GT(last, 0);
-    for (long number = 1; number <= last; ++number) {
+    // A device allocates hundreds of times.
+    for (long number = 1; number <= last; number += mode == "m" ? 5 : 1) {
         if (disk) {
             before_["filler"] = std::string(static_cast<std::size_t>(number) * 4096, 'x');
         }
@@ -210,7 +219,7 @@ std::vector<std::pair<Scenario, char>> cases() {
     std::vector<std::pair<Scenario, char>> all;
     // The slowest first, so that they run beside the others.
     for (Scenario const& scenario : {
-             Scenario{"Store", RAVELINK_DEVICE " --once -c -d @work -b 127.0.0.1:0", "fsikd",
+             Scenario{"Store", RAVELINK_DEVICE " --once -c -d @work -b 127.0.0.1:0", "fsikdm",
                       Peer::updater},
              Scenario{"Update", RAVELINK " -o @a.rvl -a ADDRESS", "fsik", Peer::device},
              Scenario{"Build", build, "fwsikd"},

@@ -5,6 +5,7 @@
 //   s  it moves a single byte, and so does every seventh call behind it
 //   i  a signal interrupts it and every seventh call behind it
 //   k  the process is killed in its place
+//   m  it is an allocation, and fails
 // The number 0 lets nothing go wrong. FAULT_REPORT is a file that takes the name of the call at
 // fault, or behind main the number of calls that can go wrong in this way.
 #include <dlfcn.h>
@@ -51,7 +52,7 @@ bool counts(char const* name, unsigned kind, Words words) {
     bool const console = name[0] == 'w' && words[0] <= 2;
     return mode == 's'   ? (kind & moves) != 0 && words[2] > 1
            : mode == 'i' ? (kind & waits) != 0
-                         : mode == 'k' || console == (mode == 'w');
+                         : mode == 'k' || (mode != 'm' && console == (mode == 'w'));
 }
 
 Word pass(char const* name, unsigned kind, Word failure, int error, Words words) {
@@ -94,6 +95,14 @@ extern "C" int __libc_start_main(Main* main, int argc, char** argv, void (*init)
     return original<Start>("__libc_start_main")(&faultyMain, argc, argv, init, fini, loader, stack);
 }
 
+/// Counts in its own mode only: most calls allocate, and dlsym may.
+extern "C" void* __libc_malloc(size_t size);
+extern "C" void* malloc(size_t size) {
+    bool const fails = mode == 'm' && inMain && isDue(++calls);
+    errno = fails ? ENOMEM : errno;
+    return fails ? nullptr : __libc_malloc(size);
+}
+
 // Under names of their own, which the system's headers have nothing against.
 #define CALL(name, kind, failure, error)                                         \
     extern "C" Function faulty_##name __asm__(#name);                            \
@@ -120,4 +129,5 @@ CALL(accept4, waits, -1, EMFILE)              CALL(poll, waits, -1, ENOMEM)
 CALL(send, moves | waits, -1, ECONNRESET)     CALL(recv, moves | waits, -1, ECONNRESET)
 CALL(fcntl64, plain, -1, ENOMEM)              CALL(shutdown, plain, -1, ENOTCONN)
 CALL(setsockopt, plain, -1, ENOBUFS)          CALL(getsockname, plain, -1, ENOBUFS)
+CALL(pthread_create, plain, EAGAIN, EAGAIN)
 CALL(getaddrinfo, plain, EAI_MEMORY, ENOMEM)  CALL(getnameinfo, plain, EAI_MEMORY, ENOMEM)
