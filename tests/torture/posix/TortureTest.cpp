@@ -83,10 +83,10 @@ protected:
                   " ASAN_OPTIONS=exitcode=99 TMPDIR=@work/tmp FAULT_REPORT=@report FAULT=" +
                   fault + " " + command + " 2>&1";
         command = support::replaced(command, "ADDRESS", device_.Address());
+        int const before = completed_;
         std::FILE* const pipe =
             support::openPipe(support::replaced(command, "@", folder_.Path() + "/"));
         Ran ran;
-        int const before = completed_;
         std::string line;
         for (int c = std::fgetc(pipe); c != EOF; c = std::fgetc(pipe)) {
             line += static_cast<char>(c);
