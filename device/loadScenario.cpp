@@ -159,6 +159,13 @@ std::vector<Action> readActions(String const& text, String const& step, sys::Con
     return actions;
 }
 
+void takeNumber(sys::ConfFile& file, char const* name, std::uint32_t largest,
+                std::uint32_t& number) {
+    if (unsigned long long value = 0; file.TakeNumber(name, 0, largest, value)) {
+        number = static_cast<std::uint32_t>(value);
+    }
+}
+
 }  // namespace
 
 bool loadScenario(String const& path, Scenario& scenario, std::vector<core::Fault>& errors) {
@@ -177,12 +184,8 @@ bool loadScenario(String const& path, Scenario& scenario, std::vector<core::Faul
                 text.IsEmpty() ? std::vector<Action>() : readActions(text, row.name, file);
         }
     }
-    unsigned long long number = scenario.seed;
-    file.TakeNumber("seed", 0, UINT32_MAX, number);
-    scenario.seed = static_cast<std::uint32_t>(number);
-    number = scenario.receiveBuffer;
-    file.TakeNumber("receiveBuffer", 0, bytes.largest, number);
-    scenario.receiveBuffer = static_cast<std::uint32_t>(number);
+    takeNumber(file, "seed", UINT32_MAX, scenario.seed);
+    takeNumber(file, "receiveBuffer", bytes.largest, scenario.receiveBuffer);
     file.RefuseTheRest();
     return errors.size() == before;
 }

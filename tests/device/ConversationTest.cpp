@@ -174,6 +174,20 @@ TEST(Conversation, TakesNothingButSoundArchivesWhereToldSo) {
     }
 }
 
+TEST(Conversation, EndsAsItsScenarioSays) {
+    for (auto const& [actions, outcome] : std::vector<std::pair<std::string, Outcome>>{
+             {"close", Outcome::misbehaved},
+             {"silent", Outcome::misbehaved},
+             {"flood 0", Outcome::ended},
+             {"together Error", Outcome::refused},
+             {"drip 0 Error", Outcome::refused},
+         }) {
+        ScenarioDevice device("request = " + actions);
+        Client(device).Send(onWire(Update(1).request).data(), update::recordSize);
+        EXPECT_EQ(device.End(), std::vector{outcome}) << actions;
+    }
+}
+
 TEST(Conversation, ASilentUpdaterIsToldSo) {
     device::DeviceLimits limits;
     limits.silence = 100;
