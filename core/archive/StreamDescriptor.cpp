@@ -13,7 +13,7 @@ bool StreamDescriptor::IsCryptEnabled() const {
 }
 
 void StreamDescriptor::CryptBlock(void* data, int length, unsigned long long position) const {
-    if (IsCryptEnabled()) {
+    if (IsCryptEnabled() && owner_.GetCryptMode() != StreamSequencer::CryptMode::None) {
         owner_.CryptBlock(data, length, position);
     }
 }

@@ -42,10 +42,11 @@ public:
         size_ = size;
     }
 
-    /// Whether its data stand scrambled in the archive.
+    /// Whether its flags or the archive's mode ask for scrambled data. In mode None the data are
+    /// plain all the same, because the archive carries no key.
     bool IsCryptEnabled() const;
-    /// Scrambles or unscrambles, which is the same, length bytes of its data from position on; does
-    /// nothing unless IsCryptEnabled.
+    /// Scrambles or unscrambles, which is the same, length bytes of its data from position on.
+    /// Does nothing in mode None or unless IsCryptEnabled.
     void CryptBlock(void* data, int length, unsigned long long position) const;
 
 private:

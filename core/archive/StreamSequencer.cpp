@@ -5,6 +5,7 @@
 
 #include "core/archive/archiveFormat.h"
 #include "core/archive/littleEndian.h"
+#include "core/crc/crc.h"
 #include "core/crc/crc32.h"
 
 namespace core {
@@ -19,6 +20,10 @@ bool has(StreamSequencer::CryptMode mode, StreamSequencer::CryptMode part) {
 }
 
 }  // namespace
+
+StreamSequencer::StreamSequencer() {
+    crc::init();
+}
 
 char const* StreamSequencer::ClassName() const {
     return "StreamSequencer";
@@ -41,11 +46,9 @@ void StreamSequencer::SetCryptKey(unsigned key) {
 
 unsigned StreamSequencer::GetCryptKey() const {
     unsigned key = 0;
-    if (cryptMode_ != CryptMode::None) {
-        unsigned long long block = keyBlock_;
-        for (int i = 0; i < keyBits; ++i, block >>= 2) {
-            key = key << 1 | static_cast<unsigned>(block >> 1 & 1);
-        }
+    unsigned long long block = keyBlock_;
+    for (int i = 0; i < keyBits; ++i, block >>= 2) {
+        key = key << 1 | static_cast<unsigned>(block >> 1 & 1);
     }
     return key;
 }

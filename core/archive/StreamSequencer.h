@@ -17,7 +17,8 @@ public:
     /// What stands scrambled. A file's own flags may ask for another treatment of its data.
     enum class CryptMode { None = 0, Headers = 1, Data = 2, All = 3 };
 
-    StreamSequencer() = default;
+    /// Calls core::crc::init, so that programs without an Application may use archives too.
+    StreamSequencer();
     StreamSequencer(StreamSequencer const&) = delete;
     StreamSequencer& operator=(StreamSequencer const&) = delete;
 
@@ -38,7 +39,7 @@ public:
     void SetCryptKeyBlock(unsigned long long block) { keyBlock_ = block; }
     /// Sets a block whose meaningless bits are 0.
     void SetCryptKey(unsigned key);
-    /// 0 in mode None, which has no key: files that are always scrambled stay plain then.
+    /// The key of the block, also in mode None, in which the stream carries no key.
     unsigned GetCryptKey() const;
 
     /// Each may be missing; an empty text is there.
@@ -63,8 +64,8 @@ public:
     void UpdateCRC(void const* data, int length);
     unsigned GetCRC() const { return crc_; }
 
-    /// Combines length bytes that stand at position (in bytes) of a scrambled region with the key,
-    /// whatever the mode. The two are the same operation.
+    /// Combines the length bytes at position (in bytes) of a scrambled region with the key by
+    /// exclusive or, whatever the mode: the caller decides. The two are the same operation.
     void CryptBlock(void* data, int length, unsigned long long position) const;
     void UncryptBlock(void* data, int length, unsigned long long position) const {
         CryptBlock(data, length, position);

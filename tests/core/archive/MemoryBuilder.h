@@ -57,7 +57,8 @@ inline std::string rewritten(core::StreamSequencerReader& from, int& result) {
     MemoryBuilder builder([&](int index) { return from.OpenData(index); });
     builder.SetVersion(from.GetVersion());
     builder.SetCryptMode(from.GetCryptMode());
-    builder.SetCryptKeyBlock(from.GetCryptKeyBlock());
+    bool const plain = from.GetCryptMode() == core::StreamSequencer::CryptMode::None;
+    builder.SetCryptKeyBlock(plain ? 0x82 : from.GetCryptKeyBlock());
     builder.uniqueId = from.uniqueId;
     builder.sourceId = from.sourceId;
     builder.targetId = from.targetId;
