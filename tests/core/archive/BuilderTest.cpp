@@ -6,6 +6,7 @@
 #include "core/crc/crc.h"
 #include "tests/core/archive/MemoryBuilder.h"
 #include "tests/core/archive/golden.h"
+#include "tests/support/CopyWatcher.h"
 #include "tests/support/PrintText.h"
 
 namespace {
@@ -38,7 +39,7 @@ TEST(TextSlot, IsReadUpToItsZeroOrItsEndAndLoneSurrogatesAreReplaced) {
         {u"\u007F\u0080\u07FF\u0800", "\u007F\u0080\u07FF\u0800"},
         {{0xDC00}, odd},
         {u"\U00010000\U0010FFFF", "\U00010000\U0010FFFF"},
-        {{0xFFFF, 0xFFFD}, "\uFFFF\uFFFD"},
+        {u"\uD7FF\uE000\uFFFF\uFFFD", "\uD7FF\uE000\uFFFF\uFFFD"},
         {{0xDC00, 0xD800, u'x'}, odd + odd + "x"},
         {{u'a', u'b', u'c', 0xDBFF}, "abc" + odd},
         {{0xD800, 0xD83D, 0xDE80}, odd + "\U0001F680"}};
@@ -50,7 +51,8 @@ TEST(TextSlot, IsReadUpToItsZeroOrItsEndAndLoneSurrogatesAreReplaced) {
 TEST(TextSlot, TakesSoundUtf8ThatFits) {
     // Of the bad ones: a surrogate, overlong forms, a start in the middle, a cut, past the last.
     std::pair<SlotResult, std::vector<char const*>> const rows[] = {
-        {SlotResult::written, {"", "abcd", "ab\U0001F680", "\U0010FFFF\uFFFD\u00FF"}},
+        {SlotResult::written,
+         {"", "abcd", "ab\U0001F680", "\uD7FF\uE000\uFFFF", "\U0010FFFF\uFFFD\u00FF"}},
         {SlotResult::tooLong, {"abcde", "abc\U0001F680"}},
         {SlotResult::notUtf8,
          {"\xED\xA0\x80", "\xC0\xAF", "\xE0\x80\xAF", "\xF0\x80\x80\xAF", "a\x80", "\xE2\x82",
@@ -69,7 +71,7 @@ TEST(TextSlot, TakesSoundUtf8ThatFits) {
 int checksumInits = 0;
 
 TEST(Archive, MakesTheChecksumsReady) {
-    StreamSequencerBuilder const builder;
+    EXPECT_STREQ(core::StreamSequencer().ClassName(), "StreamSequencer");
     EXPECT_EQ(checksumInits, 1);
 }
 
@@ -123,11 +125,15 @@ TEST(Builder, WritesNothingUnlessAllOfTheArchiveFits) {
     expectWritten(builder, -E2BIG, Cause::attributeCount, 0);
 }
 
-/// A stream that says another size than it has, and takes nothing.
+/// A stream that says another size than it has, gives its data byte by byte (none above a size of
+/// 5), and takes nothing.
 class LyingStream : public core::MemoryStream {
 public:
     explicit LyingStream(long long size) : MemoryStream(memory("data")->Content()), size_(size) {}
     long long Size() override { return size_; }
+    int Read(void* buffer, int) override {
+        return size_ > 5 ? -EIO : MemoryStream::Read(buffer, 1);
+    }
     int Write(void const*, int) override { return -ENOSPC; }
 
 private:
@@ -135,13 +141,16 @@ private:
 };
 
 TEST(Builder, NamesTheFileOrTheTargetThatFails) {
-    for (auto const& [size, expected] : std::vector<std::pair<long long, int>>{
-             {-ESPIPE, -ESPIPE}, {3, -EBUSY}, {5, -EBUSY}, {LLONG_MAX, -EFBIG}}) {
+    std::size_t const headers = 16 + 8 + 2 * 4096;
+    using Row = std::tuple<long long, int, std::size_t>;
+    for (auto const& [size, expected, written] :
+         {Row{-ESPIPE, -ESPIPE, 0}, Row{3, -EBUSY, headers + 3}, Row{5, -EBUSY, headers + 4},
+          Row{6, -EIO, headers}, Row{LLONG_MAX, -EFBIG, 0}}) {
         MemoryBuilder builder([claimed = size](int) { return new LyingStream(claimed); });
         builder.AddFile("");
         builder.AddFile("");
         int result = 1;
-        builder.Written(result);
+        EXPECT_EQ(builder.Written(result).size(), written);
         EXPECT_EQ(result, expected);
         EXPECT_EQ(builder.GetFault().cause, Cause::file);
         EXPECT_FALSE(builder.GetFault().text);
@@ -152,6 +161,19 @@ TEST(Builder, NamesTheFileOrTheTargetThatFails) {
     EXPECT_EQ(builder.GetFault().cause, Cause::target);
     builder.AddFile("no/such/file");
     EXPECT_EQ(builder.Write(full, nullptr), -ENOENT);
+}
+
+TEST(Builder, ReportsItsProgressAndStopsWhenToldSo) {
+    MemoryBuilder builder([](int) { return new LyingStream(4); });
+    builder.AddFile("");
+    builder.AddFile("");
+    core::MemoryStream target;
+    support::CopyWatcher watcher;
+    watcher.most = 5;
+    EXPECT_EQ(builder.Write(target, &watcher), -ECANCELED);
+    EXPECT_EQ(watcher.done, 6);
+    EXPECT_EQ(watcher.total, 8);
+    EXPECT_STREQ(builder.ClassName(), "StreamSequencerBuilder");
 }
 
 TEST(Builder, KeysLeaveNoByteAsItIsAndComeBackFromTheirBlock) {

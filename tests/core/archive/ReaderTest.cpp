@@ -6,6 +6,7 @@
 #include "core/stream/FileStream.h"
 #include "tests/core/archive/MemoryBuilder.h"
 #include "tests/core/archive/golden.h"
+#include "tests/support/CopyWatcher.h"
 #include "tests/support/PrintText.h"
 
 namespace {
@@ -68,7 +69,7 @@ TEST(Reader, GivesNumbersAndStreamsThatKeepTheirPlace) {
     EXPECT_EQ(read.reader.GetCryptMode(), core::StreamSequencer::CryptMode::All);
     EXPECT_EQ(read.reader.uniqueId, 0xFEDCBA9876543210);
     EXPECT_EQ(read.reader.targetId, core::String(""));
-    EXPECT_EQ(read.reader.File(0).GetFlags(), 0xABCD0100);
+    EXPECT_EQ(read.reader.File(0).GetFlags(), 0xABCD01CF);
     EXPECT_EQ(read.reader.File(0).GetAttributes(), 0755u);
     EXPECT_EQ(read.reader.File(3).GetOffset(), 3027u);
     auto const data = read.reader.OpenData(0);
@@ -84,19 +85,40 @@ TEST(Reader, GivesNumbersAndStreamsThatKeepTheirPlace) {
     EXPECT_EQ(other->Read(&byte, 1), -EIO) << "the archive was cut meanwhile";
     core::FileStream closed;
     EXPECT_EQ(core::ArchivedFileStream(closed, 0, read.reader.File(0)).Read(&byte, 1), -EBADF);
+    StreamSequencerReader unreadable;
+    EXPECT_EQ(unreadable.Read(), -1);
+    EXPECT_EQ(unreadable.GetReadError(), 0);
+    unreadable.SetStream(&closed);
+    EXPECT_EQ(unreadable.Read(), -2);
+    EXPECT_EQ(unreadable.GetReadError(), -EBADF);
+    EXPECT_STREQ(data->ClassName(), "ArchivedFileStream");
+    EXPECT_STREQ(unreadable.ClassName(), "StreamSequencerReader");
 }
 
 TEST(Reader, TellsTruncatedAndChangedArchives) {
+    using enum StreamSequencerReader::Piece;
+    using Row = std::tuple<StreamSequencerReader::Piece, int, int>;
     for (unsigned const crypt : {0u, 3u}) {
         golden::Archive archive = sample(0x00020000, crypt);
         archive.files.resize(1);
         std::string const bytes = bytesOf(archive);
-        for (std::size_t size = 0; size < bytes.size(); ++size) {
-            Reading const read(bytes.substr(0, size));
-            ASSERT_EQ(read.code, -2) << size;
-            ASSERT_EQ(read.reader.GetPlace().end, static_cast<long long>(size));
+        std::size_t size = 0;
+        for (auto const& [piece, index, length] :
+             {Row{header, 0, 16}, Row{keyBlock, 0, crypt != 0 ? 8 : 0}, Row{uniqueId, 0, 8},
+              Row{sourceId, 0, 128}, Row{targetId, 0, 128}, Row{attribute, 0, 128},
+              Row{attribute, 1, 128}, Row{fileCount, 0, 8}, Row{descriptor, 0, 4096},
+              Row{data, 0, 27}, Row{trailer, 0, 16}}) {
+            auto const begin = static_cast<long long>(size);
+            for (int done = 0; done < length; ++done, ++size) {
+                Reading const read(bytes.substr(0, size));
+                StreamSequencerReader::Place const& place = read.reader.GetPlace();
+                ASSERT_EQ(read.code, -2) << size;
+                ASSERT_EQ(std::tuple(place.piece, place.index, place.begin, place.end, place.size),
+                          std::tuple(piece, index, begin, begin + done, length));
+            }
         }
-        std::size_t const trailer = bytes.size() - 16;
+        ASSERT_EQ(size, bytes.size());
+        std::size_t const end = bytes.size() - 16;
         for (std::size_t at = 0; at < bytes.size(); ++at) {
             for (char const change : {'\x01', '\x80', '\xFF'}) {
                 std::string changed = bytes;
@@ -104,10 +126,10 @@ TEST(Reader, TellsTruncatedAndChangedArchives) {
                 int const code = Reading(changed).code;
                 if (at < 8) {
                     ASSERT_EQ(code, -3) << at;
-                } else if (at < trailer) {
+                } else if (at < end) {
                     ASSERT_TRUE(code <= -2 && code >= -7) << at << " gave " << code;
                 } else {
-                    ASSERT_EQ(code, at < trailer + 4 ? 0 : at < trailer + 8 ? -6 : -7) << at;
+                    ASSERT_EQ(code, at < end + 4 ? 0 : at < end + 8 ? -6 : -7) << at;
                 }
             }
         }
@@ -152,13 +174,24 @@ TEST(Reader, IsNotLedAstrayByNumbersThatLie) {
     }
     EXPECT_FALSE(Reading(bytes).reader.OpenData(-1));
     EXPECT_FALSE(Reading(bytes).reader.OpenData(2));
-    EXPECT_EQ(StreamSequencerReader().Read(), -1);
 
+    archive = sample(0x00010000, 3);
     archive.files.clear();
-    archive.attributes = {u"a=b"};
     Reading again(bytesOf(archive) + "what follows the trailer");
+    support::CopyWatcher watcher;
+    again.reader.SetProgress(&watcher);
     EXPECT_EQ(again.reader.Read(), 0) << "without files it may be read twice";
-    EXPECT_EQ(again.reader.Attributes().Count(), 1);
+    EXPECT_EQ(again.reader.Attributes().Count(), 2);
+    EXPECT_EQ(watcher.total - watcher.done, 24);
+    again.stream->Clear();
+    EXPECT_EQ(again.reader.Read(), -2);
+    int result = 1;
+    EXPECT_EQ(support::rewritten(again.reader, result), bytesOf(golden::Archive()));
+    EXPECT_EQ(again.reader.GetCryptKeyBlock(), 0u);
+    auto const truncated = memory(bytes.substr(0, bytes.size() - 1));
+    again.reader.SetStream(truncated.Get());
+    EXPECT_EQ(again.reader.Read(), -2);
+    EXPECT_FALSE(again.reader.OpenData(0)) << "it was sound before";
 }
 
 }  // namespace

@@ -98,7 +98,7 @@ Archive sample(unsigned version, unsigned crypt) {
     archive.targetId = u"";
     archive.attributes = {u"release=1.2=3", u"\u00FCber=\U0001F680"};
     archive.files = {
-        {u"app.bin", u"/opt/app/", u"root", u"wheel", u"restart app", 0xABCD0100, 0755,
+        {u"app.bin", u"/opt/app/", u"root", u"wheel", u"restart app", 0xABCD01CF, 0755,
          "twelve bytes and a few more"},
         {u"empty", u"etc/empty", u"", u"", u"", 0, 0644, ""},
         {u"caf\u00E9-\U0001F4E6", u"", u"o", u"g", u"c", 0x20, 0777, std::string(3000, 'x')},
