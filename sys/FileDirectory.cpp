@@ -42,7 +42,6 @@ int FileDirectory::Refresh() {
 
 void FileDirectory::Close() {
     opened_ = false;
-    path_.Clear();
     paths_.Clear();
     sizes_.clear();
 }

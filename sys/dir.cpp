@@ -11,17 +11,19 @@ namespace sys::dir {
 
 namespace {
 
-/// Makes the folder unless it is there.
+/// Creates the directory unless it exists.
 int ensure(core::String const& path) {
-    platform::FileStatus status;
-    if (platform::statPath(path.getCString(), status) == 0) {
-        return status.type == platform::FileType::directory ? 0 : -ENOTDIR;
-    }
     int const result = platform::createFolder(path.getCString());
-    // Somebody else may have been quicker; then it is his folder that counts.
-    bool const there = result == -EEXIST && platform::statPath(path.getCString(), status) == 0 &&
-                       status.type == platform::FileType::directory;
-    return there ? 0 : result;
+    // After the attempt: another process may create it meanwhile. The root of a drive exists, but
+    // creating it fails for another reason.
+    platform::FileStatus status;
+    if (result == 0 || platform::statPath(path.getCString(), status) != 0) {
+        return result;
+    }
+    if (status.type == platform::FileType::directory) {
+        return 0;
+    }
+    return result == -EEXIST ? -ENOTDIR : result;
 }
 
 }  // namespace

@@ -39,6 +39,7 @@ TEST_F(FileContentsTest, EveryFailureHasItsCode) {
     std::vector<Row> rows{{Path("no/f"), -ENOENT, -ENOENT}, {Path("."), -EISDIR, -EISDIR}};
     if (!support::onWindows()) {
         rows.push_back({"/dev/full", -ENOTSUP, -ENOSPC});
+        rows.push_back({"/proc/self/mem", -EIO, -EIO});
     }
     for (Row const& row : rows) {
         EXPECT_EQ(file::setFileContents(row.path, "x", true), row.writing) << row.path.getCString();
@@ -47,6 +48,9 @@ TEST_F(FileContentsTest, EveryFailureHasItsCode) {
         EXPECT_EQ(file::loadTextFile(list, row.path), row.reading);
         EXPECT_EQ(file::loadConfFile(list, row.path), row.reading);
         EXPECT_EQ(file::getFileContents(row.path), "");
+        unsigned crc = 1;
+        EXPECT_EQ(file::calculatesCRC32(row.path, crc), row.reading);
+        EXPECT_EQ(crc, 0u);
     }
     folder_.Write("huge", "1");
     std::filesystem::resize_file(folder_.PathOf("huge"), 5'000'000'000);

@@ -6,6 +6,7 @@
 
 #include "sys/cmd.h"
 #include "sys/env.h"
+#include "sys/pid.h"
 #include "sys/platform/Environment.h"
 #include "sys/platform/locker.h"
 #include "tests/support/PrintText.h"
@@ -15,6 +16,7 @@ namespace {
 
 namespace env = sys::env;
 namespace cmd = sys::cmd;
+namespace pid = sys::pid;
 
 TEST(Env, ValuesAndEntries) {
     for (int const length : {0, 1, 32766, 32767, 100'000}) {
@@ -78,6 +80,10 @@ TEST(Process, RunsNothingAndSaysSo) {
     EXPECT_EQ(cmd::commands(none, true, "") + cmd::services(none, cmd::start, ""), 0);
     EXPECT_EQ(cmd::serviceLine("x", cmd::stop), "service x stop");
     EXPECT_EQ(cmd::service("x", static_cast<cmd::ServiceOp>(3), ""), -1);
+    EXPECT_FALSE(pid::exists("x", false) || pid::store("x", 1) || pid::clear("x") ||
+                 pid::isRunning(1) || pid::isRunning("x"));
+    EXPECT_EQ(pid::get("x", true), 0);
+    EXPECT_EQ(pid::getFileName("x") + pid::cmdline(1) + pid::cmdline("x"), "");
 }
 
 }  // namespace

@@ -79,9 +79,11 @@ TEST_F(PosixCopyTest, AFullDiskIsAnErrorThatLeavesNothing) {
     EXPECT_EQ(file::rename(Path("big"), Path("disk/to"), false), -EEXIST)
         << "and not a copy that finds no room";
     EXPECT_EQ(Names(), "big disk disk/to ");
+    fs::create_directory(folder_.PathOf("disk/folder"));
+    EXPECT_EQ(file::rename(Path("disk/folder"), Path("moved"), false), -EXDEV);
     EXPECT_EQ(file::rename(Path("disk/to"), Path("moved"), false), 0) << "to another disk";
     EXPECT_EQ(file::getFileContents(Path("moved")), "old");
-    EXPECT_EQ(Names(), "big disk moved ");
+    EXPECT_EQ(Names(), "big disk disk/folder moved ");
 }
 
 TEST_F(PosixCopyTest, LinksLeadToWhatIsReplaced) {

@@ -75,7 +75,9 @@ TEST_F(PosixFileTest, FoldersAreMadeOneOrAll) {
     ASSERT_EQ(sys::dir::change(Path("new")), 0);
     EXPECT_EQ(sys::dir::current(), std::filesystem::canonical(folder_.PathOf("new")).c_str());
     EXPECT_EQ(sys::dir::change("../file"), -ENOTDIR);
-    std::filesystem::remove(folder_.PathOf("new"));
+    EXPECT_EQ(sys::dir::create("a", true), 0);
+    EXPECT_TRUE(file::isDirectory("a"));
+    std::filesystem::remove_all(folder_.PathOf("new"));
     EXPECT_EQ(sys::dir::current(), "");
 }
 

@@ -72,11 +72,15 @@ TEST_F(PosixSearchTest, ADirectoryKnowsItsEntries) {
     EXPECT_EQ(directory.Count(), count + 1);
     EXPECT_EQ(directory.ScanDir(Path("B"), "*.txt"), 0);
     EXPECT_EQ(directory.GetPath(0), Path("B/b.txt"));
+    EXPECT_EQ(directory.GetSize(0), 7);
     ASSERT_EQ(directory.Open(Path("B"), true), 0);
     fs::remove_all(folder_.PathOf("B"));
     EXPECT_EQ(directory.Refresh(), -ENOENT);
     EXPECT_EQ(directory.Count(), 4) << "the list stays";
     EXPECT_EQ(directory.Open(Path("a.txt"), false), -ENOTDIR);
+    EXPECT_EQ(directory.Count(), 0);
+    EXPECT_EQ(directory.Refresh(), -EBADF);
+    EXPECT_STREQ(directory.ClassName(), "FileDirectory");
 }
 
 }  // namespace
