@@ -7,6 +7,7 @@
 
 #include "core/crc/crc32.h"
 #include "core/net/Socket.h"
+#include "device/names.h"
 #include "tests/core/archive/golden.h"
 #include "tests/device/ScenarioDevice.h"
 #include "tests/support/TemporaryFolder.h"
@@ -186,6 +187,20 @@ TEST(Conversation, EndsAsItsScenarioSays) {
         Client(device).Send(onWire(Update(1).request).data(), update::recordSize);
         EXPECT_EQ(device.End(), std::vector{outcome}) << actions;
     }
+}
+
+TEST(Conversation, GoesOnAfterGarbageAndIsSilentUntilTheEnd) {
+    ScenarioDevice device("request = garbage 3, notify Checked, silent");
+    Client client(device);
+    client.Send(onWire(Update(1).request).data(), update::recordSize);
+    char received[3 + update::recordSize];
+    for (char& byte : received) {
+        ASSERT_EQ(client.Recv(&byte, 1), 1);
+    }
+    EXPECT_EQ(std::string(received + 3, update::recordSize),
+              answers(3, {}).substr(2 * update::recordSize));
+    EXPECT_FALSE(client.CanRecv(100));
+    EXPECT_STREQ(device::nameOfCode(0), "Unknown");
 }
 
 TEST(Conversation, ASilentUpdaterIsToldSo) {
