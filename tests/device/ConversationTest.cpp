@@ -7,7 +7,6 @@
 
 #include "core/crc/crc32.h"
 #include "core/net/Socket.h"
-#include "device/names.h"
 #include "tests/core/archive/golden.h"
 #include "tests/device/ScenarioDevice.h"
 #include "tests/support/TemporaryFolder.h"
@@ -189,18 +188,20 @@ TEST(Conversation, EndsAsItsScenarioSays) {
     }
 }
 
-TEST(Conversation, GoesOnAfterGarbageAndIsSilentUntilTheEnd) {
-    ScenarioDevice device("request = garbage 3, notify Checked, silent");
-    Client client(device);
-    client.Send(onWire(Update(1).request).data(), update::recordSize);
-    char received[3 + update::recordSize];
-    for (char& byte : received) {
-        ASSERT_EQ(client.Recv(&byte, 1), 1);
-    }
-    EXPECT_EQ(std::string(received + 3, update::recordSize),
+TEST(Conversation, FollowsItsScenario) {
+    std::string const request = onWire(Update(1).request);
+    ScenarioDevice garbage("request = garbage 3, notify Checked, close");
+    EXPECT_EQ(Client(garbage).Answers(request).substr(3),
               answers(3, {}).substr(2 * update::recordSize));
-    EXPECT_FALSE(client.CanRecv(100));
-    EXPECT_STREQ(device::nameOfCode(0), "Unknown");
+
+    ScenarioDevice silent("connect = silent");
+    EXPECT_FALSE(Client(silent).CanRecv(100));
+
+    ScenarioDevice late("connect = slow 10 0\ndata = after 10, notify Checked, after 20, close");
+    std::string const longer = Update(1, std::string(25, 'x')).Bytes();
+    EXPECT_EQ(Client(late).Answers(longer).size(), 2U * update::recordSize);
+    late.End();
+    EXPECT_EQ(late.File().size(), 20U) << "due in the data that hold the byte";
 }
 
 TEST(Conversation, ASilentUpdaterIsToldSo) {

@@ -1,24 +1,9 @@
 #include <gtest/gtest.h>
 
 #include "device/loadScenario.h"
-#include "tests/device/ScenarioDevice.h"
 #include "tests/support/TemporaryFolder.h"
 
 namespace {
-
-TEST(Scenario, ActsInThePieceThatHoldsItsByte) {
-    device::Scenario scenario = ScenarioDevice::scenarioOf("data = after 10, close");
-    core::Socket socket(core::SocketDomain::IPv4, core::SocketType::stream);
-    device::Observer observer;
-    std::atomic<bool> const stop = false;
-    device::DeviceLimits const limits;
-    device::Wire wire(socket, limits, observer, stop);
-    using Row = std::tuple<std::uint32_t, std::uint32_t, bool>;
-    for (auto const& [before, bytes, goesOn] :
-         {Row{0, 9, true}, Row{9, 10, false}, Row{0, 99, false}, Row{10, 11, true}}) {
-        EXPECT_EQ(scenario.Act({device::Step::Data, 1, before, bytes, {}}, wire), goesOn) << bytes;
-    }
-}
 
 TEST(Scenario, TellsEveryMistakeOfItsFile) {
     support::TemporaryFolder const folder;

@@ -22,10 +22,7 @@ TEST_F(FileCopyTest, IsTheSourceToTheByte) {
     for (int flags = 0; flags < 4; ++flags) {
         folder_.Write("to", std::string(300'000, 'o'));
         support::CopyWatcher watcher;
-        bool const sparse = (flags & 1) != 0;
-        bool const sync = (flags & 2) != 0;
-        EXPECT_EQ(file::copy(Path("from"), Path("to"), sparse, sync, &watcher), 0);
-        EXPECT_EQ(file::getFileSize(Path("to")), 200'001);
+        EXPECT_EQ(file::copy(Path("from"), Path("to"), (flags & 1) != 0, flags > 1, &watcher), 0);
         EXPECT_EQ(file::calculatesCRC32(Path("to")), crc);
         EXPECT_EQ(watcher.done, 200'001);
     }

