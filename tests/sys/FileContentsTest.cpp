@@ -48,6 +48,7 @@ TEST_F(FileContentsTest, EveryFailureHasItsCode) {
         EXPECT_EQ(file::loadTextFile(list, row.path), row.reading);
         EXPECT_EQ(file::loadConfFile(list, row.path), row.reading);
         EXPECT_EQ(file::getFileContents(row.path), "");
+        EXPECT_EQ(file::getFileContentsAsInt64(row.path, 1, 2), 1);
         unsigned crc = 1;
         EXPECT_EQ(file::calculatesCRC32(row.path, crc) + static_cast<int>(crc), row.reading);
     }

@@ -68,7 +68,7 @@ TEST(Process, RunsNothingAndSaysSo) {
     some.Add("exit 0");
     EXPECT_EQ(cmd::commands(some, true, "") + cmd::services(some, cmd::start, ""), -2);
     EXPECT_EQ(cmd::commands(none, true, "") + cmd::services(none, cmd::start, ""), 0);
-    EXPECT_EQ(cmd::serviceLine("x", cmd::stop), "service x stop");
+    EXPECT_EQ(cmd::serviceLine("x", cmd::restart), "service x restart");
     EXPECT_EQ(cmd::service("x", static_cast<cmd::ServiceOp>(3), ""), -1);
     EXPECT_FALSE(pid::exists("x", false) || pid::store("x", 1) || pid::clear("x") ||
                  pid::isRunning(1) || pid::isRunning("x") || pid::get("x", true) != 0);

@@ -101,7 +101,7 @@ Archive sample(unsigned version, unsigned crypt) {
         {u"app.bin", u"/opt/app/", u"root", u"wheel", u"restart app", 0xABCD01CF, 0755,
          "twelve bytes and a few more"},
         {u"empty", u"etc/empty", u"", u"", u"", 0, 0644, ""},
-        {u"caf\u00E9-\U0001F4E6", u"", u"o", u"g", u"c", 0x20, 0777, std::string(3000, 'x')},
+        {u"caf\u00E9-\U0001F4E6", u"", u"o", u"g", u"c", 0x20, 0777, std::string(30000, 'x')},
         {u"", u"always", u"", u"", u"", 0x10, 0, "odd"},
     };
     for (File& file : archive.files) {
