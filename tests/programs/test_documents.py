@@ -157,7 +157,7 @@ def test_names_of_manifests_and_scenarios_are_documented():
         re.findall(r'[({+,] ?"\.?([a-z][\w.]*)["\[]', code))
     first = "\n".join(re.findall(r"^\|[^|]+", source("docs/rehearsing.md"), re.M))
     assert set(re.findall(r"`(\w+)[^`]*`", first)) == set(
-        re.findall(r'[({]"(\w+)"', source("device/loadScenario.cpp")))
+        re.findall(r'[({,] ?"(\w+)"', source("device/loadScenario.cpp")))
 
 
 # Formats
