@@ -120,11 +120,11 @@ void requireFloat(String const& text) {
 }
 
 /// Each entry is read as a text of its own.
-template <class Number>
-void requireList(char const* text, int count, int (*read)(char const*, Number*, int, Number, char),
+template <class Number, class ReadAll>
+void requireList(char const* text, int count, ReadAll readAll,
                  Number (*readOne)(char const*, Number)) {
     Number values[9] = {};
-    int const filled = read(text, values, count, 9, ',');
+    int const filled = readAll(text, values, count, Number{9});
     String rest(text);
     int numbers = 0;
     for (int i = 0; i < count; ++i) {
@@ -148,8 +148,14 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size
     requireZeroByDefault(text);
     requireFloat(text);
     int const count = base % 9;
-    requireList<int>(text.getCString(), count, core::strToIntArrayDef, core::strToIntDef);
-    requireList<unsigned>(text.getCString(), count, core::strToUIntArrayDef, core::strToUIntDef);
-    requireList<long long>(text.getCString(), count, core::strToInt64ArrayDef, core::strToInt64Def);
+    char const* const list = text.getCString();
+    requireList(
+        list, count, [](auto... all) { return core::strToIntArrayDef(all...); }, core::strToIntDef);
+    requireList(
+        list, count, [](auto... all) { return core::strToUIntArrayDef(all...); },
+        core::strToUIntDef);
+    requireList(
+        list, count, [](auto... all) { return core::strToInt64ArrayDef(all...); },
+        core::strToInt64Def);
     return 0;
 }
