@@ -156,7 +156,7 @@ bool DeviceApplication::StartDevice(int index) {
     if (device.server->StartListen() < 1) {
         return Quit({core::fault("Unable to listen", "The address (%1) cannot be used: %2",
                                  address.GetAsString(true).Replace("|", ":"),
-                                 core::errnoDescription(device.server->LastError()))},
+                                 core::cLibraryErrorText(device.server->LastError()))},
                     failed);
     }
     String const name = core::printable(device.server->GetBoundName(0).Replace("|", ":"));

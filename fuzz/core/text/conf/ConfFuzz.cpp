@@ -112,6 +112,9 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size
     require(fromStream.LoadAsConfFileFrom(&chunks));
     requireSense(fromStream);
     if (bytes.find('\0') == std::string::npos) {
+        StringArray fromText;
+        fromText.LoadAsConfFileFrom(String(bytes.c_str()));
+        require(same(fromText, fromStream));
         requireSameLines(bytes, chunkSize);
     }
     requireCountedList(fromStream, name);
