@@ -23,8 +23,9 @@ TEST(Interpreter, RowsOnAScreenInMemory) {
 
 TEST(Interpreter, WithoutAConsoleTextIsWrittenAndColoursStartFromBlack) {
     MemoryScreen screen(80, 30, 25, true);
-    Console::write(screen, "\x1B[1mX\x1B[5Ca\x1B[2J\x1B[K\x1B[9T\x1B[s\x1B[", true);
-    EXPECT_EQ(screen.Written(), "Xa\n");
+    Console::write(screen, "\x1B[99mY\x1B[1mX\x1B[5Ca\x1B[2J\x1B[K\x1B[9T\x1B[s\x1B[", true);
+    EXPECT_EQ(screen.Written(), "YXa\n");
+    EXPECT_EQ(screen.AttributeAt({0, 0}), 7) << "an unknown code sets no attribute";
     screen.gone = false;
     Console::write(screen, "\x1B[KOne piece\x1B[12", true);
     EXPECT_EQ(screen.AttributeAt({0, 1}), 8);

@@ -58,9 +58,8 @@ TEST(ReferenceCounted, CopiesAndDeletesAtOnce) {
     EXPECT_TRUE(std::exchange(deleted, false));
     core::_deferDeletion(static_cast<core::ReferenceCounted*>(new Counted(deleted)));
     EXPECT_TRUE(std::exchange(deleted, false));
-    EXPECT_STREQ(held->ClassName(), "BasicClass");
-    EXPECT_STREQ(held.ClassName(), "ClassRef");
-    EXPECT_STREQ(core::RootClass().ClassName(), "RootClass");
+    EXPECT_EQ(std::string(held->ClassName()) + held.ClassName() + core::RootClass().ClassName(),
+              "BasicClassClassRefRootClass");
 }
 
 TEST(ReferenceCounted, CountsOnSeveralThreads) {

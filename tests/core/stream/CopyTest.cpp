@@ -66,10 +66,7 @@ TEST(Copy, ReturnsTheErrorOfTheStepThatFailed) {
         source.Seek(0);
         EXPECT_EQ(source.CopyTo(full, false, false, nullptr), failure == 0 ? -EIO : failure);
         EXPECT_EQ(full.Content(), bytes(3500));
-        FrailStream again(3500, failure);
-        source.Seek(0);
-        EXPECT_EQ(source.WriteTo(again), failure == 0 ? -1 : failure);
-        EXPECT_EQ(again.Content(), bytes(3500));
+        EXPECT_EQ(source.WriteTo(full), failure == 0 ? -1 : failure);
     }
     FrailStream unsafe(INT_MAX, 0);
     core::FileStream closed;

@@ -19,11 +19,9 @@ class Pipe : public core::Stream {
 
 TEST(MemoryStream, IsASeekableStream) {
     Pipe pipe;
-    EXPECT_EQ(pipe.Seek(0) + pipe.Size(), -2 * ESPIPE);
-    EXPECT_EQ(pipe.Sync(), 0);
+    EXPECT_EQ(pipe.Seek(0) + pipe.Size() + pipe.Sync(), -2 * ESPIPE);
     EXPECT_EQ(MemoryStream(Buffer("\0", 1)).CopyTo(pipe, true, false, nullptr), -ESPIPE);
-    EXPECT_STREQ(pipe.ClassName(), "Stream");
-    EXPECT_STREQ(MemoryStream().ClassName(), "MemoryStream");
+    EXPECT_EQ(std::string(pipe.ClassName()) + MemoryStream().ClassName(), "StreamMemoryStream");
 }
 
 TEST(MemoryStream, ReadsAndWritesAnywhereAndNowhereElse) {

@@ -6,6 +6,7 @@
 #include "core/text/Buffer.h"
 #include "core/text/MChar.h"
 #include "core/text/strCopy.h"
+#include "core/text/unicode.h"
 #include "tests/core/text/joined.h"
 
 namespace {
@@ -32,10 +33,8 @@ TEST(Buffer, OwnsItsBytes) {
 TEST(Buffer, CarriesTextsInAnyWidth) {
     String const text("A\xE4z");
     unsigned short const units16[] = {'A', 0xE4, 'z', 0x141, 'b', 0x100, 'c', 0};
-    unsigned int const units32[] = {'A', 0xE4, 'z'};
     EXPECT_EQ(text.GetRawBuffer(), Buffer("A\xE4z", 3));
     EXPECT_EQ(text.GetUnicode16Buffer(), Buffer(units16, 6));
-    EXPECT_EQ(text.GetUnicode32Buffer(), Buffer(units32, sizeof units32));
     String back;
     back.SetString(units16);
     EXPECT_EQ(back, "A\xE4zAb") << "only the low 8 bits count, and a NUL among them ends the text";
@@ -63,6 +62,18 @@ TEST(Buffer, RoomOfAnySizeGetsWhatFitsAndANul) {
     }
 }
 
+TEST(Unicode, FoldsEveryCodePointAsUnicode15) {
+    unsigned long long sum = 0;
+    for (char32_t point = 1; point <= 0x10FFFF; point += point == 0xD7FF ? 0x801 : 1) {
+        std::string text;
+        core::unicode::appendPoint(point, text);
+        for (char const byte : core::unicode::foldCase(text)) {
+            sum = sum * 31 + static_cast<unsigned char>(byte);
+        }
+    }
+    EXPECT_EQ(sum, 0xD6D0DC25787E2438) << "the sum over the simple foldings of CaseFolding.txt";
+}
+
 TEST(MChar, PacksTextInMemoryOrderAndShowsAnyByteSafely) {
     MChar8 const magic("QXRB5129");
     EXPECT_EQ(std::string_view(magic.ptr(), 8), "QXRB5129");
@@ -74,7 +85,8 @@ TEST(MChar, PacksTextInMemoryOrderAndShowsAnyByteSafely) {
     EXPECT_EQ(joined({shorter, shorter.SafeDump()}), "AB|AB??|");
     EXPECT_TRUE(MChar4("ABCDEF") == "ABCD" && MChar4("ABCDEF") == String("ABCDx"));
     EXPECT_FALSE(MChar4("ABCD") == "ABC" || MChar4("ABCD") == MChar4("ABCE"));
-    EXPECT_TRUE(MChar4("") == 0 && MChar4() == MChar4(0) && MChar8(String()) == MChar8());
+    EXPECT_TRUE(MChar4(static_cast<char const*>(nullptr)) == 0 && MChar4("") == 0 &&
+                MChar4() == MChar4(0) && MChar8(String()) == MChar8());
 
     EXPECT_EQ(MChar4("\x1F\x20\x7F\x80").SafeDump(), "? \x7F?");
     MChar4 const tag("A\nB");

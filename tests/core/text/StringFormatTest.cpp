@@ -25,9 +25,9 @@ TEST(StringFormat, FindsNumberedPlaceholders) {
 
     int position = 0;
     int length = 0;
-    EXPECT_EQ(String("%5 %12 %3").findArgPlaceHolderByIndex(12, position, length), 12);
-    EXPECT_EQ(position * 10 + length, 33);
-    EXPECT_EQ(String("%5 %12 %3").findArgPlaceHolderByIndex(5, position, length, 1), 0);
+    EXPECT_EQ(String("%12 %5 %3").findArgPlaceHolderByIndex(12, position, length), 12);
+    EXPECT_EQ(position * 10 + length, 3);
+    EXPECT_EQ(String("%12 %5 %3").findArgPlaceHolderByIndex(12, position, length, 1), 0);
     EXPECT_EQ(position * 10 + length, -10);
 }
 
