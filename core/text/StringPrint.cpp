@@ -1,5 +1,4 @@
 #include <algorithm>
-#include <cmath>
 #include <cstdio>
 
 #include "core/text/String.h"
@@ -64,8 +63,10 @@ String String::FormatByteSize(long long bytes, bool roundUp) {
     double const scaled = value / unit->bytes;
     char text[64];
     if (roundUp) {
-        auto const whole = static_cast<long long>(std::ceil(scaled));
-        std::snprintf(text, sizeof text, "%lli %s", whole, unit->name);
+        // Not std::ceil: it alone would load the mathematical library at each start.
+        auto const whole = static_cast<long long>(scaled);
+        int const rest = static_cast<double>(whole) < scaled ? 1 : 0;
+        std::snprintf(text, sizeof text, "%lli %s", whole + rest, unit->name);
     } else {
         std::snprintf(text, sizeof text, "%0.1f %s", scaled, unit->name);
     }
