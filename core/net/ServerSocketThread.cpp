@@ -7,7 +7,7 @@ namespace core {
 
 namespace {
 
-int const missingRetry = 5;  ///< ms between two looks at a socket that is missing or closed
+int const missingRetry = 5;  ///< ms between two looks at a socket that is missing or fails
 int const listenRetry = 2;   ///< ms between two attempts to listen
 int const waitSlice = 100;   ///< ms of waiting between two looks at the termination request
 /// ms after a failure: without free descriptors or memory, accept would fail again at once.
@@ -101,11 +101,11 @@ bool ServerSocketThread::ServeDatagram() {
 }
 
 bool ServerSocketThread::WaitForTraffic() {
-    if (socket_ && socket_->IsOpen()) {
-        return socket_->CanRecv(waitSlice);
+    int const ready = socket_ && socket_->IsOpen() ? socket_->checkRecv(waitSlice) : -1;
+    if (ready < 0) {
+        sys::scheduler::sleepms(missingRetry);
     }
-    sys::scheduler::sleepms(missingRetry);
-    return false;
+    return ready > 0;
 }
 
 bool ServerSocketThread::ListenUntilTermination() {

@@ -54,6 +54,8 @@ TEST(InterfaceAddress, FindsTheLoopback) {
     EXPECT_EQ(list.FindAddress(IPv4Address(127, 0, 0, 1)), at);
     EXPECT_STREQ(list[at].GetMask().getCString(), "255.0.0.0");
     EXPECT_GE(list.FindName(list[at].GetName()), 0);
+    int const last = list.Count() - 1;
+    EXPECT_EQ(list.FindName(list[last].GetName(), last), last);
     EXPECT_EQ(list.FindAddress("127.0.0.1", list.Count()), -1);
     EXPECT_EQ(list.FindAddress("nonsense"), -1);
     EXPECT_EQ(list.FindName("no such interface"), -1);

@@ -120,6 +120,9 @@ TEST(Address, ResolvesNumbersToTheirBestAddress) {
     core::String name("untouched");
     EXPECT_EQ(core::SocketAddr().GetName(name, true), 13u);
     EXPECT_STREQ(name.getCString(), "untouched");
+    EXPECT_TRUE(info->FindBest(SocketDomain::IPv4, SocketType::datagram)) << "for want of a better";
+    EXPECT_EQ(core::GetPosixProtocol(SocketDomain::IPv6, SocketType::stream), 6);
+    EXPECT_EQ(core::GetPosixProtocol(SocketDomain::IPv6, SocketType::datagram), 17);
     auto const address = best->GetSocketAddress();
     core::SocketAddr const negative(address->GetBytes(), -address->GetLength());
     EXPECT_STREQ(address->ClassName(), "InfoSocketAddr");
@@ -135,6 +138,7 @@ TEST(Address, ResolvesNumbersToTheirBestAddress) {
         EXPECT_EQ(core::SocketAddr(tooLong, length).GetLength(), 0) << length;
     }
     EXPECT_EQ(core::SocketAddr(tooLong, -128).GetSize(), 128);
+    EXPECT_EQ(core::SocketAddr(tooLong, 16).GetName(name, true), 5u) << "of no family";
 }
 
 }  // namespace

@@ -158,6 +158,7 @@ TEST(ServerSocket, RemovingABindRaisesTheCount) {
         for (int i = 0; i < count; ++i) {
             server.AddBind(String::format("%1").argi(1, i));
         }
+        EXPECT_TRUE(server.GetBind(-1).IsEmpty() && server.GetBoundName(-1).IsEmpty());
         EXPECT_EQ(server.RemoveBind(-1), -1);
         EXPECT_EQ(server.RemoveBind(count), -1);
         EXPECT_EQ(server.RemoveBind(1), 0);
@@ -180,6 +181,8 @@ TEST(ServerSocket, RemovingABindRaisesTheCount) {
     EXPECT_EQ(server.index, 1);
     server.ClearBinds();
     EXPECT_EQ(server.BindsCount(), 1);
+    EXPECT_EQ(server.RemoveBind(server.AddBind("another")), 0);
+    EXPECT_TRUE(server.GetBind(2).IsEmpty());
     EXPECT_TRUE(server.GetBoundName(0) == bound && echoes(bound));
     EXPECT_EQ(server.index, 0);
     server.StopOne(0, 10'000);

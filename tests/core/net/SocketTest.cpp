@@ -104,6 +104,9 @@ TEST(Socket, OpensAndCloses) {
     EXPECT_TRUE(pair.near.GetTarget(far));
     EXPECT_EQ(pair.far->GetSockName(near, true), 0u);
     EXPECT_STREQ(near.getCString(), far.getCString());
+    core::EndPoint peer;
+    EXPECT_EQ(pair.near.GetPeerName(far, true) + pair.near.GetPeerName(peer), 0u);
+    EXPECT_TRUE(far == near && peer.GetComposedAddress() == near);
     EXPECT_STREQ(pair.near.ClassName(), "Socket");
     EXPECT_TRUE(pair.near.Connect()) << "open already";
     EXPECT_TRUE(pair.near.IsConnected());
@@ -135,6 +138,13 @@ TEST(Socket, OpensAndCloses) {
     Socket unset(SocketDomain::IPv4, SocketType::stream);
     unset.Close();
     EXPECT_FALSE(unset.Connect()) << "no target";
+
+    SocketPair gone;
+    gone.near.GetTarget(near);
+    gone.far->Close();
+    gone.near.Close();
+    Socket next(SocketDomain::IPv4, SocketType::stream);
+    EXPECT_EQ(next.Bind(near), 0u) << "the port of a connection that has just ended";
 }
 
 TEST(Socket, Datagrams) {

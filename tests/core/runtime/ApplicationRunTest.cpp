@@ -102,6 +102,7 @@ TEST_F(ApplicationRun, OneApplicationAProcess) {
             core::StringArray grammar(16);
             core::StringArray errors(16);
             grammar.Add("h|help=0");
+            grammar.Add("g|grow=0");
             bool const refused = Application::AddToArguments("h|", "", grammar, errors) == -1 &&
                                  errors.Count() == 0 &&
                                  Application::AddToArguments("x|", "", grammar, errors) == -1 &&
@@ -111,6 +112,8 @@ TEST_F(ApplicationRun, OneApplicationAProcess) {
             Life life;
             bool const one = Application::Instance() == &life && Application::AppName() == "life" &&
                              Application::AddToArguments("h|", "", grammar, errors) == 0 &&
+                             Application::AddToArguments("g|", "", grammar, errors) == 1 &&
+                             Application::AddToArguments("g|", "", grammar, errors) == 1 &&
                              life.FindOption("help") && life.FulfillTerminationRequest() == 0 &&
                              !Application::IsTerminated() && !Application::IsADaemon() &&
                              Application::ProcessID() + Application::SessionID() == 0 &&
@@ -153,8 +156,8 @@ TEST(AppStatus, TheFileHoldsTheNumber) {
     EXPECT_FALSE(status._setStatus(AppStatus::none));
     EXPECT_TRUE(status._setStatus(AppStatus::running));
     EXPECT_EQ(status.GetStatus(), 3);
-    EXPECT_TRUE(status.writeToFile(9));
-    EXPECT_EQ(status.readFromFile(), 9);
+    EXPECT_TRUE(status.writeToFile(7));
+    EXPECT_EQ(status.readFromFile(), 7);
     EXPECT_EQ(status.GetStatus(), 0);
     for (char const* const content : {"", "x", "3x", "-", "\n"}) {
         folder.Write("name.status", content);

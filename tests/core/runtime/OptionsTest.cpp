@@ -110,6 +110,8 @@ TEST(Options, Queries) {
 TEST(Version, Texts) {
     using core::version::CEDevStage;
     Application& tool = application();
+    tool.setVersionNumber("in words");
+    EXPECT_STREQ(tool.getVersionNumber().getCString(), "in words");
     tool.setVersionNumber(1, 0);
     EXPECT_STREQ(tool.getVersionLong(true).getCString(), "options 1.00");
     tool.setVersionModelName("Model %1");
@@ -129,8 +131,6 @@ TEST(Version, Texts) {
                  "options 12.345 build 77 beta (Model %1)");
     tool.clearBuildVersion();
     EXPECT_STREQ(tool.getVersionBuild().getCString(), "12.345");
-    tool.setVersionNumber("in words");
-    EXPECT_STREQ(tool.getVersionNumber().getCString(), "in words");
     core::version::free();
     EXPECT_STREQ(tool.getVersionLong(true).getCString(), " 0.00");
 }

@@ -7,9 +7,11 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <ctime>
 #include <vector>
 
 #include "core/net/ServerSocket.h"
+#include "sys/scheduler.h"
 #include "tests/core/net/SocketPair.h"
 
 namespace {
@@ -65,6 +67,20 @@ TEST(Descriptors, AServerReportsWhatItLacks) {
     ASSERT_EQ(pthread_setattr_default_np(&usual), 0);
     EXPECT_EQ(server.StartListen(), 1);
     EXPECT_EQ(server.LastError(), 0);
+
+    // Neither a connection that cannot be accepted nor a wait that fails keeps a processor busy.
+    core::Socket client(core::SocketDomain::IPv4, core::SocketType::stream);
+    EXPECT_EQ(setrlimit(RLIMIT_NOFILE, &none), 0);
+    EXPECT_EQ(client.Connect(server.GetBoundName(0)), 0u);
+    for (rlim_t const few : {1U, 0U}) {
+        rlimit const descriptors{few, limit.rlim_max};
+        EXPECT_EQ(setrlimit(RLIMIT_NOFILE, &descriptors), 0);
+        std::clock_t const start = std::clock();
+        sys::scheduler::sleepms(200);
+        EXPECT_LT(std::clock() - start, CLOCKS_PER_SEC / 10) << few;
+    }
+    server.StopListen(-1);
+    ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &limit), 0);
 }
 
 TEST(Descriptors, SocketsKeepOffTheStandardStreams) {
