@@ -159,7 +159,7 @@ std::vector<Action> readActions(String const& text, String const& step, sys::Con
     return actions;
 }
 
-void takeNumber(sys::ConfFile& file, char const* name, std::uint32_t largest,
+void takeNumber(char const* name, std::uint32_t largest, sys::ConfFile& file,
                 std::uint32_t& number) {
     if (unsigned long long value = 0; file.TakeNumber(name, 0, largest, value)) {
         number = static_cast<std::uint32_t>(value);
@@ -184,8 +184,8 @@ bool loadScenario(String const& path, Scenario& scenario, std::vector<core::Faul
                 text.IsEmpty() ? std::vector<Action>() : readActions(text, row.name, file);
         }
     }
-    takeNumber(file, "seed", UINT32_MAX, scenario.seed);
-    takeNumber(file, "receiveBuffer", bytes.largest, scenario.receiveBuffer);
+    takeNumber("seed", UINT32_MAX, file, scenario.seed);
+    takeNumber("receiveBuffer", bytes.largest, file, scenario.receiveBuffer);
     file.RefuseTheRest();
     return errors.size() == before;
 }

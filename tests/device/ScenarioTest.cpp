@@ -20,6 +20,7 @@ TEST(Scenario, TellsEveryMistakeOfItsFile) {
              {"request = wait", bad + "request: wait needs a number from 0 to 86400000"},
              {"request = wait 86400001", bad + "request: wait needs a number from 0 to 86400000"},
              {"request = WAIT 1 2", bad + "request: wait cannot be followed by 2"},
+             {"request = garbage 0", bad + "request: garbage needs a number from 1 to 1000000000"},
              {"request = cut 16 Accepted", bad + "request: cut needs a number from 1 to 15"},
              {"request = cut 1", bad + "request: cut needs a notification"},
              {"request = cut 1 2 3", bad + "request: cut takes one notification"},
