@@ -22,7 +22,6 @@ String freePath(String const& folder, String const& device) {
     unsigned long long taken = 0;
     unsigned long long free = 1;
     while (!isFree(free)) {
-        taken = free;
         free *= 2;
     }
     while (free - taken > 1) {

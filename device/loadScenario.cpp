@@ -180,8 +180,7 @@ bool loadScenario(String const& path, Scenario& scenario, std::vector<core::Faul
     for (StepName const& row : stepNames) {
         String text;
         if (file.Take(row.name, text)) {
-            scenario.steps[row.step] =
-                text.IsEmpty() ? std::vector<Action>() : readActions(text, row.name, file);
+            scenario.steps[row.step] = readActions(text, row.name, file);
         }
     }
     takeNumber("seed", UINT32_MAX, file, scenario.seed);

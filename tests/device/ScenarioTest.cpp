@@ -37,6 +37,7 @@ TEST(Scenario, TellsEveryMistakeOfItsFile) {
         std::vector<core::Fault> errors;
         EXPECT_FALSE(device::loadScenario(folder.Write("s", text).c_str(), scenario, errors));
         ASSERT_EQ(errors.size(), 1u) << text;
+        EXPECT_EQ(scenario.seed + 2 * scenario.receiveBuffer, 1u) << "what is not given";
         EXPECT_STREQ(core::faultLine(errors[0]).getCString(), error.c_str());
     }
 }
