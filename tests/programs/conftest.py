@@ -1,7 +1,7 @@
 """The programs under test, and what their tests share.
 
-RAVELINK_BIN is the directory of the built programs. RAVELINK_EMULATOR runs them if they belong to
-another system; RAVELINK_UPDATER and RAVELINK_SIMULATED_DEVICE name other commands for these two.
+RAVELINK_BIN is the directory of the built programs. RAVELINK_EMULATOR runs them if they are Windows
+programs; RAVELINK_UPDATER and RAVELINK_SIMULATED_DEVICE are other commands for these two.
 """
 
 import os
@@ -23,6 +23,12 @@ VERSION = re.search(r"project\(ravelink VERSION (\S+)", (SOURCE / "CMakeLists.tx
 
 def built(name):
     return EMULATOR + [str(BIN / (name + ".exe" if WINDOWS else name))]
+
+
+UPDATER = shlex.split(os.environ.get("RAVELINK_UPDATER", "")) or built("update_program")
+DEVICE = shlex.split(os.environ.get("RAVELINK_SIMULATED_DEVICE", "")) or built("device_program")
+WINDOWS_UPDATER = UPDATER[0].endswith("underWine")
+WINDOWS_DEVICE = DEVICE[0].endswith("underWine")
 
 
 def source(path):
@@ -86,14 +92,13 @@ def directory(tmp_path):
 class Device:
     """ravelink-device with these options, which ends after one update on each address."""
 
-    def __init__(self, log, options):
+    def __init__(self, log, options, count, prefix, **started):
         self.log = log
-        command = shlex.split(os.environ.get("RAVELINK_SIMULATED_DEVICE", ""))
         with open(log, "wb") as output:
             self.process = subprocess.Popen(
-                (command or built("device_program")) + ["-b", "127.0.0.1:0", "--once", *options],
-                stdout=output)
-        wait_until(lambda: self.addresses or self.process.poll() is not None)
+                [*prefix, *DEVICE, "-b", "127.0.0.1:0", "--once", *options], stdout=output,
+                **started)
+        wait_until(lambda: len(self.addresses) == count or self.process.poll() is not None)
 
     @property
     def lines(self):
@@ -101,7 +106,7 @@ class Device:
 
     @property
     def addresses(self):
-        return [line.partition("Listening on: ")[2] for line in self.lines if "Listening" in line]
+        return re.findall(r"Listening on: (.*)\n", self.log.read_text(encoding="utf-8"))
 
     @property
     def address(self):
@@ -114,11 +119,12 @@ class Device:
 
 @pytest.fixture
 def device(tmp_path_factory):
-    """Starts devices, which are ended after the test."""
+    """Starts devices, which are ended after the test at the latest."""
     started = []
 
-    def start(*options):
-        started.append(Device(tmp_path_factory.mktemp("device") / "log", options))
+    def start(*options, count=1, prefix=(), **how):
+        log = tmp_path_factory.mktemp("device") / "log"
+        started.append(Device(log, options, count, prefix, **how))
         return started[-1]
 
     yield start
@@ -130,8 +136,7 @@ def device(tmp_path_factory):
 @pytest.fixture
 def ravelink():
     """Runs ravelink with these arguments."""
-    command = shlex.split(os.environ.get("RAVELINK_UPDATER", "")) or built("update_program")
-    return lambda *arguments: run(command + list(arguments))
+    return lambda *arguments, **options: run(UPDATER + list(arguments), **options)
 
 
 class Pack:

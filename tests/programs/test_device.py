@@ -1,0 +1,148 @@
+"""ravelink-device as a user runs it."""
+
+import fcntl
+import os
+import re
+import resource
+import shlex
+import shutil
+import signal
+import socket
+import subprocess
+import termios
+import time
+
+import pytest
+
+from conftest import DEVICE, UPDATER, VERSION, WINDOWS_DEVICE, run, wait_until
+
+NONE = bytes(4)
+BANNER = f"ravelink-device {VERSION} (Halvoren) - Simulated Device"
+
+
+def test_logs_and_stores_many_updates_at_once(device, directory):
+    """More devices than one server socket has places; an answer to the header saves its wait."""
+    count = 34
+    # A terminal would take U+061C as an order to write from right to left.
+    stored = directory.path / "a=\u061C"
+    stored.mkdir()
+    update = directory.write("u", "x")
+    scenario = directory.write("s.conf", "header = notify Accepted, wait 300\n"
+                                         "complete = cut 3 Complete, notify Complete")
+    served = device("-v", "-n", str(count), "-d", str(stored), "-s", scenario, count=count)
+    updaters = [subprocess.Popen([*UPDATER, "-o", update, "-a", address],
+                                 stdout=subprocess.DEVNULL) for address in served.addresses]
+    assert [updater.wait(60) for updater in updaters] == count * [0]
+    assert served.wait() == 0
+    files = list(stored.iterdir())
+    assert len(files) == count and all(file.read_bytes() == b"x" for file in files)
+    lines = [re.sub(r"[0-9]+\.[0-9]+ s", "TIME", re.sub(r"(127\.0\.0\.1)[:-].*", r"\1", line))[5:]
+             for line in served.lines if line.startswith("[34] ")]
+    assert lines == [
+        "- Listening on: 127.0.0.1", "- Connection from: 127.0.0.1",
+        "    TIME < E8B47CC3 00000001 8CDC1683 174B833C",
+        "- Request: 1.0 B (1 bytes), CRC-32 0x8CDC1683",
+        "    TIME > E8B47CC3 00000001 00000001 FD46FDC5",
+        "  Sent: Accepted, value 0x00000001",
+        "    TIME < E8B47CC3 00000001 00010000 00000001",
+        "- Header: token 0x00000001",
+        "    TIME > E8B47CC3 00000001 00000001 FD46FDC5",
+        "  Sent: Accepted, value 0x00000001",
+        "    TIME < 1 bytes of the file",
+        "- File received: 1 bytes, CRC-32 0x8CDC1683",
+        "    TIME < 00000001 8CDC1683 00000001 E8B47CC3",
+        "- Trailer: token 0x00000001",
+        "    TIME > E8B47CC3 00000002 00000000 CDE1B783",
+        "  Sent: Received, value 0x00000000",
+        f"- Stored: {directory.path}/a=?/127.0.0.1",
+        "    TIME > E8B47CC3 00000003 00000000 F0819E33",
+        "  Sent: Checked, value 0x00000000",
+        "    TIME > E8B47CC3 00000004 00000000 42A14223",
+        "  Sent: Processing, value 0x00000000",
+        "    TIME > E8B47C",
+        "    TIME > E8B47CC3 00000005 00000001 08C65B05",
+        "  Sent: Complete, value 0x00000001",
+        "- The update is complete."]
+
+
+@pytest.mark.skipif(WINDOWS_DEVICE, reason="no signals")
+def test_leaves_nothing_behind_when_interrupted(device, directory):
+    stored = directory.path / "stored"
+    stored.mkdir()
+    scenario = directory.write("s.conf", "header = notify Accepted\ndata = wait 600000")
+    served = device("-d", str(stored), "-s", scenario)
+    command = [*UPDATER, "-o", directory.write("u", "x"), "-a", served.address]
+    with subprocess.Popen(command, stdout=subprocess.DEVNULL) as updater:
+        wait_until(lambda: len(list(stored.iterdir())) == 1)
+        # A process and its group often get the same request.
+        served.process.terminate()
+        served.process.terminate()
+        assert served.wait() == 1
+        updater.kill()
+    assert list(stored.iterdir()) == []
+    assert served.lines[-1] == "*** Stopped: The update was broken off because the device stops"
+
+
+@pytest.mark.skipif(WINDOWS_DEVICE, reason="no signals")
+def test_a_second_request_ends_a_device_with_a_blocked_output():
+    reading, writing = os.pipe()
+    fcntl.fcntl(writing, fcntl.F_SETPIPE_SZ, 4096)
+    with subprocess.Popen([*DEVICE, "-b", "127.0.0.1:0", "-n", "500"], stdout=writing) as process:
+        buffered = 0
+        while (now := fcntl.ioctl(reading, termios.FIONREAD, b"1234")) != buffered or now == NONE:
+            buffered = now
+            time.sleep(0.2)
+        process.terminate()
+        with pytest.raises(subprocess.TimeoutExpired):
+            process.wait(0.5)
+        process.terminate()
+        assert process.wait(30) == -signal.SIGTERM
+    os.close(reading)
+    os.close(writing)
+
+
+@pytest.mark.skipif(WINDOWS_DEVICE, reason="no such limits and paths")
+@pytest.mark.parametrize("options, limited, line", [
+    ("-c", {"env": {**os.environ, "TMPDIR": "a=\x01"}},
+     '*** Update not checked: "a=?/": No such file or directory'),
+    ("-c -d a=\x01", {},
+     '*** Update not stored: "a=?/127.0.0.1-PORT-1.rvl": No such file or directory'),
+    ("-d .", {"preexec_fn": lambda: resource.setrlimit(resource.RLIMIT_FSIZE, (8192, 8192))},
+     '*** Update not stored: "./127.0.0.1-PORT-1.rvl": File too large'),
+])
+def test_reports_why_an_update_is_not_kept(device, directory, ravelink, options, limited, line):
+    directory.write("s", "header = notify Accepted")
+    update = directory.write("u", 10_000 * "x")
+    gone = directory.path / "a=\x01"
+    gone.mkdir()
+    served = device("-s", "s", *options.split(), cwd=directory.path, **limited)
+    shutil.rmtree(gone)
+    ravelink("-o", update, "-a", served.address)
+    assert served.wait() == 1
+    assert line in [re.sub(r"\.1-[0-9]+-", ".1-PORT-", each) for each in served.lines]
+
+
+@pytest.mark.parametrize("arguments, error, status", [
+    ("-x", "Invalid option: -x ", 2),
+    ("-b nowhere", "Bad address: The address provided (nowhere) is not a valid IPv4 address. Please "
+                   "use the form IP:Port", 2),
+    ("-b 127.0.0.1:65536", "Invalid port: The address provided (127.0.0.1:65536) does not contain "
+                           "a valid port. Please use a port from 0 to 65535", 2),
+    ("-b TAKEN",
+     "Unable to listen: The address (TAKEN) cannot be used: Address already in use", 1),
+    ("-b 127.0.0.1:65535 -n 2", "Bad count: From here on there can be 1 to 1 devices, not 2", 2),
+    ("-n 0", "Bad count: From here on there can be 1 to 1000 devices, not 0", 2),
+    ("-d @a=\u061C", 'Folder missing: Cannot find the folder "@a=?" to store updates in', 1),
+    ("-s @a=\u061C", 'Scenario not readable: "@a=?": No such file or directory', 1),
+])
+def test_reports_its_own_mistakes(directory, arguments, error, status):
+    with socket.create_server(("127.0.0.1", 0)) as listener:
+        taken = f"127.0.0.1:{listener.getsockname()[1]}"
+
+        def at(text):
+            return directory.at(text).replace("TAKEN", taken)
+
+        result = run(DEVICE + shlex.split(at(arguments)))
+    assert result.lines[:2] == [BANNER, "*** " + at(error)]
+    assert len(result.lines) == (15 if arguments == "-x" else 2)
+    assert result.status == status

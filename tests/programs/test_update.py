@@ -1,0 +1,176 @@
+"""ravelink as a user runs it."""
+
+import os
+import shutil
+import subprocess
+import time
+
+import pytest
+
+from conftest import SOURCE, UPDATER, VERSION, WINDOWS_DEVICE, WINDOWS_UPDATER, run, wait_until
+
+BANNER = f"ravelink {VERSION} (Halvoren) - Ethernet Updater"
+USAGE = ["Usage:", "\travelink [OPTIONS] -o originFile -a ipAddress", "where:",
+         "\t-o, --origin *   : The update archive file name",
+         "\t-a, --address *  : The IPv4 address in the form AAA.BBB.CCC.DDD:Port",
+         "and options:", "\t-h, --help       : Show this screen", ""]
+DONE = "The device is updated and it will restart itself if needed."
+
+
+def missing(path):
+    return [f'*** Update file missing: Cannot find the file "{path}". Please provide the correct '
+            "path", ""]
+
+
+def bad_port(address):
+    return [f"*** Invalid port: The address provided ({address}) does not contain a valid port. "
+            "Please use the form IP|Port", ""]
+
+
+def unreachable(address, port):
+    return [f"- Connecting to: {address}:{port} ...",
+            f"*** Connection failed: Unable to connect to ({address}|{port}). Please check the "
+            "address and try again", ""]
+
+
+@pytest.mark.parametrize("arguments, lines", [
+    ("", ["*** Origin file name missing: Please provide the correct -o option", ""]),
+    ("-h", USAGE),
+    ("--HELP -o @u -a 127.0.0.1", USAGE),
+    ("--bad=1 -h x", ["*** Invalid option: --bad 1", "*** Invalid number of arguments: -h x", "",
+                      *USAGE]),
+    ("-o @none", missing("@none")),
+    ("-o @100%1=%s.rvl", missing("@100%1: %s.rvl")),
+    ("-o @@", missing("@@")),
+    ("-t x -i y -o @u",
+     ["*** Sensor IP address missing: Please provide the correct -a option", ""]),
+    ("-o=@u --address=10.0.0:7",
+     ["*** Bad address: The address provided (10.0.0|7) is not a valid IPv4 address. Please use "
+      "the form IP:Port", ""]),
+    ("--origin @u -a 127.0.0.1:65536", bad_port("127.0.0.1|65536")),
+    ("-o @u -a 127.0.0.1:0", bad_port("127.0.0.1|0")),
+    ("-o @u -a=127.0.0.1:-9999999999", bad_port("127.0.0.1|-9999999999")),
+    # No connection can be made to 127.0.0.0.
+    ("-o @u -a 127.0.0.0:65535", unreachable("127.0.0.0", 65535)),
+    ("-o @u -a 127.0.0.0:1", unreachable("127.0.0.0", 1)),
+    # An octet too big leaves an address to try, without a port.
+    ("-o @u -a 127.0.0.999:1", unreachable("127.0.0.0", 3007)),
+])
+def test_command_lines_that_reach_no_device(ravelink, directory, arguments, lines):
+    directory.write("u", "x")
+    result = ravelink(*directory.at(arguments).split())
+    assert result.lines == [BANNER, *map(directory.at, lines)]
+    assert result.status == 0
+
+
+def in_terminal(command):
+    """The lines of a command on a terminal that understands no sequences."""
+    return run(["script", "-qec", "TERM=dumb " + " ".join(command), "/dev/null"],
+               stdin=subprocess.DEVNULL).lines
+
+
+@pytest.mark.skipif(WINDOWS_UPDATER, reason="has a console whatever TERM says")
+def test_reports_progress_in_a_line_each_without_sequences(device, directory):
+    update = directory.write("u", 600_000 * "x")
+    lines = in_terminal([*UPDATER, "-o", update, "-a", device().address])
+    assert [line.strip("\r") for line in lines[4:7]] == [
+        ">   Transferred by now: 256.0 KB", ">   Transferred by now: 512.0 KB          ",
+        "- File completely sent: 585.9 KB          "]
+
+
+@pytest.fixture
+def tmux(directory):
+    """Runs tmux commands with a server of their own."""
+    if shutil.which("tmux") is None:
+        pytest.skip("no tmux, whose screen could be read")
+    command = ["tmux", "-f", "/dev/null", "-S", directory.at("@socket")]
+    yield lambda *arguments: run(command + list(arguments), stderr=subprocess.DEVNULL).lines
+    run(command + ["kill-server"], stderr=subprocess.DEVNULL)
+
+
+def test_reports_progress_in_one_line_of_a_terminal(device, directory, tmux):
+    update = directory.write("u", 600_000 * "x")
+    command = " ".join([*UPDATER, "-o", update, "-a", device().address])
+    tmux("new-session", "-d", "-x", "80", "-y", "24", command + "; sleep 60")
+    wait_until(lambda: any("restart itself" in line for line in tmux("capture-pane", "-p")))
+    # Where the colour ends, after the text or at the next one, is the terminal's choice.
+    assert [line.replace("\x1B[39m", "") for line in tmux("capture-pane", "-ep")[3:6]] == [
+        "- The device has accepted our request.", "- File completely sent: \x1B[92m585.9 KB",
+        "  The update process may take a while. Please wait..."]
+
+
+@pytest.mark.parametrize("output", ["| head -1", ">&-", "> /dev/full", pytest.param(
+    "<&- >&- 2>&-", marks=pytest.mark.skipif(
+        WINDOWS_UPDATER, reason="Wine takes the connection to its server for standard output"))])
+def test_updates_with_the_output_closed(device, directory, output):
+    update = directory.write("u", 1_000_000 * "x")
+    served = device()
+    run(f"{' '.join(UPDATER)} -o {update} -a {served.address} {output}")
+    assert served.wait() == 0
+
+
+def test_updates_with_the_terminal_closed(device, directory, tmux):
+    update = directory.write("zürich.rvl", 1_000_000 * "x")
+    served = device("-s", directory.write("s.conf", "header = notify Accepted\ndata = wait 1000"))
+    # Windows has no such signal, but Wine dies of it.
+    ignored = "trap '' HUP; " if WINDOWS_UPDATER else ""
+    tmux("new-session", "-d", f"{ignored}{' '.join(UPDATER)} -o {update} -a {served.address}")
+    wait_until(lambda: any("Header" in line for line in served.lines))
+    tmux("kill-server")
+    assert served.wait() == 0
+
+
+@pytest.fixture
+def namespace(directory, monkeypatch):
+    """The prefix of commands that run in a network of their own, with loopback only."""
+    root = run(["unshare", "--net", "true"], stderr=subprocess.DEVNULL).status == 0
+    options = ["--net"] if root else ["--map-root-user", "--net"]
+    holder = subprocess.Popen(["unshare", *options, "sh", "-c",
+                               "ip link set lo up && echo up && exec sleep 600"],
+                              stdout=subprocess.PIPE, stderr=subprocess.DEVNULL)
+    if holder.stdout.readline() != b"up\n":
+        pytest.skip("no network namespaces")
+    # Wine's server, which owns the sockets, must run in the namespace.
+    wine = directory.path / "wine"
+    monkeypatch.setenv("WINEPREFIX", str(wine))
+    as_root = [] if root else ["--user", "--preserve-credentials"]
+    yield ["nsenter", "--target", str(holder.pid), "--net", *as_root]
+    if wine.exists():
+        run(["wineserver", "-k"], env={**os.environ, "TMPDIR": str(wine)})
+    holder.kill()
+    holder.wait()
+
+
+def test_needs_loopback_only_and_reports_an_unreachable_peer(device, directory, namespace):
+    update = directory.write("u", "x")
+    command = [*namespace, *UPDATER, "-o", update, "-a"]
+    assert run(command + ["10.0.0.7"]).lines == [BANNER, *unreachable("10.0.0.7", 3007)]
+    served = device(prefix=namespace)
+    assert run(command + [served.address]).lines[-1] == DONE
+    assert served.wait() == 0
+    assert served.lines[-1] == "- The update is complete."
+
+
+# The limits as users meet them: minutes of waiting, so only ./dev test slow runs these.
+@pytest.mark.slow
+@pytest.mark.skipif(WINDOWS_UPDATER or WINDOWS_DEVICE, reason="takes minutes")
+@pytest.mark.parametrize("scenario, at_least, at_most, end, waits", [
+    ("silent-request", 10, 15, "*** Connection timeout: ", 0),
+    ("restart-firmware", 2, 7, DONE, 0),
+    ("stall", 60, 65, "*** Timeout sending the file: ", 0),
+    ("silent-trailer", 300, 305, "*** Timeout error: ", 30),
+    # A wait that begins before the five minutes are over lasts its 10 s.
+    ("processing-for-ever", 300, 315, "*** Timeout error: ", 0),
+])
+def test_keeps_its_limits(device, directory, ravelink, scenario, at_least, at_most, end, waits):
+    """Waits neither shorter nor much longer than a user is told."""
+    update = directory.write("u", 16_000_000 * "x")
+    served = device("-s", str(SOURCE / f"examples/scenarios/{scenario}.conf"))
+    start = time.monotonic()
+    lines = [line for line in ravelink("-o", update, "-a", served.address, timeout=400).lines
+             if line]
+    assert at_least <= time.monotonic() - start <= at_most
+    assert lines[-1].startswith(end)
+    assert sum(line.startswith("  System is still updating. ") for line in lines) == waits
+    timeouts = sum(line.startswith("*** Connection timeout: ") for line in lines)
+    assert timeouts == waits + (at_least == 10)
