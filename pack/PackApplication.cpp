@@ -1,6 +1,7 @@
 #include "pack/PackApplication.h"
 
 #include "core/console/Console.h"
+#include "core/runtime/runProgram.h"
 #include "core/text/StringArray.h"
 #include "pack/Listing.h"
 #include "pack/Manifest.h"

@@ -1,9 +1,6 @@
+#include "core/runtime/runProgram.h"
 #include "pack/PackApplication.h"
-#include "sys/platform/Arguments.h"
 
 int main(int argc, char** argv) {
-    pack::PackApplication application;
-    sys::platform::Arguments const arguments(argc, argv);
-    application.Main(arguments.Count(), arguments.Words());
-    return application.Result();
+    return core::runProgram<pack::PackApplication>(argc, argv, 1);
 }

@@ -1,9 +1,7 @@
-#include "sys/platform/Arguments.h"
+#include "core/runtime/runProgram.h"
 #include "update/UpdateApplication.h"
 
 int main(int argc, char** argv) {
-    update::UpdateApplication application;
-    sys::platform::Arguments const arguments(argc, argv);
-    application.Main(arguments.Count(), arguments.Words());
-    return application.Result();
+    // 0 as after every failure: scripts in the field rely on it.
+    return core::runProgram<update::UpdateApplication>(argc, argv, 0);
 }

@@ -1,7 +1,5 @@
 #include "core/text/message.h"
 
-#include <new>
-
 #include "core/text/TextBuilder.h"
 #include "core/text/printable.h"
 
@@ -41,13 +39,6 @@ std::vector<Fault> faultsFromEntries(StringArray const& entries) {
         errors.push_back({entries[i].LeftOf('='), entries[i].RightOf('=')});
     }
     return errors;
-}
-
-Fault faultFromException(std::exception const& exception) {
-    if (dynamic_cast<std::bad_alloc const*>(&exception) != nullptr) {
-        return fault("Out of memory", "The system has no more memory for the program");
-    }
-    return fault("System failure", "%1", exception.what());
 }
 
 String faultLine(Fault const& error) {

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <charconv>
-#include <exception>
 #include <span>
 #include <string_view>
 #include <vector>
@@ -57,10 +56,6 @@ template <class... Values>
 
 /// Returns the errors of entries "title=message", as Application::CommandLinePrepare collects them.
 [[nodiscard]] std::vector<Fault> faultsFromEntries(StringArray const& entries);
-
-/// Returns the error of an exception, to be reported instead of ending the process: memory or
-/// threads are exhausted, most likely.
-[[nodiscard]] Fault faultFromException(std::exception const& exception);
 
 /// Returns the line "*** title: message", safe for a terminal: see printable().
 [[nodiscard]] String faultLine(Fault const& error);

@@ -221,13 +221,13 @@ std::vector<std::pair<Scenario, char>> cases() {
     for (Scenario const& scenario : {
              Scenario{"Store", RAVELINK_DEVICE " --once -c -d @work -b 127.0.0.1:0", "fsikdm",
                       Peer::updater},
-             Scenario{"Update", RAVELINK " -o @a.rvl -a ADDRESS", "fsik", Peer::device},
-             Scenario{"Build", build, "fwsikd"},
+             Scenario{"Update", RAVELINK " -o @a.rvl -a ADDRESS", "fsikm", Peer::device},
+             Scenario{"Build", build, "fwsikdm"},
              Scenario{"Rebuild", build, "fkd", Peer::none, {"a.rvl"}},
-             Scenario{"Unpack", unpack + "/new", "fsid"},
+             Scenario{"Unpack", unpack + "/new", "fsidm"},
              Scenario{"Replace", unpack + " -f", "fkd", Peer::none, {"b", "dir/a"}},
-             Scenario{"Check", RAVELINK_PACK " -c @tail.rvl", "fsi"},
-             Scenario{"List", RAVELINK_PACK " -l @a.rvl -j", "fwsi"},
+             Scenario{"Check", RAVELINK_PACK " -c @tail.rvl", "fsim"},
+             Scenario{"List", RAVELINK_PACK " -l @a.rvl -j", "fwsim"},
          }) {
         for (char const mode : scenario.modes) {
             all.emplace_back(scenario, mode);

@@ -1,4 +1,4 @@
-#include "sys/platform/Arguments.h"
+#include "core/runtime/runProgram.h"
 #include "update/UpdateApplication.h"
 
 namespace {
@@ -15,8 +15,5 @@ public:
 }  // namespace
 
 int main(int argc, char** argv) {
-    HastyUpdater updater;
-    sys::platform::Arguments const arguments(argc, argv);
-    updater.Main(arguments.Count(), arguments.Words());
-    return updater.Result();
+    return core::runProgram<HastyUpdater>(argc, argv, 0);
 }
