@@ -55,7 +55,8 @@ core::Fault fileFault(char const* title, String const& path, int result) {
 
 core::Fault buildFault(StreamSequencerBuilder const& builder, String const& path, int result) {
     Fault const& fault = builder.GetFault();
-    if (fault.cause == Cause::target) {
+    // A cancelled build has no cause.
+    if (fault.cause == Cause::target || fault.cause == Cause::none) {
         return fileFault("Archive not writable", path, result);
     }
     if (fault.cause == Cause::file && !fault.text) {

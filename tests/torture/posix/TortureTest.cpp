@@ -171,8 +171,9 @@ TEST_P(Torture, NoLieAndNothingHalfDone) {
     ASSERT_TRUE(sound.claims) << sound.output;
     // What must succeed goes wrong in many places at once.
     bool const patient = mode == "s" || mode == "i";
+    update::SessionLimits const usual = TestedUpdater::Instance().limits;
+    update::SessionLimits limits = usual;
     if (!patient) {
-        update::SessionLimits& limits = TestedUpdater::Instance().limits;
         limits.requestAnswer = limits.completion = 150;
         limits.notification = 50;
     }
@@ -191,11 +192,13 @@ TEST_P(Torture, NoLieAndNothingHalfDone) {
             before_["filler"] = std::string(static_cast<std::size_t>(number) * 4096, 'x');
         }
         Prepare();
+        TestedUpdater::Instance().limits = limits;
         Ran const ran = Run(mode + (disk ? "0" : std::to_string(number)), scenario_.command);
         SCOPED_TRACE(mode + std::to_string(number) + " " + ran.fault + "\n" + ran.output);
         if (mode == "k") {
             ExpectWholeFiles(ran, sound, "\\.copy-|\\.unpacking-|Vorx-|status$");
             // The next one is not troubled by what the killed one left.
+            TestedUpdater::Instance().limits = usual;
             Ran const next = Run("k0", scenario_.command);
             EXPECT_TRUE(next.claims) << next.output;
             ExpectTruth(next, sound);
