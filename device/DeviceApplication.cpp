@@ -1,6 +1,7 @@
 #include "device/DeviceApplication.h"
 
 #include <algorithm>
+#include <cerrno>
 
 #include "core/net/Socket.h"
 #include "core/text/StringArray.h"
@@ -29,6 +30,18 @@ int const largestPort = 65535;
 int const largestCount = 1000;
 
 enum ExitStatus { done = 0, failed = 1, wrongUsage = 2 };
+
+/// Why an address cannot be used. Not all C libraries have messages for the errors of sockets.
+String reasonOf(int error) {
+    switch (error) {
+        case EADDRINUSE:
+            return "already in use";
+        case EADDRNOTAVAIL:
+            return "not an address of this computer";
+        default:
+            return core::cLibraryErrorText(error);
+    }
+}
 
 }  // namespace
 
@@ -156,7 +169,7 @@ bool DeviceApplication::StartDevice(int index) {
     if (device.server->StartListen() < 1) {
         return Quit({core::fault("Unable to listen", "The address (%1) cannot be used: %2",
                                  address.GetAsString(true).Replace("|", ":"),
-                                 core::cLibraryErrorText(device.server->LastError()))},
+                                 reasonOf(device.server->LastError()))},
                     failed);
     }
     String const name = core::printable(device.server->GetBoundName(0).Replace("|", ":"));

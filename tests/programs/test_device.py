@@ -129,8 +129,10 @@ def test_reports_why_an_update_is_not_kept(device, directory, ravelink, options,
                    "use the form IP:Port", 2),
     ("-b 127.0.0.1:65536", "Invalid port: The address provided (127.0.0.1:65536) does not contain "
                            "a valid port. Please use a port from 0 to 65535", 2),
-    ("-b TAKEN",
-     "Unable to listen: The address (TAKEN) cannot be used: Address already in use", 1),
+    ("-b TAKEN", "Unable to listen: The address (TAKEN) cannot be used: already in use", 1),
+    ("-b 192.0.2.1 -n 1",  # reserved for documents
+     "Unable to listen: The address (192.0.2.1:3007) cannot be used: not an address of this "
+     "computer", 1),
     ("-b 127.0.0.1:65535 -n 2", "Bad count: From here on there can be 1 to 1 devices, not 2", 2),
     ("-n 0", "Bad count: From here on there can be 1 to 1000 devices, not 0", 2),
     ("-d @a=\u061C", 'Folder missing: Cannot find the folder "@a=?" to store updates in', 1),
