@@ -99,7 +99,7 @@ void Manifest::TakeCrypt(StreamSequencerBuilder& builder) {
     }
     unsigned long long key = 0;
     bool const given = file_.TakeNumber("key", 0, UINT32_MAX, key);
-    if (given && builder.GetCryptMode() == Mode::None) {
+    if (known && given && builder.GetCryptMode() == Mode::None) {
         file_.Wrong("key", "has no use without crypt");
     } else if (builder.GetCryptMode() != Mode::None) {
         auto const seed = static_cast<unsigned>(builder.uniqueId.value_or(0));
@@ -114,11 +114,15 @@ void Manifest::TakeAttributes(StreamSequencerBuilder& builder) {
     for (unsigned i = 0; i < count; ++i) {
         String const name = core::message("attribute[%1]", i);
         String text;
-        if (!file_.Take(name, text) || text.Find('=') < 1) {
-            file_.Wrong(name, "must hold a name and a value");
-            return;
+        bool const given = file_.Take(name, text);
+        if (text.Find('=') > 0) {
+            builder.AddAttribute(text);
+            continue;
         }
-        builder.AddAttribute(text);
+        file_.Wrong(name, "must hold a name and a value");
+        if (!given) {
+            return;  // a count that is too high is reported once
+        }
     }
 }
 
@@ -130,7 +134,7 @@ void Manifest::TakeFiles(String const& folder, StreamSequencerBuilder& builder) 
     }
     file_.TakeNumber("file.count", 0, INT_MAX, count);
     for (unsigned i = 0; i < count; ++i) {
-        // A count that is too high is told once.
+        // A count that is too high is reported once.
         if (!TakeFile(core::message("file[%1]", i), folder, builder)) {
             return;
         }

@@ -48,7 +48,6 @@ PackApplication::Command const PackApplication::commands[] = {
 PackApplication::PackApplication() : core::Application("ravelink-pack") {
     setVersionModelName("Halvoren");
     setVersionNumber(RAVELINK_VERSION_MAJOR, RAVELINK_VERSION_MINOR);
-    setDevStage(core::version::CEDevStage::release);
     setDescription("Update Archives\n");
 }
 
@@ -194,7 +193,7 @@ void PackApplication::List() {
     if (ReadArchive(reader, progress)) {
         json ? printJson(Value("l"), reader) : printTable(reader);
     }
-    // Here the output is all there is: whoever keeps it must not take a part of it for a list.
+    // Output is the only result here: a truncated list must not pass for a whole one.
     if (Console::hasLostText()) {
         result_ = failed;
     }

@@ -25,7 +25,7 @@ int ArchivedFileStream::Read(void* buffer, int count) {
     if (count < 1 || position_ >= size_) {
         return 0;
     }
-    // Others read the same archive: its position is never where we left it.
+    // Other streams of the archive have moved its position.
     long long const found = archive_.Seek(begin_ + position_);
     if (found < 0) {
         return static_cast<int>(found);
@@ -39,12 +39,12 @@ int ArchivedFileStream::Read(void* buffer, int count) {
         file_.CryptBlock(buffer, got, static_cast<unsigned long long>(position_));
         position_ += got;
     }
-    // The archive held all of the file when it was read; by now somebody has cut it.
+    // The archive contained the whole file when it was read: it has been truncated since.
     return got == 0 ? -EIO : got;
 }
 
-/// Sums up the next bytes of the archive; false if they complete the file's data with another CRC
-/// than when the archive was checked.
+/// Adds the next bytes of the archive to the CRC. Returns false if they complete the file's data
+/// with another CRC than when the archive was read; a repeated read then fails again.
 bool ArchivedFileStream::Matches(void const* bytes, int length) {
     if (!expected_) {
         return true;
@@ -56,9 +56,13 @@ bool ArchivedFileStream::Matches(void const* bytes, int length) {
     if (position_ != summed_) {
         return true;
     }
-    crc_ = crc32::update(bytes, length, crc_);
+    unsigned const crc = crc32::update(bytes, length, crc_);
+    if (summed_ + length == size_ && crc != expected_->after) {
+        return false;
+    }
+    crc_ = crc;
     summed_ += length;
-    return summed_ < size_ || crc_ == expected_->after;
+    return true;
 }
 
 int ArchivedFileStream::Write(void const*, int) {

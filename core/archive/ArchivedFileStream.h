@@ -18,7 +18,7 @@ public:
 
     /// Reads archive, in which all data begin at dataStart; it must contain the data of file. Both
     /// must outlive the stream. If expected is given, data read from start to end must take the CRC
-    /// from before to after: otherwise the last read returns -EBUSY.
+    /// from before to after: otherwise the last read returns -EBUSY, also when it is repeated.
     ArchivedFileStream(Stream& archive, long long dataStart, StreamDescriptor const& file,
                        std::optional<RunningCrc> const& expected = {});
 

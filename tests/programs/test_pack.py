@@ -92,14 +92,16 @@ def test_builds_the_golden_archives_and_extracts_their_files(pack, directory, ve
     (FILE + "version = 2.1", [RANGE]),
     (FILE + "version = 1.", [RANGE]),
     (FILE + "version = 0x1\nkey = 1", [RANGE, "Bad manifest: key has no use without crypt"]),
-    (FILE + "crypt = Some", ["Bad manifest: crypt must be None, Headers, Data or All"]),
+    (FILE + "crypt = Some\nkey = 1", ["Bad manifest: crypt must be None, Headers, Data or All"]),
     (FILE + "uniqueId = -1",
      ["Bad manifest: uniqueId must be a number from 0 to 18446744073709551615"]),
     (FILE + "crypt = All\nkey = 0x100000000",
      ["Bad manifest: key must be a number from 0 to 4294967295"]),
     (FILE + "attribute.count = 1024",
      ["Bad manifest: attribute.count must be a number from 0 to 1023"]),
-    (FILE + "attribute.count = 1", ["Bad manifest: attribute[0] must hold a name and a value"]),
+    (FILE + "attribute.count = 9", ["Bad manifest: attribute[0] must hold a name and a value"]),
+    (FILE + "attribute.count = 3\nattribute[0] = a=\nattribute[1] = =b\nattribute[2] = c=d",
+     ["Bad manifest: attribute[1] must hold a name and a value"]),
     (FILE + "file[0].attributes = 8",
      ["Bad manifest: file[0].attributes must be an octal number from 0 to 37777777777"]),
     (FILE + "file[0].flags = 1 2",
@@ -381,6 +383,8 @@ def test_reports_exhausted_resources(pack, directory):
     assert limited("-f 20", "-x @a.rvl -d @@ -f") == (
         '*** File not unpacked: file[0], "f": File too large')
     assert directory.files() == ["a.rvl", "f", "m.conf"]
+    listing = " ".join(pack.command) + directory.at(" -l @a.rvl >/dev/full")
+    assert run(listing).status == run(listing + " -j").status == 1
     if "RAVELINK_SANITIZERS" not in os.environ:  # they need more memory than any limit
         directory.write("m.conf", "".join(f"name{i} = value\n" for i in range(200_000)))
         assert limited("-v 30000", "-b @m.conf -o @a.rvl") == (

@@ -75,6 +75,16 @@ TEST(Reader, GivesStreamsThatKeepTheirPlace) {
     EXPECT_EQ(data->Seek(-28, core::Stream::SeekOrigin::end), -EINVAL);
     char byte = 0;
     EXPECT_EQ(other->Seek(0) + other->Read(&byte, 0), 0);
+    auto const odd = read.reader.OpenData(3);
+    EXPECT_EQ(rest(*odd), "odd");
+    EXPECT_EQ(odd->Seek(0), 0);
+    EXPECT_EQ(rest(*odd), "odd");
+    read.stream->Seek(-17, core::Stream::SeekOrigin::end);
+    read.stream->Write("!", 1);
+    char bytes[2];
+    EXPECT_EQ(odd->Seek(0) + odd->Read(bytes, 1), 1);
+    EXPECT_EQ(odd->Read(bytes, 2), -EBUSY);
+    EXPECT_EQ(odd->Read(bytes, 2), -EBUSY) << "also when it is repeated";
     read.stream->Clear();
     EXPECT_EQ(other->Read(&byte, 1), -EIO) << "the archive was cut meanwhile";
     core::FileStream closed;
@@ -93,6 +103,9 @@ TEST(Reader, TellsTruncatedAndChangedArchives) {
         golden::Archive archive = sample(0x00020000, crypt);
         archive.files.resize(1);
         std::string const bytes = bytesOf(archive);
+        Reading whole(bytes);
+        EXPECT_EQ(whole.code, 0);
+        EXPECT_EQ(whole.reader.Read(), -999);
         for (std::size_t size = 0; size < bytes.size(); ++size) {
             Reading const read(bytes.substr(0, size));
             ASSERT_EQ(read.code, -2) << size;
@@ -129,20 +142,20 @@ TEST(Reader, IsNotLedAstrayByNumbersThatLie) {
         unsigned size;
         std::uint64_t value;
         int code;
-        int misplaced;  ///< of a sound archive: the first file whose offset is wrong
-        bool opens;     ///< whether its data can be had all the same
+        int misplaced;          ///< of a sound archive: the first file whose offset is wrong
+        char const* data = "";  ///< of the second file, if it can be opened all the same
     };
     // Bits that mean nothing; a count of -1 and less: no files, a trailer in the first one; a count
     // whose high half means nothing; sizes past the end; offsets past the end and over the first.
     for (Row const& row :
-         {Row{8, 4, 0x0000FFFF, -4, 0, false}, Row{8, 4, 0x00020001, -5, 0, false},
-          Row{8, 4, all, -5, 0, false}, Row{12, 4, 0x3FF, -2, 0, false},
-          Row{12, 4, 0x13FFFC00, 0, -1, true}, Row{count, 8, all, -6, 0, false},
-          Row{count, 8, 0x80000000, -6, 0, false}, Row{count, 8, 0x7FFFFFFF, -2, 0, false},
-          Row{count, 8, 0xFFFFFFFF00000002, 0, -1, true}, Row{second + 8, 8, all, -2, 0, false},
-          Row{second + 8, 8, 1ULL << 63, -2, 0, false}, Row{second + 8, 8, 23, -2, 0, false},
-          Row{second, 8, all, 0, 1, false}, Row{second, 8, 1ULL << 63, 0, 1, false},
-          Row{second, 8, 6, 0, 1, false}, Row{second, 8, 0, 0, 1, true}}) {
+         {Row{8, 4, 0x0000FFFF, -4, 0}, Row{8, 4, 0x00020001, -5, 0}, Row{8, 4, all, -5, 0},
+          Row{12, 4, 0x3FF, -2, 0}, Row{12, 4, 0x13FFFC00, 0, -1, "second"},
+          Row{count, 8, all, -6, 0}, Row{count, 8, 0x80000000, -6, 0},
+          Row{count, 8, 0x7FFFFFFF, -2, 0}, Row{count, 8, 0xFFFFFFFF00000002, 0, -1, "second"},
+          Row{second + 8, 8, all, -2, 0}, Row{second + 8, 8, 1ULL << 63, -2, 0},
+          Row{second + 8, 8, 23, -2, 0}, Row{second, 8, all, 0, 1},
+          Row{second, 8, 1ULL << 63, 0, 1}, Row{second, 8, 6, 0, 1},
+          Row{second, 8, 0, 0, 1, "firsts"}}) {
         std::string const bad = golden::withSoundCrc(
             std::string(bytes).replace(row.at, row.size, golden::number(row.value, row.size)));
         Reading read(bad);
@@ -150,7 +163,8 @@ TEST(Reader, IsNotLedAstrayByNumbersThatLie) {
         if (row.code == 0) {
             EXPECT_EQ(read.reader.FindMisplacedFile(), row.misplaced) << row.value;
         }
-        EXPECT_EQ(bool(read.reader.OpenData(1)), row.opens) << row.at << ": " << row.value;
+        auto const data = read.reader.OpenData(1);
+        EXPECT_EQ(data ? rest(*data) : "", row.data) << row.at << ": " << row.value;
     }
     EXPECT_FALSE(Reading(bytes).reader.OpenData(-1));
     EXPECT_FALSE(Reading(bytes).reader.OpenData(2));
@@ -163,6 +177,10 @@ TEST(Reader, IsNotLedAstrayByNumbersThatLie) {
     EXPECT_EQ(again.reader.Read(), 0) << "without files it may be read twice";
     EXPECT_EQ(again.reader.Attributes().Count(), 2);
     EXPECT_EQ(watcher.total - watcher.done, 24);
+    watcher.most = 15;
+    EXPECT_EQ(again.reader.Read(), -2);
+    EXPECT_EQ(again.reader.GetReadError(), -ECANCELED);
+    again.reader.SetProgress(nullptr);
     again.stream->Clear();
     int result = again.reader.Read();
     EXPECT_EQ(support::rewritten(again.reader, result), bytesOf(golden::Archive()));

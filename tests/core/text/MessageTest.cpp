@@ -21,6 +21,9 @@ TEST(Message, FillsPlaceholdersInOnePass) {
 
 TEST(Message, ErrorsAreSafeAndCounted) {
     using core::fault;
+    char const* const kept = " ~\u00A0\u061B\u061D\u200D\u2010\u2027\u202F\u2065\u206A";
+    EXPECT_EQ(core::printable(kept), kept);
+    EXPECT_EQ(core::printable("\x1F\xC2\x80\xC2\x9F\u200E\u200F\u2028\u2066\u2069"), "????????");
     EXPECT_EQ(
         core::faultLine(fault("A\x1B[2J", "b=%1", "\xE2\x80\xAE\xD8\x9C\n\xFF\x7F\xC2\x85\u00FC")),
         "*** A?[2J: b=??????\u00FC");
