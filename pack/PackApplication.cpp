@@ -30,7 +30,7 @@ int const doneColor = 10;
 
 }  // namespace
 
-/// A kind of work, the option that it needs besides, and one that it may have.
+/// An operation, its required option and its optional one.
 struct PackApplication::Command {
     char const* option;
     char const* needs;
@@ -109,7 +109,7 @@ bool PackApplication::Init() {
     } catch (std::exception const& exception) {
         errors_ = {core::faultFromException(exception)};
     }
-    // An interrupted program ends by its signal, which needs no words.
+    // An interrupted program ends by its signal, without an error.
     if (!errors_.empty() && !IsTerminationRequested()) {
         result_ = failed;
         ShowErrors();

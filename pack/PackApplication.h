@@ -11,13 +11,13 @@
 
 namespace pack {
 
-/// The program that makes, lists, checks and unpacks update archives: one of it a call.
+/// The program that builds, lists, checks or extracts an update archive.
 class PackApplication : public core::Application {
 public:
     PackApplication();
 
-    /// Banner (unless a program reads along), command line, and either errors and usage screen,
-    /// the usage screen alone, or the work.
+    /// Prints the banner, unless the output is JSON, and then the errors and the usage screen, the
+    /// usage screen alone, or the output of the command.
     void Main(int argc, char const* const* argv);
 
     /// 0 done, 1 failed, 2 wrong usage.
@@ -42,7 +42,7 @@ private:
     /// of, also through a link.
     bool RefuseSourceAsTarget(core::StreamSequencerBuilder const& builder,
                               core::String const& manifest, core::String const& path);
-    /// Opens and reads the archive; what is wrong is added to the errors.
+    /// Opens and reads the archive. Adds an error and returns false if it is not valid.
     bool ReadArchive(core::StreamSequencerReader& reader, core::ICopyCallback& progress);
     void ShowErrors() const;
     core::String Value(char const* option) const;

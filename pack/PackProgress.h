@@ -14,7 +14,7 @@ public:
     explicit PackProgress(core::String const& verb) : verb_(verb) {}
 
     bool Copied(long long done, long long total) override;
-    /// Writes the line that stands in the place of the reports when the work is done.
+    /// Prints the line that replaces the reports when the work is done.
     void Finish(core::String const& text) { line_.Show(text); }
 
 private:

@@ -8,8 +8,8 @@ using core::String;
 
 namespace {
 
-/// Names of devices on Windows, in any folder and with any extension. Digits include the raised 1,
-/// 2 and 3.
+/// Whether Windows reserves the name for a device, in any directory and with any extension. Digits
+/// include superscript 1, 2 and 3.
 bool isDeviceName(String const& name) {
     String const stem = name.LeftOf('.').IsEmpty() ? name : name.LeftOf('.');
     String const device = stem.TrimRight().UpperCase();
@@ -26,7 +26,7 @@ bool isDeviceName(String const& name) {
     return plain || digit == "\u00B9" || digit == "\u00B2" || digit == "\u00B3";
 }
 
-/// What is wrong with one name of a path; empty when nothing is.
+/// Returns the error of one name of a path; empty if it is valid.
 String faultOf(String const& name) {
     if (name == "..") {
         return "it leads upward";

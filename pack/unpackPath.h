@@ -5,11 +5,11 @@
 
 namespace pack {
 
-/// The path below the unpacking folder that a file is laid at: its destination, to which its name
-/// is added where it ends with "/" or is empty. A path from the root begins at the unpacking
-/// folder. Names are divided by "/", on every system.
-/// Empty, with why as the reason, when any of our systems would take the path for something else
-/// than a plain one below the folder: an archive unpacks everywhere or nowhere.
+/// Returns the path at which a file is extracted, relative to the target directory: its
+/// destination, to which its name is added if it ends with "/" or is empty. Absolute paths begin at
+/// the target directory. Names are separated by "/" on every platform. Returns an empty string and
+/// stores the reason in why if any supported platform would treat the path as something else than a
+/// plain path below the directory: an archive is extracted everywhere or nowhere.
 core::String unpackPath(core::StreamDescriptor const& file, core::String& why);
 
 }  // namespace pack

@@ -9,8 +9,8 @@
 
 namespace sys {
 
-/// The names and values of a configuration file, to be taken out one by one: what is left in the
-/// end means nothing and is most likely misspelt. Letters of names may be large or small.
+/// The names and values of a configuration file, to be removed one by one: the rest is unknown and
+/// most likely misspelt. Names are case-insensitive.
 class ConfFile {
 public:
     /// Errors in the file are added to errors, under title. Both must outlive this object.
@@ -23,12 +23,13 @@ public:
     int Load(core::String const& path);
 
     bool Has(core::String const& name) const;
-    /// Takes an entry out; false when there is none, and value stays as it was.
+    /// Removes an entry and stores its value. Returns false if it is missing; value is unchanged.
     bool Take(core::String const& name, core::String& value);
-    /// The same for a number, as core::readWhole reads it; one that is none is an error.
+    /// The same for a number, as core::readWhole reads it. Any other value is an error: false, and
+    /// value is 0.
     bool TakeNumber(core::String const& name, int base, unsigned long long largest,
                     unsigned long long& value);
-    /// Makes an error of every entry that is still there.
+    /// Adds an error for every remaining entry.
     void RefuseTheRest();
     /// Adds an error, "name what".
     void Wrong(core::String const& name, core::String const& what);
@@ -36,7 +37,7 @@ public:
 private:
     char const* const title_;
     std::vector<core::Fault>& errors_;
-    std::map<std::string, core::String> entries_;  ///< by name in small letters
+    std::map<std::string, core::String> entries_;  ///< by name in lower case
 };
 
 }  // namespace sys

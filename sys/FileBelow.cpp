@@ -3,16 +3,16 @@
 #include <cerrno>
 #include <random>
 
+#include "core/text/message.h"
+
 namespace sys {
 
 namespace {
 
-/// A name that no archive can foresee: one of its files could have the name otherwise.
+/// A name that no archive can predict: one of its files could have the name otherwise.
 core::String temporaryName() {
     std::random_device random;
-    return core::String::format(".unpacking-%1%2")
-        .argi(1, static_cast<unsigned>(random()), 8, 16)
-        .argi(2, static_cast<unsigned>(random()), 8, 16);
+    return core::message(".unpacking-%1-%2", random(), random());
 }
 
 }  // namespace

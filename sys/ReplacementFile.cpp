@@ -9,7 +9,7 @@ namespace sys {
 
 namespace {
 
-/// Follows target's links; a link that leads nowhere stays the target itself.
+/// Replaces target by the file that it links to; a dangling link stays the target.
 int followLinks(core::String& target) {
     std::string resolved;
     int const result = platform::resolvePath(target.getCString(), resolved);
@@ -31,7 +31,7 @@ int checkTarget(core::String const& target) {
     if (status.type != platform::FileType::regular) {
         return -ENOTSUP;
     }
-    // Whoever may change the folder could replace a file that is protected against writing.
+    // Permission to change the directory would allow replacing a write-protected file.
     core::FileStream probe;
     return probe.Open(target, platform::openWrite);
 }

@@ -7,25 +7,25 @@
 
 namespace sys {
 
-/// A new file beside a target, whose name it takes over when it is complete. Until then it has a
-/// name of its own, and unless it gets there it is deleted: nobody ever sees half a file.
+/// A new file in the directory of a target, whose name it gets when it is complete. Until then it
+/// has a unique name, and it is deleted unless it is completed: the target is never half a file.
 class ReplacementFile : public core::HandleStream {
 public:
     ~ReplacementFile() override;
 
     char const* ClassName() const override;
 
-    /// Makes the file, for its owner only and open for writing, in the folder of target: 0, or a
-    /// negative error code. A target that is there must be a regular file (-EISDIR, -ENOTSUP) that
-    /// may be written. Where target is a link to a file, that file is the target.
+    /// Creates the file, open for writing and with permissions for its owner only. An existing
+    /// target must be a regular file (-EISDIR, -ENOTSUP) with permission to write; of a link to a
+    /// file, that file is the target. Returns 0 or a negative errno value.
     int Create(core::String const& target);
-    /// Closes the file and moves it to the target's name; a file that got there in the meantime is
-    /// replaced or, unless replace is set, left alone (-EEXIST). 0, or a negative error code.
+    /// Closes the file and renames it to the target. An existing file is replaced if replace is
+    /// set; otherwise it stays (-EEXIST). Returns 0 or a negative errno value.
     int TakeOver(bool replace);
 
 private:
     core::String target_;
-    std::string path_;  ///< empty unless the file still has a name of its own
+    std::string path_;  ///< the unique name; empty if there is no file under it
 };
 
 }  // namespace sys

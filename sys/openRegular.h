@@ -5,8 +5,8 @@
 
 namespace sys {
 
-/// Opens path to be read as a whole: 0, or a negative error code. What is no regular file gives
-/// -ENOTSUP: a device such as /dev/zero never ends, and a pipe says nothing of its end.
+/// Opens the regular file at path for reading. Returns 0 or a negative errno value; -ENOTSUP for
+/// devices, which may be endless (/dev/zero), and for pipes, which do not report their end.
 int openRegular(core::FileStream& file, core::String const& path);
 
 /// Reads the whole regular file at path into memory and seeks to where its text starts: after the

@@ -41,7 +41,11 @@ TEST_F(FileTest, TemporaryFiles) {
     support::setVariable(variable, folder_.PathOf("none").c_str());
     EXPECT_EQ(file::getTempFileName(), "");
     support::setVariable(variable, nullptr);
-    EXPECT_TRUE(file::isDirectory(file::getTempPath()));
+    core::String const usual = file::getTempPath();
+    EXPECT_TRUE(file::isDirectory(usual));
+    support::setVariable(variable, "");
+    EXPECT_EQ(file::getTempPath(), usual);
+    support::setVariable(variable, nullptr);
 }
 
 TEST_F(FileTest, HostileNamesAreNamesLikeOthers) {

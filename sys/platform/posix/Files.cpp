@@ -18,7 +18,7 @@ namespace {
 static_assert(sizeof(off_t) == 8, "files may be larger than 2 GiB");
 
 int openFlags(unsigned mode) {
-    // Non-blocking: opening a pipe that nobody writes to must not hang. Regular files ignore it.
+    // Non-blocking: opening a pipe without a writer must not hang. Regular files ignore it.
     int flags = O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
     bool const reads = (mode & openRead) != 0;
     bool const writes = (mode & openWrite) != 0;
@@ -89,7 +89,7 @@ int createUniqueFile(char const* prefix, std::string& path, FileHandle& opened) 
     if (file < 0) {
         return file;
     }
-    // A copy could find no memory, and the file would have no owner.
+    // A copy could run out of memory and leave the file without an owner.
     path = std::move(name);
     opened = file;
     return 0;
@@ -135,15 +135,14 @@ int resizeFile(FileHandle file, long long size) {
 void copyPermissions(FileHandle from, FileHandle to) {
     struct stat found {};
     if (fstat(descriptor(from), &found) == 0) {
-        // A file system without rights of its own refuses them, and the file is as good without.
+        // A file system without permissions rejects them; the file is complete all the same.
         (void)fchmod(descriptor(to), found.st_mode & 0777);
     }
 }
 
 int closeFile(FileHandle file) {
     int const result = negativeErrno(close(descriptor(file)));
-    // No failure, and not to be repeated: the file is closed all the same, and its descriptor may
-    // be somebody else's by now.
+    // Not an error; do not retry: the file is closed and its descriptor may already be reused.
     return result == -EINTR ? 0 : result;
 }
 
@@ -177,7 +176,7 @@ int renameFrom(int folder, char const* from, char const* to, bool replace) {
     if (result != -EINVAL && result != -ENOSYS) {
         return result;
     }
-    // A file system that cannot do both in one step: a look first is the best there is.
+    // This file system cannot check and rename in one step.
     struct stat found {};
     bool const taken = fstatat(folder, to, &found, AT_SYMLINK_NOFOLLOW) == 0;
     return taken ? -EEXIST : negativeErrno(renameat(folder, from, folder, to));

@@ -60,8 +60,9 @@ TEST_F(PosixCopyTest, AFailedOneLeavesTheFolderAsItWas) {
         EXPECT_EQ(Names(), names);
     }
     chmod(Path(".").getCString(), 0777);
-    chmod(Path("to").getCString(), 0400);
+    chmod(Path("to").getCString(), 0444);
     support::AsNobody const nobody;
+    EXPECT_EQ(file::getFileContents(Path("to")), "old");
     EXPECT_EQ(file::copy(Path("from"), Path("to"), false, false, nullptr), -EACCES);
 }
 
@@ -98,7 +99,8 @@ TEST_F(PosixCopyTest, LinksLeadToWhatIsReplaced) {
     EXPECT_EQ(file::getFileContents(Path("dangling")), "new");
     {
         sys::ReplacementFile replacement;
-        ASSERT_EQ(replacement.Create(Path("real")), 0);
+        ASSERT_EQ(replacement.Create(Path("link")), 0);
+        EXPECT_TRUE(Names().StartsWith(".copy-"));
         EXPECT_EQ(replacement.TakeOver(false), -EEXIST);
     }
     EXPECT_EQ(Names(), "dangling from link real ");

@@ -39,6 +39,7 @@ TEST_F(PosixSearchTest, FindsInTheOrderOfNames) {
     EXPECT_EQ(Found(Path("*.txt"), true, true), ".d.txt B/b.txt B/deep/c.txt a.txt ");
     EXPECT_EQ(Found(Path("?"), false, true), "B ");
     EXPECT_EQ(Found(Path("B/*"), true, true), "B/b.txt B/deep B/deep/c.txt B/up ");
+    EXPECT_EQ(Found(Path("B/*"), false, false), "B/b.txt ");
     for (char const* nothing : {"none*", "none/*", "a.txt/*", "B/", "*/b.txt"}) {
         EXPECT_EQ(Found(Path(nothing), true, true), "") << nothing;
     }
