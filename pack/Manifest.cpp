@@ -130,7 +130,6 @@ void Manifest::TakeFiles(String const& folder, StreamSequencerBuilder& builder) 
     unsigned long long count = 0;
     if (!file_.Has("file.count")) {
         file_.Wrong("file.count", "is missing");
-        return;
     }
     file_.TakeNumber("file.count", 0, INT_MAX, count);
     for (unsigned i = 0; i < count; ++i) {

@@ -54,15 +54,11 @@ private:
 };
 
 /// Opens the directory at path or, if it does not exist, the nearest existing one above it.
-int openNearest(ConfinedDirectory& directory, String path) {
-    for (;;) {
-        int const result = directory.Open(path.IsEmpty() ? "." : path.getCString());
-        if (result != -ENOENT || path.IsEmpty()) {
-            return result;
-        }
+void openNearest(ConfinedDirectory& directory, String path) {
+    while (directory.Open(path.IsEmpty() ? "." : path.getCString()) == -ENOENT && !path.IsEmpty()) {
         String const parent = path.ForceNoTrailingPathDelimiter().GetFilePath();
         if (parent == path) {
-            return result;
+            return;
         }
         path = parent;
     }
@@ -147,9 +143,7 @@ void Unpacker::RefuseClashes() {
 
 void Unpacker::RefuseLongNames(String const& path) {
     ConfinedDirectory nearest;
-    if (openNearest(nearest, path) != 0) {
-        return;
-    }
+    openNearest(nearest, path);
     for (std::size_t i = 0; i < paths_.size(); ++i) {
         std::string_view rest = paths_[i].View();
         bool fits = true;

@@ -23,7 +23,8 @@ public:
     /// directory held before.
     int Open(char const* path);
 
-    /// Whether the file system of the directory allows a name of this length.
+    /// Whether the file system of the directory allows a name of this length. If its limit is
+    /// unknown or no directory is open, the limit of the platform applies, if there is any.
     bool AllowsName(std::string_view name) const;
     /// Stores the status of the entry at path itself, which may be a link.
     int Stat(char const* path, FileStatus& status) const;

@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 
 #include "core/archive/StreamSequencerBuilder.h"
-#include "pack/PackProgress.h"
 #include "pack/Unpacker.h"
 #include "pack/unpackPath.h"
 #include "tests/core/archive/MemoryBuilder.h"
@@ -31,7 +30,7 @@ TEST(UnpackPath, IsPlainAndBelowTheFolderOnEverySystemOrRefused) {
              Row{"!it leads upward", {"", "a/"}, "b/../../c"},
              Row{"!a name ends with a point or a blank", {".", "./a", "a./b", "a /b", "a..."}},
              Row{"!a name holds a character that not every system allows",
-                 {"C:", "C:/a", "a:b", "..\\a", "\\\\host\\share", "a\nb", "a\x7F", "a*", "a?",
+                 {"C:", "C:/a", "a:b", "..\\a", "\\\\host\\share", "a\x1Fz", "a\x7F", "a*", "a?",
                   "\"a\"", "<a>", "a|b"}},
              Row{"!a name belongs to a device",
                  {"CON", "a/nul", "aux.tar.gz", "com1", "LPT9.txt", "com\u00B2", "prn .x", "conin$",
@@ -65,15 +64,15 @@ TEST(Unpacker, WritesOnlyDataThatWereChecked) {
     ASSERT_EQ(reader.Read(), 0);
     support::TemporaryFolder const folder;
     core::String const path = folder.PathOf("out").c_str();
-    pack::PackProgress progress("");
     std::vector<core::Fault> errors;
-    support::CopyWatcher cancels;
-    cancels.most = -1;
-    EXPECT_FALSE(pack::Unpacker(reader, errors).Unpack(path, false, cancels));
+    support::CopyWatcher progress;
+    progress.most = -1;
+    EXPECT_FALSE(pack::Unpacker(reader, errors).Unpack(path, false, progress));
     EXPECT_TRUE(std::filesystem::is_empty(path.getCString()));
     archive->Seek(static_cast<long long>(bytes.size()) - 16 - 11);  // the start of "second"
     archive->Write("S", 1);
     errors.clear();
+    progress.most = LLONG_MAX;
     EXPECT_FALSE(pack::Unpacker(reader, errors).Unpack(path, false, progress));
     ASSERT_EQ(errors.size(), 1u);
     EXPECT_EQ(errors[0].message, "file[1], \"second\": it changed while it was read");

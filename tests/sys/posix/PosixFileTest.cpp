@@ -1,13 +1,9 @@
-#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
 #include <cerrno>
 #include <filesystem>
 
-#include "sys/FileBelow.h"
-#include "sys/ReplacementFile.h"
 #include "sys/dir.h"
 #include "sys/file.h"
 #include "tests/support/FolderTest.h"
@@ -60,25 +56,6 @@ TEST_F(PosixFileTest, FoldersAreMadeOneOrAll) {
     EXPECT_TRUE(file::isDirectory("a"));
     std::filesystem::remove_all(folder_.PathOf("new"));
     EXPECT_EQ(sys::dir::current(), "");
-}
-
-TEST_F(PosixFileTest, LeavesNoDescriptorOpen) {
-    auto const lowest = [] {
-        int const free = open("/", O_PATH);
-        close(free);
-        return free;
-    };
-    int const before = lowest();
-    {
-        sys::platform::ConfinedDirectory directory;
-        EXPECT_EQ(directory.Open("/") + directory.Open(Path("").getCString()), 0);
-        sys::FileBelow below(directory);
-        sys::ReplacementFile file;
-        EXPECT_EQ(below.Create("a/b/c/file") + file.Create(Path("file")), 0);
-        EXPECT_EQ(file::search(Path("*"), true, false).Count(), 2);
-        EXPECT_EQ(file::getFileContents(Path("a")), "");
-    }
-    EXPECT_EQ(lowest(), before);
 }
 
 }  // namespace
