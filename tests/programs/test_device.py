@@ -104,7 +104,7 @@ def test_a_second_request_ends_a_device_with_a_blocked_output():
 
 @pytest.mark.skipif(WINDOWS_DEVICE, reason="no such limits and paths")
 @pytest.mark.parametrize("options, limited, line", [
-    ("-c", {"env": {**os.environ, "TMPDIR": "a=\x01"}},
+    ("-n 1 -c", {"env": {**os.environ, "TMPDIR": "a=\x01"}},
      '*** Update not checked: "a=?/": No such file or directory'),
     ("-c -d a=\x01", {},
      '*** Update not stored: "a=?/127.0.0.1-PORT-1.rvl": No such file or directory'),
