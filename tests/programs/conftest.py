@@ -35,6 +35,11 @@ def source(path):
     return (SOURCE / path).read_text(encoding="utf-8")
 
 
+def golden(name):
+    """A file of expected output or of input."""
+    return source(f"tests/programs/golden/{name}")
+
+
 class Result(NamedTuple):
     lines: list
     status: int
