@@ -35,6 +35,7 @@ String hex(unsigned long long value, int digits) {
 
 std::vector<Fault> faultsFromEntries(StringArray const& entries) {
     std::vector<Fault> errors;
+    errors.reserve(static_cast<std::size_t>(entries.Count()));
     for (int i = 0; i < entries.Count(); ++i) {
         errors.push_back({entries[i].LeftOf('='), entries[i].RightOf('=')});
     }

@@ -82,6 +82,8 @@ InterruptWatch::~InterruptWatch() {
         return;
     }
     state_->ending = true;
+    // The thread waits for the signal, so it ends the wait and not the process.
+    // NOLINTNEXTLINE(bugprone-bad-signal-to-kill-thread)
     pthread_kill(state_->thread.native_handle(), SIGTERM);
     state_->thread.join();
     signal(SIGTERM, SIG_IGN);
