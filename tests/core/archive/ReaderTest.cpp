@@ -75,11 +75,11 @@ TEST(Reader, GivesStreamsThatKeepTheirPlace) {
     char bytes[2];
     EXPECT_EQ(other->Seek(0) + other->Read(bytes, 0), 0);
     auto const odd = read.reader.OpenData(3);
-    EXPECT_EQ(rest(*odd), "odd");
-    EXPECT_EQ(odd->Seek(0) == 0 ? rest(*odd) : "", "odd");
+    for (int reads = 0; reads < 2; ++reads, odd->Seek(0)) {
+        EXPECT_EQ(rest(*odd), "odd");
+    }
     read.stream->Seek(-17, core::Stream::SeekOrigin::end);
     read.stream->Write("!", 1);
-    EXPECT_EQ(odd->Seek(0), 0);
     EXPECT_EQ(odd->Read(bytes, 1), 1);
     EXPECT_EQ(odd->Read(bytes, 2) + odd->Read(bytes, 2), -2 * EBUSY) << "and again";
     read.stream->Clear();
@@ -144,11 +144,10 @@ TEST(Reader, IsNotLedAstrayByNumbersThatLie) {
     // Bits that mean nothing; a count of -1 and less: no files, a trailer in the first one; a count
     // whose high half means nothing; sizes past the end; offsets past the end and over the first.
     for (Row const& row :
-         {Row{8, 4, 0x0000FFFF, -4, 0}, Row{8, 4, 0x00020001, -5, 0}, Row{8, 4, all, -5, 0},
-          Row{12, 4, 0x3FF, -2, 0}, Row{12, 4, 0x13FFFC00, 0, -1, "second"},
-          Row{count, 8, all, -6, 0}, Row{count, 8, 0x80000000, -6, 0},
-          Row{count, 8, 0x7FFFFFFF, -2, 0}, Row{count, 8, 0xFFFFFFFF00000002, 0, -1, "second"},
-          Row{second + 8, 8, all, -2, 0}, Row{second + 8, 8, 1ULL << 63, -2, 0},
+         {Row{8, 4, 0x0000FFFF, -4, 0}, Row{8, 4, 0x00020001, -5, 0}, Row{12, 4, 0x3FF, -2, 0},
+          Row{12, 4, 0x13FFFC00, 0, -1, "second"}, Row{count, 8, all, -6, 0},
+          Row{count, 8, 0x80000000, -6, 0}, Row{count, 8, 0x7FFFFFFF, -2, 0},
+          Row{count, 8, 0xFFFFFFFF00000002, 0, -1, "second"}, Row{second + 8, 8, all, -2, 0},
           Row{second + 8, 8, 23, -2, 0}, Row{second, 8, all, 0, 1},
           Row{second, 8, 1ULL << 63, 0, 1}, Row{second, 8, 6, 0, 1},
           Row{second, 8, 0, 0, 1, "firsts"}}) {
@@ -176,7 +175,6 @@ TEST(Reader, IsNotLedAstrayByNumbersThatLie) {
     watcher.most = 15;
     EXPECT_EQ(again.reader.Read(), -2);
     EXPECT_EQ(again.reader.GetReadError(), -ECANCELED);
-    again.reader.SetProgress(nullptr);
     again.stream->Clear();
     int result = again.reader.Read();
     EXPECT_EQ(support::rewritten(again.reader, result), bytesOf(golden::Archive()));

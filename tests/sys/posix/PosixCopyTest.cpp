@@ -99,8 +99,8 @@ TEST_F(PosixCopyTest, LinksLeadToWhatIsReplaced) {
     EXPECT_EQ(file::getFileContents(Path("dangling")), "new");
     {
         sys::ReplacementFile replacement;
+        EXPECT_EQ(replacement.Create(Path(".")), -EISDIR);
         ASSERT_EQ(replacement.Create(Path("link")), 0);
-        EXPECT_TRUE(Names().StartsWith(".copy-"));
         EXPECT_EQ(replacement.TakeOver(false), -EEXIST);
     }
     EXPECT_EQ(Names(), "dangling from link real ");
