@@ -198,8 +198,7 @@ def test_lists_as_a_table_and_as_json(pack, directory):
 
 
 def test_reports_long_work(pack, directory):
-    directory.write("m.conf", OTHER + "big\n")
-    directory.write("big", "")
+    directory.write("m.conf", OTHER + directory.write("big", ""))
     os.truncate(directory.path / "big", 70_000_000)
     assert pack("-b @m.conf -o @a.rvl") == [">   Packed by now: 32.0 MB of 66.8 MB",
                                             ">   Packed by now: 64.0 MB of 66.8 MB          ",
@@ -315,7 +314,7 @@ def test_ends_as_interrupted_and_leaves_nothing(pack, directory, by_terminal):
 @pytest.mark.skipif(WINDOWS, reason="no such limits")
 def test_reports_exhausted_resources(pack, directory):
     directory.write("f", 100_000 * "f")
-    directory.write("m.conf", FILE)
+    os.chmod(directory.write("m.conf", FILE), 0o604)
 
     def limited(option, arguments):
         words = " ".join(pack.command) + " " + directory.at(arguments)
@@ -326,6 +325,7 @@ def test_reports_exhausted_resources(pack, directory):
     assert limited("-f 20", "-b @m.conf -o @a.rvl") == (
         '*** Archive not writable: "@a.rvl": File too large')
     pack("-b @m.conf -o @a.rvl")
+    assert (directory.path / "a.rvl").stat().st_mode & 0o7777 == 0o604
     assert limited("-f 20", "-x @a.rvl -d @@ -f") == (
         '*** File not unpacked: file[0], "f": File too large')
     assert directory.files() == ["a.rvl", "f", "m.conf"]
