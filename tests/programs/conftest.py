@@ -45,10 +45,10 @@ class Result(NamedTuple):
     status: int
 
 
-def run(command, **options):
+def run(command, timeout=120, **options):
     """Runs a command, a list or a shell's line, and returns the lines of its output."""
     ended = subprocess.run(command, stdout=subprocess.PIPE, shell=isinstance(command, str),
-                           timeout=120, check=False, **options)
+                           timeout=timeout, check=False, **options)
     assert ended.stdout[-1:] in (b"", b"\n")
     return Result(ended.stdout.decode().splitlines(), ended.returncode)
 
