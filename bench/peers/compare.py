@@ -14,6 +14,7 @@ import tempfile
 import time
 import zlib
 
+import growth
 import micro
 import sink
 
@@ -293,6 +294,7 @@ def main():
                         comparison.archive, comparison.start, comparison.footprint):
             measure()
         micro.measure(programs, comparison.table)
+        growth.measure(programs, comparison.table)
         comparison.table.write(output)
         comparison.plot()
 
