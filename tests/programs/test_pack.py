@@ -70,9 +70,8 @@ def test_builds_the_golden_archives_and_extracts_their_files(pack, directory, ve
      ["Bad manifest: key must be a number from 0 to 4294967295"]),
     (FILE + "attribute.count = 1024",
      ["Bad manifest: attribute.count must be a number from 0 to 1023"]),
-    (FILE + "attribute.count = 9", ["Bad manifest: attribute[0] must hold a name and a value"]),
-    (FILE + "attribute.count = 3\nattribute[0] = a=\nattribute[1] = =b\nattribute[2] = c=d",
-     ["Bad manifest: attribute[1] must hold a name and a value"]),
+    (FILE + "attribute.count = 9\nattribute[0] = =b\nattribute[1] = a=",
+     [f"Bad manifest: attribute[{i}] must hold a name and a value" for i in (0, 2)]),
     (FILE + "file[0].attributes = 8",
      ["Bad manifest: file[0].attributes must be an octal number from 0 to 37777777777"]),
     (FILE + "file[0].flags = 1 2",
@@ -225,14 +224,14 @@ IN_THE_WAY = ": another file stands where it needs a folder"
     (["good", "new/" + TOO_LONG, "good/" + TOO_LONG],
      [f'[2], "good/{TOO_LONG}"{IN_THE_WAY}',
       f'[1], "new/{TOO_LONG}": a name is too long for the file system']),
-    (["good", "there"], ['[1], "there": it is there already']),
+    (["new/good", "there"], ['[1], "there": it is there already']),
     (["good", "there/x"], ['[1], "there/x": Not a directory']),
 ])
 def test_extracts_nothing_if_any_path_is_rejected(pack, directory, destinations, errors):
     directory.write("there", "old")
     pack.golden("a.rvl", "files", *destinations)
     assert pack.errors("-x @a.rvl -d @@") == ["File not unpacked: file" + error for error in errors]
-    assert directory.files() == ["a.rvl", "there"]
+    assert sorted(os.listdir(directory.path)) == ["a.rvl", "there"]
     assert directory.read("there") == b"old"
     assert pack("-x @a.rvl -d @none/new", 0 if "there" in destinations[1] else 1)
     assert (directory.path / "none").exists() == ("there" in destinations[1])

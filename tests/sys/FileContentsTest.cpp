@@ -16,6 +16,7 @@ using FileContentsTest = support::FolderTest;
 namespace file = sys::file;
 
 TEST_F(FileContentsTest, WrittenAndReadAgain) {
+    folder_.Write("f", std::string(50, 'x'));
     EXPECT_EQ(file::setFileContents(Path("f"), "long text", true), 0);
     EXPECT_EQ(file::setFileContents(Path("f"), "LONG", false), 0);
     EXPECT_EQ(file::getFileContents(Path("f")), "LONG text");

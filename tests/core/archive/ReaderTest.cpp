@@ -155,9 +155,7 @@ TEST(Reader, IsNotLedAstrayByNumbersThatLie) {
             std::string(bytes).replace(row.at, row.size, golden::number(row.value, row.size)));
         Reading read(bad);
         EXPECT_EQ(read.code, row.code) << row.at << ": " << row.value;
-        if (row.code == 0) {
-            EXPECT_EQ(read.reader.FindMisplacedFile(), row.misplaced) << row.value;
-        }
+        EXPECT_EQ(row.code == 0 ? read.reader.FindMisplacedFile() : 0, row.misplaced) << row.value;
         auto const data = read.reader.OpenData(1);
         EXPECT_EQ(data ? rest(*data) : "", row.data) << row.at << ": " << row.value;
     }
