@@ -7,12 +7,8 @@ namespace support {
 
 /// Keeps the status file of an application that is constructed after it out of the system's folder:
 /// a base class or a member that stands before the application.
-class StatusFolder {
-public:
-    StatusFolder() { core::AppStatus::setFolder(folder_.Path().c_str()); }
-
-private:
-    TemporaryFolder folder_;
+struct StatusFolder : TemporaryFolder {
+    StatusFolder() { core::AppStatus::setFolder(Path().c_str()); }
 };
 
 }  // namespace support

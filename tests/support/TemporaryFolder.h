@@ -2,6 +2,7 @@
 
 #include <filesystem>
 #include <fstream>
+#include <random>
 #include <string>
 
 namespace support {
@@ -9,15 +10,28 @@ namespace support {
 /// A fresh folder that is removed with all it holds.
 class TemporaryFolder {
 public:
-    TemporaryFolder();
+    TemporaryFolder() {
+        std::random_device random;
+        do {
+            path_ =
+                std::filesystem::temp_directory_path() / ("ravelink-" + std::to_string(random()));
+        } while (!std::filesystem::create_directory(path_));
+    }
     TemporaryFolder(TemporaryFolder const&) = delete;
     TemporaryFolder& operator=(TemporaryFolder const&) = delete;
-    ~TemporaryFolder();
+    ~TemporaryFolder() {
+        std::error_code ignored;
+        std::filesystem::remove_all(path_, ignored);
+    }
 
     std::string Path() const { return path_.string(); }
     std::string PathOf(std::string const& name) const { return (path_ / name).string(); }
     /// Makes a file and returns its path.
-    std::string Write(std::string const& name, std::string const& content) const;
+    std::string Write(std::string const& name, std::string const& content) const {
+        std::string path = PathOf(name);
+        std::ofstream(path, std::ios::binary) << content;
+        return path;
+    }
 
 private:
     std::filesystem::path path_;

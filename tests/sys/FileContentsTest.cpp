@@ -32,26 +32,21 @@ TEST_F(FileContentsTest, WrittenAndReadAgain) {
 TEST_F(FileContentsTest, EveryFailureHasItsCode) {
     core::StringArray list;
     list.Add("%1\t\xff");
-    struct Row {
-        core::String path;
-        int reading;
-        int writing;
-    };
+    using Row = std::tuple<core::String, int, int>;
     std::vector<Row> rows{{Path("no/f"), -ENOENT, -ENOENT}, {Path("."), -EISDIR, -EISDIR}};
     if (!support::onWindows()) {
-        rows.push_back({"/dev/full", -ENOTSUP, -ENOSPC});
-        rows.push_back({"/proc/self/mem", -EIO, -EIO});
+        rows.insert(rows.end(), {{"/dev/full", -ENOTSUP, -ENOSPC}, {"/proc/self/mem", -EIO, -EIO}});
     }
-    for (Row const& row : rows) {
-        EXPECT_EQ(file::setFileContents(row.path, "x", true), row.writing) << row.path.getCString();
-        EXPECT_EQ(file::addFileContents(row.path, "x"), row.writing);
-        EXPECT_EQ(file::saveTextFile(list, row.path), row.writing);
-        EXPECT_EQ(file::loadTextFile(list, row.path), row.reading);
-        EXPECT_EQ(file::loadConfFile(list, row.path), row.reading);
-        EXPECT_EQ(file::getFileContents(row.path), "");
-        EXPECT_EQ(file::getFileContentsAsInt64(row.path, 1, 2), 1);
+    for (auto const& [path, reading, writing] : rows) {
+        EXPECT_EQ(file::setFileContents(path, "x", true), writing) << path.getCString();
+        EXPECT_EQ(file::addFileContents(path, "x"), writing);
+        EXPECT_EQ(file::saveTextFile(list, path), writing);
+        EXPECT_EQ(file::loadTextFile(list, path), reading);
+        EXPECT_EQ(file::loadConfFile(list, path), reading);
+        EXPECT_EQ(file::getFileContents(path), "");
+        EXPECT_EQ(file::getFileContentsAsInt64(path, 1, 2), 1);
         unsigned crc = 1;
-        EXPECT_EQ(file::calculatesCRC32(row.path, crc) + static_cast<int>(crc), row.reading);
+        EXPECT_EQ(file::calculatesCRC32(path, crc) + static_cast<int>(crc), reading);
     }
     folder_.Write("huge", "1");
     std::filesystem::resize_file(folder_.PathOf("huge"), 5'000'000'000);
@@ -71,17 +66,14 @@ TEST_F(FileContentsTest, ListsOfLinesAndOfValues) {
 }
 
 TEST_F(FileContentsTest, Numbers) {
-    struct Row {
-        std::string content;
-        long long expected;
-    };
-    for (Row const& row :
+    using Row = std::pair<std::string, long long>;
+    for (auto const& [content, expected] :
          {Row{"  42  ", 42}, Row{"\n \t\r\n-7\n8", -7}, Row{"5 apples", 5}, Row{"abc\n1", -71},
           Row{"99999999999999999999", LLONG_MAX}, Row{"", -70}, Row{"\n \r\n", -70}}) {
-        folder_.Write("f", row.content);
-        EXPECT_EQ(file::getFileContentsAsInt64(Path("f"), -70, -71), row.expected) << row.content;
+        folder_.Write("f", content);
+        EXPECT_EQ(file::getFileContentsAsInt64(Path("f"), -70, -71), expected) << content;
         EXPECT_EQ(file::getFileContentsAsInt32(Path("f"), -70, -71),
-                  std::min<long long>(row.expected, INT_MAX));
+                  std::min<long long>(expected, INT_MAX));
     }
 }
 

@@ -3,16 +3,13 @@
 #include <gtest/gtest.h>
 
 #include <initializer_list>
+#include <tuple>
 
 #include "sys/dir.h"
 #include "sys/file.h"
 
-struct Kind {
-    core::String path;
-    sys::file::Type type;
-    int status;      ///< result of stat
-    long long size;  ///< result of getFileSize, 5 for a regular file
-};
+/// A path, its type, and the results of stat and of getFileSize: 5 for a regular file.
+using Kind = std::tuple<core::String, sys::file::Type, int, long long>;
 
 inline void expectKinds(std::initializer_list<Kind> rows) {
     for (auto const& [path, type, status, size] : rows) {
@@ -26,11 +23,8 @@ inline void expectKinds(std::initializer_list<Kind> rows) {
     }
 }
 
-struct Created {
-    core::String path;
-    int alone;      ///< result of creating it without its parents
-    int recursive;  ///< result of creating it after that with its parents
-};
+/// A path, and the results of creating it without its parents and after that with them.
+using Created = std::tuple<core::String, int, int>;
 
 inline void expectCreated(std::initializer_list<Created> rows) {
     for (auto const& [path, alone, recursive] : rows) {

@@ -18,17 +18,6 @@ using support::MemoryBuilder;
 using Cause = StreamSequencerBuilder::Cause;
 using Text = core::StreamDescriptor::Text;
 
-/// What a slot of four units makes of units that come from outside.
-std::string slotText(std::u16string const& units) {
-    std::string bytes;
-    for (char16_t const unit : units) {
-        bytes += golden::number(unit, 2);
-    }
-    bytes.resize(8);
-    auto const* const slot = reinterpret_cast<unsigned char const*>(bytes.data());
-    return core::archive::readTextSlot(slot, 4).getCString();
-}
-
 TEST(TextSlot, IsReadUpToItsZeroOrItsEndAndLoneSurrogatesAreReplaced) {
     std::string const odd = "\uFFFD";
     std::pair<std::u16string, std::string> const rows[] = {
@@ -44,7 +33,9 @@ TEST(TextSlot, IsReadUpToItsZeroOrItsEndAndLoneSurrogatesAreReplaced) {
         {{u'a', u'b', u'c', 0xDBFF}, "abc" + odd},
         {{0xD800, 0xD83D, 0xDE80}, odd + "\U0001F680"}};
     for (auto const& [units, text] : rows) {
-        EXPECT_EQ(slotText(units), text);
+        std::string const bytes = golden::slot(units, 8);
+        auto const* const slot = reinterpret_cast<unsigned char const*>(bytes.data());
+        EXPECT_EQ(core::archive::readTextSlot(slot, 4), text.c_str());
     }
 }
 
@@ -81,21 +72,18 @@ void expectWritten(MemoryBuilder& builder, int expected, Cause cause, int index)
 }
 
 TEST(Builder, WritesNothingUnlessEveryTextOfAFileFits) {
-    struct Row {
-        unsigned version;
-        Text text;
-        int room;
-    };
-    for (Row const& row : {Row{0x20000, Text::name, 256}, Row{0x20000, Text::destination, 1536},
-                           Row{0x20000, Text::owner, 64}, Row{0x20000, Text::group, 64},
-                           Row{0x20000, Text::commandLine, 64}, Row{0x10000, Text::name, 256},
-                           Row{0x1FFFF, Text::destination, 1536}, Row{0x1FFFF, Text::owner, 0},
-                           Row{0x1FFFF, Text::group, 0}, Row{0x10000, Text::commandLine, 0}}) {
+    using Row = std::tuple<unsigned, Text, int>;
+    for (auto const& [version, text, room] :
+         {Row{0x20000, Text::name, 256}, Row{0x20000, Text::destination, 1536},
+          Row{0x20000, Text::owner, 64}, Row{0x20000, Text::group, 64},
+          Row{0x20000, Text::commandLine, 64}, Row{0x10000, Text::name, 256},
+          Row{0x1FFFF, Text::destination, 1536}, Row{0x1FFFF, Text::owner, 0},
+          Row{0x1FFFF, Text::group, 0}, Row{0x10000, Text::commandLine, 0}}) {
         for (int const more : {0, 1}) {
             MemoryBuilder builder([](int) { return new core::MemoryStream; });
-            builder.SetVersion(row.version);
+            builder.SetVersion(version);
             builder.AddFile("");
-            builder.AddFile("").SetText(row.text, core::String::OfChar('x', row.room + more));
+            builder.AddFile("").SetText(text, core::String::OfChar('x', room + more));
             expectWritten(builder, more == 0 ? 0 : -ENAMETOOLONG,
                           more == 0 ? Cause::none : Cause::file, more);
         }

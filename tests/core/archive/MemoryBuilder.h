@@ -19,8 +19,7 @@ inline core::ClassRef<core::MemoryStream> memory(std::string const& bytes) {
 inline std::string rest(core::Stream& stream) {
     std::string bytes;
     char piece[999];
-    for (int got = stream.Read(piece, sizeof piece); got > 0;
-         got = stream.Read(piece, sizeof piece)) {
+    for (int got = 0; (got = stream.Read(piece, sizeof piece)) > 0;) {
         bytes.append(piece, static_cast<std::size_t>(got));
     }
     return bytes;

@@ -8,15 +8,6 @@ namespace {
 
 std::string const magic = "QXRB5129";
 
-std::string slot(std::u16string const& text, unsigned size) {
-    std::string bytes;
-    for (char16_t const unit : text) {
-        bytes += number(unit, 2);
-    }
-    bytes.resize(size);
-    return bytes;
-}
-
 std::string scrambled(std::string bytes, std::uint32_t key) {
     for (unsigned i = 0; i < bytes.size(); ++i) {
         bytes[i] = static_cast<char>(bytes[i] ^ static_cast<char>(key >> 8 * (i % 4)));
@@ -31,6 +22,15 @@ std::string number(std::uint64_t value, unsigned size) {
     for (unsigned i = 0; i < size; ++i) {
         bytes += static_cast<char>(value >> 8 * i);
     }
+    return bytes;
+}
+
+std::string slot(std::u16string const& text, unsigned size) {
+    std::string bytes;
+    for (char16_t const unit : text) {
+        bytes += number(unit, 2);
+    }
+    bytes.resize(size);
     return bytes;
 }
 

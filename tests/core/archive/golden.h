@@ -31,6 +31,8 @@ std::string bytesOf(Archive const& archive);
 std::string withSoundCrc(std::string bytes);
 /// A number, least significant byte first.
 std::string number(std::uint64_t value, unsigned size);
+/// A text slot of size bytes.
+std::string slot(std::u16string const& text, unsigned size);
 
 /// Three files and all the headers there are, texts beyond ASCII included.
 Archive sample(unsigned version, unsigned crypt);

@@ -6,12 +6,12 @@
 #include "core/console/ProgressLine.h"
 #include "core/console/UsageText.h"
 #include "core/console/errorLine.h"
+#include "tests/support/PrintText.h"
 #include "tests/support/lines.h"
 
 namespace {
 
-using core::Console;
-using core::String;
+using namespace core;
 
 /// With a blank in the place of each ESC.
 std::string shown(String const& text) {
@@ -63,7 +63,7 @@ TEST(Console, AnOutputThatIsNoTerminalGetsPlainText) {
                   Console::ewrite("\x1B[1;31mred\x1B[?25h \x1B[2J\x1B[Hcut\x1B[12", true);
                   String("no \x1B line end\x1B").print();
                   Console::write("\x1B[", true);
-                  core::ProgressLine progress;
+                  ProgressLine progress;
                   progress.Show("1 of 9");
                   progress.Show("9 of 9");
                   progress.End();
@@ -81,8 +81,7 @@ TEST(Console, UsageScreensHaveTheirColours) {
 }
 
 TEST(Console, ErrorLineReplacesEveryEqualsSign) {
-    EXPECT_STREQ(core::errorLine("Bad address=The (a=b) %1").getCString(),
-                 "*** Bad address: The (a: b) %1");
+    EXPECT_EQ(errorLine("Bad address=The (a=b) %1"), "*** Bad address: The (a: b) %1");
 }
 
 }  // namespace

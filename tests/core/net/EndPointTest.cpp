@@ -6,11 +6,7 @@
 
 namespace {
 
-using core::EndPoint;
-using core::InterfaceAddress;
-using core::IPv4Address;
-using core::SocketDomain;
-using core::SocketType;
+using namespace core;
 
 TEST(EndPoint, ComesFromTextsNumbersAndAddresses) {
     EndPoint const text("127.0.0.1|3007", SocketDomain::IPv4, SocketType::stream);
@@ -21,27 +17,23 @@ TEST(EndPoint, ComesFromTextsNumbersAndAddresses) {
     for (EndPoint const& same :
          {EndPoint("127.0.0.1", 3007, SocketDomain::IPv4, SocketType::stream),
           EndPoint("127.0.0.1", "3007", SocketDomain::unspecified, SocketType::stream),
-          EndPoint(IPv4Address(127, 0, 0, 1, 3007), SocketType::stream),
-          EndPoint(IPv4Address(127, 0, 0, 1, 3007).GetAddressInfo(true), SocketType::stream),
-          EndPoint(text.GetSocketAddress(), SocketType::stream)}) {
+          EndPoint(IPv4Address(127, 0, 0, 1, 3007).GetAddressInfo(true), SocketType::stream)}) {
         EXPECT_TRUE(same.SameAs(text));
         EXPECT_EQ(same.GetDomain(), SocketDomain::IPv4);
         EXPECT_STREQ(same.GetComposedAddress().getCString(), "127.0.0.1|3007");
     }
-    EXPECT_EQ(EndPoint("127.0.0.1|7", SocketDomain::IPv4, SocketType::stream).GetPort(), 7);
     EXPECT_FALSE(text.SameAs(EndPoint(IPv4Address(127, 0, 0, 1, 1), SocketType::stream)));
     EXPECT_FALSE(text.SameAs(EndPoint(IPv4Address(127, 0, 0, 1, 3007), SocketType::datagram)));
 
-    EndPoint six(core::IPv6Address("::1|80"), SocketType::datagram);
+    EndPoint six(IPv6Address("::1|80"), SocketType::datagram);
     EXPECT_EQ(six.GetDomain(), SocketDomain::IPv6);
-    EXPECT_TRUE(
-        six.SameAs(EndPoint(core::IPv6Address("::1|80").GetAddressInfo(true), six.GetType())));
+    EXPECT_TRUE(six.SameAs(EndPoint(IPv6Address("::1|80").GetAddressInfo(true), six.GetType())));
     six.ResetAddress();
     EXPECT_FALSE(six.GetSocketAddress());
     EXPECT_EQ(six.GetPort(), 80);
     six.VoidFields();
     EXPECT_TRUE(six.SameAs(EndPoint()));
-    EXPECT_EQ(EndPoint().GetPort(), core::noPort);
+    EXPECT_EQ(EndPoint().GetPort(), noPort);
 }
 
 TEST(InterfaceAddress, FindsTheLoopback) {

@@ -3,38 +3,27 @@
 #include <vector>
 
 #include "core/net/IPv6Address.h"
+#include "tests/support/PrintText.h"
 
 namespace {
 
 using core::IPv6Address;
 
 TEST(IPv6Address, ReadsTheGrammarAndWritesTheCanonicalText) {
-    struct Row {
-        char const* text;
-        char const* canonical;
-    } const good[] = {
-        {"2001:DB8:0:0:8:800:200C:417A", "2001:db8::8:800:200c:417a"},
-        {"::", "::"},
-        {"::1", "::1"},
-        {"1::", "1::"},
-        {" 1:2:3:4:5:6:7:8 | 80 ", "1:2:3:4:5:6:7:8|80"},
-        {"::|70000", "::|70000"},
-        {"::|x", "::"},
-        {"0001:0:0:1:0:0:0:1", "1:0:0:1::1"},
-        {"1:0:0:2:0:0:3:4", "1::2:0:0:3:4"},
-        {"1:2:3:4:5:6:0:8", "1:2:3:4:5:6:0:8"},
-        {"1:2:3:4:5:6:7::", "1:2:3:4:5:6:7:0"},
-        {"::2:3:4:5:6:7:8", "0:2:3:4:5:6:7:8"},
-        {"::ffff:192.168.0.10", "::ffff:192.168.0.10"},
-        {"::FFFF:C0A8:A|5000", "::ffff:192.168.0.10|5000"},
-        {"64:ff9b::1.2.3.4", "64:ff9b::102:304"},
-        {"1:2:3:4:5:6:1.2.3.4", "1:2:3:4:5:6:102:304"},
-    };
-    for (Row const& row : good) {
+    using Row = std::pair<char const*, char const*>;
+    for (auto const& [text, canonical] :
+         {Row{"2001:DB8:0:0:8:800:200C:417A", "2001:db8::8:800:200c:417a"}, Row{"::", "::"},
+          Row{"::1", "::1"}, Row{"1::", "1::"}, Row{" 1:2:3:4:5:6:7:8 | 80 ", "1:2:3:4:5:6:7:8|80"},
+          Row{"::|70000", "::|70000"}, Row{"::|x", "::"}, Row{"0001:0:0:1:0:0:0:1", "1:0:0:1::1"},
+          Row{"1:0:0:2:0:0:3:4", "1::2:0:0:3:4"}, Row{"1:2:3:4:5:6:0:8", "1:2:3:4:5:6:0:8"},
+          Row{"1:2:3:4:5:6:7::", "1:2:3:4:5:6:7:0"}, Row{"::2:3:4:5:6:7:8", "0:2:3:4:5:6:7:8"},
+          Row{"::ffff:192.168.0.10", "::ffff:192.168.0.10"},
+          Row{"::FFFF:C0A8:A|5000", "::ffff:192.168.0.10|5000"},
+          Row{"64:ff9b::1.2.3.4", "64:ff9b::102:304"},
+          Row{"1:2:3:4:5:6:1.2.3.4", "1:2:3:4:5:6:102:304"}}) {
         IPv6Address address;
-        EXPECT_TRUE(address.Set(row.text)) << row.text;
-        EXPECT_STREQ(address.GetAsString(true).getCString(), row.canonical);
-        EXPECT_TRUE(IPv6Address(address.GetAsString(true)).SameAs(address, true)) << row.text;
+        EXPECT_TRUE(address.Set(text)) << text;
+        EXPECT_EQ(address.GetAsString(true), canonical);
     }
     std::pair<char const*, std::vector<char const*>> const wrong[] = {
         {"too few groups", {"", "|80", "1", "1:2:3:4:5:6:7", "1.2.3.4"}},

@@ -16,59 +16,47 @@
 
 namespace {
 
-using core::ClassRef;
-using core::Socket;
-using core::SocketDomain;
-using core::SocketType;
-using core::String;
+using namespace core;
 
-class EchoServer : public core::ServerSocket {
+class EchoServer : public ServerSocket {
 public:
-    explicit EchoServer(SocketType type = SocketType::stream)
-        : ServerSocket(type), isStream_(type == SocketType::stream) {}
+    explicit EchoServer(SocketType type = SocketType::stream) : ServerSocket(type) {}
     ~EchoServer() override {
-        release = true;
+        hold = false;
         StopListen(-1);
     }
 
     std::atomic<int> handled = 0;
-    std::atomic<bool> busy = false;
-    std::atomic<bool> hold = false;  ///< keep the next handler until release
-    std::atomic<bool> release = false;
-    std::atomic<int> throws = 0;  ///< handlers that are to fail
-    std::atomic<int> index = -1;  ///< of the last connection
-    void (*finish)(ClassRef<Socket>& socket) = nullptr;
+    std::atomic<bool> hold = false;  ///< keeps handlers waiting
+    std::atomic<int> throws = 0;     ///< handlers that are to fail
+    std::atomic<int> index = -1;     ///< of the last connection
+    void (*finish)(ClassRef<Socket>& socket) = [](ClassRef<Socket>&) {};
 
 protected:
     void HandleConnection(ClassRef<Socket>& socket, String const& bind, int at) override {
         EXPECT_STREQ(bind.getCString(), "127.0.0.1|0");
         index = at;
-        busy = true;
-        while (hold && !release) {
+        while (hold) {
             sys::scheduler::sleepms(1);
         }
         if (throws > 0) {
             --throws;
             throw "neither memory nor an exception class";
         }
+        bool const isStream = socket->GetType() == SocketType::stream;
         char c = 0;
-        while (isStream_ && socket->Recv(&c, 1) == 1) {
+        while (isStream && socket->Recv(&c, 1) == 1) {
             socket->Send(&c, 1);
         }
-        if (!isStream_) {
-            core::Buffer bytes;
-            ClassRef<core::EndPoint> from;
+        if (!isStream) {
+            Buffer bytes;
+            ClassRef<EndPoint> from;
             socket->RecvAllFrom(bytes, from);
             socket->SendTo(bytes, *from);
         }
-        if (finish != nullptr) {
-            finish(socket);
-        }
+        finish(socket);
         ++handled;
     }
-
-private:
-    bool const isStream_;
 };
 
 bool echoes(String const& address) {
@@ -84,7 +72,7 @@ TEST(ServerSocket, ServesStopsUnderTrafficAndServesAgain) {
     {
         EchoServer server;
         EXPECT_EQ(server.StartListen(), -1) << "no addresses";
-        for (int i = 0; i < core::ServerSocket::maxBinds; ++i) {
+        for (int i = 0; i < ServerSocket::maxBinds; ++i) {
             EXPECT_EQ(server.AddBind("127.0.0.1|0"), i);
         }
         EXPECT_EQ(server.AddBind("127.0.0.1|0"), -1);
@@ -92,8 +80,8 @@ TEST(ServerSocket, ServesStopsUnderTrafficAndServesAgain) {
             EXPECT_EQ(server.StartListen(), 32);
             EXPECT_EQ(server.StartListen(), 0);
             EXPECT_TRUE(server.IsListening());
-            std::vector<std::thread> clients;
-            for (int i = 0; i < core::ServerSocket::maxBinds; ++i) {
+            std::vector<std::jthread> clients;
+            for (int i = 0; i < ServerSocket::maxBinds; ++i) {
                 String address = server.GetBoundName(i);
                 address.Unique();
                 clients.emplace_back([&echoed, own = std::move(address)] {
@@ -107,9 +95,7 @@ TEST(ServerSocket, ServesStopsUnderTrafficAndServesAgain) {
             }
             server.StopListen(10'000);
             EXPECT_FALSE(server.IsListening());
-            for (std::thread& client : clients) {
-                client.join();
-            }
+            clients.clear();
             EXPECT_GE(server.handled, echoed);
         }
     }
@@ -118,11 +104,11 @@ TEST(ServerSocket, ServesStopsUnderTrafficAndServesAgain) {
 
 TEST(ServerSocket, Datagrams) {
     void (*const finishes[])(ClassRef<Socket>&) = {
-        nullptr, [](ClassRef<Socket>& socket) { socket->Close(); },
+        [](ClassRef<Socket>&) {}, [](ClassRef<Socket>& socket) { socket->Close(); },
         [](ClassRef<Socket>& socket) { socket.Set(nullptr); }};
     EchoServer none;
-    core::ServerSocketThread worker(none, nullptr, 7);
-    EXPECT_STREQ(none.core::ServerSocket::ClassName(), "ServerSocket");
+    ServerSocketThread worker(none, nullptr, 7);
+    EXPECT_STREQ(none.ServerSocket::ClassName(), "ServerSocket");
     EXPECT_STREQ(worker.ClassName(), "ServerSocketThread");
     EXPECT_STREQ(worker.Thread::ClassName(), "Thread");
     EXPECT_TRUE(worker.Name() == "serve 7");
@@ -153,7 +139,7 @@ TEST(ServerSocket, Datagrams) {
 
 TEST(ServerSocket, RemovingABindRaisesTheCount) {
     EchoServer server;
-    for (int const count : {3, core::ServerSocket::maxBinds}) {
+    for (int const count : {3, ServerSocket::maxBinds}) {
         server.ClearBinds();
         for (int i = 0; i < count; ++i) {
             server.AddBind(String::format("%1").argi(1, i));
@@ -162,7 +148,7 @@ TEST(ServerSocket, RemovingABindRaisesTheCount) {
         EXPECT_EQ(server.RemoveBind(-1), -1);
         EXPECT_EQ(server.RemoveBind(count), -1);
         EXPECT_EQ(server.RemoveBind(1), 0);
-        EXPECT_EQ(server.BindsCount(), std::min(count + 1, core::ServerSocket::maxBinds));
+        EXPECT_EQ(server.BindsCount(), std::min(count + 1, ServerSocket::maxBinds));
         for (int i = 0; i < server.BindsCount(); ++i) {
             String const expected = String::format("%1").argi(1, i < 1 ? i : i + 1);
             EXPECT_TRUE(server.GetBind(i) == (i < count - 1 ? expected : String())) << i;
@@ -223,7 +209,7 @@ TEST(ServerSocket, AnAddressInUseDoesNotDisturbTheOthers) {
         EXPECT_EQ(second.StartOne(index), result) << index;
         EXPECT_EQ(second.LastError(), error) << index;
     }
-    core::CountDownTimer const pause(40ULL);
+    CountDownTimer const pause(40ULL);
     second.throws = 1;
     EXPECT_FALSE(echoes(second.GetBoundName(1))) << "a handler that fails loses its connection";
     EXPECT_TRUE(echoes(second.GetBoundName(1)) && pause.Expired());
@@ -237,13 +223,13 @@ TEST(ServerSocket, AStopWaitsNoLongerThanToldForABusyHandler) {
     server.hold = true;
     Socket client(SocketDomain::IPv4, SocketType::stream);
     ASSERT_EQ(client.Connect(server.GetBoundName(0)), 0u);
-    while (!server.busy) {
+    while (server.index < 0) {
         sys::scheduler::sleepms(1);
     }
     server.StopListen(20);
     EXPECT_TRUE(server.IsListening());
     client.Close();
-    server.release = true;
+    server.hold = false;
     server.StopOne(0, 10'000);
     EXPECT_FALSE(server.IsListening());
     EXPECT_EQ(server.handled, 1);

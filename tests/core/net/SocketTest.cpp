@@ -12,15 +12,11 @@
 
 namespace {
 
-using core::CountDownTimer;
-using core::Socket;
-using core::SocketDomain;
-using core::SocketType;
-using core::String;
+using namespace core;
 
 TEST(Socket, RecvUntilWaitsAsLongAsBytesKeepComing) {
     SocketPair pair;
-    std::thread peer([&] {
+    std::jthread const peer([&] {
         for (char const c : std::string("12345678")) {
             sys::scheduler::sleepms(100);
             pair.far->Send(&c, 1);
@@ -30,25 +26,23 @@ TEST(Socket, RecvUntilWaitsAsLongAsBytesKeepComing) {
     EXPECT_EQ(pair.near.RecvUntil(buffer, 0, 1'000'000), 0);
     EXPECT_EQ(pair.near.RecvUntil(buffer, 8, 600), 8) << "longer in all, but never in silence";
     EXPECT_STREQ(buffer, "12345678");
-    peer.join();
 }
 
 TEST(Socket, RecvUntilReturnsWhatCameWhenTheRestDoesNot) {
     int const limit = 120;
+    char buffer[8];
     for (bool const closes : {false, true}) {
         SocketPair pair;
         ASSERT_EQ(pair.far->Send("123"), 3);
         if (closes) {
             pair.far->Close();
         }
-        char buffer[8];
         CountDownTimer timer(static_cast<unsigned long long>(limit));
         EXPECT_EQ(pair.near.RecvUntil(buffer, 8, limit), 3);
         EXPECT_TRUE(timer.Expired()) << "a peer that has closed does not end the wait";
     }
     SocketPair pair;
     pair.far->Abort();
-    char buffer[8];
     // Wine tells a reset as an end of the stream.
     EXPECT_LT(pair.near.RecvUntil(buffer, 8, 1'000), support::onWindows() ? 1 : 0);
     pair.near.Close();
@@ -104,7 +98,7 @@ TEST(Socket, OpensAndCloses) {
     EXPECT_TRUE(pair.near.GetTarget(far));
     EXPECT_EQ(pair.far->GetSockName(near, true), 0u);
     EXPECT_STREQ(near.getCString(), far.getCString());
-    core::EndPoint peer;
+    EndPoint peer;
     EXPECT_EQ(pair.near.GetPeerName(far, true) + pair.near.GetPeerName(peer), 0u);
     EXPECT_TRUE(far == near && peer.GetComposedAddress() == near);
     EXPECT_STREQ(pair.near.ClassName(), "Socket");
@@ -124,10 +118,10 @@ TEST(Socket, OpensAndCloses) {
     EXPECT_FALSE(pair.near.Abort());
     EXPECT_FALSE(pair.near.IsConnected());
     EXPECT_EQ(pair.near.Send("x"), -1);
-    EXPECT_EQ(pair.near.Send(core::Buffer()), 0) << "nothing to send";
-    EXPECT_EQ(pair.near.Connect(core::ClassRef<core::AddressInfo>()), 1u);
-    EXPECT_EQ(pair.near.Connect(core::EndPoint()), 1u);
-    EXPECT_EQ(pair.near.Bind(core::EndPoint()), 1u);
+    EXPECT_EQ(pair.near.Send(Buffer()), 0) << "nothing to send";
+    EXPECT_EQ(pair.near.Connect(ClassRef<AddressInfo>()), 1u);
+    EXPECT_EQ(pair.near.Connect(EndPoint()), 1u);
+    EXPECT_EQ(pair.near.Bind(EndPoint()), 1u);
     EXPECT_EQ(pair.near.Connect("|"), 12u);
     EXPECT_EQ(pair.near.Bind("|"), 12u);
 
@@ -157,29 +151,29 @@ TEST(Socket, Datagrams) {
             continue;
         }
         EXPECT_TRUE(receiver.IsBound());
-        core::EndPoint to;
+        EndPoint to;
         ASSERT_EQ(receiver.GetSockName(to), 0u);
         Socket sender(domain, SocketType::datagram);
         ASSERT_EQ(sender.Bind(any), 0u);
         EXPECT_EQ(sender.SendTo("text", to.GetComposedAddress()), 4);
-        EXPECT_EQ(sender.SendTo(core::Buffer("buffer", 6), to), 6);
+        EXPECT_EQ(sender.SendTo(Buffer("buffer", 6), to), 6);
         sender.Send("x");
         EXPECT_NE(sender.LastError(), 0);
         EXPECT_EQ(sender.SendTo("", 0, to.GetSocketAddress()), 0);
         EXPECT_EQ(sender.LastError(), 0);
         EXPECT_EQ(sender.SendDatagram("cut short", 9, to), 9);
 
-        core::Buffer bytes;
-        core::ClassRef<core::EndPoint> from;
+        Buffer bytes;
+        ClassRef<EndPoint> from;
         EXPECT_EQ(receiver.RecvAllFrom(bytes, from), 4);
-        EXPECT_EQ(bytes, core::Buffer("text", 4));
-        core::EndPoint own;
+        EXPECT_EQ(bytes, Buffer("text", 4));
+        EndPoint own;
         ASSERT_EQ(sender.GetSockName(own), 0u);
         EXPECT_TRUE(from->SameAs(own));
         String name;
         EXPECT_EQ(receiver.RecvAllFrom(bytes, name), 6);
         EXPECT_TRUE(name == own.GetComposedAddress());
-        core::ClassRef<core::SocketAddr> address;
+        ClassRef<SocketAddr> address;
         char buffer[3];
         receiver.Send("x");
         EXPECT_NE(receiver.LastError(), 0);
@@ -190,7 +184,7 @@ TEST(Socket, Datagrams) {
         ASSERT_TRUE(receiver.setBlocking(false));
         EXPECT_EQ(receiver.RecvAllFrom(bytes, name), -1);
         EXPECT_TRUE(receiver.WouldBlock() && bytes.IsEmpty());
-        EXPECT_EQ(sender.SendTo("x", 1, core::EndPoint()), -1);
+        EXPECT_EQ(sender.SendTo("x", 1, EndPoint()), -1);
     }
 }
 
@@ -233,18 +227,18 @@ TEST(SocketResult, Mappings) {
                           EISCONN,      ENETUNREACH, ETIMEDOUT,    EOPNOTSUPP,    EWOULDBLOCK,
                           ECONNABORTED, EMFILE,      ENFILE,       EPROTO};
     for (unsigned i = 0; i < std::size(from14); ++i) {
-        EXPECT_EQ(core::SocketResultFrom_errno(from14[i], false), 14 + i);
+        EXPECT_EQ(SocketResultFrom_errno(from14[i], false), 14 + i);
     }
-    std::pair<int, core::SocketResult> const rows[] = {
+    std::pair<int, SocketResult> const rows[] = {
         {0, 0},        {ENOMEM, 6},    {EFAULT, 7},     {EBADF, 11}, {EINVAL, 11},
         {ENOBUFS, 12}, {ENOTSOCK, 13}, {ECONNRESET, 1}, {-1, 1},
     };
     for (auto const& [error, result] : rows) {
-        EXPECT_EQ(core::SocketResultFrom_errno(error, false), result) << error;
+        EXPECT_EQ(SocketResultFrom_errno(error, false), result) << error;
     }
-    EXPECT_EQ(core::SocketResultFrom_errno(0, true), 1u);
-    EXPECT_EQ(core::SocketResultFrom_EAI(0), 0u);
-    EXPECT_EQ(core::SocketResultFrom_EAI(123456), 1u);
+    EXPECT_EQ(SocketResultFrom_errno(0, true), 1u);
+    EXPECT_EQ(SocketResultFrom_EAI(0), 0u);
+    EXPECT_EQ(SocketResultFrom_EAI(123456), 1u);
 }
 
 }  // namespace

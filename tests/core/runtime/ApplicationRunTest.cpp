@@ -12,14 +12,13 @@
 
 namespace {
 
-using core::Application;
-using core::AppStatus;
+using namespace core;
 
 // A process has one application, whose termination cannot be withdrawn: each life is lived in a
 // process of its own, which tells its story on standard error.
 
-std::thread terminatesSoon() {
-    return std::thread([] {
+std::jthread terminatesSoon() {
+    return std::jthread([] {
         Application::Sleep(20, false);
         Application::RequestTermination(Application::normalRequest);
     });
@@ -28,9 +27,9 @@ std::thread terminatesSoon() {
 struct Life : public Application {
     Life() : Application("life") {}
 
-    int failingInits = 0;
+    int failingInits = 2;
     bool terminateInInit = false;
-    std::thread other;
+    std::jthread other;
 
     static void tell(char const* event) {
         std::fprintf(stderr, "%s:%d%d ", event, AppStatus("life").GetStatus(),
@@ -53,22 +52,16 @@ struct Life : public Application {
         return true;
     }
     void Done() override { tell("done"); }
-
-    [[noreturn]] void Live() {
-        tell("born");
-        Run();
-        tell("ended");
-        if (other.joinable()) {
-            other.join();
-        }
-        std::exit(TerminationRequested());
-    }
 };
 
 class ApplicationRun : public testing::Test {
     // Ours, not the dying process's: it would not come to remove it.
     support::StatusFolder folder_;
 };
+
+void expectTrue(bool (*check)()) {
+    EXPECT_EXIT(std::exit(check() ? 7 : 0), testing::ExitedWithCode(7), "");
+}
 
 TEST_F(ApplicationRun, Lives) {
     // Done is for those whose Init was finished.
@@ -78,9 +71,12 @@ TEST_F(ApplicationRun, Lives) {
         EXPECT_EXIT(
             {
                 Life life;
-                life.failingInits = 2;
                 life.terminateInInit = terminates;
-                life.Live();
+                Life::tell("born");
+                life.Run();
+                Life::tell("ended");
+                life.other = {};
+                std::exit(life.TerminationRequested());
             },
             testing::ExitedWithCode(1), story);
     }
@@ -93,63 +89,54 @@ TEST_F(ApplicationRun, OneApplicationAProcess) {
             Life second;
         },
         testing::ExitedWithCode(1), "^$");
-    EXPECT_EXIT(
-        {
-            bool const none = Application::Instance() == nullptr &&
-                              Application::AppName() == "GApplication == nil" &&
-                              !Application::IsTerminationRequested();
-            Application::RequestTermination(Application::normalRequest);
-            core::StringArray grammar(16);
-            core::StringArray errors(16);
-            grammar.Add("h|help=0");
-            grammar.Add("g|grow=0");
-            bool const refused = Application::AddToArguments("h|", "", grammar, errors) == -1 &&
-                                 errors.Count() == 0 &&
-                                 Application::AddToArguments("x|", "", grammar, errors) == -1 &&
-
-                                 Application::AddToArguments("h|", "x", grammar, errors) == -1 &&
-                                 errors.Count() == 2;
-            Life life;
-            bool const one = Application::Instance() == &life && Application::AppName() == "life" &&
-                             Application::AddToArguments("h|", "", grammar, errors) == 0 &&
-                             Application::AddToArguments("g|", "", grammar, errors) == 1 &&
-                             Application::AddToArguments("g|", "", grammar, errors) == 1 &&
-                             life.FindOption("help") && life.FulfillTerminationRequest() == 0 &&
-                             !Application::IsTerminated() && !Application::IsADaemon() &&
-                             Application::ProcessID() + Application::SessionID() == 0 &&
-                             Application::MainThreadID() == sys::platform::currentThreadId();
-            std::exit(none && refused && one && !Application::IsTerminationRequested() ? 7 : 0);
-        },
-        testing::ExitedWithCode(7), "");
+    expectTrue([] {
+        bool const none = Application::Instance() == nullptr &&
+                          Application::AppName() == "GApplication == nil" &&
+                          !Application::IsTerminationRequested();
+        Application::RequestTermination(Application::normalRequest);
+        StringArray grammar(16);
+        StringArray errors(16);
+        grammar.Add("h|help=0");
+        grammar.Add("g|grow=0");
+        bool const refused =
+            Application::AddToArguments("h|", "", grammar, errors) == -1 && errors.Count() == 0 &&
+            Application::AddToArguments("x|", "", grammar, errors) == -1 &&
+            Application::AddToArguments("h|", "x", grammar, errors) == -1 && errors.Count() == 2;
+        Life life;
+        bool const one = Application::Instance() == &life && Application::AppName() == "life" &&
+                         Application::AddToArguments("h|", "", grammar, errors) == 0 &&
+                         Application::AddToArguments("g|", "", grammar, errors) == 1 &&
+                         Application::AddToArguments("g|", "", grammar, errors) == 1 &&
+                         life.FindOption("help") && life.FulfillTerminationRequest() == 0 &&
+                         !Application::IsTerminated() && !Application::IsADaemon() &&
+                         Application::ProcessID() + Application::SessionID() == 0 &&
+                         Application::MainThreadID() == sys::platform::currentThreadId();
+        return none && refused && one && !Application::IsTerminationRequested();
+    });
 }
 
 TEST_F(ApplicationRun, TerminationEndsSleepsAndWaits) {
-    EXPECT_EXIT(
-        {
-            Life life;
-            core::Event event;
-            core::CountDownTimer const slept(20ULL);
-            bool good = Application::Sleep(20, false) == 0 && slept.Expired() &&
-                        event.Wait(1) == core::Event::timedOut && Application::Sleep(1, true) == 0;
-            event.Signal();
-            good = good && event.Wait(0) == core::Event::signalled &&
-                   event.Wait(0) == core::Event::signalled;
-            event.Clear();
-            std::thread other = terminatesSoon();
-            good = good && event.Wait(1'000'000) == core::Event::terminating &&
-                   Application::Sleep(1'000'000, true) == 1 && Application::Sleep(0, false) == 1;
-            other.join();
-            std::exit(good ? 7 : 0);
-        },
-        testing::ExitedWithCode(7), "");
+    expectTrue([] {
+        Life life;
+        Event event;
+        CountDownTimer const slept(20ULL);
+        bool good = Application::Sleep(20, false) == 0 && slept.Expired() &&
+                    event.Wait(1) == Event::timedOut && Application::Sleep(1, true) == 0;
+        event.Signal();
+        good = good && event.Wait(0) == Event::signalled && event.Wait(0) == Event::signalled;
+        event.Clear();
+        std::jthread const other = terminatesSoon();
+        good = good && event.Wait(1'000'000) == Event::terminating &&
+               Application::Sleep(1'000'000, true) == 1 && Application::Sleep(0, false) == 1;
+        return good;
+    });
 }
 
 TEST(AppStatus, TheFileHoldsTheNumber) {
-    support::TemporaryFolder const folder;
-    AppStatus::setFolder(folder.Path().c_str());
+    support::StatusFolder const folder;
     AppStatus const status("name");
     EXPECT_STREQ(status.ClassName(), "AppStatus");
-    EXPECT_STREQ(core::Event().ClassName(), "Event");
+    EXPECT_STREQ(Event().ClassName(), "Event");
     EXPECT_STREQ(status.getFilePath().getCString(), (folder.Path() + "/name.status").c_str());
     EXPECT_EQ(status.readFromFile(), -1);
     EXPECT_EQ(status.GetStatus(), -1);

@@ -17,11 +17,8 @@
 
 namespace {
 
-using core::Application;
-using core::ClassRef;
-using core::ExecutionBit;
-using core::ExecutionLink;
-using Queue = core::ExecutionQueueAbstract;
+using namespace core;
+using Queue = ExecutionQueueAbstract;
 
 std::atomic<std::uint32_t> now = 10'000;
 
@@ -42,6 +39,7 @@ struct Worker : public Application {
     }
 
     std::string story;
+    std::vector<std::jthread> threads;
 
     ClassRef<ExecutionLink> Add(char const* word, Queue::ExecutionPriority priority,
                                 unsigned long long notBefore = 0) {
@@ -64,39 +62,42 @@ struct Worker : public Application {
     void Idle10s() override { story += "X"; }
     void Idle30s() override { story += "3"; }
     void Idle60s() override { story += "6"; }
-
-    [[noreturn]] void Work() {
-        Run();
-        std::fputs(story.c_str(), stderr);
-        std::exit(7);
-    }
 };
 
 class Execution : public testing::Test {
     support::StatusFolder folder_;
 };
 
-TEST_F(Execution, ByPriorityAndTick) {
+/// Expects the story of a worker that runs what was prepared.
+void expectStory(std::string const& story, std::function<void(Worker&)> const& prepare) {
     EXPECT_EXIT(
         {
             Worker worker;
-            ClassRef<ExecutionLink> const failing = worker.Dispatch(
-                new Bit([]() -> bool { throw "not an exception class"; }), Queue::highest);
-            worker.Add("late ", Queue::highest, 10'030);
-            worker.Add("later ", Queue::lowest, 10'040);
-            worker.Add("low ", Queue::lowest);
-            worker.Add("cancelled ", Queue::normal)->Cancel();
-            worker.Add("normal ", Queue::normal);
-            worker.Add("too high ", static_cast<Queue::ExecutionPriority>(7));
-            ClassRef<ExecutionLink> const done = worker.Add("high ", Queue::high);
-            worker.Dispatch(nullptr, Queue::high);
-            worker.Repeat(5, Queue::low, [&] {
-                worker.story += done->IsDone() && failing->IsDone() ? "tick " : "too early ";
-                now += 10;
-            });
-            worker.Work();
+            prepare(worker);
+            worker.Run();
+            std::fputs(worker.story.c_str(), stderr);
+            std::exit(7);
         },
-        testing::ExitedWithCode(7), "^too high high normal tick tick tick late tick tick $");
+        testing::ExitedWithCode(7), story);
+}
+
+TEST_F(Execution, ByPriorityAndTick) {
+    expectStory("^too high high normal tick tick tick late tick tick $", [](Worker& worker) {
+        ClassRef<ExecutionLink> const failing = worker.Dispatch(
+            new Bit([]() -> bool { throw "not an exception class"; }), Queue::highest);
+        worker.Add("late ", Queue::highest, 10'030);
+        worker.Add("later ", Queue::lowest, 10'040);
+        worker.Add("low ", Queue::lowest);
+        worker.Add("cancelled ", Queue::normal)->Cancel();
+        worker.Add("normal ", Queue::normal);
+        worker.Add("too high ", static_cast<Queue::ExecutionPriority>(7));
+        ClassRef<ExecutionLink> const done = worker.Add("high ", Queue::high);
+        worker.Dispatch(nullptr, Queue::high);
+        worker.Repeat(5, Queue::low, [&worker, done, failing] {
+            worker.story += done->IsDone() && failing->IsDone() ? "tick " : "too early ";
+            now += 10;
+        });
+    });
 }
 
 TEST_F(Execution, QueuesReportWhenTheirFirstItemIsDue) {
@@ -121,66 +122,49 @@ TEST_F(Execution, QueuesReportWhenTheirFirstItemIsDue) {
 }
 
 TEST_F(Execution, ATimerThatIsArmedAgainRuns) {
-    EXPECT_EXIT(
-        {
-            Worker worker;
-            auto const threads = [] {
-                std::filesystem::directory_iterator const list(
-                    support::onWindows() ? "." : "/proc/self/task");
-                return std::distance(list, std::filesystem::directory_iterator());
-            };
-            worker.Repeat(1, Queue::normal, [&] {
-                auto const running = threads();
-                core::timerDone();
-                while (threads() >= running && !support::onWindows()) {
-                    sys::scheduler::sleepms(1);
-                }
-                bool const good = core::timerInit() && threads() == running && !core::timerInit();
-                worker.story += good ? "good" : "bad";
-            });
-            worker.Work();
-        },
-        testing::ExitedWithCode(7), "^good$");
+    expectStory("^good$", [](Worker& worker) {
+        auto const threads = [] {
+            std::filesystem::directory_iterator const list(
+                support::onWindows() ? "." : "/proc/self/task");
+            return std::distance(list, std::filesystem::directory_iterator());
+        };
+        worker.Repeat(1, Queue::normal, [&worker, threads] {
+            auto const running = threads();
+            timerDone();
+            while (threads() >= running && !support::onWindows()) {
+                sys::scheduler::sleepms(1);
+            }
+            bool const good = timerInit() && threads() == running && !timerInit();
+            worker.story += good ? "good" : "bad";
+        });
+    });
 }
 
 TEST_F(Execution, IdleHooksCatchUpOneAPass) {
-    EXPECT_EXIT(
-        {
-            Worker worker;
-            worker.Repeat(200, Queue::normal,
-                          [pass = 0]() mutable { now = ++pass <= 100 ? 70'000 : 70'001; });
-            worker.Work();
-        },
-        testing::ExitedWithCode(7),
-        "^" + std::string(59, '1') + std::string(11, '5') + "XXXXX3" + "15X36$");
+    expectStory("^" + std::string(59, '1') + std::string(11, '5') + "XXXXX3" + "15X36$",
+                [](Worker& worker) {
+                    worker.Repeat(200, Queue::normal,
+                                  [pass = 0]() mutable { now = ++pass <= 100 ? 70'000 : 70'001; });
+                });
 }
 
 TEST_F(Execution, AnyThreadDispatchesAndEndsTheLoop) {
-    EXPECT_EXIT(
-        {
-            Worker worker;
-            std::atomic<int> executed = 0;
-            auto const count = [&executed] {
-                if (++executed == 400) {
-                    Application::RequestTermination(Application::normalRequest);
+    expectStory("^" + std::string(400, 'x') + "$", [](Worker& worker) {
+        auto const count = [&worker] {
+            worker.story += 'x';
+            if (worker.story.size() == 400) {
+                Application::RequestTermination(Application::normalRequest);
+            }
+            return false;
+        };
+        for (int t = 0; t < 4; ++t) {
+            worker.threads.emplace_back([&worker, count] {
+                for (int i = 0; i < 100; ++i) {
+                    worker.Dispatch(new Bit(count), Queue::normal);
                 }
-                return false;
-            };
-            std::vector<std::thread> threads;
-            for (int t = 0; t < 4; ++t) {
-                threads.emplace_back([&worker, count] {
-                    for (int i = 0; i < 100; ++i) {
-                        worker.Dispatch(new Bit(count), Queue::normal);
-                    }
-                });
-            }
-            worker.Run();
-            for (std::thread& thread : threads) {
-                thread.join();
-            }
-            std::exit(executed == 400 ? 7 : 0);
-        },
-        testing::ExitedWithCode(7), "");
+            });
+        }
+    });
 }
 
 }  // namespace

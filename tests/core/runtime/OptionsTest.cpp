@@ -4,12 +4,12 @@
 #include <vector>
 
 #include "core/runtime/Application.h"
+#include "tests/support/PrintText.h"
 #include "tests/support/StatusFolder.h"
 
 namespace {
 
-using core::Application;
-using core::String;
+using namespace core;
 
 char const grammar[] = "h|help=0>o|origin=1>a|address=1>p|pair=2>c|count=";
 
@@ -23,63 +23,55 @@ Application& application() {
 }
 
 /// The stored options as "name=values", joined by blanks, and behind " ! " the errors.
-std::string parsed(std::vector<char const*> words, char const* with = grammar) {
-    core::StringArray errors(16);
+String parsed(std::vector<char const*> words, char const* with = grammar) {
+    StringArray errors(16);
     words.insert(words.begin(), "program");
     EXPECT_TRUE(application().CommandLinePrepare(static_cast<int>(words.size()), words.data(), with,
                                                  errors));
-    std::string result;
+    String result;
     for (int i = 0; i < application().CountOptions(); ++i) {
         String shortName;
         String longName;
         String values;
         EXPECT_TRUE(application().GetOption(i, shortName, longName, values));
-        result.append(i > 0 ? " " : "").append(shortName.getCString());
-        result.append("=").append(values.getCString());
+        result += (i > 0 ? " " : "") + shortName + '=' + values;
     }
     for (int i = 0; i < errors.Count(); ++i) {
-        result.append(" ! ").append(errors[i].getCString());
+        result += " ! " + errors[i];
     }
     return result;
 }
 
 TEST(Options, Grammar) {
-    struct Row {
-        std::vector<char const*> words;
-        char const* expected;
-    } const rows[] = {
-        {{}, ""},
-        {{"-h", "x"}, " ! Invalid number of arguments=-h x"},
-        {{"-o", "f"}, "o=f"},
-        {{"--origin", "f"}, "o=f"},
-        {{"--ORIGIN=f"}, "o=f"},
-        {{"-o=a=b"}, "o=a=b"},
-        {{"-o", "a", "-o", "b"}, "o=a ! Invalid number of arguments=-o a b"},
-        {{"-o", "a", "-o"}, "o=a ! Invalid number of arguments=-o a "},
-        {{"-o"}, " ! Invalid number of arguments=-o "},
-        {{"-p", "a", "b"}, "p=a|b"},
-        {{"-p", "a", "-p", "b"},
-         " ! Invalid number of arguments=-p a ! Invalid number of arguments=-p b"},
-        {{"-p=a|b"}, "p=a|b"},
-        {{"-x", "a", "b"}, " ! Invalid option=-x a|b"},
-        {{"--extra=1"}, " ! Invalid option=--extra 1"},
-        {{"-ho", "f"}, " ! Invalid option=-ho f"},
-        {{"-c", "1"}, " ! Invalid number of arguments=-c 1"},
-        {{"file", "-h"}, "h="},
-        {{"-"}, " ! Invalid option= "},
-        {{"--"}, " ! Invalid option= "},
-        {{"-="}, " ! Invalid option=-= "},
-        {{"", "-o", ""}, " ! Invalid number of arguments=-o "},
-        {{nullptr, "-h", nullptr}, "h="},
+    std::pair<char const*, std::vector<std::vector<char const*>>> const rows[] = {
+        {"", {{}}},
+        {"o=f", {{"-o", "f"}, {"--origin", "f"}, {"--ORIGIN=f"}}},
+        {"o=a=b", {{"-o=a=b"}}},
+        {"p=a|b", {{"-p", "a", "b"}, {"-p=a|b"}}},
+        {"h=", {{"file", "-h"}, {nullptr, "-h", nullptr}}},
+        {"o=a ! Invalid number of arguments=-o a b", {{"-o", "a", "-o", "b"}}},
+        {"o=a ! Invalid number of arguments=-o a ", {{"-o", "a", "-o"}}},
+        {" ! Invalid number of arguments=-o ", {{"-o"}, {"", "-o", ""}}},
+        {" ! Invalid number of arguments=-h x", {{"-h", "x"}}},
+        {" ! Invalid number of arguments=-c 1", {{"-c", "1"}}},
+        {" ! Invalid number of arguments=-p a ! Invalid number of arguments=-p b",
+         {{"-p", "a", "-p", "b"}}},
+        {" ! Invalid option=-x a|b", {{"-x", "a", "b"}}},
+        {" ! Invalid option=--extra 1", {{"--extra=1"}}},
+        {" ! Invalid option=-ho f", {{"-ho", "f"}}},
+        {" ! Invalid option= ", {{"-"}, {"--"}}},
+        {" ! Invalid option=-= ", {{"-="}}},
     };
-    for (Row const& row : rows) {
-        EXPECT_EQ(parsed(row.words), row.expected);
+    for (auto const& [expected, commandLines] : rows) {
+        for (auto const& words : commandLines) {
+            EXPECT_EQ(parsed(words), expected);
+        }
     }
 }
 
 TEST(Options, MalformedGrammars) {
     for (char const* const bad : {"", ">", "=", ">>=>", "h", "=0>", "h|help", "h|help=x"}) {
-        EXPECT_NE(parsed({"-h", "a"}, bad).find(" ! Invalid "), std::string::npos) << bad;
+        EXPECT_NE(parsed({"-h", "a"}, bad).Find(" ! Invalid "), -1) << bad;
     }
     EXPECT_EQ(parsed({"-h"}, "h|help=-7"), "h=") << "a negative count is 0";
     for (char const* const nameless : {"a|=1>b|both=0", "c|count>b|both=0"}) {
@@ -108,7 +100,6 @@ TEST(Options, Queries) {
 }
 
 TEST(Version, Texts) {
-    using core::version::CEDevStage;
     Application& tool = application();
     tool.setVersionNumber("in words");
     EXPECT_STREQ(tool.getVersionNumber().getCString(), "in words");
@@ -120,15 +111,12 @@ TEST(Version, Texts) {
     EXPECT_STREQ(tool.getDescription().getCString(), "What it does\nand more");
     tool.setBuildVersion("77");
     EXPECT_STREQ(tool.getBuildVersion().getCString(), "77");
-    char const* const words[] = {"development", "alpha", "beta"};
-    for (int stage = 25; stage < 100; stage += 25) {
-        tool.setDevStage(static_cast<CEDevStage>(stage));
-        EXPECT_TRUE(tool.getVersionShort() ==
-                    String("options 1.00 build 77 ").AppendNew(words[stage / 25 - 1]));
+    for (auto const& [stage, word] : {std::pair{25, "development"}, {50, "alpha"}, {75, "beta"}}) {
+        tool.setDevStage(static_cast<version::CEDevStage>(stage));
+        EXPECT_EQ(tool.getVersionShort(), "options 1.00 build 77 " + String(word));
     }
     tool.setVersionNumber(12, 345);
-    EXPECT_STREQ(tool.getVersionLong(false).getCString(),
-                 "options 12.345 build 77 beta (Model %1)");
+    EXPECT_EQ(tool.getVersionLong(false), "options 12.345 build 77 beta (Model %1)");
     tool.clearBuildVersion();
     EXPECT_STREQ(tool.getVersionBuild().getCString(), "12.345");
     core::version::free();

@@ -83,10 +83,9 @@ TEST_F(TimersTest, ChronometerMeasuresLapsAndTheWhole) {
 TEST_F(TimersTest, FailCounterCountsDown) {
     core::FailCounter three(3);
     EXPECT_STREQ(three.ClassName(), "FailCounter");
-    EXPECT_FALSE(three.Check());
-    EXPECT_FALSE(three.Check());
-    EXPECT_TRUE(three.Check());
-    EXPECT_TRUE(three.Check());
+    for (bool const failed : {false, false, true, true}) {
+        EXPECT_EQ(three.Check(), failed);
+    }
     EXPECT_TRUE(core::FailCounter(1).Check());
     EXPECT_TRUE(core::FailCounter().Check());
 }

@@ -10,8 +10,7 @@
 
 namespace {
 
-using core::Buffer;
-using core::MemoryStream;
+using namespace core;
 using support::CopyWatcher;
 
 int const piece = 0x10000;
@@ -69,7 +68,7 @@ TEST(Copy, ReturnsTheErrorOfTheStepThatFailed) {
         EXPECT_EQ(source.WriteTo(full), failure == 0 ? -1 : failure);
     }
     FrailStream unsafe(INT_MAX, 0);
-    core::FileStream closed;
+    FileStream closed;
     EXPECT_EQ(closed.WriteTo(unsafe) + closed.CopyTo(unsafe, true, true, nullptr), -2 * EBADF);
     source.Seek(0);
     EXPECT_EQ(source.WriteTo(unsafe), 2 * piece);

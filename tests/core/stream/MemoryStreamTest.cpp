@@ -7,12 +7,11 @@
 
 namespace {
 
-using core::Buffer;
-using core::MemoryStream;
-using Origin = core::Stream::SeekOrigin;
+using namespace core;
+using Origin = Stream::SeekOrigin;
 
 /// Knows no positions.
-class Pipe : public core::Stream {
+class Pipe : public Stream {
     int Read(void*, int) override { return 0; }
     int Write(void const*, int count) override { return count; }
 };

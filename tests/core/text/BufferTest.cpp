@@ -11,10 +11,7 @@
 
 namespace {
 
-using core::Buffer;
-using core::MChar4;
-using core::MChar8;
-using core::String;
+using namespace core;
 
 TEST(Buffer, OwnsItsBytes) {
     Buffer bytes("ab\0c", 4);
@@ -45,19 +42,19 @@ TEST(Buffer, CarriesTextsInAnyWidth) {
 TEST(Buffer, RoomOfAnySizeGetsWhatFitsAndANul) {
     char room[6] = {'#', '#', '#', '#', '#', '#'};
     EXPECT_EQ(String("abc").GetString(static_cast<char*>(nullptr), 9), 0);
-    EXPECT_EQ(core::_strCopyLimited(room, 4, "abcdef"), 3);
+    EXPECT_EQ(_strCopyLimited(room, 4, "abcdef"), 3);
     EXPECT_EQ(std::string_view(room, 6), std::string_view("abc\0##", 6));
-    EXPECT_EQ(core::_strConcatLimited(room, 6, "xyz"), 2);
+    EXPECT_EQ(_strConcatLimited(room, 6, "xyz"), 2);
     EXPECT_STREQ(room, "abcxy");
-    EXPECT_EQ(core::_strNCpy(room, "1234567", 6), room);
+    EXPECT_EQ(_strNCpy(room, "1234567", 6), room);
     EXPECT_STREQ(room, "12345");
-    EXPECT_EQ(core::_strChr(room, '3'), room + 2);
-    EXPECT_EQ(core::_strChr(room, '\0'), nullptr);
+    EXPECT_EQ(_strChr(room, '3'), room + 2);
+    EXPECT_EQ(_strChr(room, '\0'), nullptr);
 
     char full[3] = {'a', 'b', 'c'};
-    EXPECT_EQ(core::_strConcatLimited(full, 3, "d"), 0);
+    EXPECT_EQ(_strConcatLimited(full, 3, "d"), 0);
     for (int size : {0, -1, INT_MIN}) {
-        EXPECT_EQ(core::_strCopyLimited(full, size, "x"), 0);
+        EXPECT_EQ(_strCopyLimited(full, size, "x"), 0);
         EXPECT_STREQ(full, "ab");
     }
 }

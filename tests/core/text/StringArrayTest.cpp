@@ -7,8 +7,7 @@
 
 namespace {
 
-using core::String;
-using core::StringArray;
+using namespace core;
 
 TEST(StringArray, GrowsByItsStepAndKeepsEntriesInPlace) {
     StringArray list(2);
@@ -41,7 +40,7 @@ TEST(StringArray, CopiesDeeply) {
     list.Add(list);
     EXPECT_EQ(list.AsString(), "a:1\r\nb:2\r\na:1\r\nb:2\r\n");
     copy = list;
-    core::ClassRef<StringArray> const held(new StringArray(copy));
+    ClassRef<StringArray> const held(new StringArray(copy));
     EXPECT_STREQ(held->ClassName(), "StringArray");
     EXPECT_EQ(held->Count(), 4);
 }
@@ -88,8 +87,8 @@ TEST(StringArray, BecomesCStrings) {
     StringArray list;
     list.Add("a", "1");
     list.Add("b");
-    core::StringPCharList const texts = list.AsPCharList();
-    core::StringPCharList const values(list.AsPCharList(core::StringPCharList::Values));
+    StringPCharList const texts = list.AsPCharList();
+    StringPCharList const values(list.AsPCharList(StringPCharList::Values));
     list[0].SetChar(0, 'X');
     list.Clear();
     ASSERT_EQ(texts.Count(), 2);
@@ -97,7 +96,7 @@ TEST(StringArray, BecomesCStrings) {
     EXPECT_EQ(texts.GetList()[2], nullptr);
     EXPECT_STREQ(values.GetList()[0], "1");
     list.Add("name", "");
-    EXPECT_STREQ(list.AsPCharList(core::StringPCharList::Names).GetList()[0], "name");
+    EXPECT_STREQ(list.AsPCharList(StringPCharList::Names).GetList()[0], "name");
 }
 
 // The fuzzer's seeds hold streams against texts.
@@ -113,7 +112,7 @@ TEST(StringArrayText, LoadsLinesHoweverTheyEnd) {
     list.Add("x\ny");
     list.LoadFrom(list[2]);
     EXPECT_EQ(joined(list), "x|y|") << "an entry may be the text that is loaded";
-    auto* const none = static_cast<core::IStream*>(nullptr);
+    auto* const none = static_cast<IStream*>(nullptr);
     EXPECT_FALSE(list.LoadFrom(none) || list.LoadAsConfFileFrom(none) || list.SaveTo(none));
 }
 

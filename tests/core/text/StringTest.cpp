@@ -11,8 +11,7 @@
 
 namespace {
 
-using core::String;
-using core::StringPool;
+using namespace core;
 
 TEST(String, TakesTextUpToItsLengthOrItsEnd) {
     EXPECT_EQ(String("abcdef", 3), "abc");
@@ -71,7 +70,7 @@ TEST(String, MakesRoom) {
 }
 
 TEST(String, IsCutAtItsLongest) {
-    core::TextBuilder builder;
+    TextBuilder builder;
     builder.Append('x', INT_MAX);
     EXPECT_EQ(builder.View().size(), std::size_t{String::MaxLength});
     String text = builder.AsString();

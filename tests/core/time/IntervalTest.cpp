@@ -7,8 +7,7 @@
 
 namespace {
 
-using core::Interval;
-using core::TimeVal;
+using namespace core;
 
 TEST(Interval, WritesItsForms) {
     constexpr long long day = 86400000;

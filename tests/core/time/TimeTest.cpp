@@ -9,9 +9,7 @@
 
 namespace {
 
-using core::Interval;
-using core::String;
-using core::Time;
+using namespace core;
 
 Time const sample = Time::encode(2018, 3, 7, 9, 5, 2, 45);
 

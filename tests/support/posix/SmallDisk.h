@@ -16,7 +16,6 @@ public:
                    mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0 &&
                    mount("disk", folder.c_str(), "tmpfs", 0, "size=64k") == 0) {}
     SmallDisk(SmallDisk const&) = delete;
-    SmallDisk& operator=(SmallDisk const&) = delete;
     ~SmallDisk() {
         if (mounted_) {
             umount2(folder_.c_str(), MNT_DETACH);

@@ -17,34 +17,28 @@ void pause(int ms) {
 }
 
 /// Sends the signals, with a pause after each, to a process with a watch, which is destroyed then.
-void interrupt(std::initializer_list<int> signals, int ms) {
-    sys::platform::InterruptWatch watch([] { ++calls; });
-    for (int const number : signals) {
-        kill(getpid(), number);
-        while (calls == 0) {
-            pause(1);
+[[noreturn]] void interrupt(std::initializer_list<int> signals, int ms) {
+    {
+        sys::platform::InterruptWatch watch([] { ++calls; });
+        for (int const number : signals) {
+            kill(getpid(), number);
+            while (calls == 0) {
+                pause(1);
+            }
+            pause(ms);
         }
-        pause(ms);
+        watch.EndIfInterrupted();
     }
-    watch.EndIfInterrupted();
+    _exit(1);
 }
 
 TEST(Interrupt, IsReportedOnceAndTheNextOneEndsTheProcess) {
     GTEST_FLAG_SET(death_test_style, "threadsafe");
     for (int const number : {SIGINT, SIGTERM}) {
         // Whether it is the second signal that ends the process, or the first in the end.
-        EXPECT_EXIT(
-            {
-                interrupt({number, number == SIGINT ? SIGTERM : SIGINT}, 400);
-                _exit(1);
-            },
-            testing::KilledBySignal(number == SIGINT ? SIGTERM : SIGINT), "");
-        EXPECT_EXIT(
-            {
-                interrupt({number, number}, 0);
-                _exit(1);
-            },
-            testing::KilledBySignal(number), "");
+        int const other = number == SIGINT ? SIGTERM : SIGINT;
+        EXPECT_EXIT(interrupt({number, other}, 400), testing::KilledBySignal(other), "");
+        EXPECT_EXIT(interrupt({number, number}, 0), testing::KilledBySignal(number), "");
     }
     EXPECT_EXIT(
         {

@@ -7,16 +7,16 @@
 #include "sys/FileDirectory.h"
 #include "sys/dir.h"
 #include "sys/file.h"
-#include "tests/support/FolderTest.h"
 #include "tests/support/PrintText.h"
 #include "tests/support/posix/AsNobody.h"
+#include "tests/sys/ListedFolderTest.h"
 
 namespace {
 
 namespace file = sys::file;
 namespace fs = std::filesystem;
 
-class PosixSearchTest : public support::FolderTest {
+class PosixSearchTest : public ListedFolderTest {
 protected:
     PosixSearchTest() {
         fs::create_directories(folder_.PathOf("B/deep"));
@@ -26,11 +26,6 @@ protected:
         fs::create_directory_symlink("..", folder_.PathOf("B/up"));
         fs::create_symlink("nowhere", folder_.PathOf("lost"));
         fs::resize_file(folder_.PathOf("a.txt"), 5'000'000'000);
-    }
-
-    core::String Found(core::String const& pattern, bool subFolders, bool folders) const {
-        core::StringArray const paths = file::search(pattern, subFolders, folders);
-        return paths.AsString().Replace(Path(""), "").ReplaceNewLine(" ");
     }
 };
 
@@ -54,16 +49,12 @@ TEST_F(PosixSearchTest, ADirectoryKnowsItsEntries) {
     core::FileDirectory directory;
     EXPECT_EQ(directory.Refresh(), -EBADF);
     ASSERT_EQ(directory.Open(Path(""), false), 0);
-    struct Row {
-        char const* name;
-        long long size;
-    };
+    using Row = std::pair<char const*, long long>;
     int count = 0;
-    for (Row const& row : {Row{".d.txt", 6}, Row{"B", 0}, Row{"a.txt", 5'000'000'000},
-                           Row{"lost", -ENOENT}, Row{"\xc3\xa4", 2}}) {
-        EXPECT_EQ(directory.GetPath(count), Path(row.name));
-        EXPECT_EQ(directory.GetSize(count), row.size) << row.name;
-        ++count;
+    for (auto const& [name, size] : {Row{".d.txt", 6}, Row{"B", 0}, Row{"a.txt", 5'000'000'000},
+                                     Row{"lost", -ENOENT}, Row{"\xc3\xa4", 2}}) {
+        EXPECT_EQ(directory.GetSize(count), size) << name;
+        EXPECT_EQ(directory.GetPath(count++), Path(name));
     }
     EXPECT_EQ(directory.Count(), count);
     EXPECT_EQ(directory.GetPath(count) + directory.GetPath(-1), "");

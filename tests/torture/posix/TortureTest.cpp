@@ -40,8 +40,6 @@ struct Ran {
     bool peerClaims = false;
 };
 
-std::string const updated = "The device is updated and it will restart itself if needed.";
-
 bool contains(std::string const& text, std::string const& part) {
     return text.find(part) != std::string::npos;
 }
@@ -61,8 +59,7 @@ protected:
         }
         Run("f0", RAVELINK_PACK " -b @m.conf -o @a.rvl");
         folder_.Write("tail.rvl", contentOf(folder_.PathOf("a.rvl")) + "tail");
-        TestedUpdater::Instance().limits = {};
-        TestedUpdater::Instance().limits.headerAnswer = 20;
+        TestedUpdater::Instance().UseProductLimits();
     }
 
     void Prepare() {
@@ -87,22 +84,19 @@ protected:
         std::FILE* const pipe =
             support::openPipe(support::replaced(command, "@", folder_.Path() + "/"));
         Ran ran;
-        std::string line;
-        for (int c = std::fgetc(pipe); c != EOF; c = std::fgetc(pipe)) {
-            line += static_cast<char>(c);
-            if (c == '\n') {
-                if (line.starts_with("- Listening on: ") && contains(line, "127.")) {
-                    // A device without memory drops a connection, and waits for the next.
-                    for (int i = fault[0] == 'm' ? 0 : 1; i < 2 && !ran.peerClaims; ++i) {
-                        ran.peerClaims =
-                            TestedUpdater::Instance()
-                                .RunSession(folder_.PathOf("a.rvl"), line.substr(line.find("127.")))
-                                .back() == updated;
-                    }
+        char text[4096];
+        while (std::fgets(text, sizeof text, pipe) != nullptr) {
+            std::string const line(text);
+            if (line.starts_with("- Listening on: ") && contains(line, "127.")) {
+                // A device without memory drops a connection, and waits for the next.
+                for (int i = fault[0] == 'm' ? 0 : 1; i < 2 && !ran.peerClaims; ++i) {
+                    ran.peerClaims =
+                        TestedUpdater::Instance()
+                            .RunSession(folder_.PathOf("a.rvl"), line.substr(line.find("127.")))
+                            .back() == updated;
                 }
-                ran.output += line.starts_with("  System is still updating.") ? "" : line;
-                line.clear();
             }
+            ran.output += line.starts_with("  System is still updating.") ? "" : line;
         }
         std::regex const port("(..ffff.)?127.0.0.1[:-][0-9]+");
         ran.output = std::regex_replace(ran.output, port, "PORT");

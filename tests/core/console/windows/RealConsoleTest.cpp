@@ -19,7 +19,6 @@ public:
         SetConsoleScreenBufferSize(handle_, {info.dwSize.X, static_cast<SHORT>(shown + 5)});
     }
     ScreenBuffer(ScreenBuffer const&) = delete;
-    ScreenBuffer& operator=(ScreenBuffer const&) = delete;
     ~ScreenBuffer() {
         SetStdHandle(STD_OUTPUT_HANDLE, before_);
         CloseHandle(handle_);
