@@ -185,7 +185,6 @@ public:
     int getMulticastTTL() const;
     /// How many bytes the system holds until they are received, about: it rounds as it likes.
     bool setReceiveBuffer(int bytes);
-    int getReceiveBuffer() const;
     // No platform of ours has these; they are part of what sockets elsewhere can do.
     bool setCorkMode(bool) { return false; }
     bool getCorkMode() const { return false; }

@@ -52,10 +52,6 @@ bool Socket::setReceiveBuffer(int bytes) {
     return SetOption(SocketOption::receiveBuffer, bytes);
 }
 
-int Socket::getReceiveBuffer() const {
-    return GetOption(SocketOption::receiveBuffer);
-}
-
 bool Socket::SetRecvTimeout(int ms) {
     return platform::setSocketTimeout(handle_, SocketTimeout::receive, ms) == 0;
 }

@@ -33,6 +33,7 @@ TEST(EndPoint, ComesFromTextsNumbersAndAddresses) {
     EXPECT_EQ(six.GetPort(), 80);
     six.VoidFields();
     EXPECT_TRUE(six.SameAs(EndPoint()));
+    EXPECT_STREQ(EndPoint("h|7", {}, {}).GetService().getCString(), "7");
     EXPECT_EQ(EndPoint().GetPort(), noPort);
 }
 
@@ -45,7 +46,7 @@ TEST(InterfaceAddress, FindsTheLoopback) {
     EXPECT_STREQ(list[at].ClassName(), "InterfaceAddress");
     EXPECT_EQ(list.FindAddress(IPv4Address(127, 0, 0, 1)), at);
     EXPECT_STREQ(list[at].GetMask().getCString(), "255.0.0.0");
-    EXPECT_GE(list.FindName(list[at].GetName()), 0);
+    EXPECT_EQ(list.FindName(list[0].GetName()), 0);
     int const last = list.Count() - 1;
     EXPECT_EQ(list.FindName(list[last].GetName(), last), last);
     EXPECT_EQ(list.FindAddress("127.0.0.1", list.Count()), -1);

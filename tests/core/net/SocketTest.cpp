@@ -205,7 +205,8 @@ TEST(Socket, OptionsAndReadiness) {
     EXPECT_EQ(pair.near.GetRecvTimeout(), 2500);
     EXPECT_TRUE(pair.near.SetSendTimeout(60));
     EXPECT_EQ(pair.near.GetSendTimeout(), 60);
-    EXPECT_FALSE(pair.near.setCorkMode(true));
+    EXPECT_FALSE(pair.near.setCorkMode(true) || pair.near.getCorkMode());
+    EXPECT_EQ(pair.far->GetType(), SocketType::stream);
 
     EXPECT_EQ(pair.near.CheckRecv(0), Socket::Readiness::timedOut);
     EXPECT_EQ(pair.near.CheckSend(0), Socket::Readiness::ready);
