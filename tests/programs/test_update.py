@@ -7,13 +7,11 @@ import time
 
 import pytest
 
-from conftest import SOURCE, UPDATER, VERSION, WINDOWS_DEVICE, WINDOWS_UPDATER, run, wait_until
+from conftest import (SOURCE, UPDATER, VERSION, WINDOWS_DEVICE, WINDOWS_UPDATER, golden, run,
+                      wait_until)
 
 BANNER = f"ravelink {VERSION} (Halvoren) - Ethernet Updater"
-USAGE = ["Usage:", "\travelink [OPTIONS] -o originFile -a ipAddress", "where:",
-         "\t-o, --origin *   : The update archive file name",
-         "\t-a, --address *  : The IPv4 address in the form AAA.BBB.CCC.DDD:Port",
-         "and options:", "\t-h, --help       : Show this screen", ""]
+USAGE = golden("usage.txt").splitlines()
 DONE = "The device is updated and it will restart itself if needed."
 
 
