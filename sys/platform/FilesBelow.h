@@ -17,7 +17,7 @@ public:
     ConfinedDirectory() = default;
     ConfinedDirectory(ConfinedDirectory const&) = delete;
     ConfinedDirectory& operator=(ConfinedDirectory const&) = delete;
-    ~ConfinedDirectory();
+    ~ConfinedDirectory() { Close(); }
 
     /// Opens the directory at path, a path of the platform whose links are followed. Closes the
     /// directory held before.
@@ -39,6 +39,13 @@ public:
     int Remove(char const* path) const;
 
 private:
+    void Close() {
+        if (directory_ != noFile) {
+            closeFile(directory_);
+            directory_ = noFile;
+        }
+    }
+
     FileHandle directory_ = noFile;
 };
 

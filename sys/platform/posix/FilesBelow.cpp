@@ -93,16 +93,8 @@ mode_t permissionsOf(int parent, char const* name, mode_t fallback) {
 
 }  // namespace
 
-ConfinedDirectory::~ConfinedDirectory() {
-    if (directory_ != noFile) {
-        closeFile(directory_);
-    }
-}
-
 int ConfinedDirectory::Open(char const* path) {
-    if (directory_ != noFile) {
-        closeFile(directory_);
-    }
+    Close();
     int const opened = withoutInterruption([&] { return open(path, directoryFlags); });
     directory_ = opened >= 0 ? opened : noFile;
     return std::min(opened, 0);

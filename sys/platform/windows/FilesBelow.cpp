@@ -104,17 +104,8 @@ int replaceFile(char const* from, char const* to) {
 
 }  // namespace
 
-ConfinedDirectory::~ConfinedDirectory() {
-    if (directory_ != noFile) {
-        closeFile(directory_);
-    }
-}
-
 int ConfinedDirectory::Open(char const* path) {
-    if (directory_ != noFile) {
-        closeFile(directory_);
-        directory_ = noFile;
-    }
+    Close();
     FileStatus status;
     int const result = statPath(path, status);
     if (result == 0 && status.type != FileType::directory) {
