@@ -75,6 +75,7 @@ void expectStory(std::string const& story, std::function<void(Worker&)> const& p
             Worker worker;
             prepare(worker);
             worker.Run();
+            worker.threads.clear();
             std::fputs(worker.story.c_str(), stderr);
             std::exit(7);
         },
