@@ -9,7 +9,7 @@ function(ravelink_library name)
                                 FILES ${arg_HEADERS})
   set_target_properties(${name} PROPERTIES VERIFY_INTERFACE_HEADER_SETS ON)
   target_compile_features(${name} PUBLIC cxx_std_20)
-  # Whoever uses an installed library decides about warnings and linking for himself.
+  # Users of the installed library choose their own warning and link options.
   target_link_libraries(${name} PUBLIC $<BUILD_INTERFACE:options> ${arg_USES})
 endfunction()
 

@@ -33,7 +33,7 @@ enum class Verb {
 /// One thing that a scenario has the device do at a step.
 struct Action {
     Verb verb;
-    /// At the step of the data: is done once so many bytes of the file have come.
+    /// At the data step: executed once this many bytes of the file are received.
     std::uint32_t after = 1;
     std::array<std::uint32_t, 2> numbers = {};
     std::vector<ScenarioRecord> records;

@@ -50,7 +50,7 @@ Outcome Conversation::Run() {
         ReportProgress()) {
         outcome_ = Outcome::complete;
     }
-    // An updater that was told of an error goes away, whatever the device meant to do next.
+    // After an error the updater disconnects, so later steps of the device do not count.
     return wire_.HasRefused() && outcome_ != Outcome::silent ? Outcome::refused : outcome_;
 }
 

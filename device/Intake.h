@@ -4,7 +4,7 @@
 
 namespace device {
 
-/// What a device takes for an update, and what becomes of it.
+/// Which updates a device accepts, and where it stores them.
 struct Intake {
     /// Anything else than a sound archive is refused.
     bool archivesOnly = false;

@@ -43,7 +43,7 @@ public:
 
     /// From now on receives at most bytes at a time, and then waits for ms milliseconds.
     void SlowDown(int bytes, std::uint32_t ms);
-    /// Has the system hold about so many bytes until they are received.
+    /// Sets the approximate receive buffer size.
     void LimitReceiveBuffer(std::uint32_t bytes);
 
     /// The notification as it travels. A magic of its own gets a CRC that is right for it, but for

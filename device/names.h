@@ -10,7 +10,7 @@ namespace device {
 /// The code of a notification; "Unknown" for one that the protocol does not have.
 char const* nameOfCode(std::uint32_t code);
 
-/// The numbers of names, whose letters may be large or small.
+/// Return the number of a name, ignoring case; none for an unknown name.
 std::optional<std::uint32_t> codeOfName(std::string_view name);
 /// A restart kind or a device status.
 std::optional<std::uint32_t> valueOfName(std::string_view name);

@@ -9,8 +9,8 @@
 
 namespace pack {
 
-/// The recipe of an archive, a configuration file: docs/ravelink-pack.md lists its names. Letters
-/// of names may be large or small.
+/// The manifest of an archive, a configuration file: docs/ravelink-pack.md lists its names, which
+/// are case-insensitive.
 class Manifest {
 public:
     /// Errors in the manifest are added to errors, which must outlive this object.

@@ -13,8 +13,8 @@ class FileDirectory : public BasicClass {
 public:
     char const* ClassName() const override;
 
-    /// Scans the folder path, and with subFolders all those below it; a folder stands before what
-    /// it holds. The list of a folder opened before goes away first, also when this one fails.
+    /// Scans the folder path, and with subFolders all those below it; a directory comes before
+    /// its entries. Clears the list of a directory opened before, even on failure.
     int Open(String const& path, bool subFolders);
     /// Scans the opened folder again (-EBADF: there is none). When that fails, the list stays.
     int Refresh();

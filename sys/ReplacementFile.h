@@ -25,7 +25,7 @@ public:
 
 private:
     core::String target_;
-    std::string path_;  ///< the unique name; empty if there is no file under it
+    std::string path_;  ///< the unique name; empty unless a file exists under it
 };
 
 }  // namespace sys

@@ -26,8 +26,8 @@ int load(core::StringArray& list, core::String const& path,
 /// Opens path for writing, as mode says besides, and writes all there.
 int writeInto(core::String const& path, unsigned mode, void const* data, int size) {
     core::FileStream file;
-    // An old content is dropped behind the new one, not before it: whoever reads meanwhile never
-    // finds the file empty, and a text of the same length costs the file system next to nothing.
+    // Truncate after writing, not before: a concurrent reader never finds the file empty, and text
+    // of the same length costs the file system next to nothing.
     bool const truncate = (mode & platform::openTruncate) != 0;
     mode &= ~static_cast<unsigned>(platform::openTruncate);
     int result = file.Open(path, platform::openWrite | platform::openCreate | mode);

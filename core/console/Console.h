@@ -72,8 +72,8 @@ public:
 
     /// Ends colours and attributes of every kind.
     static String reset();
-    /// Off is code 21, which few terminals take for the end of bold; reset() ends it everywhere.
-    /// Readers of our output expect it so.
+    /// Off is code 21, which few terminals treat as the end of bold; reset() ends it everywhere.
+    /// Programs that read the output rely on this code.
     static String bold(bool on);
     static String underline(bool on);
     static String blink(Blink b);

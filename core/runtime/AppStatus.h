@@ -30,7 +30,7 @@ public:
     bool writeToFile(int status) const;
     /// Writes the status, or removes the file for none; true on success.
     bool _setStatus(Status status) const;
-    /// The number in the file; -1 when there is no file or no number in it.
+    /// Returns the number in the file; -1 if the file is missing or does not contain a number.
     int readFromFile() const;
     /// The same when it is below 7, else 0. -1 passes through: it tells the missing file apart.
     int GetStatus() const;

@@ -29,8 +29,8 @@ public:
     };
 
     /// A second application in one process ends the process at once with exit code 1.
-    /// Changes the whole process: it ignores SIGPIPE from now on, and opens those of the
-    /// descriptors 0 to 2 that are closed on an empty source or sink, so that no file or socket
+    /// Changes the whole process: it ignores SIGPIPE and SIGXFSZ from now on, and opens those of
+    /// the descriptors 0 to 2 that are closed on an empty source or sink, so that no file or socket
     /// gets their numbers. Writes the status file and initialises the checksums.
     explicit Application(String const& name);
     Application(Application const&) = delete;

@@ -8,8 +8,7 @@
 
 namespace core {
 
-/// What ties a bit to the queue that it was given to. Whoever dispatched it can cancel it and ask
-/// what has become of it, from any thread.
+/// Handle to a dispatched bit, to cancel it or query its state from any thread.
 class ExecutionLink : public BasicClass {
 public:
     ExecutionLink(ClassRef<ExecutionBit> const& bit, int priority)

@@ -12,8 +12,8 @@
 
 namespace core {
 
-/// Work that waits to be done, in five lists by priority. Any thread may dispatch; who takes the
-/// items and where they run is the derived class's affair.
+/// A work queue with five priorities. Any thread may dispatch; the derived class decides how items
+/// are taken and where they run.
 class ExecutionQueueAbstract : public BasicClass {
 public:
     enum ExecutionPriority { lowest, low, normal, high, highest };
@@ -24,7 +24,7 @@ public:
 
     char const* ClassName() const override;
 
-    /// Queues the bit behind those of the same priority; a priority outside the five counts as
+    /// Queues the bit after those of the same priority; a priority outside the five counts as
     /// the nearest. Returns its link, or an empty reference for an empty bit or if memory is
     /// exhausted.
     ClassRef<ExecutionLink> Dispatch(ClassRef<ExecutionBit> const& bit, ExecutionPriority priority);
@@ -32,16 +32,16 @@ public:
     /// Takes out the first item whose not-before tick has come, of the highest priority that has
     /// one; empty when there is none.
     ClassRef<ExecutionLink> GetNextItemToSchedule();
-    /// Runs an item that was taken out, or hands it to whoever runs it.
+    /// Runs an item that was taken out, or passes it to the thread that runs it.
     virtual void ScheduleItem(ClassRef<ExecutionLink> const& item, unsigned long long now) = 0;
     /// The earliest not-before tick of all items: 0 when one is due at once, never when the queue
     /// is empty.
     unsigned long long GetFirstExecutionTick();
 
 protected:
-    /// Puts an item back, behind those of the same priority.
+    /// Puts an item back, after those of the same priority.
     void Requeue(ClassRef<ExecutionLink> const& item);
-    /// Called after every Dispatch, on the thread of whoever dispatched.
+    /// Called after every Dispatch, on the thread that called it.
     virtual void Dispatched() = 0;
 
 private:

@@ -2,14 +2,14 @@
 
 namespace core {
 
-/// Watches a copy, and may end it. Implemented by whoever shows its progress.
+/// Receives the progress of a copy, to display it; may cancel the copy.
 class ICopyCallback {
 public:
     virtual ~ICopyCallback() = default;
 
-    /// Called before the first piece and after each one with the bytes copied so far and those
-    /// to be copied in all: what the source's size said at the start, -1 when it has none. False
-    /// cancels the copy.
+    /// Called before the first chunk and after each one, with the bytes copied so far and the
+    /// total: the size of the source at the start, -1 if it is unknown. Returning false cancels the
+    /// copy.
     virtual bool Copied(long long done, long long total) = 0;
 };
 

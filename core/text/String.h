@@ -119,8 +119,7 @@ public:
     /// and returns that room, which stays owned by the text. Null when there is no room: length
     /// is 0 or above MaxLength, or it is negative and the text is empty.
     char* GetBuffer(int length = -1);
-    /// Makes the record this text's own. Whoever hands a text to another thread does this to the
-    /// copy that he hands over.
+    /// Unshares the buffer. Call it on a copy before passing that copy to another thread.
     void Unique() { CopyOnWrite(-1); }
     /// True when both share one record or both are empty.
     bool SameRef(String const& other) const { return data_ == other.data_; }

@@ -20,7 +20,7 @@ unsigned long long strToUInt64Def(char const* text, unsigned long long defaultVa
 double strToFloatDef(char const* text, double defaultValue);
 
 /// Fills all count places of values, which the caller owns, from a list such as "1, 2,,4". A place
-/// without an entry, or whose entry is no number, gets defaultValue; entries past count are
+/// without an entry, or whose entry is not a number, gets defaultValue; entries past count are
 /// ignored. Returns how many places got a number.
 int strToIntArrayDef(char const* text, int* values, int count, int defaultValue,
                      char separator = ',');

@@ -46,7 +46,7 @@ std::size_t fieldLength(std::string_view text, Rule const& rule, bool fieldFollo
     return digits != std::string_view::npos ? sign + digits : text.size();
 }
 
-/// Takes one field away from the front of text; false when it is no number in range.
+/// Takes one field away from the front of text; false if it is not a number in range.
 bool takeField(std::string_view& text, Rule const& rule, bool fieldFollows, int& value) {
     String const field(text.substr(0, fieldLength(text, rule, fieldFollows)));
     bool const signAllowed = rule.lowest < 0 && !fieldFollows;

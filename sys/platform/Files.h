@@ -65,8 +65,8 @@ int statEntry(char const* path, FileStatus& status);
 int resolvePath(char const* path, std::string& resolved);
 /// Deletes a file, or a link and not what it leads to.
 int removeFile(char const* path);
-/// Moves within one file system (-EXDEV: another one). What stands at to goes away when replace is
-/// set; otherwise it is an error, -EEXIST.
+/// Moves within one file system (-EXDEV: another one). An existing to is replaced if replace is
+/// set, otherwise it is an error (-EEXIST).
 int renameFile(char const* from, char const* to, bool replace);
 
 }  // namespace sys::platform

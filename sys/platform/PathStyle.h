@@ -6,9 +6,9 @@ namespace sys {
 struct PathStyle {
     /// The character written between two names.
     char delimiter;
-    /// All characters that the system takes for it, as a set.
+    /// All characters that the operating system accepts as a delimiter, as a set.
     char const* delimiters;
-    /// The character between two folders of a list such as PATH.
+    /// The character between two directories of a list such as PATH.
     char listSeparator;
     /// Whether a path may begin with a drive ("C:") or with two delimiters and a host.
     bool hasDrives;

@@ -10,11 +10,11 @@ namespace sys {
 
 /// A console that understands no control sequences and is driven by calls: a buffer of cells, each
 /// a character and an attribute, and a window that shows some of its rows. Every operation is one
-/// call to the console; one that fails (a place outside the buffer, a console that has gone away)
+/// call to the console; one that fails (a position outside the buffer, a closed console)
 /// changes nothing and is not reported.
 ///
-/// Places count from 0 and are 16 bits wide, like the console's own: whoever computes one drops
-/// what does not fit, and all that fits is left to the console to take or refuse.
+/// Positions count from 0 and are 16 bits wide, like the console's own: callers drop values that do
+/// not fit; the console accepts or rejects the rest.
 class Screen {
 public:
     struct Position {
@@ -53,7 +53,7 @@ public:
 };
 
 /// The screen that the stream shows on at this moment; null when the stream is no such console. It
-/// belongs to the platform and stays valid: when the console goes away, its calls fail.
+/// belongs to the platform and stays valid: after the console closes, its calls fail.
 Screen* screenOf(platform::StandardStream stream);
 
 /// Returns the screen of a Win32 console handle, which stays the caller's and must outlive it; null

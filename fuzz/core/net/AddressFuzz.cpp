@@ -24,7 +24,7 @@ Address readTwice(String const& text, bool& good) {
     return address;
 }
 
-/// The platform writes an address as we do, but for those it takes for IPv4 ones.
+/// The platform writes an address like the library, except those that it treats as IPv4 addresses.
 void requireSameText(String const& ours, String const& theirs) {
     require(ours == theirs || theirs.Find('.') >= 0);
 }

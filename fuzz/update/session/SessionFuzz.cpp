@@ -42,7 +42,7 @@ struct Script {
     }
 };
 
-/// Receives so many bytes; false when the updater ends the connection before.
+/// Receives count bytes; false if the updater ends the connection before.
 bool hear(core::Socket& socket, std::size_t count, std::string& heard) {
     std::size_t const wanted = heard.size() + count;
     char piece[1024];
