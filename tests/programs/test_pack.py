@@ -287,7 +287,8 @@ def test_ends_as_interrupted_and_leaves_nothing(pack, directory, by_terminal):
                     + "".join(f"file[{i}].origin = big\n" for i in range(9)))
     command = pack.command + ["-b", directory.at("@m.conf"), "-o", directory.at("@a.rvl")]
     if by_terminal:
-        command = ["script", "-qec", " ".join(command), "/dev/null"]
+        # exec: dash would stay as the parent, be interrupted too, and exit with a status of its own.
+        command = ["script", "-qec", "exec " + " ".join(command), "/dev/null"]
     with subprocess.Popen(command, stdin=subprocess.PIPE, stdout=subprocess.DEVNULL) as process:
         wait_until(lambda: len(directory.files()) == 3 or process.poll() is not None)
         if by_terminal:
