@@ -3,17 +3,19 @@
 #include <algorithm>
 #include <array>
 
-#include "core/console/Console.h"
 #include "core/console/UsageText.h"
+#include "core/console/lines.h"
 #include "core/text/printable.h"
 #include "pack/printable.h"
 #include "pack/textNames.h"
 
 namespace pack {
 
-using core::Console;
 using core::hex;
+using core::message;
 using core::printable;
+using core::printLine;
+using core::printText;
 using core::StreamDescriptor;
 using core::StreamSequencer;
 using core::StreamSequencerReader;
@@ -37,7 +39,7 @@ using Row = std::array<String, columnCount>;
 
 Row rowOf(StreamDescriptor const& file) {
     auto const text = [&file](Text which) { return printable(file.GetText(which)); };
-    return {String::format("%1").argi(1, file.GetSize()),
+    return {message("%1", file.GetSize()),
             octal(file.GetAttributes()),
             hex(file.GetFlags(), 8),
             text(Text::owner),
@@ -59,17 +61,15 @@ String lineOf(Row const& row, std::array<int, columnCount> const& widths) {
 }
 
 void print(char const* label, String const& value) {
-    Console::write(String::format("- %1: %2").argi(1, label).argi(2, value), true);
+    printLine(message("- %1: %2", label, value));
 }
 
 void printHeaders(StreamSequencer const& archive) {
     unsigned const version = archive.GetVersion();
-    print("Format version",
-          String::format("%1.%2").argi(1, version >> 16).argi(2, version & 0xFFFF));
+    print("Format version", message("%1.%2", version >> 16, version & 0xFFFF));
     bool const scrambled = archive.GetCryptMode() != StreamSequencer::CryptMode::None;
-    print("Scrambled", scrambled ? String::format("%1, key %2")
-                                       .argi(1, nameOf(archive.GetCryptMode()))
-                                       .argi(2, hex(archive.GetCryptKey(), 8))
+    print("Scrambled", scrambled ? message("%1, key %2", nameOf(archive.GetCryptMode()),
+                                           hex(archive.GetCryptKey(), 8))
                                  : String(nameOf(archive.GetCryptMode())));
     if (archive.uniqueId) {
         print("Unique ID", hex(*archive.uniqueId, 16));
@@ -87,11 +87,11 @@ void printHeaders(StreamSequencer const& archive) {
 
 /// One member of a JSON object; value stands as it is.
 String member(char const* name, String const& value) {
-    return String::format("\"%1\":").argi(1, name).AppendNew(value);
+    return message("\"%1\":", name).AppendNew(value);
 }
 
 String jsonNumber(unsigned long long value) {
-    return String::format("%1").argi(1, value);
+    return message("%1", value);
 }
 
 String jsonOf(StreamDescriptor const& file) {
@@ -110,7 +110,7 @@ String jsonOf(StreamDescriptor const& file) {
 
 void printTable(StreamSequencerReader const& reader) {
     printHeaders(reader);
-    print("Files", String::format("%1").argi(1, reader.FileCount()));
+    print("Files", message("%1", reader.FileCount()));
     if (reader.FileCount() == 0) {
         return;
     }
@@ -126,46 +126,44 @@ void printTable(StreamSequencerReader const& reader) {
             widths[i] = std::max(widths[i], characters(row[i]));
         }
     }
-    Console::write(core::usage::heading(lineOf(titles, widths)), true);
+    printLine(core::usage::heading(lineOf(titles, widths)));
     for (int file = 0; file < reader.FileCount(); ++file) {
-        Console::write(lineOf(rowOf(reader.File(file)), widths), true);
+        printLine(lineOf(rowOf(reader.File(file)), widths));
     }
 }
 
 void printJson(String const& path, StreamSequencerReader const& reader) {
     // Written piece by piece: an archive may hold more than fits into a text.
-    Console::write(String("{") + member("archive", quoted(path)) + "," +
-                       member("version", quoted(hex(reader.GetVersion(), 8))) + "," +
-                       member("crypt", quoted(nameOf(reader.GetCryptMode()))) + ",",
-                   false);
+    printText(String("{") + member("archive", quoted(path)) + "," +
+              member("version", quoted(hex(reader.GetVersion(), 8))) + "," +
+              member("crypt", quoted(nameOf(reader.GetCryptMode()))) + ",");
     if (reader.GetCryptMode() != StreamSequencer::CryptMode::None) {
-        Console::write(member("key", quoted(hex(reader.GetCryptKey(), 8))) + ",", false);
+        printText(member("key", quoted(hex(reader.GetCryptKey(), 8))) + ",");
     }
     if (reader.uniqueId) {
-        Console::write(member("uniqueId", quoted(hex(*reader.uniqueId, 16))) + ",", false);
+        printText(member("uniqueId", quoted(hex(*reader.uniqueId, 16))) + ",");
     }
     if (reader.sourceId) {
-        Console::write(member("sourceId", quoted(*reader.sourceId)) + ",", false);
+        printText(member("sourceId", quoted(*reader.sourceId)) + ",");
     }
     if (reader.targetId) {
-        Console::write(member("targetId", quoted(*reader.targetId)) + ",", false);
+        printText(member("targetId", quoted(*reader.targetId)) + ",");
     }
-    Console::write(member("attributes", "["), false);
+    printText(member("attributes", "["));
     for (int i = 0; i < reader.Attributes().Count(); ++i) {
-        Console::write((i > 0 ? "," : "") + quoted(reader.Attributes()[i]), false);
+        printText((i > 0 ? "," : "") + quoted(reader.Attributes()[i]));
     }
-    Console::write(String("],") + member("files", "["), false);
+    printText(String("],") + member("files", "["));
     for (int i = 0; i < reader.FileCount(); ++i) {
-        Console::write((i > 0 ? "," : "") + jsonOf(reader.File(i)), false);
+        printText((i > 0 ? "," : "") + jsonOf(reader.File(i)));
     }
-    Console::write(String("],") + member("crc", quoted(hex(reader.GetCRC(), 8))) + "}", true);
+    printLine(String("],") + member("crc", quoted(hex(reader.GetCRC(), 8))) + "}");
 }
 
 void printJsonError(String const& path, core::Fault const& error) {
-    Console::write(String("{") + member("archive", quoted(path)) + "," + member("error", "{") +
-                       member("title", quoted(error.title)) + "," +
-                       member("message", quoted(error.message)) + "}}",
-                   true);
+    printLine(String("{") + member("archive", quoted(path)) + "," + member("error", "{") +
+              member("title", quoted(error.title)) + "," +
+              member("message", quoted(error.message)) + "}}");
 }
 
 }  // namespace pack

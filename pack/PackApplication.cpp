@@ -1,6 +1,7 @@
 #include "pack/PackApplication.h"
 
 #include "core/console/Console.h"
+#include "core/console/lines.h"
 #include "core/runtime/runProgram.h"
 #include "core/text/StringArray.h"
 #include "pack/Listing.h"
@@ -17,7 +18,9 @@
 
 namespace pack {
 
-using core::Console;
+using core::message;
+using core::printLine;
+using core::printReport;
 using core::StreamSequencerBuilder;
 using core::StreamSequencerReader;
 using core::String;
@@ -61,7 +64,7 @@ void PackApplication::Main(int argc, char const* const* argv) {
     }
     bool const forPrograms = command_ != nullptr && FindOption("j");
     if (!forPrograms) {
-        Console::write(getVersionLong(true), true);
+        printLine(getVersionLong(true));
     }
     if (command_ != nullptr) {
         sys::platform::InterruptWatch watch([] { RequestTermination(normalRequest); });
@@ -161,9 +164,8 @@ void PackApplication::WriteArchive(StreamSequencerBuilder& builder, String const
         errors_.push_back(fileFault("Archive not writable", path, result));
         return;
     }
-    progress.Finish(String::format("- Archive made: %1, %2")
-                        .argi(1, fileCount(builder.FileCount()))
-                        .argi(2, sizeInColor(size, doneColor)));
+    printReport(message("- Archive made: %1, %2", fileCount(builder.FileCount()),
+                        sizeInColor(size, doneColor)));
 }
 
 bool PackApplication::RefuseSourceAsTarget(StreamSequencerBuilder const& builder,
@@ -194,7 +196,7 @@ void PackApplication::List() {
         json ? printJson(Value("l"), reader) : printTable(reader);
     }
     // Output is the only result here: a truncated list must not pass for a whole one.
-    if (Console::hasLostText()) {
+    if (core::Console::hasLostText()) {
         result_ = failed;
     }
 }
@@ -210,17 +212,15 @@ void PackApplication::Check() {
         errors_.push_back(fileFault("Archive not readable", Value("c"), static_cast<int>(size)));
         return;
     }
-    progress.Finish(String::format("- The archive is sound: %1, %2, CRC-32 %3")
-                        .argi(1, fileCount(reader.FileCount()))
-                        .argi(2, sizeInColor(reader.GetPlace().end, doneColor))
-                        .argi(3, core::hex(reader.GetCRC(), 8)));
+    printReport(message("- The archive is sound: %1, %2, CRC-32 %3", fileCount(reader.FileCount()),
+                        sizeInColor(reader.GetPlace().end, doneColor),
+                        core::hex(reader.GetCRC(), 8)));
     long long const behind = size - reader.GetPlace().end;
     if (behind > 0) {
-        Console::write(String::format("- Behind its end at offset %1 are %2 bytes that are no part "
-                                      "of it")
-                           .argi(1, reader.GetPlace().end)
-                           .argi(2, behind),
-                       true);
+        printLine(
+            message("- Behind its end at offset %1 are %2 bytes that are no part "
+                    "of it",
+                    reader.GetPlace().end, behind));
     }
 }
 
@@ -232,7 +232,7 @@ void PackApplication::Extract() {
     }
     PackProgress progress("Unpacked");
     if (Unpacker(reader, errors_).Unpack(Value("d"), FindOption("f"), progress)) {
-        progress.Finish(String::format("- Unpacked: %1").argi(1, fileCount(reader.FileCount())));
+        printReport(message("- Unpacked: %1", fileCount(reader.FileCount())));
     }
 }
 
@@ -261,9 +261,9 @@ void PackApplication::ShowErrors() const {
         return;
     }
     for (String const& line : core::faultLines(errors_)) {
-        Console::write(line, true);
+        printLine(line);
     }
-    Console::write("", true);
+    printLine("");
 }
 
 String PackApplication::Value(char const* option) const {

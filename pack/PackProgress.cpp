@@ -1,7 +1,9 @@
 #include "pack/PackProgress.h"
 
 #include "core/console/Console.h"
+#include "core/console/lines.h"
 #include "core/runtime/Application.h"
+#include "core/text/message.h"
 
 namespace pack {
 
@@ -15,6 +17,10 @@ int const runningColor = 11;
 
 }  // namespace
 
+PackProgress::PackProgress(String const& verb) : verb_(verb) {
+    core::endReport();
+}
+
 bool PackProgress::Copied(long long done, long long total) {
     bool const goesOn = !core::Application::IsTerminationRequested();
     if (done < next_) {
@@ -22,17 +28,16 @@ bool PackProgress::Copied(long long done, long long total) {
     }
     // The first call only sets the pace.
     if (next_ > 0 && !verb_.IsEmpty()) {
-        line_.Show(String::format(">   %1 by now: %2 of %3")
-                       .argi(1, verb_)
-                       .argi(2, sizeInColor(done - done % reportStep, runningColor))
-                       .argi(3, core::FormatByteSize(total, false)));
+        core::printReport(core::message(">   %1 by now: %2 of %3", verb_,
+                                        sizeInColor(done - done % reportStep, runningColor),
+                                        core::FormatByteSize(total, false)));
     }
     next_ = (done / reportStep + 1) * reportStep;
     return goesOn;
 }
 
 String fileCount(int count) {
-    return String::format(count == 1 ? "%1 file" : "%1 files").argi(1, count);
+    return core::message(count == 1 ? "%1 file" : "%1 files", count);
 }
 
 String sizeInColor(long long bytes, int color) {

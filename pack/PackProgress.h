@@ -1,6 +1,5 @@
 #pragma once
 
-#include "core/console/ProgressLine.h"
 #include "core/stream/ICopyCallback.h"
 #include "core/text/String.h"
 
@@ -10,16 +9,14 @@ namespace pack {
 /// nothing. Cancels the work once the application is requested to terminate.
 class PackProgress : public core::ICopyCallback {
 public:
-    /// verb names the work, such as "Packed"; an empty one prints no reports.
-    explicit PackProgress(core::String const& verb) : verb_(verb) {}
+    /// verb names the work, such as "Packed"; an empty one prints no reports. Its reports begin on
+    /// a line of their own.
+    explicit PackProgress(core::String const& verb);
 
     bool Copied(long long done, long long total) override;
-    /// Prints the line that replaces the reports when the work is done.
-    void Finish(core::String const& text) { line_.Show(text); }
 
 private:
     core::String const verb_;
-    core::ProgressLine line_;
     long long next_ = 0;
 };
 

@@ -1,7 +1,7 @@
 #include "pack/usage.h"
 
-#include "core/console/Console.h"
 #include "core/console/UsageText.h"
+#include "core/console/lines.h"
 
 namespace pack {
 
@@ -42,7 +42,7 @@ void showUsage() {
         String(),
     };
     for (String const& line : lines) {
-        core::Console::write(line, true);
+        core::printLine(line);
     }
 }
 

@@ -1,6 +1,5 @@
 #include "update/UpdateApplication.h"
 
-#include "core/console/errorLine.h"
 #include "sys/platform/Process.h"
 #include "update/print.h"
 #include "update/usage.h"
@@ -46,7 +45,7 @@ bool UpdateApplication::QuitWithError(String const& title, String const& message
 
 void UpdateApplication::showErrors() const {
     for (int i = 0; i < errors.Count(); ++i) {
-        println(core::errorLine(errors[i]), true);
+        println(errorLine(errors[i]), true);
     }
     println("", true);
 }

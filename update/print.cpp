@@ -1,26 +1,18 @@
 #include "update/print.h"
 
-#include "core/console/Console.h"
-#include "core/console/ProgressLine.h"
+#include "core/console/lines.h"
+#include "core/text/message.h"
 
 namespace update {
 
-using core::Console;
 using core::String;
 
-namespace {
-
-core::ProgressLine progress;
-
-}  // namespace
-
 void printProgress(String const& text) {
-    progress.Show(text);
+    core::printReport(text);
 }
 
 void print(String const& text, bool lineEnd) {
-    Console::write(text, lineEnd);
-    progress.End();
+    lineEnd ? core::printLine(text) : core::printText(text);
 }
 
 void println(String const& text, bool lineEnd) {
@@ -33,6 +25,10 @@ void print(int indent, String const& text, bool lineEnd) {
 
 void println(int indent, String const& text, bool lineEnd) {
     print(indent, text, lineEnd);
+}
+
+String errorLine(String const& entry) {
+    return core::message("*** %1", entry.Replace("=", ": "));
 }
 
 }  // namespace update

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include "tests/support/PrintText.h"
 #include "tests/support/lines.h"
 #include "update/print.h"
 
@@ -7,7 +8,7 @@ namespace {
 
 using namespace update;
 
-TEST(Print, OnlyAReportBehindAReportReplacesIt) {
+TEST(Print, OnlyAReportAfterAReportReplacesIt) {
     EXPECT_EQ(support::outputOf([] {
                   print("a", false);
                   println("b", true);
@@ -20,6 +21,10 @@ TEST(Print, OnlyAReportBehindAReportReplacesIt) {
                   print(1, "", true);
               }),
               "ab\nfirst\nsecond          \n\nthird\n\t\tc\nd\t\n");
+}
+
+TEST(Print, ErrorLineReplacesEveryEqualsSign) {
+    EXPECT_EQ(errorLine("Bad address=The (a=b) %1"), "*** Bad address: The (a: b) %1");
 }
 
 }  // namespace

@@ -3,9 +3,8 @@
 #include <cstdio>
 
 #include "core/console/Console.h"
-#include "core/console/ProgressLine.h"
 #include "core/console/UsageText.h"
-#include "core/console/errorLine.h"
+#include "core/console/lines.h"
 #include "tests/support/PrintText.h"
 #include "tests/support/lines.h"
 
@@ -63,14 +62,17 @@ TEST(Console, AnOutputThatIsNoTerminalGetsPlainText) {
                   Console::ewrite("\x1B[1;31mred\x1B[?25h \x1B[2J\x1B[Hcut\x1B[12", true);
                   String("no \x1B line end\x1B").print();
                   Console::write("\x1B[", true);
-                  ProgressLine progress;
-                  progress.Show("1 of 9");
-                  progress.Show("9 of 9");
-                  progress.End();
-                  progress.Show("1 of 2");
+                  printReport("1 of 9");
+                  printReport("9 of 9");
+                  endReport();
+                  printReport("1 of 2");
+                  printText("and ");
+                  printReport("1 of 1");
+                  printLine("end");
+                  printReport("new");
               }),
               "C, OK\nno console\nred25h cut\nno \x1B line end\x1B\n"
-              "1 of 9\n9 of 9          \n1 of 2\n");
+              "1 of 9\n9 of 9          \n1 of 2\nand 1 of 1\nend\nnew\n");
     EXPECT_FALSE(Console::hasLostText());
 }
 
@@ -78,10 +80,6 @@ TEST(Console, UsageScreensHaveTheirColours) {
     using namespace core::usage;
     EXPECT_EQ(shown(heading("h") + literal("l") + optional("o") + option("-o", ": m")),
               " [93mh [39m [97ml [39m [37mo [39m\t [96m-o [39m: m");
-}
-
-TEST(Console, ErrorLineReplacesEveryEqualsSign) {
-    EXPECT_EQ(errorLine("Bad address=The (a=b) %1"), "*** Bad address: The (a: b) %1");
 }
 
 }  // namespace
