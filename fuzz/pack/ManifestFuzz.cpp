@@ -5,7 +5,7 @@
 #include "pack/Manifest.h"
 #include "sys/file.h"
 #include "tests/core/archive/MemoryBuilder.h"
-#include "tests/support/TemporaryFolder.h"
+#include "tests/support/TemporaryDirectory.h"
 
 namespace {
 
@@ -53,7 +53,7 @@ void requireSame(Builder const& written, StreamSequencerReader const& read) {
 
 /// The input is a manifest. The files that it names are never looked at.
 extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {
-    static support::TemporaryFolder const folder;
+    static support::TemporaryDirectory const folder;
     String const path = folder.Write("manifest", Input(data, size).Rest()).c_str();
 
     std::vector<core::Fault> errors;

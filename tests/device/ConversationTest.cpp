@@ -8,7 +8,7 @@
 #include "core/net/Socket.h"
 #include "tests/core/archive/golden.h"
 #include "tests/device/ScenarioDevice.h"
-#include "tests/support/TemporaryFolder.h"
+#include "tests/support/TemporaryDirectory.h"
 #include "tests/support/lines.h"
 #include "update/protocol/UpdateNotification.h"
 #include "update/protocol/UpdateRequest.h"
@@ -115,7 +115,7 @@ TEST(Conversation, RefusesBadRecordsWithTheMatchingStatus) {
 }
 
 TEST(Conversation, OneUpdateAfterAnotherWhateverBecameOfTheLast) {
-    support::TemporaryFolder const folder;
+    support::TemporaryDirectory const folder;
     ScenarioDevice device(
         [](device::Moment const& moment, device::Wire& wire) {
             if (moment.token == 3 && moment.step == device::Step::Trailer) {

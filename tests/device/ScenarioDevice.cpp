@@ -5,7 +5,7 @@
 #include <chrono>
 
 #include "device/loadScenario.h"
-#include "tests/support/TemporaryFolder.h"
+#include "tests/support/TemporaryDirectory.h"
 #include "tests/support/lines.h"
 
 ScenarioDevice::ScenarioDevice(Act act, device::DeviceLimits const& limits,
@@ -23,7 +23,7 @@ ScenarioDevice::ScenarioDevice(std::string const& text)
           }) {}
 
 device::Scenario ScenarioDevice::scenarioOf(std::string const& text) {
-    support::TemporaryFolder const folder;
+    support::TemporaryDirectory const folder;
     device::Scenario scenario;
     std::vector<core::Fault> errors;
     bool const loaded =

@@ -1,12 +1,12 @@
 #include <gtest/gtest.h>
 
 #include "device/loadScenario.h"
-#include "tests/support/TemporaryFolder.h"
+#include "tests/support/TemporaryDirectory.h"
 
 namespace {
 
 TEST(Scenario, TellsEveryMistakeOfItsFile) {
-    support::TemporaryFolder const folder;
+    support::TemporaryDirectory const folder;
     std::string const bad = "*** Bad scenario: ";
     std::string const after = "after needs a number from 1 on, and stands in data only";
     for (auto const& [text, error] : std::vector<std::pair<std::string, std::string>>{

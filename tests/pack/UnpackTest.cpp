@@ -7,7 +7,7 @@
 #include "tests/core/archive/golden.h"
 #include "tests/support/CopyWatcher.h"
 #include "tests/support/PrintText.h"
-#include "tests/support/TemporaryFolder.h"
+#include "tests/support/TemporaryDirectory.h"
 
 namespace {
 
@@ -61,7 +61,7 @@ TEST(Unpacker, WritesOnlyDataThatWereChecked) {
     core::StreamSequencerReader reader;
     reader.SetStream(archive.Get());
     ASSERT_EQ(reader.Read(), 0);
-    support::TemporaryFolder const folder;
+    support::TemporaryDirectory const folder;
     core::String const path = folder.PathOf("out").c_str();
     std::vector<core::Fault> errors;
     support::CopyWatcher progress;

@@ -27,8 +27,8 @@ def built(name):
 
 UPDATER = shlex.split(os.environ.get("RAVELINK_UPDATER", "")) or built("update_program")
 DEVICE = shlex.split(os.environ.get("RAVELINK_SIMULATED_DEVICE", "")) or built("device_program")
-WINDOWS_UPDATER = UPDATER[0].endswith("underWine")
-WINDOWS_DEVICE = DEVICE[0].endswith("underWine")
+WINDOWS_UPDATER = UPDATER[0].endswith("run-wine")
+WINDOWS_DEVICE = DEVICE[0].endswith("run-wine")
 
 
 def source(path):

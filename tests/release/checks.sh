@@ -107,7 +107,7 @@ check_windows_package() {
   [ -s "${unpacked[0]}/docs/ravelink.html" ] || die 'No manual in the ZIP'
   start_wine
   mkdir "$folder/rehearsal"
-  rehearse "$folder/rehearsal" cmake/underWine "${unpacked[0]}/%s.exe"
+  rehearse "$folder/rehearsal" cmake/run-wine "${unpacked[0]}/%s.exe"
 }
 
 # The dissector, on packets of real updates.

@@ -4,14 +4,14 @@
 #include "sys/dir.h"
 #include "sys/file.h"
 #include "sys/platform/FilesBelow.h"
-#include "tests/support/FolderTest.h"
+#include "tests/support/DirectoryTest.h"
 #include "tests/support/PrintText.h"
 
 namespace {
 
 using core::String;
 
-class FileBelow : public support::FolderTest {
+class FileBelow : public support::DirectoryTest {
 protected:
     String const top_ = Path("top");
     sys::platform::ConfinedDirectory directory_;

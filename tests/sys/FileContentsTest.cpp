@@ -6,24 +6,24 @@
 #include <vector>
 
 #include "sys/file.h"
-#include "tests/support/FolderTest.h"
+#include "tests/support/DirectoryTest.h"
 #include "tests/support/PrintText.h"
 #include "tests/support/system.h"
 
 namespace {
 
-using FileContentsTest = support::FolderTest;
+using FileContentsTest = support::DirectoryTest;
 namespace file = sys::file;
 
 TEST_F(FileContentsTest, WrittenAndReadAgain) {
-    folder_.Write("f", std::string(50, 'x'));
+    directory_.Write("f", std::string(50, 'x'));
     EXPECT_EQ(file::setFileContents(Path("f"), "long text", true), 0);
     EXPECT_EQ(file::setFileContents(Path("f"), "LONG", false), 0);
     EXPECT_EQ(file::getFileContents(Path("f")), "LONG text");
     core::String const big = core::String::OfChar('b', 10'000);
     EXPECT_EQ(file::addFileContents(Path("new"), big) + file::addFileContents(Path("new"), big), 0);
     EXPECT_EQ(file::getFileContents(Path("new")), big + big);
-    folder_.Write("zero", "ab" + std::string(5000, '\0') + "behind");
+    directory_.Write("zero", "ab" + std::string(5000, '\0') + "behind");
     EXPECT_EQ(file::getFileContents(Path("zero")), "ab");
     EXPECT_EQ(file::remove(Path("f")), 0);
     EXPECT_EQ(file::remove(Path("f")), -ENOENT);
@@ -48,14 +48,14 @@ TEST_F(FileContentsTest, EveryFailureHasItsCode) {
         unsigned crc = 1;
         EXPECT_EQ(file::calculatesCRC32(path, crc) + static_cast<int>(crc), reading);
     }
-    folder_.Write("huge", "1");
-    std::filesystem::resize_file(folder_.PathOf("huge"), 5'000'000'000);
+    directory_.Write("huge", "1");
+    std::filesystem::resize_file(directory_.PathOf("huge"), 5'000'000'000);
     EXPECT_EQ(file::loadTextFile(list, Path("huge")), -EFBIG);
     EXPECT_EQ(list.AsString(), "%1\t\xff\r\n");
 }
 
 TEST_F(FileContentsTest, ListsOfLinesAndOfValues) {
-    folder_.Write("f", "\xEF\xBB\xBF# comment\n a = 1\r\n\nb=2");
+    directory_.Write("f", "\xEF\xBB\xBF# comment\n a = 1\r\n\nb=2");
     core::StringArray list;
     EXPECT_EQ(file::loadConfFile(list, Path("f")), 0);
     EXPECT_EQ(list.AsString(), "a=1\r\nb=2\r\n");
@@ -70,7 +70,7 @@ TEST_F(FileContentsTest, Numbers) {
     for (auto const& [content, expected] :
          {Row{"  42  ", 42}, Row{"\n \t\r\n-7\n8", -7}, Row{"5 apples", 5}, Row{"abc\n1", -71},
           Row{"99999999999999999999", LLONG_MAX}, Row{"", -70}, Row{"\n \r\n", -70}}) {
-        folder_.Write("f", content);
+        directory_.Write("f", content);
         EXPECT_EQ(file::getFileContentsAsInt64(Path("f"), -70, -71), expected) << content;
         EXPECT_EQ(file::getFileContentsAsInt32(Path("f"), -70, -71),
                   std::min<long long>(expected, INT_MAX));

@@ -17,10 +17,10 @@ using FileCopyTest = ListedFolderTest;
 TEST_F(FileCopyTest, IsTheSourceToTheByte) {
     std::string content(200'001, '\0');
     content[70'000] = '\xff';
-    folder_.Write("from", content);
+    directory_.Write("from", content);
     unsigned const crc = file::calculatesCRC32(Path("from"));
     for (int flags = 0; flags < 4; ++flags) {
-        folder_.Write("to", std::string(300'000, 'o'));
+        directory_.Write("to", std::string(300'000, 'o'));
         support::CopyWatcher watcher;
         EXPECT_EQ(file::copy(Path("from"), Path("to"), (flags & 1) != 0, flags > 1, &watcher), 0);
         EXPECT_EQ(file::calculatesCRC32(Path("to")), crc);
@@ -32,9 +32,9 @@ TEST_F(FileCopyTest, IsTheSourceToTheByte) {
 }
 
 TEST_F(FileCopyTest, RenameReplacesOnlyWhenAsked) {
-    folder_.Write("a", "A");
-    folder_.Write("b", "B");
-    fs::create_directory(folder_.PathOf("folder"));
+    directory_.Write("a", "A");
+    directory_.Write("b", "B");
+    fs::create_directory(directory_.PathOf("folder"));
     EXPECT_EQ(file::rename(Path("a"), Path("b"), false), -EEXIST);
     EXPECT_EQ(file::getFileContents(Path("b")), "B");
     EXPECT_EQ(file::rename(Path("a"), Path("b"), true), 0);

@@ -5,24 +5,24 @@
 
 #include "core/crc/crc32.h"
 #include "sys/file.h"
-#include "tests/support/FolderTest.h"
+#include "tests/support/DirectoryTest.h"
 #include "tests/support/PrintText.h"
 #include "tests/support/system.h"
 
 namespace {
 
-using FileTest = support::FolderTest;
+using FileTest = support::DirectoryTest;
 namespace file = sys::file;
 
 TEST_F(FileTest, SizesAndChecksums) {
     for (std::size_t const size : {0u, 1u, 9u, 4095u, 4096u, 4097u, 100'000u}) {
         std::string const content = std::string("123456789") + std::string(size, '\x80');
-        folder_.Write("f", content.substr(0, size));
+        directory_.Write("f", content.substr(0, size));
         EXPECT_EQ(file::getFileSize(Path("f")), static_cast<long long>(size));
         EXPECT_EQ(file::calculatesCRC32(Path("f")),
                   core::crc32::update(content.data(), static_cast<int>(size), 0));
     }
-    std::filesystem::resize_file(folder_.PathOf("f"), 5'000'000'000);
+    std::filesystem::resize_file(directory_.PathOf("f"), 5'000'000'000);
     EXPECT_EQ(file::getFileSize(Path("f")), 5'000'000'000);
 }
 
@@ -30,15 +30,15 @@ TEST_F(FileTest, TemporaryFiles) {
     char const* const variable = support::onWindows() ? "TMP" : "TMPDIR";
     std::string const delimiter = support::onWindows() ? "\\" : "/";
     for (std::string const& suffix : {std::string(), delimiter, delimiter + delimiter}) {
-        support::setVariable(variable, (folder_.Path() + suffix).c_str());
-        EXPECT_EQ(file::getTempPath(), (folder_.Path() + delimiter).c_str());
+        support::setVariable(variable, (directory_.Path() + suffix).c_str());
+        EXPECT_EQ(file::getTempPath(), (directory_.Path() + delimiter).c_str());
     }
     core::String const first = file::getTempFileName();
     core::String const second = file::getTempFileName();
     EXPECT_NE(first, second);
     EXPECT_TRUE(first.StartsWith(file::getTempPath() + "Vorx-"));
     EXPECT_EQ(file::getFileSize(first) + file::getFileSize(second), 0);
-    support::setVariable(variable, folder_.PathOf("none").c_str());
+    support::setVariable(variable, directory_.PathOf("none").c_str());
     EXPECT_EQ(file::getTempFileName(), "");
     support::setVariable(variable, "");
     EXPECT_NE(file::getTempPath(), delimiter.c_str());

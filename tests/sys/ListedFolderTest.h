@@ -1,10 +1,10 @@
 #pragma once
 
 #include "sys/file.h"
-#include "tests/support/FolderTest.h"
+#include "tests/support/DirectoryTest.h"
 
 /// A test with a fresh folder of which it sees all names.
-class ListedFolderTest : public support::FolderTest {
+class ListedFolderTest : public support::DirectoryTest {
 protected:
     core::String Found(core::String const& pattern, bool subFolders, bool folders) const {
         core::StringArray const paths = sys::file::search(pattern, subFolders, folders);

@@ -4,7 +4,7 @@
 #include <filesystem>
 
 #include "tests/device/ScenarioDevice.h"
-#include "tests/support/TemporaryFolder.h"
+#include "tests/support/TemporaryDirectory.h"
 #include "tests/support/lines.h"
 #include "tests/support/system.h"
 #include "tests/update/TestedUpdater.h"
@@ -121,7 +121,7 @@ protected:
         // A transfer fails only with more than a system takes while the device reads nothing.
         bool const large = end == stalled || end == notSent;
         std::string const path =
-            folder_.Write("update.rvl", std::string(large ? largeFile : 1, 'x'));
+            directory_.Write("update.rvl", std::string(large ? largeFile : 1, 'x'));
         long const before = support::openDescriptors();
         Lines lines;
         {
@@ -161,7 +161,7 @@ protected:
         }
     }
 
-    support::TemporaryFolder folder_;
+    support::TemporaryDirectory directory_;
 };
 
 // The examples, of which each is run below, have further cells of the matrix.

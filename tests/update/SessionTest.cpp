@@ -8,7 +8,7 @@
 #include "device/Behaviour.h"
 #include "tests/core/net/SocketPair.h"
 #include "tests/device/ScenarioDevice.h"
-#include "tests/support/TemporaryFolder.h"
+#include "tests/support/TemporaryDirectory.h"
 #include "tests/support/system.h"
 #include "tests/update/TestedUpdater.h"
 #include "update/UpdateSession.h"
@@ -33,7 +33,7 @@ protected:
         return TestedUpdater::Instance().RunSession(path, device.Address());
     }
 
-    support::TemporaryFolder folder_;
+    support::TemporaryDirectory directory_;
 };
 
 TEST_F(SessionTest, CompleteUpdates) {
@@ -48,7 +48,7 @@ TEST_F(SessionTest, CompleteUpdates) {
                "- File completely sent: 585.9 KB          "}}}) {
         ScenarioDevice device;
         std::string const content = contentOf(size);
-        Lines const lines = RunSession(device, folder_.Write("update.rvl", content));
+        Lines const lines = RunSession(device, directory_.Write("update.rvl", content));
         // The fault matrix knows the lines before and behind.
         ASSERT_EQ(lines.size(), 3 + transfer.size() + 7);
         EXPECT_EQ(Lines(lines.begin() + 3, lines.end() - 7), transfer) << size;
@@ -62,7 +62,7 @@ TEST_F(SessionTest, ASlowDeviceIsNoStall) {
     TestedUpdater::Instance().limits.transferStall = 1000;
     ScenarioDevice device("data = slow 16384 2");
     std::string const content = contentOf(16'000'000);
-    EXPECT_EQ(RunSession(device, folder_.Write("update.rvl", content)).back(), updated);
+    EXPECT_EQ(RunSession(device, directory_.Write("update.rvl", content)).back(), updated);
     device.End();
     EXPECT_TRUE(device.File() == content);
 }
@@ -81,7 +81,7 @@ TEST(SendAll, SleepsWhileADeviceTakesNothing) {
 TEST_F(SessionTest, AFileThatChangesUnderWay) {
     std::string const content = contentOf(100'000);
     for (int const size : {150'000, 50'000, -1}) {
-        std::string const path = folder_.Write("update.rvl", content);
+        std::string const path = directory_.Write("update.rvl", content);
         ScenarioDevice device([&](Moment const& moment, Wire& wire) {
             if (moment.step == Step::Header && size > 0) {
                 std::filesystem::resize_file(path, static_cast<unsigned>(size));
@@ -107,7 +107,7 @@ TEST_F(SessionTest, AFileThatChangesUnderWay) {
 }
 
 TEST_F(SessionTest, AFileBeyondTheProtocolsReachIsRefusedBeforeAnythingIsSent) {
-    std::string const path = folder_.Write("update.rvl", "");
+    std::string const path = directory_.Write("update.rvl", "");
     std::filesystem::resize_file(path, 2'147'483'648);
     ScenarioDevice device;
     Lines const lines = RunSession(device, path);

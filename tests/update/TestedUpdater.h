@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-#include "tests/support/StatusFolder.h"
+#include "tests/support/StatusDirectory.h"
 #include "tests/support/lines.h"
 #include "update/UpdateApplication.h"
 
@@ -12,7 +12,7 @@ inline std::string const updated = "The device is updated and it will restart it
 
 /// The real updater with its seams in reach: the time limits, and the status file in a folder of
 /// its own. A process has one application, so all tests of a process share it.
-class TestedUpdater : private support::StatusFolder, public update::UpdateApplication {
+class TestedUpdater : private support::StatusDirectory, public update::UpdateApplication {
 public:
     static TestedUpdater& Instance() {
         static TestedUpdater updater;

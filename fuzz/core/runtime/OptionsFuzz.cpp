@@ -4,7 +4,7 @@
 #include "core/runtime/Application.h"
 #include "fuzz/Input.h"
 #include "fuzz/require.h"
-#include "tests/support/StatusFolder.h"
+#include "tests/support/StatusDirectory.h"
 
 namespace {
 
@@ -12,7 +12,7 @@ using core::Application;
 using core::String;
 using core::StringArray;
 
-struct FuzzedApplication : private support::StatusFolder, public Application {
+struct FuzzedApplication : private support::StatusDirectory, public Application {
     FuzzedApplication() : Application("options") {}
 };
 

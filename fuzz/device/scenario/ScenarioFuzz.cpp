@@ -4,7 +4,7 @@
 #include "fuzz/Input.h"
 #include "fuzz/require.h"
 #include "tests/core/net/SocketPair.h"
-#include "tests/support/TemporaryFolder.h"
+#include "tests/support/TemporaryDirectory.h"
 
 namespace {
 
@@ -41,7 +41,7 @@ void requireEnds(device::Scenario& scenario) {
 
 /// The input is a scenario file.
 extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {
-    static support::TemporaryFolder const folder;
+    static support::TemporaryDirectory const folder;
     core::String const path = folder.Write("scenario", Input(data, size).Rest()).c_str();
 
     std::vector<core::Fault> errors;

@@ -5,7 +5,7 @@
 #include "core/crc/crc32.h"
 #include "fuzz/Input.h"
 #include "fuzz/require.h"
-#include "tests/support/TemporaryFolder.h"
+#include "tests/support/TemporaryDirectory.h"
 #include "tests/support/lines.h"
 #include "tests/update/TestedUpdater.h"
 
@@ -156,7 +156,7 @@ void requireSense(std::vector<std::string> const& lines, Script const& script,
 
 /// Whatever a device says, and when, the updater comes to an end, and to the right one.
 extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {
-    static support::TemporaryFolder const folder;
+    static support::TemporaryDirectory const folder;
     static std::string const path = folder.Write("update", file);
     TestedUpdater& updater = TestedUpdater::Instance();
     updater.limits.requestAnswer = 3;

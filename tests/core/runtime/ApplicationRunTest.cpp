@@ -7,7 +7,7 @@
 #include "core/runtime/Application.h"
 #include "core/runtime/CountDownTimer.h"
 #include "sys/platform/Process.h"
-#include "tests/support/StatusFolder.h"
+#include "tests/support/StatusDirectory.h"
 #include "tests/support/system.h"
 
 namespace {
@@ -56,7 +56,7 @@ struct Life : public Application {
 
 class ApplicationRun : public testing::Test {
     // Ours, not the dying process's: it would not come to remove it.
-    support::StatusFolder folder_;
+    support::StatusDirectory directory_;
 };
 
 void expectTrue(bool (*check)()) {
@@ -133,7 +133,7 @@ TEST_F(ApplicationRun, TerminationEndsSleepsAndWaits) {
 }
 
 TEST(AppStatus, TheFileHoldsTheNumber) {
-    support::StatusFolder const folder;
+    support::StatusDirectory const folder;
     AppStatus const status("name");
     EXPECT_STREQ(status.ClassName(), "AppStatus");
     EXPECT_STREQ(Event().ClassName(), "Event");

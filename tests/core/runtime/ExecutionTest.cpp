@@ -12,7 +12,7 @@
 #include "core/runtime/Application.h"
 #include "core/runtime/timer.h"
 #include "sys/scheduler.h"
-#include "tests/support/StatusFolder.h"
+#include "tests/support/StatusDirectory.h"
 #include "tests/support/system.h"
 
 namespace {
@@ -65,7 +65,7 @@ struct Worker : public Application {
 };
 
 class Execution : public testing::Test {
-    support::StatusFolder folder_;
+    support::StatusDirectory directory_;
 };
 
 /// Expects the story of a worker that runs what was prepared.

@@ -5,7 +5,7 @@
 
 #include "core/runtime/Application.h"
 #include "tests/support/PrintText.h"
-#include "tests/support/StatusFolder.h"
+#include "tests/support/StatusDirectory.h"
 
 namespace {
 
@@ -13,7 +13,7 @@ using namespace core;
 
 char const grammar[] = "h|help=0>o|origin=1>a|address=1>p|pair=2>c|count=";
 
-struct TestedApplication : private support::StatusFolder, public Application {
+struct TestedApplication : private support::StatusDirectory, public Application {
     TestedApplication() : Application("options") {}
 };
 

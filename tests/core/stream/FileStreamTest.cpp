@@ -3,14 +3,14 @@
 #include <cerrno>
 
 #include "core/stream/FileStream.h"
-#include "tests/support/FolderTest.h"
+#include "tests/support/DirectoryTest.h"
 #include "tests/support/system.h"
 
 namespace {
 
 using core::FileStream;
 using Origin = core::Stream::SeekOrigin;
-using FileStreamTest = support::FolderTest;
+using FileStreamTest = support::DirectoryTest;
 namespace platform = sys::platform;
 
 TEST_F(FileStreamTest, OneThatIsNotOpenFails) {

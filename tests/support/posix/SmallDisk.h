@@ -11,14 +11,14 @@ namespace support {
 class SmallDisk {
 public:
     explicit SmallDisk(std::string const& folder)
-        : folder_(folder),
+        : directory_(folder),
           mounted_(unshare(CLONE_NEWNS) == 0 &&
                    mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0 &&
                    mount("disk", folder.c_str(), "tmpfs", 0, "size=64k") == 0) {}
     SmallDisk(SmallDisk const&) = delete;
     ~SmallDisk() {
         if (mounted_) {
-            umount2(folder_.c_str(), MNT_DETACH);
+            umount2(directory_.c_str(), MNT_DETACH);
         }
     }
 
@@ -26,7 +26,7 @@ public:
     bool IsMounted() const { return mounted_; }
 
 private:
-    std::string const folder_;
+    std::string const directory_;
     bool const mounted_;
 };
 

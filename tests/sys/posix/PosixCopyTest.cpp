@@ -9,8 +9,8 @@
 #include "sys/file.h"
 #include "tests/support/CopyWatcher.h"
 #include "tests/support/PrintText.h"
-#include "tests/support/posix/AsNobody.h"
 #include "tests/support/posix/SmallDisk.h"
+#include "tests/support/posix/Unprivileged.h"
 #include "tests/sys/ListedFolderTest.h"
 
 namespace {
@@ -20,7 +20,7 @@ namespace file = sys::file;
 namespace fs = std::filesystem;
 
 TEST_F(PosixCopyTest, TakesTheRightsAndLeavesHolesWhenAsked) {
-    folder_.Write("from", std::string(200'001, '\0'));
+    directory_.Write("from", std::string(200'001, '\0'));
     chmod(Path("from").getCString(), 0710);
     for (bool const sparse : {false, true}) {
         EXPECT_EQ(file::copy(Path("from"), Path("to"), sparse, false, nullptr), 0);
@@ -32,10 +32,10 @@ TEST_F(PosixCopyTest, TakesTheRightsAndLeavesHolesWhenAsked) {
 }
 
 TEST_F(PosixCopyTest, AFailedOneLeavesTheFolderAsItWas) {
-    folder_.Write("from", std::string(300'000, 'x'));
-    folder_.Write("to", "old");
-    fs::create_directory(folder_.PathOf("folder"));
-    fs::create_symlink("loop", folder_.PathOf("loop"));
+    directory_.Write("from", std::string(300'000, 'x'));
+    directory_.Write("to", "old");
+    fs::create_directory(directory_.PathOf("folder"));
+    fs::create_symlink("loop", directory_.PathOf("loop"));
     ASSERT_EQ(mkfifo(Path("pipe").getCString(), 0600), 0);
     core::String const names = Names();
     using Row = std::tuple<core::String, core::String, int>;
@@ -55,26 +55,26 @@ TEST_F(PosixCopyTest, AFailedOneLeavesTheFolderAsItWas) {
     }
     chmod(Path(".").getCString(), 0777);
     chmod(Path("to").getCString(), 0444);
-    support::AsNobody const nobody;
+    support::Unprivileged const unprivileged;
     EXPECT_EQ(file::getFileContents(Path("to")), "old");
     EXPECT_EQ(file::copy(Path("from"), Path("to"), false, false, nullptr), -EACCES);
 }
 
 TEST_F(PosixCopyTest, AFullDiskIsAnErrorThatLeavesNothing) {
-    fs::create_directory(folder_.PathOf("disk"));
-    support::SmallDisk const disk(folder_.PathOf("disk"));
+    fs::create_directory(directory_.PathOf("disk"));
+    support::SmallDisk const disk(directory_.PathOf("disk"));
     if (!disk.IsMounted()) {
         GTEST_SKIP() << "only root may mount a small disk";
     }
     core::String const big = core::String::OfChar('x', 300'000);
-    folder_.Write("big", big.getCString());
-    folder_.Write("disk/to", "old");
+    directory_.Write("big", big.getCString());
+    directory_.Write("disk/to", "old");
     EXPECT_EQ(file::copy(Path("big"), Path("disk/to"), false, true, nullptr), -ENOSPC);
     EXPECT_EQ(file::rename(Path("big"), Path("disk/to"), true), -ENOSPC);
     EXPECT_EQ(file::rename(Path("big"), Path("disk/to"), false), -EEXIST)
         << "and not a copy that finds no room";
     EXPECT_EQ(Names(), "big disk disk/to ");
-    fs::create_directory(folder_.PathOf("disk/folder"));
+    fs::create_directory(directory_.PathOf("disk/folder"));
     EXPECT_EQ(file::rename(Path("disk/folder"), Path("moved"), false), -EXDEV);
     EXPECT_EQ(file::rename(Path("disk/to"), Path("moved"), false), 0) << "to another disk";
     EXPECT_EQ(file::getFileContents(Path("moved")), "old");
@@ -82,10 +82,10 @@ TEST_F(PosixCopyTest, AFullDiskIsAnErrorThatLeavesNothing) {
 }
 
 TEST_F(PosixCopyTest, LinksLeadToWhatIsReplaced) {
-    folder_.Write("from", "new");
-    folder_.Write("real", "old");
-    fs::create_symlink("real", folder_.PathOf("link"));
-    fs::create_symlink("nowhere", folder_.PathOf("dangling"));
+    directory_.Write("from", "new");
+    directory_.Write("real", "old");
+    fs::create_symlink("real", directory_.PathOf("link"));
+    fs::create_symlink("nowhere", directory_.PathOf("dangling"));
     EXPECT_EQ(file::copy(Path("from"), Path("link"), false, false, nullptr), 0);
     EXPECT_EQ(file::copy(Path("from"), Path("dangling"), false, false, nullptr), 0);
     EXPECT_EQ(file::getType(Path("link")), file::Type::link);

@@ -8,7 +8,7 @@
 #include "sys/dir.h"
 #include "sys/file.h"
 #include "tests/support/PrintText.h"
-#include "tests/support/posix/AsNobody.h"
+#include "tests/support/posix/Unprivileged.h"
 #include "tests/sys/ListedFolderTest.h"
 
 namespace {
@@ -19,13 +19,13 @@ namespace fs = std::filesystem;
 class PosixSearchTest : public ListedFolderTest {
 protected:
     PosixSearchTest() {
-        fs::create_directories(folder_.PathOf("B/deep"));
+        fs::create_directories(directory_.PathOf("B/deep"));
         for (char const* name : {"a.txt", "B/b.txt", "B/deep/c.txt", ".d.txt", "\xc3\xa4"}) {
-            folder_.Write(name, name);
+            directory_.Write(name, name);
         }
-        fs::create_directory_symlink("..", folder_.PathOf("B/up"));
-        fs::create_symlink("nowhere", folder_.PathOf("lost"));
-        fs::resize_file(folder_.PathOf("a.txt"), 5'000'000'000);
+        fs::create_directory_symlink("..", directory_.PathOf("B/up"));
+        fs::create_symlink("nowhere", directory_.PathOf("lost"));
+        fs::resize_file(directory_.PathOf("a.txt"), 5'000'000'000);
     }
 };
 
@@ -41,7 +41,7 @@ TEST_F(PosixSearchTest, FindsInTheOrderOfNames) {
     ASSERT_EQ(sys::dir::change(Path("B")), 0);
     EXPECT_EQ(Found("*.txt", true, false), "b.txt deep/c.txt ");
     chmod(Path("B/deep").getCString(), 0);
-    support::AsNobody const nobody;
+    support::Unprivileged const unprivileged;
     EXPECT_EQ(Found("*.txt", true, false), "b.txt ") << "passes over what it may not read";
 }
 
@@ -59,14 +59,14 @@ TEST_F(PosixSearchTest, ADirectoryKnowsItsEntries) {
     EXPECT_EQ(directory.Count(), count);
     EXPECT_EQ(directory.GetPath(count) + directory.GetPath(-1), "");
     EXPECT_EQ(directory.GetSize(count), -EINVAL);
-    folder_.Write("more", "");
+    directory_.Write("more", "");
     EXPECT_EQ(directory.Refresh(), 0);
     EXPECT_EQ(directory.Count(), count + 1);
     EXPECT_EQ(directory.ScanDir(Path("B"), "*.txt"), 0);
     EXPECT_EQ(directory.GetPath(0), Path("B/b.txt"));
     EXPECT_EQ(directory.GetSize(0), 7);
     ASSERT_EQ(directory.Open(Path("B"), true), 0);
-    fs::remove_all(folder_.PathOf("B"));
+    fs::remove_all(directory_.PathOf("B"));
     EXPECT_EQ(directory.Refresh(), -ENOENT);
     EXPECT_EQ(directory.Count(), 4) << "the list stays";
     EXPECT_EQ(directory.Open(Path("a.txt"), false), -ENOTDIR);

@@ -18,7 +18,7 @@ using sys::file::Type;
 namespace file = sys::file;
 
 TEST_F(WindowsFileTest, KindsOfThings) {
-    folder_.Write("f", "12345");
+    directory_.Write("f", "12345");
     expectKinds({Kind{Path("f"), Type::regular, 0, 5}, Kind{Path("F"), Type::regular, 0, 5},
                  Kind{Path("."), Type::directory, 0, -EISDIR}, Kind{"NUL", Type::device, 0, 0},
                  Kind{"", Type::none, -ENOENT, -ENOENT},
@@ -29,7 +29,7 @@ TEST_F(WindowsFileTest, KindsOfThings) {
 }
 
 TEST_F(WindowsFileTest, FoldersAreMadeListedAndSearched) {
-    folder_.Write("file", "");
+    directory_.Write("file", "");
     expectCreated({Created{Path("new"), 0, 0}, Created{Path("a\\b/c"), -ENOENT, 0},
                    Created{"\\\\?\\" + Path("a\\b\\c\\e"), 0, 0},
                    Created{"\\\\?\\" + Path("a\\f\\g"), -ENOENT, 0},
@@ -48,8 +48,8 @@ TEST_F(WindowsFileTest, FoldersAreMadeListedAndSearched) {
 }
 
 TEST_F(WindowsFileTest, AnOpenFileCanBeReadAndRemovedButNotReplaced) {
-    folder_.Write("f", "old");
-    folder_.Write("new", "new");
+    directory_.Write("f", "old");
+    directory_.Write("new", "new");
     core::FileStream open;
     ASSERT_GE(open.Open(Path("f"), sys::platform::openRead), 0);
     EXPECT_EQ(file::getFileContents(Path("f")), "old");
@@ -64,7 +64,7 @@ TEST_F(WindowsFileTest, AnOpenFileCanBeReadAndRemovedButNotReplaced) {
 }
 
 TEST_F(WindowsFileTest, AFileThatMayOnlyBeReadIsCopiedWithThatRight) {
-    folder_.Write("from", "x");
+    directory_.Write("from", "x");
     SetFileAttributesA(Path("from").getCString(), FILE_ATTRIBUTE_READONLY);
     EXPECT_EQ(file::copy(Path("from"), Path("to"), false, false, nullptr), 0);
     EXPECT_NE(GetFileAttributesA(Path("to").getCString()) & FILE_ATTRIBUTE_READONLY, 0u);

@@ -8,7 +8,7 @@
 #include <regex>
 
 #include "tests/device/ScenarioDevice.h"
-#include "tests/support/TemporaryFolder.h"
+#include "tests/support/TemporaryDirectory.h"
 #include "tests/support/lines.h"
 #include "tests/support/posix/SmallDisk.h"
 #include "tests/support/system.h"
@@ -20,18 +20,18 @@ namespace fs = std::filesystem;
 using support::contentOf;
 using Files = std::map<std::string, std::string>;
 
-/// What the program under torture talks with, sound and in this process.
+/// The other end of the connection, in this process and without faults.
 enum class Peer { none, device, updater };
 
 struct Scenario {
     std::string name;
     std::string command;  ///< "@" stands for the folder, "ADDRESS" for the device's
-    std::string modes;    ///< see faultyCalls.cpp; d: the disk is full
+    std::string modes;    ///< see faultInjection.cpp; d: the disk is full
     Peer peer = Peer::none;
     std::vector<std::string> old = {};  ///< files in work/ that are to be replaced
 };
 
-struct Ran {
+struct RunResult {
     std::string output;
     int status = 0;
     std::string fault;  ///< the call that went wrong, or how many could have
@@ -44,37 +44,37 @@ bool contains(std::string const& text, std::string const& part) {
     return text.find(part) != std::string::npos;
 }
 
-class Torture : public testing::TestWithParam<std::pair<Scenario, char>> {
+class FaultInjection : public testing::TestWithParam<std::pair<Scenario, char>> {
 protected:
-    Torture() {
-        fs::create_directory(folder_.PathOf("work"));
-        folder_.Write("a", std::string(30'000, 'a'));
-        folder_.Write("b", "b");
-        folder_.Write("m.conf",
-                      "crypt = All\nuniqueId = 1\ntargetId = t\nfile.count = 2\n"
-                      "file[0].origin = a\nfile[0].destination = dir/a\nfile[1].origin = b\n");
+    FaultInjection() {
+        fs::create_directory(directory_.PathOf("work"));
+        directory_.Write("a", std::string(30'000, 'a'));
+        directory_.Write("b", "b");
+        directory_.Write("m.conf",
+                         "crypt = All\nuniqueId = 1\ntargetId = t\nfile.count = 2\n"
+                         "file[0].origin = a\nfile[0].destination = dir/a\nfile[1].origin = b\n");
         Prepare();
         for (std::string const& name : scenario_.old) {
             before_[name] = "old";
         }
         Run("f0", RAVELINK_PACK " -b @m.conf -o @a.rvl");
-        folder_.Write("tail.rvl", contentOf(folder_.PathOf("a.rvl")) + "tail");
+        directory_.Write("tail.rvl", contentOf(directory_.PathOf("a.rvl")) + "tail");
         TestedUpdater::Instance().UseProductLimits();
     }
 
     void Prepare() {
-        for (auto const& entry : fs::directory_iterator(folder_.PathOf("work"))) {
+        for (auto const& entry : fs::directory_iterator(directory_.PathOf("work"))) {
             fs::remove_all(entry);
         }
-        fs::create_directory(folder_.PathOf("work/tmp"));
-        fs::create_directory(folder_.PathOf("work/dir"));
+        fs::create_directory(directory_.PathOf("work/tmp"));
+        fs::create_directory(directory_.PathOf("work/dir"));
         for (auto const& [name, content] : before_) {
-            folder_.Write("work/" + name, content);
+            directory_.Write("work/" + name, content);
         }
     }
 
-    Ran Run(std::string const& fault, std::string command) {
-        std::string const report = folder_.PathOf("report");
+    RunResult Run(std::string const& fault, std::string command) {
+        std::string const report = directory_.PathOf("report");
         fs::remove(report);
         command = "timeout 20 env LD_PRELOAD=" RAVELINK_FAULTS
                   " ASAN_OPTIONS=exitcode=99 TMPDIR=@work/tmp FAULT_REPORT=@report FAULT=" +
@@ -82,8 +82,8 @@ protected:
         command = support::replaced(command, "ADDRESS", device_.Address());
         int const before = completed_;
         std::FILE* const pipe =
-            support::openPipe(support::replaced(command, "@", folder_.Path() + "/"));
-        Ran ran;
+            support::openPipe(support::replaced(command, "@", directory_.Path() + "/"));
+        RunResult ran;
         char text[4096];
         while (std::fgets(text, sizeof text, pipe) != nullptr) {
             std::string const line(text);
@@ -92,7 +92,7 @@ protected:
                 for (int i = fault[0] == 'm' ? 0 : 1; i < 2 && !ran.peerClaims; ++i) {
                     ran.peerClaims =
                         TestedUpdater::Instance()
-                            .RunSession(folder_.PathOf("a.rvl"), line.substr(line.find("127.")))
+                            .RunSession(directory_.PathOf("a.rvl"), line.substr(line.find("127.")))
                             .back() == updated;
                 }
             }
@@ -102,10 +102,10 @@ protected:
         ran.output = std::regex_replace(ran.output, port, "PORT");
         ran.status = support::closePipe(pipe);
         ran.fault = contentOf(report);
-        for (auto const& entry : fs::recursive_directory_iterator(folder_.PathOf("work"))) {
+        for (auto const& entry : fs::recursive_directory_iterator(directory_.PathOf("work"))) {
             if (entry.is_regular_file()) {
                 std::string const name =
-                    entry.path().lexically_relative(folder_.PathOf("work")).string();
+                    entry.path().lexically_relative(directory_.PathOf("work")).string();
                 ran.files[std::regex_replace(name, port, "PORT")] = contentOf(entry.path());
             }
         }
@@ -116,7 +116,8 @@ protected:
     }
 
     /// Nothing but what was there or is to be there may lie under a final name.
-    void ExpectWholeFiles(Ran const& ran, Ran const& sound, std::string const& temporary) {
+    void ExpectWholeFiles(RunResult const& ran, RunResult const& sound,
+                          std::string const& temporary) {
         for (auto const& file : ran.files) {
             EXPECT_TRUE(std::count(before_.begin(), before_.end(), file) > 0 ||
                         std::count(sound.files.begin(), sound.files.end(), file) > 0 ||
@@ -125,7 +126,7 @@ protected:
         }
     }
 
-    void ExpectTruth(Ran const& ran, Ran const& sound) {
+    void ExpectTruth(RunResult const& ran, RunResult const& sound) {
         char const mode = GetParam().second;
         EXPECT_TRUE(ran.status == 0 || (ran.status == 1 && scenario_.peer != Peer::device));
         if (!ran.claims) {
@@ -147,7 +148,7 @@ protected:
 
     Scenario const& scenario_ = GetParam().first;
     Files before_;  ///< what lies in work/ when the program starts
-    support::TemporaryFolder folder_;
+    support::TemporaryDirectory directory_;
     std::atomic<int> completed_ = 0;
     /// It takes nothing but sound archives, so that what it completes it has received.
     ScenarioDevice device_{[this](device::Moment const& moment, device::Wire& wire) {
@@ -158,10 +159,10 @@ protected:
                            {true, {}}};
 };
 
-TEST_P(Torture, NoLieAndNothingHalfDone) {
+TEST_P(FaultInjection, NoLieAndNothingHalfDone) {
     std::string const mode(1, GetParam().second);
     Prepare();
-    Ran const sound = Run(mode + "0", scenario_.command);
+    RunResult const sound = Run(mode + "0", scenario_.command);
     ASSERT_TRUE(sound.claims) << sound.output;
     // What must succeed goes wrong in many places at once.
     bool const patient = mode == "s" || mode == "i";
@@ -172,7 +173,7 @@ TEST_P(Torture, NoLieAndNothingHalfDone) {
         limits.notification = 50;
     }
     std::optional<support::SmallDisk> disk;
-    if (mode == "d" && !disk.emplace(folder_.PathOf("work")).IsMounted()) {
+    if (mode == "d" && !disk.emplace(directory_.PathOf("work")).IsMounted()) {
         GTEST_SKIP() << "only root may mount a small disk";
     }
     long const last = disk ? 14 : patient ? 7 : std::atol(sound.fault.c_str());
@@ -187,13 +188,13 @@ TEST_P(Torture, NoLieAndNothingHalfDone) {
         }
         Prepare();
         TestedUpdater::Instance().limits = limits;
-        Ran const ran = Run(mode + (disk ? "0" : std::to_string(number)), scenario_.command);
+        RunResult const ran = Run(mode + (disk ? "0" : std::to_string(number)), scenario_.command);
         SCOPED_TRACE(mode + std::to_string(number) + " " + ran.fault + "\n" + ran.output);
         if (mode == "k") {
             ExpectWholeFiles(ran, sound, "\\.copy-|\\.unpacking-|Vorx-|status$");
             // The next one is not troubled by what the killed one left.
             TestedUpdater::Instance().limits = usual;
-            Ran const next = Run("k0", scenario_.command);
+            RunResult const next = Run("k0", scenario_.command);
             EXPECT_TRUE(next.claims) << next.output;
             ExpectTruth(next, sound);
             continue;
@@ -233,7 +234,7 @@ std::vector<std::pair<Scenario, char>> cases() {
     return all;
 }
 
-INSTANTIATE_TEST_SUITE_P(Programs, Torture, testing::ValuesIn(cases()), [](auto const& row) {
+INSTANTIATE_TEST_SUITE_P(Programs, FaultInjection, testing::ValuesIn(cases()), [](auto const& row) {
     return row.param.first.name + "_" + row.param.second;
 });
 

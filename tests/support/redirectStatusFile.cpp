@@ -1,8 +1,8 @@
-#include "tests/support/StatusFolder.h"
+#include "tests/support/StatusDirectory.h"
 
 namespace {
 
 // Linked into a program, it keeps the program's status file out of the system's folder.
-support::StatusFolder const elsewhere;
+support::StatusDirectory const elsewhere;
 
 }  // namespace

@@ -6,10 +6,10 @@
 namespace support {
 
 /// Takes root's powers away from the process for a while, so that access rights count.
-class AsNobody {
+class Unprivileged {
 public:
-    AsNobody() { EXPECT_EQ(seteuid(getuid() == 0 ? 65534 : getuid()), 0); }
-    ~AsNobody() { EXPECT_EQ(seteuid(getuid()), 0); }
+    Unprivileged() { EXPECT_EQ(seteuid(getuid() == 0 ? 65534 : getuid()), 0); }
+    ~Unprivileged() { EXPECT_EQ(seteuid(getuid()), 0); }
 };
 
 }  // namespace support

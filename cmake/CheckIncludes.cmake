@@ -1,4 +1,4 @@
-# cmake -D ROOT=<source folder> -P CheckHouse.cmake
+# cmake -D ROOT=<source folder> -P CheckIncludes.cmake
 # Fails when a folder includes something of a folder that it must not know, or when the operating
 # system shows outside sys/platform.
 cmake_minimum_required(VERSION 3.25)

@@ -4,9 +4,9 @@
 namespace {
 
 /// The updater as it is, but for waits that are too long for hundreds of sessions.
-class HastyUpdater : public update::UpdateApplication {
+class ShortTimeoutUpdater : public update::UpdateApplication {
 public:
-    HastyUpdater() {
+    ShortTimeoutUpdater() {
         limits.headerAnswer = 20;
         limits.notification = 200;
     }
@@ -15,5 +15,5 @@ public:
 }  // namespace
 
 int main(int argc, char** argv) {
-    return core::runProgram<HastyUpdater>(argc, argv, 0);
+    return core::runProgram<ShortTimeoutUpdater>(argc, argv, 0);
 }

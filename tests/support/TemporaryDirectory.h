@@ -8,18 +8,18 @@
 namespace support {
 
 /// A fresh folder that is removed with all it holds.
-class TemporaryFolder {
+class TemporaryDirectory {
 public:
-    TemporaryFolder() {
+    TemporaryDirectory() {
         std::random_device random;
         do {
             path_ =
                 std::filesystem::temp_directory_path() / ("ravelink-" + std::to_string(random()));
         } while (!std::filesystem::create_directory(path_));
     }
-    TemporaryFolder(TemporaryFolder const&) = delete;
-    TemporaryFolder& operator=(TemporaryFolder const&) = delete;
-    ~TemporaryFolder() {
+    TemporaryDirectory(TemporaryDirectory const&) = delete;
+    TemporaryDirectory& operator=(TemporaryDirectory const&) = delete;
+    ~TemporaryDirectory() {
         std::error_code ignored;
         std::filesystem::remove_all(path_, ignored);
     }
