@@ -10,11 +10,11 @@ namespace core {
 namespace {
 
 int const statusCount = 7;
-char const usualFolder[] = "/run";
+char const defaultDirectory[] = "/run";
 
-String& folder() {
-    static String theFolder(usualFolder);
-    return theFolder;
+String& directory() {
+    static String theDirectory(defaultDirectory);
+    return theDirectory;
 }
 
 }  // namespace
@@ -26,12 +26,12 @@ char const* AppStatus::ClassName() const {
 }
 
 String AppStatus::getFilePath() const {
-    return folder().AppendNew(String::format("/%1.status").argi(1, name_));
+    return directory().AppendNew(String::format("/%1.status").argi(1, name_));
 }
 
 bool AppStatus::writeToFile(int status) const {
-    // Where systems have drives, "/run" is on the current one and any user may have created it.
-    if (sys::pathStyle().hasDrives && folder() == usualFolder) {
+    // With drive letters, "/run" is on the current drive, where any user may have created it.
+    if (sys::pathStyle().hasDrives && directory() == defaultDirectory) {
         return false;
     }
     return sys::file::setFileContents(getFilePath(), String::format("%1").argi(1, status), true,
@@ -42,7 +42,7 @@ bool AppStatus::_setStatus(Status status) const {
     try {
         return status == none ? sys::file::remove(getFilePath()) == 0 : writeToFile(status);
     } catch (std::bad_alloc const&) {
-        // Like a file that cannot be written: nothing that an application should end of.
+        // As harmless as a file that cannot be written: the application goes on.
         return false;
     }
 }
@@ -56,8 +56,8 @@ int AppStatus::GetStatus() const {
     return status < statusCount ? status : none;
 }
 
-void AppStatus::setFolder(String const& path) {
-    folder() = path;
+void AppStatus::SetDirectory(String const& path) {
+    directory() = path;
 }
 
 }  // namespace core

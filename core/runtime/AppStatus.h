@@ -5,8 +5,8 @@
 
 namespace core {
 
-/// The status file, which tells outside tools in which phase an application is: its whole content
-/// is the decimal text of one Status. Ordinary users cannot write it, which is no error to anybody.
+/// The status file: shows other programs the phase of an application as the decimal text of a
+/// Status. Ordinary users cannot write to "/run"; callers ignore that failure.
 class AppStatus : public RootClass {
 public:
     enum Status {
@@ -15,28 +15,29 @@ public:
         initialising = 2,
         running = 3,
         terminating = 4,
-        ended = 6,  ///< 5 is valid, but the frame never writes it
+        ended = 6,  ///< 5 is valid, but Application never writes it
     };
 
     explicit AppStatus(String const& applicationName);
 
     char const* ClassName() const override;
 
-    /// "/run/NAME.status"
+    /// Returns "/run/NAME.status".
     String getFilePath() const;
-    /// Writes the status as the file's content; true on success. Does not follow a symbolic link at
-    /// the file's path. Windows has no protected "/run": nothing is written there, and the result
-    /// is false.
+    /// Replaces the file's content with status; true on success. Does not follow a symbolic link
+    /// at the file's path. On Windows, which has no protected "/run", writes nothing and returns
+    /// false.
     bool writeToFile(int status) const;
     /// Writes the status, or removes the file for none; true on success.
     bool _setStatus(Status status) const;
     /// Returns the number in the file; -1 if the file is missing or does not contain a number.
     int readFromFile() const;
-    /// The same when it is below 7, else 0. -1 passes through: it tells the missing file apart.
+    /// Returns readFromFile() if below 7, else 0. A negative value, such as -1 for a missing file,
+    /// is returned unchanged.
     int GetStatus() const;
 
-    /// Lets tests have the files in a folder of their own instead of "/run".
-    static void setFolder(String const& path);
+    /// Replaces "/run" by another directory; for tests.
+    static void SetDirectory(String const& path);
 
 private:
     String name_;

@@ -3,7 +3,6 @@
 #include <cstdlib>
 
 #include "core/crc/crc.h"
-#include "core/runtime/timer.h"
 #include "sys/pid.h"
 #include "sys/platform/Process.h"
 #include "sys/scheduler.h"
@@ -105,56 +104,56 @@ unsigned Application::FulfillTerminationRequest() {
 }
 
 void Application::setVersionNumber(unsigned major, unsigned minor) {
-    version::record().init(name_, major, minor, version::CEDevStage::unchanged);
+    version::record().Init(name_, major, minor, version::CEDevStage::unchanged);
 }
 
 void Application::setVersionNumber(String const& text) {
     setVersionNumber(0, 0);
-    version::record().setNumberText(text);
+    version::record().SetNumberText(text);
 }
 
 void Application::setVersionModelName(String const& name) {
-    version::record().setModelName(name);
+    version::record().SetModelName(name);
 }
 
 void Application::setDevStage(version::CEDevStage stage) {
-    version::record().setDevStage(stage);
+    version::record().SetDevStage(stage);
 }
 
 void Application::setDescription(String const& description) {
-    version::record().setDescription(description);
+    version::record().SetDescription(description);
 }
 
 void Application::setBuildVersion(String const& build) {
-    version::record().setBuild(build);
+    version::record().SetBuild(build);
 }
 
 void Application::clearBuildVersion() {
-    version::record().setBuild(String());
+    version::record().SetBuild(String());
 }
 
 String Application::getVersionNumber() const {
-    return version::record().getNumber();
+    return version::record().GetNumber();
 }
 
 String Application::getVersionBuild() const {
-    return version::record().getNumberAndBuild();
+    return version::record().GetNumberAndBuild();
 }
 
 String Application::getVersionShort() const {
-    return version::record().getShort();
+    return version::record().GetShort();
 }
 
 String Application::getVersionLong(bool withDescription) const {
-    return version::record().getLong(withDescription);
+    return version::record().GetLong(withDescription);
 }
 
 String Application::getDescription() const {
-    return version::record().getDescription();
+    return version::record().GetDescription();
 }
 
 String Application::getBuildVersion() const {
-    return version::record().getBuild();
+    return version::record().GetBuild();
 }
 
 int Application::Result() {
@@ -218,7 +217,7 @@ void Application::MainExecutionQueue::ScheduleItem(ClassRef<ExecutionLink> const
             return;
         }
     } catch (...) {
-        // The failure of one bit, or the lack of memory to queue it again, must not end the loop.
+        // A failing bit, or no memory to queue it again, must not end the main loop.
     }
     item->SetDone();
 }

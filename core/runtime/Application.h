@@ -7,7 +7,6 @@
 #include "core/runtime/AppStatus.h"
 #include "core/runtime/Event.h"
 #include "core/runtime/ExecutionBit.h"
-#include "core/runtime/ExecutionLink.h"
 #include "core/runtime/ExecutionQueueAbstract.h"
 #include "core/runtime/version.h"
 #include "core/text/String.h"
@@ -15,11 +14,11 @@
 
 namespace core {
 
-/// The one application object of a process: its name and version, its command line, its life from
-/// the first initialisation to the termination that somebody requests. A program derives its own
-/// class, constructs it once in main, has it parse the command line and calls Run.
-/// Everything runs on the main thread, but for RequestTermination and WakeLoop, which any thread
-/// may call.
+/// The application object of a process: name, version, command-line options, main loop and
+/// termination request. A program derives its own class, constructs it once in main, calls
+/// CommandLinePrepare and then Run.
+/// Only RequestTermination, the queries of a request, Sleep, WakeLoop and Dispatch may be called
+/// from other threads than the main thread.
 class Application : public BasicClass {
 public:
     enum TerminationRequest {
@@ -28,38 +27,38 @@ public:
         delayedRequest = 2,  ///< a daemon keeps its process-ID record for 10 more seconds
     };
 
-    /// A second application in one process ends the process at once with exit code 1.
-    /// Changes the whole process: it ignores SIGPIPE and SIGXFSZ from now on, and opens those of
-    /// the descriptors 0 to 2 that are closed on an empty source or sink, so that no file or socket
-    /// gets their numbers. Writes the status file and initialises the checksums.
+    /// Prepares the process (see sys::platform::prepareProcess), initialises the CRC tables, arms
+    /// the wake-up timer and writes the status file. A second application ends the process at once
+    /// with exit code 1.
     explicit Application(String const& name);
     Application(Application const&) = delete;
     Application& operator=(Application const&) = delete;
     ~Application() override;
 
     char const* ClassName() const override;
-    /// Not counted: main owns the application. Both return 0.
+    /// Do nothing and return 0: the application is not reference-counted.
     int _addRef() override;
     int _release() override;
 
-    /// The application; null before it is constructed. It is not cleared by the destructor.
+    /// Returns the application; null before its construction. The destructor does not reset it.
     static Application* Instance();
-    /// The name, or "GApplication == nil" without an application.
+    /// Returns the name; "GApplication == nil" without an application.
     static String AppName();
-    /// The number of the thread that constructed the application or called Run; 0 without one.
+    /// Returns the ID of the thread that called Run or, before Run, the constructor; 0 without an
+    /// application.
     static unsigned MainThreadID();
-    /// Of the daemon that the process has become; 0 otherwise.
+    /// Return the IDs recorded by Daemonize; 0 if the process is not a daemon.
     static unsigned ProcessID();
     static unsigned SessionID();
     static bool IsADaemon();
     static bool IsUsingSysLog();
-    /// Always false: no platform of ours makes daemons of its programs.
+    /// Returns false: daemons are not supported.
     bool Daemonize(String const& name);
-    /// A number of the program's own for its phase; the frame sets it too, as Run goes on.
+    /// Stores a program-defined status; Run also sets the status, from 1 to 5.
     void setApplicationStatus(int status) { applicationStatus_ = status; }
-    int getApplicationStatus() const { return applicationStatus_; }
 
-    // The version record.
+    // The version texts; see version::Record.
+
     void setVersionNumber(unsigned major, unsigned minor);
     void setVersionNumber(String const& text);
     void setVersionModelName(String const& name);
@@ -74,76 +73,76 @@ public:
     String getDescription() const;
     String getBuildVersion() const;
 
-    /// Parses the arguments behind the first into the list of options. The grammar holds an entry
-    /// for each option, separated by ">": short name, "|", long name, "=", the exact number of
-    /// values; "h|help=0>o|origin=1". Options are given as -o, --origin, with values behind them or
-    /// behind a "="; a word that belongs to no option is dropped. What is wrong is added to errors
-    /// as pairs of title and detail, and parsing goes on; always true.
+    /// Parses argv[1] onwards into the list of options and returns true. The grammar has an entry
+    /// for each option, separated by ">": short name, "|", long name, "=", exact number of values;
+    /// for example "h|help=0>o|origin=1". An option is "-o" or "--origin", ignoring case; its
+    /// values are the arguments that follow, the first optionally joined by "=". Arguments before
+    /// the first option are dropped. Adds errors as pairs of title and detail and continues.
     bool CommandLinePrepare(int argc, char const* const* argv, String const& grammar,
                             StringArray& errors);
-    /// Whether an option was given. A query is a short name, a long name, or both with "|".
+    /// Whether an option was given. A query is a short name, a long name, or both joined by "|".
     bool FindOption(String const& query) const;
-    /// The same, and its values joined by "|".
+    /// Whether an option was given; if so, sets values to its values, joined by "|".
     bool GetOptionValues(String const& query, String& values) const;
-    /// Its place in the list of options, or -1.
+    /// Returns the index of an option in the list, or -1.
     int FindOptionIndex(String const& query) const;
     int CountOptions() const;
-    /// The parts of one option; false when there is none at index.
+    /// Gets the parts of the option at index; returns false if index is out of range.
     bool GetOption(int index, String& shortName, String& longName, String& values) const;
 
-    /// Splits at the first "|"; without one all is short name.
+    /// Splits an option at the first "|"; without "|" it is all short name.
     static void SplitOption(String const& option, String& shortName, String& longName);
-    /// Whether two options share their short or their long name, ignoring case. Two empty names
-    /// are the same, so every entry of a grammar carries both.
+    /// Whether the short or the long names of two options are equal, ignoring case. Two empty
+    /// names are equal, so every entry of a grammar needs both names.
     static bool SameOption(String const& one, String const& other);
-    /// The option as a user types it: "--long", else "-short".
+    /// Returns the option as typed by users: "--long", or "-short" without a long name.
     static String Requote(String const& option);
-    /// Checks an option against the grammar and stores it in the application's list, which is
-    /// created if CommandLinePrepare has not done so: its place in the list, or -1 with an error
-    /// added. A repeated option gathers its values. Without an application the checks are the same
-    /// and the result is -1.
+    /// Checks an option against the grammar, stores it in the application's list and returns its
+    /// index; on an error, adds the error and returns -1. The values of a repeated option are
+    /// appended to the stored ones. Without an application, only checks, and returns -1.
     static int AddToArguments(String const& key, String const& values, StringArray const& grammar,
                               StringArray& errors);
 
-    /// Initialises, loops until termination is requested, and returns when all is done.
+    /// Initialises, then runs the main loop until termination is requested.
     void Run();
-    /// What main returns to the system.
+    /// Returns the exit status of the process; 0 by default.
     virtual int Result();
 
-    /// Stores the first request that is not 0 and wakes everybody who waits for it; it cannot be
-    /// replaced or withdrawn.
+    /// Stores the first nonzero request, which is final, and wakes all waiters.
     static void RequestTermination(TerminationRequest request);
     static TerminationRequest TerminationRequested();
     static bool IsTerminationRequested();
-    /// Takes a daemon's process-ID record back, once; returns the process flags from before.
+    /// Removes a daemon's process-ID record, once. Returns the process flags as they were.
     unsigned FulfillTerminationRequest();
     static bool IsTerminated();
-    /// Sleeps ms milliseconds: 1 when termination is requested by then, else 0. An interruptible
-    /// sleep ends at the request.
+    /// Sleeps ms milliseconds; an interruptible sleep ends at a termination request. Returns 1 if
+    /// termination is requested, else 0.
     static int Sleep(int ms, bool interruptible);
-    /// Makes the main loop go through a pass now.
+    /// Starts the next pass of the main loop now.
     static void WakeLoop();
-    /// Queues a bit, to be run on the main thread by the main loop; returns its link. From any
-    /// thread.
+    /// Queues a bit, which the main loop runs on the main thread. Returns its link; see
+    /// ExecutionQueueAbstract::Dispatch.
     ClassRef<ExecutionLink> Dispatch(ClassRef<ExecutionBit> const& bit,
                                      ExecutionQueueAbstract::ExecutionPriority priority);
 
 protected:
-    /// Called once, before the first Init; the result is not looked at.
+    /// Called once, before the first Init; the result is ignored.
     virtual bool InitOnce();
     /// Called every 10 ms until it returns true or termination is requested.
     virtual bool Init();
-    /// Called by the main loop about as often as their names say; at most one a pass.
+    /// Called by the main loop about every 1 to 60 s; at most one of them in each pass.
     virtual void Idle1s();
     virtual void Idle5s();
     virtual void Idle10s();
     virtual void Idle30s();
     virtual void Idle60s();
-    /// Called at the end of the main loop, but not when Init was never finished.
+    /// Called after the main loop, but not if termination was requested before Init returned true.
     virtual void Done();
 
+    int applicationStatus_ = 0;  ///< see setApplicationStatus
+
 private:
-    /// Runs its items itself, on the thread that takes them.
+    /// Runs its items on the thread that schedules them.
     class MainExecutionQueue : public ExecutionQueueAbstract {
     public:
         char const* ClassName() const override;
@@ -165,8 +164,6 @@ private:
     void Loop();
     unsigned long long RunNextBit(unsigned long long now);
 
-    int applicationStatus_ = 0;
-
     Event terminationEvent_;
     std::atomic<TerminationRequest> terminationRequest_ = noRequest;
     unsigned flags_ = 0;
@@ -175,9 +172,17 @@ private:
     unsigned mainThreadId_;
     String name_;
     AppStatus status_;
-    ClassRef<StringArray> options_;  ///< empty until CommandLinePrepare
+    ClassRef<StringArray> options_;  ///< empty before CommandLinePrepare
     MainExecutionQueue mainQueue_;
     Event wakeEvent_;
 };
+
+/// Arms the wake-up timer, which calls TimerFunc every 250 ms on a thread of its own while the main
+/// loop runs. Returns false if it is already armed.
+bool timerInit();
+/// Disarms the wake-up timer and waits until its thread has ended.
+void timerDone();
+/// Wakes the main loop.
+void TimerFunc();
 
 }  // namespace core

@@ -11,19 +11,19 @@ namespace {
 
 int const growthStep = 16;
 
-/// Equal ignoring case; an absent name is equal to nothing.
+/// Whether two names are equal, ignoring case; an empty name equals no other.
 bool sameName(String const& one, String const& other) {
     return one.GetLength() > 0 && one.CompareIC(other) == 0;
 }
 
-/// The number of values that a grammar's entry asks for. Without one no use of the option is
-/// right: a count that was forgotten shows at the first try.
+/// Returns the number of values that an entry of a grammar requires. Without a number every use of
+/// the option is an error, so a forgotten one is found at the first try.
 int valueCount(String const& text) {
     return text.GetLength() == 0 ? std::numeric_limits<int>::max()
                                  : std::max(text.ToDecimal32(0), 0);
 }
 
-/// The entry of the grammar that names the option; -1 if there is none.
+/// Returns the index of the option's entry in the grammar, or -1.
 int findInGrammar(StringArray const& grammar, String const& key) {
     for (int i = 0; i < grammar.Count(); ++i) {
         if (Application::SameOption(grammar.GetNameByIndex(i), key)) {
@@ -33,10 +33,10 @@ int findInGrammar(StringArray const& grammar, String const& key) {
     return -1;
 }
 
-/// An option while its values are being gathered from the words behind it.
+/// An option whose values are still being collected.
 struct PendingOption {
-    String key;          ///< "short|" or "|long"; empty when no option has been met yet
-    std::string values;  ///< joined by "|"; grows in place, however many there are
+    String key;          ///< "short|" or "|long"; empty before the first option
+    std::string values;  ///< joined by "|"; a std::string, because it grows in place
 
     void Begin(String const& word, bool isLong) {
         int const equals = word.Find('=', 0);
@@ -47,7 +47,7 @@ struct PendingOption {
 
     void AddValue(std::string_view word) {
         if (key.GetLength() == 0) {
-            // Positional arguments do not exist: a word before any option means nothing.
+            // There are no positional arguments: drop arguments before the first option.
             return;
         }
         values.append(values.empty() ? "" : "|").append(word);

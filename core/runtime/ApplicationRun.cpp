@@ -1,7 +1,10 @@
 #include <array>
+#include <memory>
+#include <new>
+#include <utility>
 
 #include "core/runtime/Application.h"
-#include "core/runtime/timer.h"
+#include "core/runtime/Thread.h"
 #include "sys/platform/Process.h"
 #include "sys/scheduler.h"
 
@@ -10,10 +13,51 @@ namespace core {
 namespace {
 
 int const initPause = 10;         ///< ms between two calls of Init
-int const longestLoopWait = 500;  ///< ms that a pass of the main loop waits at most
+int const timerPeriod = 250;      ///< ms between two calls of TimerFunc
+int const longestLoopWait = 500;  ///< ms
 unsigned long long const second = 1000;
 
-/// The wait of a pass, in ms, when the next work is due at the given tick.
+class WakeUpTimer : public Thread {
+public:
+    WakeUpTimer() : Thread("wake-up") {}
+    ~WakeUpTimer() override {
+        stop_.Signal();
+        Join();
+    }
+
+protected:
+    void Execute() override {
+        while (stop_.Wait(timerPeriod) == Event::timedOut) {
+            TimerFunc();
+        }
+    }
+
+private:
+    Event stop_;
+};
+
+bool isTimerArmed = false;
+bool hasLoopStarted = false;
+std::unique_ptr<WakeUpTimer> timer;
+
+/// Starts the timer if it is armed and the main loop runs: many programs end before the main loop,
+/// and a thread is a seventh of their start-up time. Without memory or a thread the main loop wakes
+/// only every 500 ms.
+void startTimer() {
+    if (!isTimerArmed || !hasLoopStarted || timer) {
+        return;
+    }
+    try {
+        auto started = std::make_unique<WakeUpTimer>();
+        if (started->Start()) {
+            timer = std::move(started);
+        }
+    } catch (std::bad_alloc const&) {
+        return;
+    }
+}
+
+/// Returns how long to wait, in ms, if the next item is due at the given tick.
 int waitUntil(unsigned long long due) {
     unsigned long long const now = sys::scheduler::getcurrtickms();
     return due >= now && due - now <= longestLoopWait ? static_cast<int>(due - now)
@@ -64,7 +108,8 @@ void Application::Loop() {
                                    {60 * second, &Application::Idle60s, base}}};
     unsigned long long nextDue = 0;
     if (!IsTerminationRequested()) {
-        timerStart();
+        hasLoopStarted = true;
+        startTimer();
     }
     while (!IsTerminationRequested()) {
         if (wakeEvent_.Wait(waitUntil(nextDue)) == Event::signalled) {
@@ -77,7 +122,7 @@ void Application::Loop() {
         nextDue = RunNextBit(now);
         for (IdleHook& hook : hooks) {
             if (now > hook.last + hook.period) {
-                // By the period, not to now: a hook that fell behind catches up, one call a pass.
+                // Add the period instead of storing now: late hooks catch up, one in each pass.
                 hook.last += hook.period;
                 (this->*hook.call)();
                 break;
@@ -86,7 +131,7 @@ void Application::Loop() {
     }
 }
 
-/// Runs the next bit that is due, if any; the tick at which the next one is.
+/// Runs the next due bit, if any. Returns the tick at which the one after it is due.
 unsigned long long Application::RunNextBit(unsigned long long now) {
     ClassRef<ExecutionLink> item = mainQueue_.GetNextItemToSchedule();
     if (!item) {
@@ -99,6 +144,23 @@ unsigned long long Application::RunNextBit(unsigned long long now) {
         wakeEvent_.Signal();
     }
     return next;
+}
+
+bool timerInit() {
+    if (std::exchange(isTimerArmed, true)) {
+        return false;
+    }
+    startTimer();
+    return true;
+}
+
+void timerDone() {
+    timer.reset();
+    isTimerArmed = false;
+}
+
+void TimerFunc() {
+    Application::WakeLoop();
 }
 
 }  // namespace core

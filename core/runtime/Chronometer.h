@@ -4,18 +4,19 @@
 
 namespace core {
 
-/// A stopwatch on the system's tick, in nanoseconds with the resolution of milliseconds.
+/// A stopwatch on the system tick: values in nanoseconds, resolution one millisecond. Not
+/// thread-safe.
 class Chronometer : public BasicClass {
 public:
     char const* ClassName() const override;
 
-    /// Back to the state of a new one.
+    /// Returns to the initial state.
     void Reset();
-    /// Starts; false when it was started before and not reset since.
+    /// Starts, and returns true; returns false if already started and not reset since.
     bool Start();
-    /// Nanoseconds since the last lap or the start; 0 when it was never started.
+    /// Returns the nanoseconds since the last lap or the start; 0 if never started.
     unsigned long long LapNS();
-    /// Stops: nanoseconds since the start; 0 when it is not running.
+    /// Stops, and returns the nanoseconds since the start; 0 if not running.
     unsigned long long StopNS();
 
 private:

@@ -6,15 +6,15 @@
 
 namespace core {
 
-/// A deadline on the system's millisecond tick. One thread's at a time.
+/// A deadline on the system's millisecond tick. Not thread-safe.
 class CountDownTimer : public BasicClass {
 public:
-    /// For Reset: keep the period.
+    /// Argument of Reset: keep the period.
     static constexpr unsigned long long samePeriod = ~0ULL;
-    /// For Remaining: no upper bound.
+    /// Argument of Remaining: no upper bound.
     static constexpr unsigned long long unlimited = ~0ULL;
 
-    /// Expired from the start.
+    /// Already expired.
     CountDownTimer();
     /// Expires ms milliseconds from now.
     explicit CountDownTimer(unsigned long long ms);
@@ -23,22 +23,22 @@ public:
 
     char const* ClassName() const override;
 
-    /// Starts anew with ms milliseconds, or with the period it had for samePeriod.
+    /// Restarts with a period of ms milliseconds, or with the same period for samePeriod.
     void Reset(unsigned long long ms);
     void Reset(Interval const& interval);
     void Reset(TimeVal const& time);
 
-    /// Milliseconds since the start.
+    /// Returns the milliseconds since the start.
     unsigned long long Elapsed() const;
-    /// Whether the time is over; always for a period of 0. Yields the processor first, so that
-    /// loops which poll it do not spin.
+    /// Whether the deadline has passed; always true for a period of 0. Yields the processor first,
+    /// so that polling loops do not spin.
     bool Expired() const;
-    /// Milliseconds left, at least min and at most max; 0 when the time is over.
+    /// Returns the milliseconds left, clamped to min and max; 0, not min, after the deadline.
     unsigned long long Remaining(unsigned long long min, unsigned long long max) const;
-    /// The same in 32 bits, as waits take it.
+    /// The same in 32 bits, for the timeouts of waits.
     unsigned int RemainingTimeout(unsigned int min, unsigned int max) const;
 
-    /// Sleeps until the time is over or the period has been set to 0.
+    /// Sleeps until the deadline, or until Reset(0).
     void WaitForIt();
 
 private:

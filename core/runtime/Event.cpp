@@ -9,7 +9,7 @@ namespace core {
 
 namespace {
 
-int const longestSlice = 100;  ///< ms between two looks at the termination request
+int const pollInterval = 100;  ///< ms between two checks for a termination request
 
 }  // namespace
 
@@ -31,20 +31,20 @@ void Event::Clear() {
 }
 
 Event::WaitResult Event::Wait(int ms) {
-    for (int left = std::max(ms, 0);; left -= longestSlice) {
-        if (WaitSlice(std::min(left, longestSlice))) {
+    for (int left = std::max(ms, 0);; left -= pollInterval) {
+        if (WaitUninterrupted(std::min(left, pollInterval))) {
             return signalled;
         }
         if (Application::IsTerminationRequested()) {
             return terminating;
         }
-        if (left <= longestSlice) {
+        if (left <= pollInterval) {
             return timedOut;
         }
     }
 }
 
-bool Event::WaitSlice(int ms) {
+bool Event::WaitUninterrupted(int ms) {
     std::unique_lock locked(mutex_);
     return changed_.wait_for(locked, std::chrono::milliseconds(ms), [this] { return signalled_; });
 }

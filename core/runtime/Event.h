@@ -7,7 +7,7 @@
 
 namespace core {
 
-/// A flag that threads can wait for. It stays signalled until it is cleared.
+/// A manual-reset event: a flag that threads wait for, signalled until it is cleared. Thread-safe.
 class Event : public RootClass {
 public:
     enum WaitResult { signalled = 1, timedOut = 2, terminating = 4 };
@@ -16,11 +16,12 @@ public:
 
     void Signal();
     void Clear();
-    /// Waits up to ms milliseconds for the signal; ends within 100 ms of a termination request.
+    /// Waits up to ms milliseconds until the event is signalled. Returns terminating within 100 ms
+    /// of a termination request of the application.
     WaitResult Wait(int ms);
 
 private:
-    bool WaitSlice(int ms);
+    bool WaitUninterrupted(int ms);
 
     std::mutex mutex_;
     std::condition_variable changed_;

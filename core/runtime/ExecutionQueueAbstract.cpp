@@ -9,12 +9,20 @@ namespace core {
 
 namespace {
 
-/// Cancelled items are due at once: they only have to leave.
+/// Cancelled items are due at once, so that they leave the queue.
 unsigned long long dueTick(ClassRef<ExecutionLink> const& item) {
     return item->IsCancelled() ? 0 : item->Bit()->GetNotBefore();
 }
 
 }  // namespace
+
+char const* ExecutionBit::ClassName() const {
+    return "ExecutionBit";
+}
+
+char const* ExecutionLink::ClassName() const {
+    return "ExecutionLink";
+}
 
 char const* ExecutionQueueAbstract::ClassName() const {
     return "ExecutionQueueAbstract";

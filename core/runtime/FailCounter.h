@@ -4,16 +4,16 @@
 
 namespace core {
 
-/// Counts down the failures that are allowed.
+/// Counts down a number of allowed failures. Not thread-safe.
 class FailCounter : public BasicClass {
 public:
-    /// Allows n - 1 failures; the next one is one too many.
+    /// The n-th failure is the first that is not allowed; with n below 1, the first one.
     explicit FailCounter(int n = 0) : remaining_(n) {}
 
     char const* ClassName() const override;
 
-    /// Counts a failure, and yields the processor so that a loop of retries does not spin. True
-    /// when the failures are used up.
+    /// Counts a failure and returns true if it is not allowed. Yields the processor, so that a
+    /// loop of retries does not spin.
     bool Check();
 
 private:

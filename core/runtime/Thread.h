@@ -8,13 +8,12 @@
 
 namespace core {
 
-/// A thread of execution: a derived class says in Execute what it does. It ends by its own doing:
-/// a termination request is only a flag that Execute looks at.
-/// A derived class requests termination and joins in its destructor, while Execute still has an
-/// object to run on.
+/// A thread of execution; a derived class implements Execute. A termination request only sets a
+/// flag, which Execute must poll. The destructor of a derived class must request termination and
+/// join, because Execute uses the derived object.
 class Thread : public BasicClass {
 public:
-    /// The name is shown by debuggers and system tools, which cut it to what they have room for.
+    /// The name is shown by debuggers and system tools, which may truncate it.
     explicit Thread(String const& name = String());
     Thread(Thread const&) = delete;
     Thread& operator=(Thread const&) = delete;
@@ -22,17 +21,16 @@ public:
 
     char const* ClassName() const override;
 
-    /// Starts Execute on a thread of its own. On failure returns false and sets errno: EALREADY if
-    /// it was started before, else the reason why the system starts no further thread.
+    /// Starts Execute on a new thread. On failure returns false and sets errno: EALREADY if
+    /// started before, else the error of the operating system.
     bool Start();
-    /// Asks the thread to end; from any thread.
+    /// Sets the termination flag; from any thread.
     void RequestTermination();
     bool IsTerminationRequested() const { return terminationRequested_; }
-    /// Whether Execute has come to its end, or was never started.
+    /// Whether Execute has returned or was never started.
     bool IsTerminated() const { return !running_; }
-    /// Waits until Execute has ended.
+    /// Waits until Execute has returned.
     void Join();
-    String const& Name() const { return name_; }
 
 protected:
     virtual void Execute() = 0;

@@ -24,56 +24,56 @@ String firstLine(String const& text) {
 
 }  // namespace
 
-void Record::init(String const& name, unsigned major, unsigned minor, CEDevStage stage) {
+void Record::Init(String const& name, unsigned major, unsigned minor, CEDevStage stage) {
     name_ = name;
     major_ = major;
     minor_ = minor;
     numberText_.Clear();
-    setDevStage(stage);
+    SetDevStage(stage);
 }
 
-void Record::setNumberText(String const& text) {
+void Record::SetNumberText(String const& text) {
     numberText_ = text;
 }
 
-void Record::setModelName(String const& name) {
+void Record::SetModelName(String const& name) {
     modelName_ = name;
 }
 
-void Record::setDevStage(CEDevStage stage) {
+void Record::SetDevStage(CEDevStage stage) {
     if (stage != CEDevStage::unchanged) {
         stage_ = stage;
     }
 }
 
-void Record::setDescription(String const& description) {
+void Record::SetDescription(String const& description) {
     description_ = description;
 }
 
-void Record::setBuild(String const& build) {
+void Record::SetBuild(String const& build) {
     build_ = build;
 }
 
-String Record::getNumber() const {
+String Record::GetNumber() const {
     if (numberText_.GetLength() > 0) {
         return numberText_;
     }
     return String::format("%1.%2").argi(1, major_).argi(2, minor_, 2, 10, String::AlignRight, '0');
 }
 
-String Record::getNumberAndBuild() const {
-    String const number = getNumber();
+String Record::GetNumberAndBuild() const {
+    String const number = GetNumber();
     return build_.GetLength() > 0 ? number.AppendNew(" build ").AppendNew(build_) : number;
 }
 
-String Record::getShort() const {
-    String const text = name_.AppendNew(" ").AppendNew(getNumberAndBuild());
+String Record::GetShort() const {
+    String const text = name_.AppendNew(" ").AppendNew(GetNumberAndBuild());
     String const stage(stageWord(stage_));
     return stage.GetLength() > 0 ? text.AppendNew(" ").AppendNew(stage) : text;
 }
 
-String Record::getLong(bool withDescription) const {
-    String text = getShort();
+String Record::GetLong(bool withDescription) const {
+    String text = GetShort();
     if (modelName_.GetLength() > 0) {
         text = text.AppendNew(" (").AppendNew(modelName_).AppendNew(")");
     }

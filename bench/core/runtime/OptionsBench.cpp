@@ -12,7 +12,7 @@ constexpr int many = 500'000;
 
 core::Application& application() {
     // No directory can be there, so that no status file is left.
-    core::AppStatus::setFolder("/dev/null");
+    core::AppStatus::SetDirectory("/dev/null");
     static core::Application theApplication("bench");
     return theApplication;
 }

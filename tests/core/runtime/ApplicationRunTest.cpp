@@ -1,12 +1,15 @@
 #include <gtest/gtest.h>
 
+#include <cerrno>
 #include <cstdio>
 #include <cstdlib>
 #include <thread>
 
 #include "core/runtime/Application.h"
 #include "core/runtime/CountDownTimer.h"
+#include "core/runtime/Thread.h"
 #include "sys/platform/Process.h"
+#include "sys/scheduler.h"
 #include "tests/support/StatusDirectory.h"
 #include "tests/support/system.h"
 
@@ -14,8 +17,8 @@ namespace {
 
 using namespace core;
 
-// A process has one application, whose termination cannot be withdrawn: each life is lived in a
-// process of its own, which tells its story on standard error.
+// A process has one application, whose termination is final: each test runs one in a process of its
+// own, which prints the events to standard error.
 
 std::jthread terminatesSoon() {
     return std::jthread([] {
@@ -24,26 +27,28 @@ std::jthread terminatesSoon() {
     });
 }
 
-struct Life : public Application {
-    Life() : Application("life") {}
+struct TestedApplication : public Application {
+    TestedApplication() : Application("tested") {}
 
     int failingInits = 2;
     bool terminateInInit = false;
     std::jthread other;
 
-    static void tell(char const* event) {
-        std::fprintf(stderr, "%s:%d%d ", event, AppStatus("life").GetStatus(),
-                     Instance()->getApplicationStatus());
+    /// Prints the event, the number in the status file and the application status.
+    void Print(char const* event) {
+        std::fprintf(stderr, "%s:%d%d ", event, AppStatus("tested").GetStatus(),
+                     applicationStatus_);
     }
     bool InitOnce() override {
-        tell("once");
+        Print("once");
         return false;
     }
     bool Init() override {
-        tell("init");
+        Print("init");
         if (terminateInInit) {
             RequestTermination(noRequest);
             RequestTermination(normalRequest);
+            RequestTermination(delayedRequest);
         }
         if (failingInits-- > 0) {
             return false;
@@ -51,11 +56,11 @@ struct Life : public Application {
         other = terminatesSoon();
         return true;
     }
-    void Done() override { tell("done"); }
+    void Done() override { Print("done"); }
 };
 
 class ApplicationRun : public testing::Test {
-    // Ours, not the dying process's: it would not come to remove it.
+    // In the parent, because the child does not return to delete it.
     support::StatusDirectory directory_;
 };
 
@@ -63,65 +68,69 @@ void expectTrue(bool (*check)()) {
     EXPECT_EXIT(std::exit(check() ? 7 : 0), testing::ExitedWithCode(7), "");
 }
 
-TEST_F(ApplicationRun, Lives) {
-    // Done is for those whose Init was finished.
-    for (auto const& [terminates, story] :
-         {std::pair{false, "^born:10 once:21 init:21 init:22 init:22 done:44 ended:65 $"},
-          std::pair{true, "^born:10 once:21 init:21 ended:65 $"}}) {
+TEST_F(ApplicationRun, CallsHooksAndWritesStatusInOrder) {
+    for (auto const& [terminates, events] :
+         {std::pair{false, "^new:10 once:21 init:21 init:22 init:22 done:44 ended:65 $"},
+          std::pair{true, "^new:10 once:21 init:21 ended:65 $"}}) {
         EXPECT_EXIT(
             {
-                Life life;
-                life.terminateInInit = terminates;
-                Life::tell("born");
-                life.Run();
-                Life::tell("ended");
-                life.other = {};
-                std::exit(life.TerminationRequested());
+                TestedApplication tested;
+                tested.terminateInInit = terminates;
+                tested.Print("new");
+                tested.Run();
+                tested.Print("ended");
+                tested.other = {};
+                std::exit(tested.TerminationRequested() + tested.Result());
             },
-            testing::ExitedWithCode(1), story);
+            testing::ExitedWithCode(1), events);
     }
 }
 
-TEST_F(ApplicationRun, OneApplicationAProcess) {
+TEST_F(ApplicationRun, AllowsOneApplicationInAProcess) {
     EXPECT_EXIT(
         {
-            Life first;
-            Life second;
+            TestedApplication first;
+            TestedApplication second;
         },
         testing::ExitedWithCode(1), "^$");
     expectTrue([] {
         bool const none = Application::Instance() == nullptr &&
                           Application::AppName() == "GApplication == nil" &&
+                          Application::MainThreadID() == 0 && !Application::IsADaemon() &&
                           !Application::IsTerminationRequested();
         Application::RequestTermination(Application::normalRequest);
         StringArray grammar(16);
         StringArray errors(16);
         grammar.Add("h|help=0");
         grammar.Add("g|grow=0");
-        bool const refused =
+        bool const onlyChecked =
             Application::AddToArguments("h|", "", grammar, errors) == -1 && errors.Count() == 0 &&
             Application::AddToArguments("x|", "", grammar, errors) == -1 &&
             Application::AddToArguments("h|", "x", grammar, errors) == -1 && errors.Count() == 2;
-        Life life;
-        bool const one = Application::Instance() == &life && Application::AppName() == "life" &&
-                         Application::AddToArguments("h|", "", grammar, errors) == 0 &&
-                         Application::AddToArguments("g|", "", grammar, errors) == 1 &&
-                         Application::AddToArguments("g|", "", grammar, errors) == 1 &&
-                         life.FindOption("help") && life.FulfillTerminationRequest() == 0 &&
-                         !Application::IsTerminated() && !Application::IsADaemon() &&
+        TestedApplication tested;
+        bool const stored = Application::AddToArguments("h|", "", grammar, errors) == 0 &&
+                            Application::AddToArguments("g|", "", grammar, errors) == 1 &&
+                            Application::AddToArguments("g|", "", grammar, errors) == 1 &&
+                            tested.FindOption("help");
+        bool const one = Application::Instance() == &tested && Application::AppName() == "tested" &&
+                         tested.FulfillTerminationRequest() == 0 && !Application::IsTerminated() &&
+                         !Application::IsADaemon() && !Application::IsUsingSysLog() &&
+                         !tested.Daemonize("tested") && tested._addRef() + tested._release() == 0 &&
                          Application::ProcessID() + Application::SessionID() == 0 &&
                          Application::MainThreadID() == sys::platform::currentThreadId();
-        return none && refused && one && !Application::IsTerminationRequested();
+        return none && onlyChecked && stored && one && !Application::IsTerminationRequested();
     });
 }
 
-TEST_F(ApplicationRun, TerminationEndsSleepsAndWaits) {
+TEST_F(ApplicationRun, TerminationRequestEndsSleepsAndWaits) {
     expectTrue([] {
-        Life life;
+        TestedApplication tested;
         Event event;
-        CountDownTimer const slept(20ULL);
-        bool good = Application::Sleep(20, false) == 0 && slept.Expired() &&
-                    event.Wait(1) == Event::timedOut && Application::Sleep(1, true) == 0;
+        CountDownTimer timer(20ULL);
+        bool good = Application::Sleep(20, false) == 0 && timer.Expired() &&
+                    event.Wait(-1) == Event::timedOut && Application::Sleep(1, true) == 0;
+        timer.Reset(120);
+        good = good && event.Wait(120) == Event::timedOut && timer.Expired();
         event.Signal();
         good = good && event.Wait(0) == Event::signalled && event.Wait(0) == Event::signalled;
         event.Clear();
@@ -132,40 +141,61 @@ TEST_F(ApplicationRun, TerminationEndsSleepsAndWaits) {
     });
 }
 
-TEST(AppStatus, TheFileHoldsTheNumber) {
-    support::StatusDirectory const folder;
+TEST(ThreadTest, StartsOnceAndEndsOnRequest) {
+    struct Polling : public Thread {
+        void Execute() override {
+            while (!IsTerminationRequested()) {
+                sys::scheduler::sleepms(1);
+            }
+        }
+    } thread;
+    EXPECT_STREQ(thread.ClassName(), "Thread");
+    EXPECT_TRUE(thread.IsTerminated());
+    EXPECT_TRUE(thread.Start());
+    EXPECT_FALSE(thread.IsTerminated());
+    EXPECT_FALSE(thread.Start());
+    EXPECT_EQ(errno, EALREADY);
+    thread.RequestTermination();
+    thread.Join();
+    EXPECT_TRUE(thread.IsTerminated());
+}
+
+TEST(AppStatus, WritesAndReadsTheNumber) {
+    support::StatusDirectory const directory;
     AppStatus const status("name");
     EXPECT_STREQ(status.ClassName(), "AppStatus");
     EXPECT_STREQ(Event().ClassName(), "Event");
-    EXPECT_STREQ(status.getFilePath().getCString(), (folder.Path() + "/name.status").c_str());
+    EXPECT_STREQ(status.getFilePath().getCString(), (directory.Path() + "/name.status").c_str());
     EXPECT_EQ(status.readFromFile(), -1);
     EXPECT_EQ(status.GetStatus(), -1);
     EXPECT_FALSE(status._setStatus(AppStatus::none));
-    EXPECT_TRUE(status._setStatus(AppStatus::running));
-    EXPECT_EQ(status.GetStatus(), 3);
+    for (auto const number : {AppStatus::constructed, AppStatus::ended}) {
+        EXPECT_TRUE(status._setStatus(number));
+        EXPECT_EQ(status.GetStatus(), number);
+    }
     EXPECT_TRUE(status.writeToFile(7));
     EXPECT_EQ(status.readFromFile(), 7);
     EXPECT_EQ(status.GetStatus(), 0);
     for (char const* const content : {"", "x", "3x", "-", "\n"}) {
-        folder.Write("name.status", content);
+        directory.Write("name.status", content);
         EXPECT_EQ(status.readFromFile(), -1) << content;
     }
-    folder.Write("name.status", "99999999999");
-    EXPECT_EQ(status.readFromFile(), 2147483647) << "cut to the range";
+    directory.Write("name.status", "99999999999");
+    EXPECT_EQ(status.readFromFile(), 2147483647) << "saturated";
     EXPECT_EQ(status.GetStatus(), 0);
     EXPECT_TRUE(status._setStatus(AppStatus::none));
     EXPECT_EQ(status.readFromFile(), -1);
 
     std::error_code noLinks;
-    std::filesystem::create_symlink(folder.Write("other", "kept"), folder.PathOf("name.status"),
-                                    noLinks);
-    EXPECT_EQ(status.writeToFile(1), bool(noLinks)) << "links are not followed";
+    std::filesystem::create_symlink(directory.Write("other", "kept"),
+                                    directory.PathOf("name.status"), noLinks);
+    EXPECT_EQ(status.writeToFile(1), bool(noLinks)) << "does not follow links";
     status._setStatus(AppStatus::none);
-    std::filesystem::create_directory(folder.PathOf("name.status"));
-    EXPECT_FALSE(status._setStatus(AppStatus::running)) << "a folder in its place is no crash";
+    std::filesystem::create_directory(directory.PathOf("name.status"));
+    EXPECT_FALSE(status._setStatus(AppStatus::running)) << "a directory in its place";
     EXPECT_EQ(status.readFromFile(), -1);
     if (support::onWindows()) {
-        AppStatus::setFolder("/run");
+        AppStatus::SetDirectory("/run");
         EXPECT_FALSE(status.writeToFile(1));
     }
 }

@@ -1,16 +1,17 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <functional>
+#include <memory>
 #include <string>
 #include <thread>
 #include <vector>
 
 #include "core/runtime/Application.h"
-#include "core/runtime/timer.h"
 #include "sys/scheduler.h"
 #include "tests/support/StatusDirectory.h"
 #include "tests/support/system.h"
@@ -20,7 +21,7 @@ namespace {
 using namespace core;
 using Queue = ExecutionQueueAbstract;
 
-std::atomic<std::uint32_t> now = 10'000;
+std::atomic<std::uint32_t> now = 10'900;
 
 class Bit : public ExecutionBit {
 public:
@@ -32,21 +33,22 @@ private:
     std::function<bool()> work_;
 };
 
-// An application ends with its process: each runs in a process of its own.
+// A process has one application: each test runs it in a process of its own.
 struct Worker : public Application {
     Worker() : Application("worker") {
         sys::scheduler::setTickSource([] { return now.load(); });
     }
 
-    std::string story;
+    std::string output;
     std::vector<std::jthread> threads;
+    std::function<void()> atEnd = [] {};
 
     ClassRef<ExecutionLink> Add(char const* word, Queue::ExecutionPriority priority,
                                 unsigned long long notBefore = 0) {
-        auto const work = [this, word] { return story += word, false; };
+        auto const work = [this, word] { return output += word, false; };
         return Dispatch(new Bit(work, notBefore), priority);
     }
-    /// Runs work in so many passes of the loop and ends it.
+    /// Runs work in the given number of passes of the loop, then ends the loop.
     void Repeat(int passes, Queue::ExecutionPriority priority, std::function<void()> const& work) {
         auto const pass = [work, left = passes]() mutable {
             work();
@@ -57,51 +59,58 @@ struct Worker : public Application {
         };
         Dispatch(new Bit(pass), priority);
     }
-    void Idle1s() override { story += "1"; }
-    void Idle5s() override { story += "5"; }
-    void Idle10s() override { story += "X"; }
-    void Idle30s() override { story += "3"; }
-    void Idle60s() override { story += "6"; }
+    void Idle1s() override { output += "1"; }
+    void Idle5s() override { output += "5"; }
+    void Idle10s() override { output += "X"; }
+    void Idle30s() override { output += "3"; }
+    void Idle60s() override { output += "6"; }
 };
 
 class Execution : public testing::Test {
     support::StatusDirectory directory_;
 };
 
-/// Expects the story of a worker that runs what was prepared.
-void expectStory(std::string const& story, std::function<void(Worker&)> const& prepare) {
+/// Expects the output of a worker that runs the bits dispatched by prepare.
+void expectOutput(std::string const& output, std::function<void(Worker&)> const& prepare) {
     EXPECT_EXIT(
         {
             Worker worker;
             prepare(worker);
             worker.Run();
+            worker.atEnd();
             worker.threads.clear();
-            std::fputs(worker.story.c_str(), stderr);
+            std::fputs(worker.output.c_str(), stderr);
             std::exit(7);
         },
-        testing::ExitedWithCode(7), story);
+        testing::ExitedWithCode(7), output);
 }
 
-TEST_F(Execution, ByPriorityAndTick) {
-    expectStory("^too high high normal tick tick tick late tick tick $", [](Worker& worker) {
+TEST_F(Execution, RunsByPriorityAndTick) {
+    expectOutput("^too high high normal tick tick tick late tick tick $", [](Worker& worker) {
         ClassRef<ExecutionLink> const failing = worker.Dispatch(
             new Bit([]() -> bool { throw "not an exception class"; }), Queue::highest);
-        worker.Add("late ", Queue::highest, 10'030);
-        worker.Add("later ", Queue::lowest, 10'040);
+        worker.Add("late ", Queue::highest, 10'930);
+        worker.Add("later ", Queue::lowest, 10'940);
         worker.Add("low ", Queue::lowest);
-        worker.Add("cancelled ", Queue::normal)->Cancel();
+        ClassRef<ExecutionLink> const cancelled = worker.Add("cancelled ", Queue::normal, ~0ULL);
+        cancelled->Cancel();
+        auto const cancelsItself = std::make_shared<ClassRef<ExecutionLink>>();
+        auto const cancel = [cancelsItself] { return (*cancelsItself)->Cancel(), true; };
+        *cancelsItself = worker.Dispatch(new Bit(cancel), Queue::high);
         worker.Add("normal ", Queue::normal);
         worker.Add("too high ", static_cast<Queue::ExecutionPriority>(7));
         ClassRef<ExecutionLink> const done = worker.Add("high ", Queue::high);
         worker.Dispatch(nullptr, Queue::high);
-        worker.Repeat(5, Queue::low, [&worker, done, failing] {
-            worker.story += done->IsDone() && failing->IsDone() ? "tick " : "too early ";
+        worker.Repeat(5, Queue::low, [&worker, done, failing, cancelled, cancelsItself] {
+            bool const allDone = done->IsDone() && failing->IsDone() && cancelled->IsDone() &&
+                                 (*cancelsItself)->IsDone();
+            worker.output += allDone ? "tick " : "too early ";
             now += 10;
         });
     });
 }
 
-TEST_F(Execution, QueuesReportWhenTheirFirstItemIsDue) {
+TEST_F(Execution, QueueReportsWhenTheFirstItemIsDue) {
     struct Queued : public Queue {
         void ScheduleItem(ClassRef<ExecutionLink> const&, unsigned long long) override {}
         void Dispatched() override {}
@@ -122,8 +131,8 @@ TEST_F(Execution, QueuesReportWhenTheirFirstItemIsDue) {
     sys::scheduler::setTickSource(nullptr);
 }
 
-TEST_F(Execution, ATimerThatIsArmedAgainRuns) {
-    expectStory("^good$", [](Worker& worker) {
+TEST_F(Execution, RearmedTimerRuns) {
+    expectOutput("^good$", [](Worker& worker) {
         auto const threads = [] {
             std::filesystem::directory_iterator const list(
                 support::onWindows() ? "." : "/proc/self/task");
@@ -136,24 +145,45 @@ TEST_F(Execution, ATimerThatIsArmedAgainRuns) {
                 sys::scheduler::sleepms(1);
             }
             bool const good = timerInit() && threads() == running && !timerInit();
-            worker.story += good ? "good" : "bad";
+            worker.output += good ? "good" : "bad";
         });
     });
 }
 
-TEST_F(Execution, IdleHooksCatchUpOneAPass) {
-    expectStory("^" + std::string(59, '1') + std::string(11, '5') + "XXXXX3" + "15X36$",
-                [](Worker& worker) {
-                    worker.Repeat(200, Queue::normal,
-                                  [pass = 0]() mutable { now = ++pass <= 100 ? 70'000 : 70'001; });
-                });
+TEST_F(Execution, LoopWaitsUntilTheNextItemIsDue) {
+    // The tick stands still: each pass waits 1 ms for the item, and reads the tick three times.
+    expectOutput("^between 0.1 and 5 s$", [](Worker& worker) {
+        static auto const start = std::chrono::steady_clock::now();
+        worker.Add("never ", Queue::normal, now + 1);
+        sys::scheduler::setTickSource([] {
+            static std::atomic<int> reads = 0;
+            if (++reads == 400) {
+                Application::RequestTermination(Application::normalRequest);
+            }
+            return now.load();
+        });
+        worker.atEnd = [&worker] {
+            auto const waited = std::chrono::steady_clock::now() - start;
+            bool const good =
+                waited >= std::chrono::milliseconds(100) && waited < std::chrono::seconds(5);
+            worker.output = good ? "between 0.1 and 5 s" : "too short or too long";
+        };
+    });
 }
 
-TEST_F(Execution, AnyThreadDispatchesAndEndsTheLoop) {
-    expectStory("^" + std::string(400, 'x') + "$", [](Worker& worker) {
+TEST_F(Execution, IdleHooksCatchUpOnePerPass) {
+    expectOutput("^" + std::string(59, '1') + std::string(11, '5') + "XXXXX3" + "15X36$",
+                 [](Worker& worker) {
+                     worker.Repeat(200, Queue::normal,
+                                   [pass = 0]() mutable { now = ++pass <= 100 ? 70'000 : 70'001; });
+                 });
+}
+
+TEST_F(Execution, AnyThreadMayDispatchAndEndTheLoop) {
+    expectOutput("^" + std::string(400, 'x') + "$", [](Worker& worker) {
         auto const count = [&worker] {
-            worker.story += 'x';
-            if (worker.story.size() == 400) {
+            worker.output += 'x';
+            if (worker.output.size() == 400) {
                 Application::RequestTermination(Application::normalRequest);
             }
             return false;

@@ -1,8 +1,10 @@
-#include "core/runtime/CountDownTimer.h"
-
 #include <algorithm>
+#include <limits>
 
 #include "core/runtime/Application.h"
+#include "core/runtime/Chronometer.h"
+#include "core/runtime/CountDownTimer.h"
+#include "core/runtime/FailCounter.h"
 #include "sys/scheduler.h"
 
 namespace core {
@@ -11,7 +13,7 @@ namespace scheduler = sys::scheduler;
 
 namespace {
 
-unsigned long long const waitSlice = 5;  ///< ms of WaitForIt between two looks at the deadline
+unsigned long long const pollInterval = 5;  ///< ms between two checks of the deadline
 
 }  // namespace
 
@@ -73,12 +75,58 @@ unsigned int CountDownTimer::RemainingTimeout(unsigned int min, unsigned int max
 void CountDownTimer::WaitForIt() {
     while (duration_ != 0) {
         scheduler::yield();
-        unsigned long long const left = Remaining(0, waitSlice);
+        unsigned long long const left = Remaining(0, pollInterval);
         if (left == 0) {
             return;
         }
         Application::Sleep(static_cast<int>(left), true);
     }
+}
+
+char const* Chronometer::ClassName() const {
+    return "Chronometer";
+}
+
+void Chronometer::Reset() {
+    start_ = lap_ = stop_ = 0;
+}
+
+bool Chronometer::Start() {
+    if (stop_ != start_) {
+        return false;
+    }
+    start_ = lap_ = scheduler::getcurrtickns();
+    return true;
+}
+
+unsigned long long Chronometer::LapNS() {
+    if (lap_ == 0) {
+        return 0;
+    }
+    unsigned long long const before = lap_;
+    lap_ = scheduler::getcurrtickns();
+    return lap_ - before;
+}
+
+unsigned long long Chronometer::StopNS() {
+    if (stop_ >= start_) {
+        return 0;
+    }
+    stop_ = scheduler::getcurrtickns();
+    return stop_ - start_;
+}
+
+char const* FailCounter::ClassName() const {
+    return "FailCounter";
+}
+
+bool FailCounter::Check() {
+    // Not below the minimum: a wrapped counter would allow failures again.
+    if (remaining_ > std::numeric_limits<int>::min()) {
+        --remaining_;
+    }
+    scheduler::yield();
+    return remaining_ < 1;
 }
 
 }  // namespace core
