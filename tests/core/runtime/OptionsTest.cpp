@@ -22,7 +22,7 @@ Application& application() {
     return theApplication;
 }
 
-/// The stored options as "name=values", joined by blanks, and behind " ! " the errors.
+/// Returns the stored options as "name=values", separated by spaces, then each error after " ! ".
 String parsed(std::vector<char const*> words, char const* with = grammar) {
     StringArray errors(16);
     words.insert(words.begin(), "program");
@@ -42,7 +42,7 @@ String parsed(std::vector<char const*> words, char const* with = grammar) {
     return result;
 }
 
-TEST(Options, Grammar) {
+TEST(Options, FollowTheGrammar) {
     std::pair<char const*, std::vector<std::vector<char const*>>> const rows[] = {
         {"", {{}}},
         {"o=f", {{"-o", "f"}, {"--origin", "f"}, {"--ORIGIN=f"}}},
@@ -69,14 +69,14 @@ TEST(Options, Grammar) {
     }
 }
 
-TEST(Options, MalformedGrammars) {
+TEST(Options, RejectArgumentsOfMalformedGrammars) {
     for (char const* const bad : {"", ">", "=", ">>=>", "h", "=0>", "h|help", "h|help=x"}) {
         EXPECT_NE(parsed({"-h", "a"}, bad).Find(" ! Invalid "), -1) << bad;
     }
     EXPECT_EQ(parsed({"-h"}, "h|help=-7"), "h=") << "a negative count is 0";
     for (char const* const nameless : {"a|=1>b|both=0", "c|count>b|both=0"}) {
         EXPECT_EQ(parsed({"-b"}, nameless), " ! Invalid number of arguments=-b ")
-            << "two absent names are the same";
+            << "two empty names are equal";
     }
     std::string huge;
     for (int i = 0; i < 5000; ++i) {
@@ -86,7 +86,7 @@ TEST(Options, MalformedGrammars) {
     EXPECT_EQ(parsed({"-\x01\xC3\xA4", "\xFF"}), " ! Invalid option=-\x01\xC3\xA4 \xFF");
 }
 
-TEST(Options, Queries) {
+TEST(Options, AreFoundByEitherName) {
     EXPECT_STREQ(application().Application::ClassName(), "Application");
     parsed({"-o", "file"});
     for (char const* const query : {"o", "O", "origin", "o|origin", "x|Origin", "o|x"}) {
@@ -99,16 +99,18 @@ TEST(Options, Queries) {
     }
 }
 
-TEST(Version, Texts) {
+TEST(Version, ComposesTexts) {
     Application& tool = application();
     tool.setVersionNumber("in words");
     EXPECT_STREQ(tool.getVersionNumber().getCString(), "in words");
     tool.setVersionNumber(1, 0);
     EXPECT_STREQ(tool.getVersionLong(true).getCString(), "options 1.00");
     tool.setVersionModelName("Model %1");
-    tool.setDescription("What it does\nand more");
+    tool.setDescription("What it does\r\nand more");
     EXPECT_STREQ(tool.getVersionLong(true).getCString(), "options 1.00 (Model %1) - What it does");
-    EXPECT_STREQ(tool.getDescription().getCString(), "What it does\nand more");
+    tool.setDescription("In one line");
+    EXPECT_STREQ(tool.getVersionLong(true).getCString(), "options 1.00 (Model %1) - In one line");
+    EXPECT_STREQ(tool.getDescription().getCString(), "In one line");
     tool.setBuildVersion("77");
     EXPECT_STREQ(tool.getBuildVersion().getCString(), "77");
     for (auto const& [stage, word] : {std::pair{25, "development"}, {50, "alpha"}, {75, "beta"}}) {

@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <limits>
+
 #include "core/runtime/Chronometer.h"
 #include "core/runtime/CountDownTimer.h"
 #include "core/runtime/FailCounter.h"
@@ -10,17 +12,19 @@ namespace {
 using core::CountDownTimer;
 
 std::uint32_t now = 0;
+std::uint32_t step = 0;  ///< added to now by each reading
 
 class TimersTest : public testing::Test {
 protected:
     TimersTest() {
         now = 1000;
-        sys::scheduler::setTickSource([] { return now; });
+        step = 0;
+        sys::scheduler::setTickSource([] { return now += step; });
     }
     ~TimersTest() override { sys::scheduler::setTickSource(nullptr); }
 };
 
-TEST_F(TimersTest, CountsDownAndStartsAnew) {
+TEST_F(TimersTest, CountsDownAndRestarts) {
     CountDownTimer timer(5000ULL);
     EXPECT_STREQ(timer.ClassName(), "CountDownTimer");
     EXPECT_FALSE(timer.Expired());
@@ -42,16 +46,25 @@ TEST_F(TimersTest, CountsDownAndStartsAnew) {
     EXPECT_EQ(timer.Remaining(0, CountDownTimer::unlimited), 70u);
     timer.Reset(core::TimeVal(2, 500'000));
     EXPECT_EQ(timer.Remaining(0, CountDownTimer::unlimited), 2500u);
+    EXPECT_EQ(CountDownTimer(core::TimeVal(1, 0)).Remaining(0, 1000), 1000u);
+    EXPECT_EQ(CountDownTimer(core::Interval(7)).Remaining(0, 1000), 7u);
+    EXPECT_EQ(CountDownTimer(1ULL << 40).RemainingTimeout(0, ~0U), ~0U);
     timer.Reset(0);
     EXPECT_TRUE(timer.Expired());
     timer.WaitForIt();
-
     EXPECT_TRUE(CountDownTimer().Expired());
+    EXPECT_EQ(CountDownTimer().Remaining(100, 1000), 0u);
     EXPECT_TRUE(CountDownTimer(0ULL).Expired());
-    EXPECT_EQ(CountDownTimer(1ULL << 40).RemainingTimeout(0, ~0U), ~0U);
 }
 
-TEST_F(TimersTest, TheTickJumpsBackAtItsWrap) {
+TEST_F(TimersTest, WaitsUntilTheDeadline) {
+    CountDownTimer timer(20ULL);
+    step = 1;
+    timer.WaitForIt();
+    EXPECT_EQ(now, 1020u);
+}
+
+TEST_F(TimersTest, FollowsTheTickAcrossItsWrap) {
     now = 0xFFFFFFFF;
     CountDownTimer timer(10ULL);
     now = 5;
@@ -61,7 +74,7 @@ TEST_F(TimersTest, TheTickJumpsBackAtItsWrap) {
     EXPECT_EQ(sys::scheduler::getcurrtickns(), 5000000u);
 }
 
-TEST_F(TimersTest, ChronometerMeasuresLapsAndTheWhole) {
+TEST_F(TimersTest, ChronometerMeasuresLapsAndTotal) {
     core::Chronometer chronometer;
     EXPECT_STREQ(chronometer.ClassName(), "Chronometer");
     EXPECT_EQ(chronometer.LapNS(), 0u);
@@ -75,7 +88,7 @@ TEST_F(TimersTest, ChronometerMeasuresLapsAndTheWhole) {
     now += 5;
     EXPECT_EQ(chronometer.StopNS(), 12'000'000u);
     EXPECT_EQ(chronometer.StopNS(), 0u);
-    EXPECT_FALSE(chronometer.Start()) << "a stopped one is reset first";
+    EXPECT_FALSE(chronometer.Start()) << "stopped, but not reset";
     chronometer.Reset();
     EXPECT_TRUE(chronometer.Start());
 }
@@ -88,6 +101,7 @@ TEST_F(TimersTest, FailCounterCountsDown) {
     }
     EXPECT_TRUE(core::FailCounter(1).Check());
     EXPECT_TRUE(core::FailCounter().Check());
+    EXPECT_TRUE(core::FailCounter(std::numeric_limits<int>::min()).Check());
 }
 
 }  // namespace
