@@ -1,49 +1,51 @@
-# cmake -D ROOT=<source folder> -P CheckIncludes.cmake
-# Fails when a folder includes something of a folder that it must not know, or when the operating
-# system shows outside sys/platform.
+# cmake -D ROOT=<source directory> -P CheckIncludes.cmake
+# Fails if a source includes a header of a directory that its own does not depend on, or if code
+# outside sys/platform/posix and sys/platform/windows depends on the operating system.
 cmake_minimum_required(VERSION 3.25)
 
-# The table of the folders, "| `folder` | `folder`, ... | ... |", top down: may_<folder> becomes what
-# each stands on, with what that stands on.
+# The rows of the table, "| `directory` | `directory`, ... | ... |", each after the rows that it depends
+# on. may_<directory> becomes the direct and indirect dependencies.
 file(STRINGS ${ROOT}/docs/architecture.md rows REGEX "^\\| `[a-z/]+` \\| (`|\\|)")
-set(house)
+set(known)
+set(patterns)
 foreach(row IN LISTS rows)
   string(REGEX MATCHALL "^\\| `[a-z/]+` \\|[^|]*" cells "${row}")
-  string(REGEX MATCHALL "[a-z/]+" folders "${cells}")
-  list(POP_FRONT folders folder)
-  list(APPEND house ${folder})
-  set(may ${folders})
-  foreach(below IN LISTS folders)
-    if(NOT below IN_LIST house)
-      message(FATAL_ERROR "docs/architecture.md: ${folder} stands on ${below}, which is in no row above")
+  string(REGEX MATCHALL "[a-z/]+" directories "${cells}")
+  list(POP_FRONT directories directory)
+  list(APPEND known ${directory})
+  set(may ${directories})
+  foreach(dependency IN LISTS directories)
+    if(NOT dependency IN_LIST known)
+      message(FATAL_ERROR "docs/architecture.md: ${directory} depends on ${dependency}, which has no earlier row")
     endif()
-    string(REPLACE "/" "_" key ${below})
+    string(REPLACE "/" "_" key ${dependency})
     list(APPEND may ${may_${key}})
   endforeach()
-  string(REPLACE "/" "_" key ${folder})
+  string(REPLACE "/" "_" key ${directory})
   set(may_${key} ${may})
+  string(REGEX REPLACE "/.*" "" top ${directory})
+  list(APPEND patterns ${ROOT}/${top}/*.h ${ROOT}/${top}/*.cpp ${ROOT}/${top}/*.inl)
 endforeach()
 
 set(os_header "^(windows|winsock2|ws2tcpip|iphlpapi|unistd|poll|fcntl|netdb|pthread|signal|ifaddrs|dirent|(sys|arpa|net|netinet)/.*)\\.h$")
-set(faults)
+set(errors)
 
-file(GLOB_RECURSE files RELATIVE ${ROOT} ${ROOT}/core/*.h ${ROOT}/core/*.cpp ${ROOT}/sys/*.h
-     ${ROOT}/sys/*.cpp ${ROOT}/update/*.h ${ROOT}/update/*.cpp ${ROOT}/device/*.h
-     ${ROOT}/device/*.cpp ${ROOT}/pack/*.h ${ROOT}/pack/*.cpp)
+list(REMOVE_DUPLICATES patterns)
+file(GLOB_RECURSE files RELATIVE ${ROOT} ${patterns})
 list(LENGTH files count)
 if(count EQUAL 0)
-  message(FATAL_ERROR "no sources below ${ROOT}")
+  message(FATAL_ERROR "no sources in ${ROOT}")
 endif()
 
 foreach(file IN LISTS files)
-  cmake_path(GET file PARENT_PATH folder)
-  string(REGEX REPLACE "^sys/platform/.*" "sys/platform" folder ${folder})
-  string(REPLACE "/" "_" key ${folder})
-  if(NOT folder IN_LIST house)
-    list(APPEND faults "${file}: its folder has no place in the house")
+  cmake_path(GET file PARENT_PATH directory)
+  string(REGEX REPLACE "^sys/platform/.*" "sys/platform" directory ${directory})
+  string(REPLACE "/" "_" key ${directory})
+  if(NOT directory IN_LIST known)
+    list(APPEND errors "${file}: not in docs/architecture.md")
     continue()
   endif()
-  set(allowed ${folder} ${may_${key}})
+  set(allowed ${directory} ${may_${key}})
 
   file(STRINGS ${ROOT}/${file} lines REGEX "^[ \t]*#")
   foreach(line IN LISTS lines)
@@ -52,30 +54,29 @@ foreach(file IN LISTS files)
       cmake_path(GET included PARENT_PATH target)
       string(REGEX REPLACE "^sys/platform/.*" "sys/platform" target "${target}")
       if(NOT target IN_LIST allowed)
-        list(APPEND faults "${file}: must not include ${included}")
+        list(APPEND errors "${file}: must not include ${included}")
       endif()
-    elseif(folder STREQUAL "sys/platform")
+    elseif(directory STREQUAL "sys/platform")
       continue()
     elseif(line MATCHES "#[ \t]*include[ \t]*<([^>]+)>" AND CMAKE_MATCH_1 MATCHES "${os_header}")
-      list(APPEND faults "${file}: the operating system's ${CMAKE_MATCH_1}")
+      list(APPEND errors "${file}: includes the OS header ${CMAKE_MATCH_1}")
     elseif(line MATCHES "_WIN32|__linux__|__unix__|__APPLE__")
-      list(APPEND faults "${file}: asks for the operating system")
+      list(APPEND errors "${file}: tests for the OS")
     endif()
   endforeach()
 endforeach()
 
-# The operating system's headers and names stay in its own two folders, out of the headers that
-# the other folders see.
+# Other directories include sys/platform/*.h, so these headers must not show the operating system.
 file(GLOB shared RELATIVE ${ROOT} ${ROOT}/sys/platform/*.h)
 foreach(file IN LISTS shared)
   file(STRINGS ${ROOT}/${file} lines REGEX "^[ \t]*#[ \t]*include[ \t]*<.*\\.h>|_WIN32")
   if(lines)
-    list(APPEND faults "${file}: the operating system shows: ${lines}")
+    list(APPEND errors "${file}: depends on the OS: ${lines}")
   endif()
 endforeach()
 
-list(JOIN faults "\n  " text)
-if(faults)
-  message(FATAL_ERROR "The house is not in order:\n  ${text}")
+list(JOIN errors "\n  " text)
+if(errors)
+  message(FATAL_ERROR "Invalid includes:\n  ${text}")
 endif()
-message(STATUS "${count} files, every include in order")
+message(STATUS "${count} files, all includes valid")

@@ -11,7 +11,7 @@ if(WIN32)
   set(documents_folder .)
 endif()
 
-install(TARGETS ravelink ravelink-device ravelink-pack DESTINATION ${programs_folder}
+install(TARGETS ${programs} DESTINATION ${programs_folder}
         COMPONENT programs)
 install(DIRECTORY examples DESTINATION ${documents_folder} COMPONENT programs)
 if(WIN32)
@@ -30,7 +30,7 @@ else()
             COMPONENT programs FILES_MATCHING PATTERN "*.1" PATTERN docs EXCLUDE)
   endif()
   # Bash looks for a file of the program's name.
-  foreach(program IN ITEMS ravelink ravelink-device ravelink-pack)
+  foreach(program IN LISTS programs)
     install(FILES completions/ravelink.bash RENAME ${program} COMPONENT programs
             DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions)
   endforeach()

@@ -1,5 +1,5 @@
-# Builds for 64-bit Windows with mingw-w64. The compiler with POSIX threads, because the other one
-# lacks std::thread and std::mutex.
+# Builds for 64-bit Windows with mingw-w64: its compilers with POSIX threads, because the others lack
+# std::thread and std::mutex.
 set(CMAKE_SYSTEM_NAME Windows)
 set(CMAKE_SYSTEM_PROCESSOR x86_64)
 set(CMAKE_C_COMPILER x86_64-w64-mingw32-gcc-posix)

@@ -1,17 +1,17 @@
-# What "./dev package" makes: of a build for this system a Debian package of the programs and a
-# tar.gz of all there is; of a build for Windows a ZIP of the programs.
+# The packages of "./dev package": a Debian package of the programs and a tar.gz of programs and
+# libraries for Linux, a ZIP of the programs for Windows.
 set(CPACK_PACKAGE_VENDOR ravelink)
 set(CPACK_PACKAGE_CONTACT "ravelink maintainers <maintainers@ravelink.invalid>")
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "installs updates on networked devices over Ethernet")
 set(CPACK_PACKAGE_DESCRIPTION
 "ravelink sends an update archive to a device by TCP and follows it until the
-device has installed it. ravelink-pack makes, lists, checks and unpacks update
-archives. ravelink-device stands in for a device, to rehearse an update and
-everything that can go wrong with it.")
+device has installed it. ravelink-pack builds, lists, checks and extracts update
+archives. ravelink-device simulates a device, to rehearse updates and their
+failures.")
 set(CPACK_RESOURCE_FILE_LICENSE ${PROJECT_SOURCE_DIR}/LICENSE)
 set(CPACK_STRIP_FILES ON)
 set(CPACK_VERBATIM_VARIABLES ON)
-# One package of the components that are wanted.
+# One package of all its components.
 set(CPACK_COMPONENTS_GROUPING ALL_COMPONENTS_IN_ONE)
 
 set(platform linux)

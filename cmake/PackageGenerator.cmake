@@ -1,4 +1,4 @@
-# Read by cpack for each kind of package that it makes.
+# cpack reads this file once for each package format.
 if(CPACK_GENERATOR STREQUAL "DEB")
   set(CPACK_COMPONENTS_ALL programs)
   set(CPACK_PRE_BUILD_SCRIPTS ${CMAKE_CURRENT_LIST_DIR}/debian/stagePackage.cmake)

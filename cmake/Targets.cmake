@@ -1,10 +1,11 @@
 # ravelink_library(name SOURCES ... HEADERS ... USES ...)
-# The library of one folder. Its headers form a header set, so that the build can check that each
-# compiles alone, and that an installation keeps their folders; USES names the libraries of the
-# folders below.
+# Defines the library of one directory, with the alias ravelink::<name> that find_package defines too.
+# USES names the libraries that it depends on. The headers form a header set: the build checks that each
+# compiles alone, and an installation keeps their directories.
 function(ravelink_library name)
   cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;HEADERS;USES")
   add_library(${name} STATIC ${arg_SOURCES})
+  add_library(ravelink::${name} ALIAS ${name})
   target_sources(${name} PUBLIC FILE_SET HEADERS BASE_DIRS ${PROJECT_SOURCE_DIR}
                                 FILES ${arg_HEADERS})
   set_target_properties(${name} PROPERTIES VERIFY_INTERFACE_HEADER_SETS ON)
@@ -13,17 +14,18 @@ function(ravelink_library name)
   target_link_libraries(${name} PUBLIC $<BUILD_INTERFACE:options> ${arg_USES})
 endfunction()
 
-# ravelink_executable(name library): a program: its folder's library, which learns the version, and
-# the main.cpp beside it.
+# ravelink_executable(name library)
+# Defines a program: main.cpp of the current directory and its library, which is compiled with the
+# version.
 function(ravelink_executable name library)
-  # As a number: with its leading zero, 08 would be a bad octal one.
+  # Without a leading zero, which would make 08 an invalid octal number.
   math(EXPR minor ${PROJECT_VERSION_MINOR})
   target_compile_definitions(${library} PRIVATE RAVELINK_VERSION_MAJOR=${PROJECT_VERSION_MAJOR}
                                                 RAVELINK_VERSION_MINOR=${minor})
   add_executable(${name} main.cpp)
   target_link_libraries(${name} PRIVATE ${library})
   if(WIN32)
-    # What the system shows as the properties of the program.
+    # The properties that Windows shows of the program.
     string(REGEX REPLACE "\\.0*([0-9])" ",\\1" file_version ${PROJECT_VERSION},0,0)
     configure_file(${PROJECT_SOURCE_DIR}/cmake/program.rc.in ${name}.rc @ONLY)
     target_sources(${name} PRIVATE ${CMAKE_CURRENT_BINARY_DIR}/${name}.rc)

@@ -1,13 +1,13 @@
--- Makes pages of the manual out of our documents: of a program's a man page (pandoc -t man), of each
--- one of HTML (-t html).
+-- Filter for pandoc that turns a document into a page of the manual: a program's into a man page
+-- (-t man), any into an HTML page (-t html).
 
 local man = FORMAT == 'man'
 local text = pandoc.utils.stringify
 
--- Where the package installs the documents, and the examples beside their folder.
+-- The package installs docs/ and examples/ in this directory.
 local installed = '/usr/share/doc/ravelink/'
 
--- The first heading is the page's title, which a man page has in its head line instead.
+-- Takes the page's title from the first heading; a man page shows it in its header line only.
 function Pandoc(doc)
   local title = text(doc.blocks[1])
   doc.meta.pagetitle = title
@@ -40,13 +40,13 @@ function Link(link)
   if program then
     return {pandoc.Strong(program), '(1)'}
   end
-  local place = pandoc.Strong(installed .. ('docs/' .. link.target):gsub('^docs/%.%./', ''))
-  link.content:extend({pandoc.Space(), '(', place, ')'})
+  local path = pandoc.Strong(installed .. ('docs/' .. link.target):gsub('^docs/%.%./', ''))
+  link.content:extend({pandoc.Space(), '(', path, ')'})
   return link.content
 end
 
--- A table becomes the indented list that man pages have: the first column names what the second one
--- says, and a further column follows under its own heading.
+-- Turns the tables of man pages into definition lists: the first column is the term, the second the
+-- definition, and each further column a paragraph that begins with its heading.
 function Table(wide)
   if not man then
     return nil

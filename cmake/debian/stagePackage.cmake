@@ -1,6 +1,6 @@
-# Run by cpack over what it is about to pack, in CPACK_TEMPORARY_INSTALL_DIRECTORY: what Debian's
-# rules want beyond an installation. Manuals are compressed, without a time in them, and zsh looks for
-# what a package brings in a folder of its own.
+# Adapts the installation in CPACK_TEMPORARY_INSTALL_DIRECTORY to Debian's policy before cpack packs
+# it: manual pages are compressed without a timestamp, and zsh reads the completions of packages from
+# another directory.
 file(GLOB share ${CPACK_TEMPORARY_INSTALL_DIRECTORY}/*/usr/share)
 file(COPY ${CMAKE_CURRENT_LIST_DIR}/copyright DESTINATION ${share}/doc/ravelink)
 file(REMOVE ${share}/doc/ravelink/LICENSE)  # the copyright file contains it
