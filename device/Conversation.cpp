@@ -1,13 +1,10 @@
 #include "device/Conversation.h"
 
 #include <algorithm>
-#include <limits>
 
 #include "core/archive/StreamSequencerReader.h"
 #include "core/crc/crc32.h"
-#include "update/protocol/UpdateNotification.h"
-#include "update/protocol/UpdateTransferHeader.h"
-#include "update/protocol/UpdateTransferTrailer.h"
+#include "update/protocol/records.h"
 
 namespace device {
 
@@ -15,9 +12,6 @@ using update::DeviceStatus;
 using update::UpdateNotification;
 
 namespace {
-
-std::uint32_t const pieceSize = 16384;
-std::uint32_t const largestFile = std::numeric_limits<std::int32_t>::max();
 
 /// One thing that a record must satisfy, and what the device says when it does not.
 struct Check {
@@ -63,7 +57,7 @@ bool Conversation::TakeRequest() {
         {request_.magic == update::wireMagic, DeviceStatus::InvalidMagic},
         {request_.magicComplement == update::wireMagicComplement,
          DeviceStatus::InvalidMagicComplement},
-        {request_.fileSize <= largestFile, DeviceStatus::DataSizeTooBig},
+        {request_.fileSize <= update::largestFile, DeviceStatus::DataSizeTooBig},
     };
     if (auto const fault = firstFault(checks)) {
         return Refuse(Step::Request, *fault);
@@ -92,9 +86,10 @@ bool Conversation::TakeHeader() {
 }
 
 bool Conversation::TakeFile() {
-    char piece[pieceSize];
+    char piece[update::chunkSize];
     while (bytes_ < request_.fileSize) {
-        int const wanted = static_cast<int>(std::min(pieceSize, request_.fileSize - bytes_));
+        int const wanted = static_cast<int>(
+            std::min<std::uint32_t>(update::chunkSize, request_.fileSize - bytes_));
         int const got = wire_.ReceiveSome(piece, wanted);
         if (got == 0) {
             return Lost(Step::Data);

@@ -8,8 +8,7 @@
 #include "device/Observer.h"
 #include "device/Outcome.h"
 #include "device/Wire.h"
-#include "update/protocol/DeviceStatus.h"
-#include "update/protocol/UpdateRequest.h"
+#include "update/protocol/records.h"
 
 namespace device {
 

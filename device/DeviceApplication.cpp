@@ -13,6 +13,7 @@
 #include "device/usage.h"
 #include "sys/file.h"
 #include "sys/platform/InterruptWatch.h"
+#include "update/protocol/records.h"
 
 namespace device {
 
@@ -23,9 +24,7 @@ using core::StringArray;
 namespace {
 
 /// This machine alone: a rehearsal is not to be seen from outside unless it is asked for.
-char const defaultBind[] = "127.0.0.1:3007";
-int const defaultPort = 3007;
-int const largestPort = 65535;
+char const defaultBind[] = "127.0.0.1";
 /// A thread and a socket each: more would only be a slip of the finger.
 int const largestCount = 1000;
 
@@ -102,13 +101,13 @@ bool DeviceApplication::ReadAddress() {
                     wrongUsage);
     }
     if (address_.Port() == IPv4Address::noPort) {
-        address_.SetPortA(defaultPort);
+        address_.SetPortA(update::defaultPort);
     }
-    if (address_.Port() < 0 || address_.Port() > largestPort) {
+    if (address_.Port() < 0 || address_.Port() > update::largestPort) {
         return Quit({core::fault("Invalid port",
                                  "The address provided (%1) does not contain a valid port. "
-                                 "Please use a port from 0 to 65535",
-                                 text)},
+                                 "Please use a port from 0 to %2",
+                                 text, update::largestPort)},
                     wrongUsage);
     }
     return true;
@@ -120,7 +119,7 @@ bool DeviceApplication::ReadCount() {
         return true;
     }
     unsigned long long count = 0;
-    int const most = std::min(largestCount, largestPort - address_.Port() + 1);
+    int const most = std::min(largestCount, update::largestPort - address_.Port() + 1);
     if (!core::readWhole(text.View(), 10, static_cast<unsigned>(most), count) || count < 1) {
         return Quit({core::fault("Bad count", "From here on there can be 1 to %1 devices, not %2",
                                  most, text)},

@@ -4,10 +4,7 @@
 
 #include "core/text/String.h"
 #include "device/Outcome.h"
-#include "update/protocol/DeviceStatus.h"
-#include "update/protocol/UpdateRequest.h"
-#include "update/protocol/UpdateTransferHeader.h"
-#include "update/protocol/UpdateTransferTrailer.h"
+#include "update/protocol/records.h"
 
 namespace device {
 

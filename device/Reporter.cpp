@@ -11,8 +11,8 @@
 #include "core/text/errnoDescription.h"
 #include "core/text/message.h"
 #include "core/text/printable.h"
-#include "device/names.h"
 #include "device/println.h"
+#include "update/protocol/names.h"
 
 namespace device {
 
@@ -136,7 +136,7 @@ void Reporter::OnTrailer(update::UpdateTransferTrailer const& trailer) {
 }
 
 void Reporter::OnNotification(std::uint32_t code, std::uint32_t value) {
-    Print(core::message("  Sent: %1, value %2", nameOfCode(code), word(value)));
+    Print(core::message("  Sent: %1, value %2", update::nameOfCode(code), word(value)));
 }
 
 void Reporter::OnEnd(Outcome outcome) {

@@ -3,17 +3,13 @@
 #include <algorithm>
 #include <string>
 
-#include "update/protocol/UpdateNotification.h"
+#include "update/protocol/records.h"
 
 namespace device {
 
 using update::UpdateNotification;
 
 namespace {
-
-bool isError(std::uint32_t code) {
-    return code == UpdateNotification::Error || code == UpdateNotification::ErrorAlt;
-}
 
 std::uint32_t honestValue(std::uint32_t code, Moment const& moment) {
     switch (code) {
@@ -104,7 +100,7 @@ bool Scenario::Act(Moment const& moment, Wire& wire) {
         wire.LimitReceiveBuffer(receiveBuffer);
     }
     auto const found = steps.find(moment.step);
-    bool const refuses = moment.answer && isError(moment.answer->code);
+    bool const refuses = moment.answer && update::isError(moment.answer->code);
     if (found == steps.end() || refuses) {
         return Behaviour::Act(moment, wire);
     }

@@ -69,7 +69,7 @@ bool Wire::ReceiveAll(void* buffer, int length) {
 }
 
 void Wire::Drain() {
-    char ignored[16384];
+    char ignored[update::chunkSize];
     while (ReceiveWithin(ignored, static_cast<int>(sizeof ignored),
                          std::numeric_limits<int>::max()) > 0) {
     }
@@ -146,7 +146,7 @@ bool Wire::Break(Outcome why) {
 void Wire::Finish() {
     socket_.ShutdownSend();
     core::CountDownTimer farewell(static_cast<unsigned long long>(limits_.farewell));
-    char ignored[16384];
+    char ignored[update::chunkSize];
     while (!farewell.Expired() &&
            ReceiveWithin(ignored, static_cast<int>(sizeof ignored), limits_.farewell) > 0) {
     }

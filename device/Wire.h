@@ -9,8 +9,7 @@
 #include "device/Notification.h"
 #include "device/Observer.h"
 #include "device/Outcome.h"
-#include "update/protocol/UpdateNotification.h"
-#include "update/protocol/wire.h"
+#include "update/protocol/records.h"
 
 namespace device {
 

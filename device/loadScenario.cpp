@@ -5,8 +5,8 @@
 #include "core/text/StringArray.h"
 #include "core/text/errnoDescription.h"
 #include "core/text/readNumber.h"
-#include "device/names.h"
 #include "sys/ConfFile.h"
+#include "update/protocol/names.h"
 
 namespace device {
 
@@ -90,9 +90,9 @@ std::optional<std::uint32_t> numberOrName(String const& text, Find find) {
 /// "Code" or "Code:Value".
 std::optional<ScenarioRecord> readRecord(String const& text) {
     bool const hasValue = text.Find(':') >= 0;
-    auto const code = numberOrName(hasValue ? text.LeftOf(':') : text, codeOfName);
-    auto const value =
-        hasValue ? numberOrName(text.RightOf(':'), valueOfName) : std::optional<std::uint32_t>();
+    auto const code = numberOrName(hasValue ? text.LeftOf(':') : text, update::codeOfName);
+    auto const value = hasValue ? numberOrName(text.RightOf(':'), update::valueOfName)
+                                : std::optional<std::uint32_t>();
     if (!code || (hasValue && !value)) {
         return {};
     }

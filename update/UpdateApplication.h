@@ -6,7 +6,7 @@
 #include "core/text/String.h"
 #include "core/text/StringArray.h"
 #include "update/SessionLimits.h"
-#include "update/protocol/UpdateNotification.h"
+#include "update/protocol/records.h"
 
 namespace update {
 

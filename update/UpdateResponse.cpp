@@ -1,7 +1,7 @@
 #include "core/crc/crc32.h"
 #include "update/UpdateApplication.h"
 #include "update/print.h"
-#include "update/protocol/DeviceStatus.h"
+#include "update/protocol/records.h"
 
 namespace update {
 
@@ -79,11 +79,6 @@ void addStatusError(core::StringArray& errors, std::uint32_t status) {
     errors.Add("> Error", "I really don't know what happened here");
 }
 
-bool isError(UpdateNotification const& response) {
-    return response.code == UpdateNotification::Error ||
-           response.code == UpdateNotification::ErrorAlt;
-}
-
 }  // namespace
 
 int UpdateApplication::GetResponse(core::Socket& socket, UpdateNotification& response, int ms,
@@ -111,7 +106,7 @@ bool UpdateApplication::AdjustAndCheckResponse(UpdateNotification& response) {
         errors.Add("Invalid CRC", "The server response cannot even check itself");
         return false;
     }
-    if (isError(response)) {
+    if (isError(response.code)) {
         addStatusError(errors, response.value);
         return false;
     }

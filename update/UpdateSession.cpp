@@ -1,13 +1,9 @@
 #include "update/UpdateSession.h"
 
-#include <limits>
-
 #include "sys/file.h"
 #include "update/UpdateApplication.h"
 #include "update/print.h"
-#include "update/protocol/UpdateRequest.h"
-#include "update/protocol/UpdateTransferHeader.h"
-#include "update/protocol/UpdateTransferTrailer.h"
+#include "update/protocol/records.h"
 
 namespace update {
 
@@ -17,10 +13,6 @@ using core::IPv4Address;
 using core::String;
 
 namespace {
-
-int const defaultPort = 3007;
-int const largestPort = 65535;
-int const largestFile = std::numeric_limits<int>::max();
 
 /// Whether the notification says how far the device has come with the file it has.
 bool isStage(UpdateNotification const& response) {

@@ -4,7 +4,7 @@
 #include "core/net/Socket.h"
 #include "core/runtime/CountDownTimer.h"
 #include "core/text/String.h"
-#include "update/protocol/UpdateNotification.h"
+#include "update/protocol/records.h"
 
 namespace update {
 

@@ -13,7 +13,6 @@ using core::String;
 
 namespace {
 
-int const pieceSize = 16384;     ///< bytes read and sent at a time
 int const reportStep = 262'144;  ///< bytes from one progress report to the next
 int const writabilityPoll = 25;  ///< ms of waiting between two looks at the stall timer
 
@@ -51,12 +50,12 @@ bool UpdateApplication::SendFile(UpdateSession& session) {
         return QuitWithOpenError(session);
     }
     core::CountDownTimer stall(static_cast<unsigned long long>(limits.transferStall));
-    char piece[pieceSize];
+    char piece[chunkSize];
     int sent = 0;
     long long nextReport = reportStep;
     while (sent < session.fileSize) {
         // Never more than was announced, even when the file has grown since.
-        int const length = file.Read(piece, std::min(pieceSize, session.fileSize - sent));
+        int const length = file.Read(piece, std::min(chunkSize, session.fileSize - sent));
         if (length < 1) {
             return QuitWithReadError(session);
         }

@@ -2,7 +2,7 @@
 #include <cstring>
 
 #include "core/crc/crc32.h"
-#include "update/protocol/UpdateNotification.h"
+#include "update/protocol/records.h"
 
 extern "C" std::size_t LLVMFuzzerMutate(std::uint8_t* data, std::size_t size, std::size_t room);
 

@@ -10,10 +10,7 @@
 #include "tests/device/ScenarioDevice.h"
 #include "tests/support/TemporaryDirectory.h"
 #include "tests/support/lines.h"
-#include "update/protocol/UpdateNotification.h"
-#include "update/protocol/UpdateRequest.h"
-#include "update/protocol/UpdateTransferHeader.h"
-#include "update/protocol/UpdateTransferTrailer.h"
+#include "update/protocol/records.h"
 
 namespace {
 

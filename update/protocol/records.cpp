@@ -1,4 +1,4 @@
-#include "update/protocol/UpdateNotification.h"
+#include "update/protocol/records.h"
 
 #include <cstddef>
 

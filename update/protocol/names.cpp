@@ -1,13 +1,9 @@
-#include "device/names.h"
+#include "update/protocol/names.h"
 
 #include "core/text/String.h"
-#include "update/protocol/DeviceStatus.h"
-#include "update/protocol/UpdateNotification.h"
+#include "update/protocol/records.h"
 
-namespace device {
-
-using update::DeviceStatus;
-using update::UpdateNotification;
+namespace update {
 
 namespace {
 
@@ -78,4 +74,4 @@ std::optional<std::uint32_t> valueOfName(std::string_view name) {
     return find(values, name);
 }
 
-}  // namespace device
+}  // namespace update
