@@ -6,8 +6,8 @@
 #include "core/net/Socket.h"
 #include "core/text/StringArray.h"
 #include "core/text/errnoDescription.h"
+#include "core/text/parseNumber.h"
 #include "core/text/printable.h"
-#include "core/text/readNumber.h"
 #include "device/loadScenario.h"
 #include "device/println.h"
 #include "device/usage.h"
@@ -120,7 +120,7 @@ bool DeviceApplication::ReadCount() {
     }
     unsigned long long count = 0;
     int const most = std::min(largestCount, update::largestPort - address_.Port() + 1);
-    if (!core::readWhole(text.View(), 10, static_cast<unsigned>(most), count) || count < 1) {
+    if (!core::parseWhole(text.View(), 10, static_cast<unsigned>(most), count) || count < 1) {
         return Quit({core::fault("Bad count", "From here on there can be 1 to %1 devices, not %2",
                                  most, text)},
                     wrongUsage);

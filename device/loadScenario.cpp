@@ -4,7 +4,7 @@
 
 #include "core/text/StringArray.h"
 #include "core/text/errnoDescription.h"
-#include "core/text/readNumber.h"
+#include "core/text/parseNumber.h"
 #include "sys/ConfFile.h"
 #include "update/protocol/names.h"
 
@@ -75,7 +75,7 @@ VerbRule const* ruleOf(String const& name) {
 
 bool readWord(String const& text, std::uint32_t& number) {
     unsigned long long value = 0;
-    bool const read = core::readWhole(text.View(), 0, UINT32_MAX, value);
+    bool const read = core::parseWhole(text.View(), 0, UINT32_MAX, value);
     number = static_cast<std::uint32_t>(value);
     return read;
 }

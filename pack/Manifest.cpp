@@ -4,7 +4,7 @@
 #include <cstdint>
 
 #include "core/archive/archiveFormat.h"
-#include "core/text/readNumber.h"
+#include "core/text/parseNumber.h"
 #include "pack/faults.h"
 #include "pack/textNames.h"
 #include "sys/file.h"
@@ -27,15 +27,15 @@ bool readVersion(String const& text, unsigned& version) {
     unsigned long long major = 0;
     unsigned long long minor = 0;
     if (text.StartsWithIC("0x")) {
-        bool const read = core::readWhole(text.View(), 0, UINT32_MAX, major);
+        bool const read = core::parseWhole(text.View(), 0, UINT32_MAX, major);
         version = static_cast<unsigned>(major);
         return read;
     }
     bool const hasMinor = text.Find('.') >= 0;
     String const whole = hasMinor ? text.LeftOf('.') : text;
     bool const read =
-        core::readWhole(whole.View(), 10, UINT16_MAX, major) &&
-        (!hasMinor || core::readWhole(text.RightOf('.').View(), 10, UINT16_MAX, minor));
+        core::parseWhole(whole.View(), 10, UINT16_MAX, major) &&
+        (!hasMinor || core::parseWhole(text.RightOf('.').View(), 10, UINT16_MAX, minor));
     version = static_cast<unsigned>(major << 16 | minor);
     return read;
 }

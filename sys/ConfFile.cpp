@@ -5,7 +5,7 @@
 
 #include "core/stream/MemoryStream.h"
 #include "core/text/StringArray.h"
-#include "core/text/readNumber.h"
+#include "core/text/parseNumber.h"
 #include "sys/openRegular.h"
 
 namespace sys {
@@ -64,7 +64,7 @@ bool ConfFile::TakeNumber(String const& name, int base, unsigned long long large
     if (!Take(name, text)) {
         return false;
     }
-    if (!core::readWhole(text.View(), base, largest, value)) {
+    if (!core::parseWhole(text.View(), base, largest, value)) {
         Wrong(name, String::format("must be %1 number from 0 to %2")
                         .argi(1, base == 8 ? "an octal" : "a")
                         .argi(2, largest, 0, base == 8 ? 8 : 10));

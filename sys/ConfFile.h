@@ -25,7 +25,7 @@ public:
     bool Has(core::String const& name) const;
     /// Removes an entry and stores its value. Returns false if it is missing; value is unchanged.
     bool Take(core::String const& name, core::String& value);
-    /// The same for a number, as core::readWhole reads it. Any other value is an error: false, and
+    /// The same for a number, see core::parseWhole. Any other value is an error: false, and
     /// value is 0.
     bool TakeNumber(core::String const& name, int base, unsigned long long largest,
                     unsigned long long& value);

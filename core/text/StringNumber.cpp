@@ -3,7 +3,7 @@
 #include <limits>
 
 #include "core/text/String.h"
-#include "core/text/readNumber.h"
+#include "core/text/parseNumber.h"
 
 namespace core {
 
@@ -20,7 +20,7 @@ void report(int* errorPosition, std::size_t length, std::string_view text) {
 
 long long readSigned(std::string_view text, int base, unsigned long long largest,
                      int* errorPosition, long long defaultValue) {
-    ReadNumber const number = readNumber(text, base, true, largest);
+    ParsedNumber const number = parseNumber(text, base, Sign::allowed, largest);
     if (number.length == 0) {
         return defaultValue;
     }
@@ -30,7 +30,7 @@ long long readSigned(std::string_view text, int base, unsigned long long largest
 
 unsigned long long readHex(std::string_view text, unsigned long long largest, int* errorPosition,
                            unsigned long long defaultValue) {
-    ReadNumber const number = readNumber(text, 16, false, largest);
+    ParsedNumber const number = parseNumber(text, 16, Sign::rejected, largest);
     if (number.length == 0) {
         return defaultValue;
     }
@@ -38,13 +38,13 @@ unsigned long long readHex(std::string_view text, unsigned long long largest, in
     return number.magnitude;
 }
 
-bool isWhole(std::string_view text, ReadNumber const& number) {
-    return number.length > 0 && number.length == text.size() && !number.cut;
+bool isWhole(std::string_view text, ParsedNumber const& number) {
+    return number.length > 0 && number.length == text.size() && !number.clamped;
 }
 
 /// The number behind a prefix that has only white space before it; length counts from the start
 /// of text.
-ReadNumber readPrefixed(String const& text, unsigned long long largest) {
+ParsedNumber readPrefixed(String const& text, unsigned long long largest) {
     struct Prefix {
         char const* text;
         int base;
@@ -61,7 +61,8 @@ ReadNumber readPrefixed(String const& text, unsigned long long largest) {
         std::size_t const digits = start + std::string_view(prefix.text).size();
         // A blank behind the prefix would be skipped like one in front of a number.
         bool const blank = digits < whole.size() && String::IsWhiteSpace(whole[digits]);
-        ReadNumber number = readNumber(whole.substr(digits), prefix.base, false, largest);
+        ParsedNumber number =
+            parseNumber(whole.substr(digits), prefix.base, Sign::rejected, largest);
         number.length = number.length > 0 && !blank ? number.length + digits : 0;
         return number;
     }
@@ -69,7 +70,7 @@ ReadNumber readPrefixed(String const& text, unsigned long long largest) {
 }
 
 /// The general reader: words, a whole decimal number, or a prefix. Length 0 when it failed.
-ReadNumber readGeneral(String const& text, unsigned long long largest) {
+ParsedNumber readGeneral(String const& text, unsigned long long largest) {
     std::size_t const size = text.View().size();
     String const word = text.Trim();
     if (word.CompareIC("max") == 0) {
@@ -78,13 +79,13 @@ ReadNumber readGeneral(String const& text, unsigned long long largest) {
     if (word.CompareIC("min") == 0) {
         return {largest + 1, true, false, size};
     }
-    ReadNumber const decimal = readNumber(text.View(), 10, true, largest);
+    ParsedNumber const decimal = parseNumber(text.View(), 10, Sign::allowed, largest);
     return decimal.length > 0 && decimal.length == size ? decimal : readPrefixed(text, largest);
 }
 
 long long readGeneral(String const& text, unsigned long long largest, int* errorPosition,
                       long long defaultValue) {
-    ReadNumber const number = readGeneral(text, largest);
+    ParsedNumber const number = readGeneral(text, largest);
     if (number.length == 0) {
         return defaultValue;
     }
@@ -146,7 +147,7 @@ bool String::ToBool(bool defaultValue) const {
     static constexpr Word words[] = {{"true", true},   {"yes", true}, {"on", true},
                                      {"false", false}, {"no", false}, {"off", false}};
 
-    ReadNumber const number = readNumber(View(), 10, true, largest64);
+    ParsedNumber const number = parseNumber(View(), 10, Sign::allowed, largest64);
     if (number.length > 0 && number.length == View().size()) {
         return number.magnitude != 0;
     }
@@ -159,11 +160,11 @@ bool String::ToBool(bool defaultValue) const {
 }
 
 bool String::IsDecimal32() const {
-    return isWhole(View(), readNumber(View(), 10, true, largest32));
+    return isWhole(View(), parseNumber(View(), 10, Sign::allowed, largest32));
 }
 
 bool String::IsDecimal64() const {
-    return isWhole(View(), readNumber(View(), 10, true, largest64));
+    return isWhole(View(), parseNumber(View(), 10, Sign::allowed, largest64));
 }
 
 bool String::IsFloat() const {

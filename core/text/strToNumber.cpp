@@ -4,7 +4,7 @@
 #include <type_traits>
 
 #include "core/text/String.h"
-#include "core/text/readNumber.h"
+#include "core/text/parseNumber.h"
 
 namespace core {
 
@@ -15,13 +15,13 @@ std::string_view viewOf(char const* text) {
 }
 
 template <class Number>
-ReadNumber read(std::string_view text) {
-    return readNumber(text, 10, true,
-                      static_cast<unsigned long long>(std::numeric_limits<Number>::max()));
+ParsedNumber read(std::string_view text) {
+    return parseNumber(text, 10, Sign::allowed,
+                       static_cast<unsigned long long>(std::numeric_limits<Number>::max()));
 }
 
 template <class Number>
-Number valueOf(ReadNumber const& number) {
+Number valueOf(ParsedNumber const& number) {
     if constexpr (std::is_unsigned_v<Number>) {
         return number.negative ? 0 : static_cast<Number>(number.magnitude);
     } else {
@@ -37,7 +37,7 @@ Number front(char const* text) {
 /// Stores the number that is the whole text; false, and nothing stored, when it is none.
 template <class Number>
 bool whole(std::string_view text, Number& value) {
-    ReadNumber const number = read<Number>(text);
+    ParsedNumber const number = read<Number>(text);
     if (number.length == 0 || number.length != text.size()) {
         return false;
     }

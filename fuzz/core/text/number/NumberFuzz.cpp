@@ -2,7 +2,7 @@
 #include <cstdlib>
 
 #include "core/text/String.h"
-#include "core/text/readNumber.h"
+#include "core/text/parseNumber.h"
 #include "core/text/strToNumber.h"
 #include "fuzz/Input.h"
 #include "fuzz/require.h"
@@ -73,14 +73,14 @@ void requireWhole(String const& text, long long value, String const& digits,
                   unsigned long long hex) {
     unsigned long long read = 0;
     bool const plain = text.IsDecimal64() && text.FindDelimiter("+-") < 0;
-    require(core::readWhole(text.View(), 10, LLONG_MAX, read) == plain);
+    require(core::parseWhole(text.View(), 10, LLONG_MAX, read) == plain);
     require(!plain || read == static_cast<unsigned long long>(value));
-    require(!plain || core::readWhole(text.View(), 0, LLONG_MAX, read));
+    require(!plain || core::parseWhole(text.View(), 0, LLONG_MAX, read));
     for (char const* prefix : {"0x", "0X"}) {
         String const prefixed = prefix + digits;
-        require(core::readWhole(prefixed.View(), 0, hex, read) && read == hex);
-        require(hex == 0 || !core::readWhole(prefixed.View(), 0, hex - 1, read));
-        require(!core::readWhole(String(prefix).View(), 0, hex, read));
+        require(core::parseWhole(prefixed.View(), 0, hex, read) && read == hex);
+        require(hex == 0 || !core::parseWhole(prefixed.View(), 0, hex - 1, read));
+        require(!core::parseWhole(String(prefix).View(), 0, hex, read));
     }
 }
 

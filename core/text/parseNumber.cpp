@@ -1,4 +1,4 @@
-#include "core/text/readNumber.h"
+#include "core/text/parseNumber.h"
 
 #include "core/text/String.h"
 
@@ -13,18 +13,18 @@ int digitOf(char c) {
     return String::IsAlphabetic(c) ? String::ToUpper(c) - 'A' + 10 : 36;
 }
 
-/// White space as the C library's number readers skip it.
+/// White space as strtoll() skips it: more than String::IsWhiteSpace.
 constexpr char leadingSpace[] = " \t\n\v\f\r";
 
 }  // namespace
 
-ReadNumber readNumber(std::string_view text, int base, bool sign, unsigned long long largest) {
-    ReadNumber result;
+ParsedNumber parseNumber(std::string_view text, int base, Sign sign, unsigned long long largest) {
+    ParsedNumber result;
     std::size_t at = text.find_first_not_of(leadingSpace);
     if (base < 2 || base > 36 || at == std::string_view::npos) {
         return result;
     }
-    if (sign && (text[at] == '-' || text[at] == '+')) {
+    if (sign == Sign::allowed && (text[at] == '-' || text[at] == '+')) {
         result.negative = text[at] == '-';
         ++at;
     }
@@ -32,26 +32,27 @@ ReadNumber readNumber(std::string_view text, int base, bool sign, unsigned long 
     auto const radix = static_cast<unsigned long long>(base);
     for (; at < text.size() && digitOf(text[at]) < base; ++at) {
         auto const digit = static_cast<unsigned long long>(digitOf(text[at]));
-        result.cut = result.cut || digit > limit || result.magnitude > (limit - digit) / radix;
-        result.magnitude = result.cut ? limit : result.magnitude * radix + digit;
+        result.clamped =
+            result.clamped || digit > limit || result.magnitude > (limit - digit) / radix;
+        result.magnitude = result.clamped ? limit : result.magnitude * radix + digit;
         result.length = at + 1;
     }
     return result;
 }
 
-bool readWhole(std::string_view text, int base, unsigned long long largest,
-               unsigned long long& value) {
+bool parseWhole(std::string_view text, int base, unsigned long long largest,
+                unsigned long long& value) {
     if (base == 0) {
         bool const prefixed = text.starts_with("0x") || text.starts_with("0X");
         base = prefixed ? 16 : 10;
         text.remove_prefix(prefixed ? 2 : 0);
     }
-    ReadNumber const number = readNumber(text, base, false, largest);
+    ParsedNumber const number = parseNumber(text, base, Sign::rejected, largest);
     value = number.magnitude;
-    return number.length == text.size() && number.length > 0 && !number.cut;
+    return number.length == text.size() && number.length > 0 && !number.clamped;
 }
 
-long long signedValue(ReadNumber const& number) {
+long long signedValue(ParsedNumber const& number) {
     return static_cast<long long>(number.negative ? 0 - number.magnitude : number.magnitude);
 }
 
