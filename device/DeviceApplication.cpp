@@ -5,7 +5,7 @@
 
 #include "core/net/Socket.h"
 #include "core/text/StringArray.h"
-#include "core/text/errnoDescription.h"
+#include "core/text/message.h"
 #include "core/text/parseNumber.h"
 #include "core/text/printable.h"
 #include "device/loadScenario.h"

@@ -8,7 +8,6 @@
 #include "core/console/Console.h"
 #include "core/runtime/Application.h"
 #include "core/text/TextBuilder.h"
-#include "core/text/errnoDescription.h"
 #include "core/text/message.h"
 #include "core/text/printable.h"
 #include "device/println.h"

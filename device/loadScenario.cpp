@@ -3,7 +3,7 @@
 #include <cstdint>
 
 #include "core/text/StringArray.h"
-#include "core/text/errnoDescription.h"
+#include "core/text/message.h"
 #include "core/text/parseNumber.h"
 #include "sys/ConfFile.h"
 #include "update/protocol/names.h"

@@ -154,7 +154,7 @@ void PackApplication::WriteArchive(StreamSequencerBuilder& builder, String const
     // New files are owner-only; use the manifest's permissions.
     core::FileStream recipe;
     if (recipe.Open(manifest, sys::platform::openRead) == 0) {
-        target.TakePermissionsOf(recipe);
+        target.CopyPermissionsFrom(recipe);
     }
     result = target.Sync();
     if (result == 0) {

@@ -24,7 +24,7 @@ char const separator = '\1';
 /// The path in a form that is equal for paths which are one path on some systems: those that differ
 /// only in case.
 std::string folded(String const& path) {
-    std::string key = core::unicode::foldCase(path.View());
+    std::string key(core::unicode::foldCase(path.View()).View());
     std::replace(key.begin(), key.end(), '/', separator);
     return key;
 }

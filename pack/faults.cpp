@@ -4,7 +4,7 @@
 
 #include "core/archive/archiveFormat.h"
 #include "core/archive/descriptorRecord.h"
-#include "core/text/errnoDescription.h"
+#include "core/text/message.h"
 #include "pack/textNames.h"
 
 namespace pack {

@@ -1,7 +1,5 @@
 #include "pack/printable.h"
 
-#include <string>
-
 #include "core/text/message.h"
 #include "core/text/printable.h"
 #include "core/text/unicode.h"
@@ -20,21 +18,22 @@ int characters(String const& utf8) {
 }
 
 String quoted(String const& text) {
-    std::string json = "\"";
+    core::TextBuilder json;
+    json.Append('"');
     for (std::string_view rest = text.View(); !rest.empty();) {
         char32_t point = 0;
-        core::unicode::takePoint(rest, point);
+        core::unicode::decodeCodePoint(rest, point);
         if (point == U'"' || point == U'\\') {
-            json.push_back('\\');
+            json.Append('\\');
         }
         if (core::isControl(point)) {
-            json.append(String::format("\\u%1").argi(1, unsigned{point}, 4, 16).View());
+            json.Append(String::format("\\u%1").argi(1, unsigned{point}, 4, 16).View());
         } else {
-            core::unicode::appendPoint(point, json);
+            core::unicode::appendCodePoint(point, json);
         }
     }
-    json.push_back('"');
-    return String(std::string_view(json));
+    json.Append('"');
+    return json.AsString();
 }
 
 String octal(unsigned bits) {

@@ -37,7 +37,7 @@ int writeInto(core::String const& path, unsigned mode, void const* data, int siz
     if (result == 0 && truncate) {
         long long const whole = file.Size();
         bool const unknown = whole < 0 && whole != -ESPIPE;
-        result = unknown ? static_cast<int>(whole) : whole > size ? file.CutAt(size) : 0;
+        result = unknown ? static_cast<int>(whole) : whole > size ? file.Truncate(size) : 0;
     }
     // Some file systems say only now that there was no room.
     int const closed = file.Close();

@@ -21,7 +21,7 @@ int copyInto(core::String const& to, bool replace, core::FileStream& source, boo
     if (copied < 0) {
         return static_cast<int>(copied);
     }
-    target.TakePermissionsOf(source);
+    target.CopyPermissionsFrom(source);
     source.Close();  // which may be what is replaced, and some systems replace no open file
     return target.TakeOver(replace);
 }

@@ -4,7 +4,6 @@
 #include <cerrno>
 
 #include "core/crc/crc32.h"
-#include "core/stream/seekPosition.h"
 
 namespace core {
 

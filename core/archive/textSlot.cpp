@@ -41,7 +41,7 @@ void appendUnits(char32_t point, std::u16string& units) {
 
 String readTextSlot(unsigned char const* slot, int units) {
     auto const room = static_cast<std::size_t>(units);
-    std::string text;
+    TextBuilder text;
     for (std::size_t i = 0; i < room && unitAt(slot, i) != 0; ++i) {
         char32_t point = unitAt(slot, i);
         if (isHigh(point) && i + 1 < room && isLow(unitAt(slot, i + 1))) {
@@ -50,9 +50,9 @@ String readTextSlot(unsigned char const* slot, int units) {
         } else if (isHigh(point) || isLow(point)) {
             point = unicode::replacement;
         }
-        unicode::appendPoint(point, text);
+        unicode::appendCodePoint(point, text);
     }
-    return String(std::string_view(text));
+    return text.AsString();
 }
 
 SlotResult writeTextSlot(String const& text, unsigned char* slot, int units) {
@@ -60,7 +60,7 @@ SlotResult writeTextSlot(String const& text, unsigned char* slot, int units) {
     std::u16string encoded;
     for (std::string_view rest = text.View(); !rest.empty();) {
         char32_t point = 0;
-        if (!unicode::takePoint(rest, point)) {
+        if (!unicode::decodeCodePoint(rest, point)) {
             return SlotResult::notUtf8;
         }
         appendUnits(point, encoded);

@@ -4,7 +4,7 @@
 #include <limits>
 #include <utility>
 
-#include "core/text/strToNumber.h"
+#include "core/text/cStrings.h"
 
 namespace core {
 

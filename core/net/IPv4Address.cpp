@@ -4,7 +4,7 @@
 
 #include "core/net/Address.h"
 #include "core/text/StringArray.h"
-#include "core/text/strToNumber.h"
+#include "core/text/cStrings.h"
 
 namespace core {
 

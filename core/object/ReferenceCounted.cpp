@@ -2,6 +2,8 @@
 
 #include <mutex>
 
+#include "core/object/BasicClass.h"
+#include "core/object/RootClass.h"
 #include "sys/platform/locker.h"
 
 namespace core {
@@ -91,5 +93,21 @@ void ReferenceCounted::_releaseCalled(int) {}
 void _deferDeletion(ReferenceCounted* object) {
     delete object;
 }
+
+char const* BasicClass::ClassName() const {
+    return "BasicClass";
+}
+
+BasicClass::~BasicClass() = default;
+
+void _deferDeletion(BasicClass* object) {
+    delete object;
+}
+
+char const* RootClass::ClassName() const {
+    return "RootClass";
+}
+
+RootClass::~RootClass() = default;
 
 }  // namespace core

@@ -2,7 +2,7 @@
 
 #include <new>
 
-#include "core/text/strToNumber.h"
+#include "core/text/cStrings.h"
 #include "sys/file.h"
 
 namespace core {

@@ -2,6 +2,8 @@
 
 #include <cerrno>
 
+#include "core/stream/FileStream.h"
+
 namespace core {
 
 namespace platform = sys::platform;
@@ -39,7 +41,7 @@ int HandleStream::Sync() {
     return IsOpened() ? platform::syncFile(handle_) : -EBADF;
 }
 
-int HandleStream::CutAt(long long size) {
+int HandleStream::Truncate(long long size) {
     return IsOpened() ? platform::resizeFile(handle_, size) : -EBADF;
 }
 
@@ -60,7 +62,7 @@ bool HandleStream::IsOpened() const {
     return handle_ != platform::noFile;
 }
 
-void HandleStream::TakePermissionsOf(HandleStream const& other) {
+void HandleStream::CopyPermissionsFrom(HandleStream const& other) {
     if (IsOpened() && other.IsOpened()) {
         platform::copyPermissions(other.handle_, handle_);
     }
@@ -69,6 +71,20 @@ void HandleStream::TakePermissionsOf(HandleStream const& other) {
 void HandleStream::Adopt(platform::FileHandle handle) {
     Close();
     handle_ = handle;
+}
+
+char const* FileStream::ClassName() const {
+    return "FileStream";
+}
+
+int FileStream::Open(String const& path, unsigned mode) {
+    Close();
+    platform::FileHandle opened = platform::noFile;
+    int const result = platform::openFile(path.getCString(), mode, opened);
+    if (result == 0) {
+        Adopt(opened);
+    }
+    return result;
 }
 
 }  // namespace core

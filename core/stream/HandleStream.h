@@ -21,7 +21,7 @@ public:
     long long Size() override;
     int Sync() override;
     /// Drops what lies behind size bytes: 0, or a negative error code.
-    int CutAt(long long size);
+    int Truncate(long long size);
 
     /// The status of the open file: 0, or a negative error code.
     int Stat(sys::platform::FileStatus& status) const;
@@ -29,7 +29,7 @@ public:
     int Close();
     bool IsOpened() const;
     /// Gives the open file the access rights of other's, as far as its file system knows any.
-    void TakePermissionsOf(HandleStream const& other);
+    void CopyPermissionsFrom(HandleStream const& other);
 
 protected:
     /// Takes over a handle in the place of the one held so far, which is closed.

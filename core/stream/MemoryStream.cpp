@@ -6,8 +6,6 @@
 #include <cstring>
 #include <new>
 
-#include "core/stream/seekPosition.h"
-
 namespace core {
 
 char const* MemoryStream::ClassName() const {

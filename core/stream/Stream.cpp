@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <climits>
 #include <cstring>
 #include <vector>
 
@@ -107,6 +108,18 @@ long long Stream::CopyTo(Stream& target, bool sparse, bool sync, ICopyCallback* 
         }
         done += got;
     }
+}
+
+long long seekPosition(long long offset, sys::platform::SeekOrigin origin, long long position,
+                       long long size) {
+    using sys::platform::SeekOrigin;
+    long long const from = origin == SeekOrigin::begin     ? 0
+                           : origin == SeekOrigin::current ? position
+                                                           : size;
+    if (offset < -from) {
+        return -EINVAL;
+    }
+    return offset > LLONG_MAX - from ? -EOVERFLOW : from + offset;
 }
 
 }  // namespace core

@@ -39,4 +39,9 @@ public:
     long long CopyTo(Stream& target, bool sparse, bool sync, ICopyCallback* callback);
 };
 
+/// The position that a Seek of a stream with a known position and size leads to, or the negative
+/// error code for one that there is not: see Stream::Seek.
+long long seekPosition(long long offset, sys::platform::SeekOrigin origin, long long position,
+                       long long size);
+
 }  // namespace core

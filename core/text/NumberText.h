@@ -1,8 +1,22 @@
 #pragma once
 
-#include "core/text/PaddedText.h"
+#include <string_view>
+
+#include "core/text/String.h"
 
 namespace core {
+
+/// A value on its way into a template: text padded to width, behind a sign that is not counted.
+struct PaddedText {
+    std::string_view sign;
+    std::string_view text;
+    int width = 0;
+    String::Align align = String::AlignDefault;
+    char fill = '\0';
+
+    /// Nothing stands around the text.
+    bool IsPlain() const { return sign.empty() && width <= static_cast<int>(text.size()); }
+};
 
 /// A number written out in room of its own, and how it is to be padded.
 class NumberText {

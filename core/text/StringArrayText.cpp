@@ -1,14 +1,63 @@
 #include <algorithm>
+#include <utility>
 #include <vector>
 
 #include "core/object/IStream.h"
-#include "core/text/LineSplitter.h"
 #include "core/text/StringArray.h"
 #include "core/text/StringPCharList.h"
+#include "core/text/TextBuilder.h"
 
 namespace core {
 
 namespace {
+
+/// Appends the lines of a text, received in chunks, to a list. A line ends at LF, CR or CR LF; the
+/// rest after the last line end counts unless it is empty. A line is truncated at a NUL and at
+/// String::MaxLength.
+class LineSplitter {
+public:
+    explicit LineSplitter(StringArray& lines) : lines_(lines) {}
+
+    void Feed(std::string_view chunk);
+    /// Call after the last chunk.
+    void Finish();
+
+private:
+    void EndLine();
+
+    StringArray& lines_;
+    TextBuilder line_;
+    bool afterCarriageReturn_ = false;
+};
+
+void LineSplitter::Feed(std::string_view chunk) {
+    while (!chunk.empty()) {
+        // The line feed of a pair may be in the next chunk.
+        if (std::exchange(afterCarriageReturn_, false) && chunk.front() == '\n') {
+            chunk.remove_prefix(1);
+            continue;
+        }
+        std::string_view const line = chunk.substr(0, chunk.find_first_of("\r\n"));
+        line_.Append(line);
+        chunk.remove_prefix(line.size());
+        if (!chunk.empty()) {
+            afterCarriageReturn_ = chunk.front() == '\r';
+            chunk.remove_prefix(1);
+            EndLine();
+        }
+    }
+}
+
+void LineSplitter::Finish() {
+    if (!line_.View().empty()) {
+        EndLine();
+    }
+}
+
+void LineSplitter::EndLine() {
+    lines_.Add(line_.AsString());
+    line_.Clear();
+}
 
 bool readLines(IStream* stream, StringArray& lines) {
     if (stream == nullptr) {
@@ -163,6 +212,14 @@ StringPCharList StringArray::AsPCharList(StringPCharList::ListType type) const {
                                                     : Get(i));
     }
     return StringPCharList(texts);
+}
+
+StringPCharList::StringPCharList(StringArray const& texts) {
+    for (int i = 0; i < texts.Count(); ++i) {
+        texts_.push_back(texts[i]);
+        pointers_.push_back(texts_.back().getCString());
+    }
+    pointers_.push_back(nullptr);
 }
 
 }  // namespace core

@@ -5,11 +5,11 @@
 
 namespace core {
 
-void TextBuilder::Append(std::string_view piece) {
-    std::size_t count = piece.size();
-    char* const place = reserve(count);
+void TextBuilder::Append(std::string_view part) {
+    std::size_t count = part.size();
+    char* const target = Reserve(count);
     if (count > 0) {
-        std::memcpy(place, piece.data(), count);
+        std::memcpy(target, part.data(), count);
     }
 }
 
@@ -18,46 +18,44 @@ void TextBuilder::Append(char c, int count) {
         return;
     }
     auto size = static_cast<std::size_t>(count);
-    char* const place = reserve(size);
-    std::memset(place, c, size);
+    char* const target = Reserve(size);
+    std::memset(target, c, size);
 }
 
 void TextBuilder::AppendAligned(std::string_view text, int width, String::Align align, char fill) {
     auto const length = static_cast<int>(text.size());
     int const missing = std::max(std::min(width, String::MaxWidth) - length, 0);
-    int front = 0;
+    int leading = 0;
     if (align == String::AlignRight) {
-        front = missing;
+        leading = missing;
     } else if (align == String::AlignCenter) {
-        front = missing - missing / 2;
+        leading = missing - missing / 2;
     }
-    // Bytes are signed here as in comparisons, so that half of a multi-byte character is no fill.
+    // Signed, as in comparisons: half of a multi-byte character is not a fill character.
     char const padding = static_cast<signed char>(fill) < ' ' ? ' ' : fill;
-    Append(padding, front);
+    Append(padding, leading);
     Append(text);
-    Append(padding, missing - front);
+    Append(padding, missing - leading);
 }
 
 String TextBuilder::AsString() const {
-    String result;
-    result.setPieces(View());
-    return result;
+    return String(View());
 }
 
-/// Makes room for count more characters, fewer when the text would get too long, and counts them
-/// as part of the text.
-char* TextBuilder::reserve(std::size_t& count) {
+/// Extends the text by count characters, reduced so that it does not exceed String::MaxLength, and
+/// returns where to write them.
+char* TextBuilder::Reserve(std::size_t& count) {
     count = std::min(count, static_cast<std::size_t>(String::MaxLength) - size_);
-    if (size_ + count > room_) {
-        room_ = std::max(size_ + count, 2 * room_);
-        std::unique_ptr<char[]> larger(new char[room_]);
+    if (size_ + count > capacity_) {
+        capacity_ = std::max(size_ + count, 2 * capacity_);
+        std::unique_ptr<char[]> larger(new char[capacity_]);
         std::memcpy(larger.get(), data_, size_);
-        far_ = std::move(larger);
-        data_ = far_.get();
+        heap_ = std::move(larger);
+        data_ = heap_.get();
     }
-    char* const place = data_ + size_;
+    char* const target = data_ + size_;
     size_ += count;
-    return place;
+    return target;
 }
 
 }  // namespace core

@@ -7,32 +7,37 @@
 
 namespace core {
 
-/// Collects the pieces of a text and gives them as one String. A short text costs no allocation
-/// until then. Whatever exceeds String::MaxLength is dropped.
+/// Builds a String from parts, without allocating while it is short. Discards what exceeds
+/// String::MaxLength.
 class TextBuilder {
 public:
     TextBuilder() = default;
     TextBuilder(TextBuilder const&) = delete;
     TextBuilder& operator=(TextBuilder const&) = delete;
 
-    /// The piece must hold no NUL.
-    void Append(std::string_view piece);
+    /// Appends a part. View() then contains its NUL characters, if any; AsString() ends at the
+    /// first.
+    void Append(std::string_view part);
+    /// Appends c count times; nothing if count is below 1 or c is NUL.
     void Append(char c, int count = 1);
-    /// The text padded as String::GetAligned does, a fill below 32 meaning space.
+    /// Appends text padded to width as String::GetAligned does.
     void AppendAligned(std::string_view text, int width, String::Align align, char fill);
 
-    /// What was collected, valid until the next Append.
+    /// Removes everything but keeps the capacity.
+    void Clear() { size_ = 0; }
+
+    /// The parts so far; valid until the next change.
     std::string_view View() const { return {data_, size_}; }
     [[nodiscard]] String AsString() const;
 
 private:
-    char* reserve(std::size_t& count);
+    char* Reserve(std::size_t& count);
 
-    char near_[256];
-    std::unique_ptr<char[]> far_;
-    char* data_ = near_;
+    char inline_[256];
+    std::unique_ptr<char[]> heap_;
+    char* data_ = inline_;
     std::size_t size_ = 0;
-    std::size_t room_ = sizeof near_;
+    std::size_t capacity_ = sizeof inline_;
 };
 
 }  // namespace core

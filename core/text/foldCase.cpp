@@ -7,7 +7,7 @@ namespace core::unicode {
 
 namespace {
 
-/// Every step-th code point from first to last folds to the one at this distance.
+/// From first to last, every step-th code point folds to itself plus distance.
 struct Folding {
     char32_t first;
     char32_t last;
@@ -15,7 +15,7 @@ struct Folding {
     int distance;
 };
 
-/// The simple case folding of Unicode 15, sorted.
+/// The simple case foldings of Unicode 15, in ascending order.
 constexpr Folding foldings[] = {
     {0x41, 0x5A, 1, 32},         {0xB5, 0xB5, 1, 775},        {0xC0, 0xD6, 1, 32},
     {0xD8, 0xDE, 1, 32},         {0x100, 0x12E, 2, 1},        {0x132, 0x136, 2, 1},
@@ -86,25 +86,25 @@ constexpr Folding foldings[] = {
     {0x10C80, 0x10CB2, 1, 64},   {0x118A0, 0x118BF, 1, 32},   {0x16E40, 0x16E5F, 1, 32},
     {0x1E900, 0x1E921, 1, 34}};
 
-char32_t folded(char32_t point) {
+char32_t fold(char32_t codePoint) {
     auto const* const row =
-        std::lower_bound(std::begin(foldings), std::end(foldings), point,
+        std::lower_bound(std::begin(foldings), std::end(foldings), codePoint,
                          [](Folding const& each, char32_t value) { return each.last < value; });
-    bool const folds =
-        row != std::end(foldings) && point >= row->first && (point - row->first) % row->step == 0;
-    return folds ? static_cast<char32_t>(static_cast<int>(point) + row->distance) : point;
+    bool const folds = row != std::end(foldings) && codePoint >= row->first &&
+                       (codePoint - row->first) % row->step == 0;
+    return folds ? static_cast<char32_t>(static_cast<int>(codePoint) + row->distance) : codePoint;
 }
 
 }  // namespace
 
-std::string foldCase(std::string_view utf8) {
-    std::string result;
+String foldCase(std::string_view utf8) {
+    TextBuilder result;
     while (!utf8.empty()) {
-        char32_t point = 0;
-        takePoint(utf8, point);
-        appendPoint(folded(point), result);
+        char32_t codePoint = 0;
+        decodeCodePoint(utf8, codePoint);
+        appendCodePoint(fold(codePoint), result);
     }
-    return result;
+    return result.AsString();
 }
 
 }  // namespace core::unicode

@@ -1,13 +1,18 @@
 #include "core/text/message.h"
 
+#include <string>
+#include <system_error>
+
 #include "core/text/TextBuilder.h"
 #include "core/text/printable.h"
+#include "sys/platform/ErrorText.h"
 
 namespace core {
 
 namespace {
 
-std::size_t const mostLines = 20;
+std::size_t const maxLines = 20;
+int const maxDescriptionLength = 2048;
 
 }  // namespace
 
@@ -20,7 +25,7 @@ String fillMessage(char const* pattern, std::span<MessageValue const> values) {
             break;
         }
         rest.remove_prefix(percent);
-        // '0' wraps around and is out of range like every other character.
+        // '0' wraps around and so is out of range, like every other character.
         auto const index = rest.size() > 1 ? static_cast<unsigned char>(rest[1] - '1') : 9U;
         bool const filled = index < 9 && index < values.size();
         text.Append(filled ? values[index].View() : rest.substr(0, 1));
@@ -31,6 +36,14 @@ String fillMessage(char const* pattern, std::span<MessageValue const> values) {
 
 String hex(unsigned long long value, int digits) {
     return String::format("0x%1").argi(1, value, digits, 16);
+}
+
+String errnoDescription(int number) {
+    return String(sys::platform::errorText(number).c_str(), maxDescriptionLength);
+}
+
+String cLibraryErrorText(int number) {
+    return String(std::generic_category().message(number).c_str(), maxDescriptionLength);
 }
 
 std::vector<Fault> faultsFromEntries(StringArray const& entries) {
@@ -48,12 +61,12 @@ String faultLine(Fault const& error) {
 
 std::vector<String> faultLines(std::vector<Fault> const& errors) {
     std::vector<String> lines;
-    for (std::size_t i = 0; i < errors.size() && i < mostLines; ++i) {
+    for (std::size_t i = 0; i < errors.size() && i < maxLines; ++i) {
         lines.push_back(faultLine(errors[i]));
     }
-    if (errors.size() > mostLines) {
+    if (errors.size() > maxLines) {
         lines.push_back(
-            faultLine(fault("More errors", "There are %1 more", errors.size() - mostLines)));
+            faultLine(fault("More errors", "There are %1 more", errors.size() - maxLines)));
     }
     return lines;
 }

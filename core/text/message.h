@@ -38,8 +38,15 @@ template <class... Values>
     return fillMessage(pattern, {list, sizeof...(values)});
 }
 
-/// Returns "0x" and value in hexadecimal, with at least digits digits.
+/// Returns "0x" and value in hexadecimal, zero-padded to digits digits.
 [[nodiscard]] String hex(unsigned long long value, int digits);
+
+/// Returns the operating system's description of an error number, at most 2048 characters. On
+/// Windows, numbers are system error codes, not errno values: 13 is "The data is invalid.".
+[[nodiscard]] String errnoDescription(int number);
+/// Returns the C library's description of an errno value, at most 2048 characters, on all systems:
+/// 13 is "Permission denied".
+[[nodiscard]] String cLibraryErrorText(int number);
 
 /// An error as users see it: "*** title: message". Create it with fault() only: the test of
 /// docs/errors.md finds all errors by that name.

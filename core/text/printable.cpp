@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <iterator>
-#include <string>
 
 #include "core/text/unicode.h"
 
@@ -20,20 +19,20 @@ constexpr Range controls[] = {{0x00, 0x1F},     {0x7F, 0x9F},     {0x61C, 0x61C}
 
 }  // namespace
 
-bool isControl(char32_t point) {
-    return std::any_of(std::begin(controls), std::end(controls), [point](Range const& range) {
-        return point >= range.first && point <= range.last;
+bool isControl(char32_t codePoint) {
+    return std::any_of(std::begin(controls), std::end(controls), [codePoint](Range const& range) {
+        return codePoint >= range.first && codePoint <= range.last;
     });
 }
 
 String printable(String const& text) {
-    std::string shown;
+    TextBuilder shown;
     for (std::string_view rest = text.View(); !rest.empty();) {
-        char32_t point = 0;
-        bool const valid = unicode::takePoint(rest, point);
-        unicode::appendPoint(valid && !isControl(point) ? point : U'?', shown);
+        char32_t codePoint = 0;
+        bool const valid = unicode::decodeCodePoint(rest, codePoint);
+        unicode::appendCodePoint(valid && !isControl(codePoint) ? codePoint : U'?', shown);
     }
-    return String(std::string_view(shown));
+    return shown.AsString();
 }
 
 }  // namespace core

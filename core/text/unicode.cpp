@@ -4,12 +4,12 @@ namespace core::unicode {
 
 namespace {
 
-/// The forms of a character by its first byte.
+/// A length of the encoding, by the bits of its first byte.
 struct Form {
     unsigned char mask;
     unsigned char lead;
     unsigned length;
-    char32_t smallest;  ///< below it a shorter form would do
+    char32_t smallest;  ///< smaller values have a shorter form
 };
 
 constexpr Form forms[] = {
@@ -21,8 +21,8 @@ constexpr Form forms[] = {
 
 char32_t const largest = 0x10FFFF;
 
-/// The character at the front; false when it is not one of that form.
-bool readForm(std::string_view utf8, Form const& form, char32_t& point) {
+/// Decodes the first code codePoint. Returns false if it does not have this form.
+bool readForm(std::string_view utf8, Form const& form, char32_t& codePoint) {
     auto const byteAt = [utf8](unsigned i) { return static_cast<unsigned char>(utf8[i]); };
     if ((byteAt(0) & form.mask) != form.lead || utf8.size() < form.length) {
         return false;
@@ -34,34 +34,34 @@ bool readForm(std::string_view utf8, Form const& form, char32_t& point) {
         }
         read = read << 6 | (byteAt(i) & 0x3FU);
     }
-    point = read;
-    bool const surrogate = point >= 0xD800 && point <= 0xDFFF;
-    return point >= form.smallest && point <= largest && !surrogate;
+    codePoint = read;
+    bool const surrogate = codePoint >= 0xD800 && codePoint <= 0xDFFF;
+    return codePoint >= form.smallest && codePoint <= largest && !surrogate;
 }
 
 }  // namespace
 
-bool takePoint(std::string_view& utf8, char32_t& point) {
+bool decodeCodePoint(std::string_view& utf8, char32_t& codePoint) {
     for (Form const& form : forms) {
-        if (readForm(utf8, form, point)) {
+        if (readForm(utf8, form, codePoint)) {
             utf8.remove_prefix(form.length);
             return true;
         }
     }
-    point = replacement;
+    codePoint = replacement;
     utf8.remove_prefix(1);
     return false;
 }
 
-void appendPoint(char32_t point, std::string& utf8) {
+void appendCodePoint(char32_t codePoint, TextBuilder& utf8) {
     unsigned length = 1;
-    while (length < 4 && point >= forms[length].smallest) {
+    while (length < 4 && codePoint >= forms[length].smallest) {
         ++length;
     }
     unsigned const shift = 6 * (length - 1);
-    utf8.push_back(static_cast<char>(forms[length - 1].lead | point >> shift));
+    utf8.Append(static_cast<char>(forms[length - 1].lead | codePoint >> shift));
     for (unsigned rest = shift; rest > 0; rest -= 6) {
-        utf8.push_back(static_cast<char>(0x80U | (point >> (rest - 6) & 0x3FU)));
+        utf8.Append(static_cast<char>(0x80U | (codePoint >> (rest - 6) & 0x3FU)));
     }
 }
 

@@ -1,23 +1,24 @@
 #pragma once
 
-#include <string>
 #include <string_view>
+
+#include "core/text/TextBuilder.h"
 
 namespace core::unicode {
 
-/// What stands for a character that cannot be read.
+/// Replaces a character that cannot be decoded: U+FFFD.
 inline constexpr char32_t replacement = 0xFFFD;
 
-/// Takes the first character off a UTF-8 text that is not empty. False when it begins with none
-/// (an overlong form, a surrogate, a number past 0x10FFFF, a sequence cut short); then one byte is
-/// taken off and point is the replacement character.
-bool takePoint(std::string_view& utf8, char32_t& point);
+/// Removes the first code point from UTF-8 text that is not empty and stores it. Returns false if
+/// the text begins with an invalid or truncated sequence (an overlong form, a surrogate and a value
+/// above 0x10FFFF are invalid): then removes one byte and stores the replacement character.
+bool decodeCodePoint(std::string_view& utf8, char32_t& codePoint);
 
-/// Appends a character; point must be one.
-void appendPoint(char32_t point, std::string& utf8);
+/// Appends a valid code point in UTF-8.
+void appendCodePoint(char32_t codePoint, TextBuilder& utf8);
 
-/// Returns the text in simple case folding: equal for texts that differ only in case. Bytes that
-/// are not UTF-8 become replacement characters.
-[[nodiscard]] std::string foldCase(std::string_view utf8);
+/// Returns the text in simple case folding, which is equal for texts that differ only in case.
+/// Invalid bytes become replacement characters; the result ends at the first NUL.
+[[nodiscard]] String foldCase(std::string_view utf8);
 
 }  // namespace core::unicode

@@ -21,7 +21,7 @@ TEST_F(FileStreamTest, OneThatIsNotOpenFails) {
     EXPECT_EQ(stream.Open(Path("none"), platform::openRead), -ENOENT);
     EXPECT_FALSE(stream.IsOpened());
     EXPECT_EQ(stream.Close(), 0);
-    EXPECT_EQ(stream.Size() + stream.Sync() + stream.CutAt(0), -3 * EBADF);
+    EXPECT_EQ(stream.Size() + stream.Sync() + stream.Truncate(0), -3 * EBADF);
     EXPECT_EQ(std::string(stream.ClassName()) + core::HandleStream().ClassName(),
               "FileStreamHandleStream");
 }
@@ -44,7 +44,7 @@ TEST_F(FileStreamTest, GoesToPositionsBeyondFourGiB) {
     char read[4] = {};
     EXPECT_EQ(stream.Read(read, 4), 3);
     EXPECT_STREQ(read, "end");
-    EXPECT_EQ(stream.CutAt(far) + stream.Sync() + stream.Size(), far);
+    EXPECT_EQ(stream.Truncate(far) + stream.Sync() + stream.Size(), far);
 }
 
 }  // namespace

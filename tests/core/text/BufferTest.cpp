@@ -5,7 +5,7 @@
 
 #include "core/text/Buffer.h"
 #include "core/text/MChar.h"
-#include "core/text/strCopy.h"
+#include "core/text/cStrings.h"
 #include "core/text/unicode.h"
 #include "tests/core/text/joined.h"
 
@@ -62,9 +62,10 @@ TEST(Buffer, RoomOfAnySizeGetsWhatFitsAndANul) {
 TEST(Unicode, FoldsEveryCodePointAsUnicode15) {
     unsigned long long sum = 0;
     for (char32_t point = 1; point <= 0x10FFFF; point += point == 0xD7FF ? 0x801 : 1) {
-        std::string text;
-        core::unicode::appendPoint(point, text);
-        for (char const byte : core::unicode::foldCase(text)) {
+        TextBuilder text;
+        unicode::appendCodePoint(point, text);
+        String const folded = unicode::foldCase(text.View());
+        for (char const byte : folded.View()) {
             sum = sum * 31 + static_cast<unsigned char>(byte);
         }
     }

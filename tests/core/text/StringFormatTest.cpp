@@ -2,7 +2,7 @@
 
 #include <cerrno>
 
-#include "core/text/errnoDescription.h"
+#include "core/text/message.h"
 #include "tests/core/text/joined.h"
 #include "tests/support/system.h"
 

@@ -4,7 +4,7 @@
 #include <cmath>
 
 #include "core/text/String.h"
-#include "core/text/strToNumber.h"
+#include "core/text/cStrings.h"
 #include "tests/support/PrintText.h"
 
 namespace {

@@ -2,8 +2,8 @@
 #include <cstdlib>
 
 #include "core/text/String.h"
+#include "core/text/cStrings.h"
 #include "core/text/parseNumber.h"
-#include "core/text/strToNumber.h"
 #include "fuzz/Input.h"
 #include "fuzz/require.h"
 

@@ -1,5 +1,6 @@
-#include "core/text/strToNumber.h"
+#include "core/text/cStrings.h"
 
+#include <cstring>
 #include <limits>
 #include <type_traits>
 
@@ -34,7 +35,7 @@ Number front(char const* text) {
     return valueOf<Number>(read<Number>(viewOf(text)));
 }
 
-/// Stores the number that is the whole text; false, and nothing stored, when it is none.
+/// Stores the number if it is the whole text. Returns false, leaving value unchanged, otherwise.
 template <class Number>
 bool whole(std::string_view text, Number& value) {
     ParsedNumber const number = read<Number>(text);
@@ -65,6 +66,38 @@ int list(char const* text, Number* values, int count, Number defaultValue, char 
 
 }  // namespace
 
+char* _strNCpy(char* target, char const* source, int size) {
+    _strCopyLimited(target, size, source);
+    return target;
+}
+
+int _strCopyLimited(char* target, int size, char const* source) {
+    if (target == nullptr || size < 1) {
+        return 0;
+    }
+    int length = 0;
+    // Do not use strlen: the source may be much longer than what fits.
+    for (; source != nullptr && length < size - 1 && source[length] != '\0'; ++length) {
+        target[length] = source[length];
+    }
+    target[length] = '\0';
+    return length;
+}
+
+int _strConcatLimited(char* target, int size, char const* source) {
+    if (target == nullptr || size < 1) {
+        return 0;
+    }
+    auto const* const end =
+        static_cast<char*>(std::memchr(target, '\0', static_cast<std::size_t>(size)));
+    int const used = end != nullptr ? static_cast<int>(end - target) : size - 1;
+    return _strCopyLimited(target + used, size - used, source);
+}
+
+char const* _strChr(char const* text, char c) {
+    return text != nullptr && c != '\0' ? std::strchr(text, c) : nullptr;
+}
+
 int strToInt(char const* text) {
     return front<int>(text);
 }
@@ -85,7 +118,7 @@ double strToFloat(char const* text) {
     String const whole(text);
     int end = -1;
     double const value = whole.ToFloat(&end, 0);
-    // ToFloat takes whole texts only: what lies behind the number goes first.
+    // ToFloat accepts whole strings only: remove the rest first.
     return end > 0 ? whole.Left(end).ToFloat() : value;
 }
 
