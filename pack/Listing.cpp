@@ -3,11 +3,11 @@
 #include <algorithm>
 #include <array>
 
-#include "core/console/UsageText.h"
 #include "core/console/lines.h"
 #include "core/text/printable.h"
 #include "pack/printable.h"
 #include "pack/textNames.h"
+#include "program/usage.h"
 
 namespace pack {
 
@@ -126,7 +126,7 @@ void printTable(StreamSequencerReader const& reader) {
             widths[i] = std::max(widths[i], characters(row[i]));
         }
     }
-    printLine(core::usage::heading(lineOf(titles, widths)));
+    printLine(program::usage::heading(lineOf(titles, widths)));
     for (int file = 0; file < reader.FileCount(); ++file) {
         printLine(lineOf(rowOf(reader.File(file)), widths));
     }

@@ -2,8 +2,6 @@
 
 #include "core/console/Console.h"
 #include "core/console/lines.h"
-#include "core/runtime/runProgram.h"
-#include "core/text/StringArray.h"
 #include "pack/Listing.h"
 #include "pack/Manifest.h"
 #include "pack/PackProgress.h"
@@ -14,20 +12,19 @@
 #include "sys/ReplacementFile.h"
 #include "sys/file.h"
 #include "sys/openRegular.h"
-#include "sys/platform/InterruptWatch.h"
 
 namespace pack {
 
+using core::Fault;
 using core::message;
 using core::printLine;
 using core::printReport;
 using core::StreamSequencerBuilder;
 using core::StreamSequencerReader;
 using core::String;
+using program::ExitStatus;
 
 namespace {
-
-enum ExitStatus { done = 0, failed = 1, wrongUsage = 2 };
 
 int const doneColor = 10;
 
@@ -48,73 +45,45 @@ PackApplication::Command const PackApplication::commands[] = {
     {"x", "d", "f", &PackApplication::Extract},
 };
 
-PackApplication::PackApplication() : core::Application("ravelink-pack") {
-    setVersionModelName("Halvoren");
-    setVersionNumber(RAVELINK_VERSION_MAJOR, RAVELINK_VERSION_MINOR);
-    setDescription("Update Archives\n");
-}
+PackApplication::PackApplication()
+    : Program({"ravelink-pack", "Update Archives\n", optionGrammar, showUsage,
+               program::Interruption::terminateAndEndProcess}) {}
 
-void PackApplication::Main(int argc, char const* const* argv) {
-    core::StringArray entries;
-    CommandLinePrepare(argc, argv, optionGrammar, entries);
-    errors_ = core::faultsFromEntries(entries);
-    bool const help = errors_.empty() && FindOption("h");
-    if (errors_.empty() && !help) {
-        command_ = Chosen();
-    }
-    bool const forPrograms = command_ != nullptr && FindOption("j");
-    if (!forPrograms) {
-        printLine(getVersionLong(true));
-    }
-    if (command_ != nullptr) {
-        sys::platform::InterruptWatch watch([] { RequestTermination(normalRequest); });
-        Run();
-        watch.EndIfInterrupted();
-        return;
-    }
-    if (!help) {
-        ShowErrors();
-        result_ = wrongUsage;
-    }
-    showUsage();
-}
-
-PackApplication::Command const* PackApplication::Chosen() {
-    Command const* chosen = nullptr;
+void PackApplication::CheckOptions(std::vector<Fault>& errors) {
     int given = 0;
     for (Command const& command : commands) {
         if (FindOption(command.option)) {
-            chosen = &command;
+            command_ = &command;
             ++given;
         }
     }
     if (given != 1) {
-        errors_.push_back(
+        errors.push_back(
             core::fault("Nothing to do", "Please provide one of the options -b, -l, -c and -x"));
-        return nullptr;
+        return;
     }
     for (char const* const option : {"o", "d", "j", "f"}) {
-        bool const needed = String(chosen->needs) == option;
-        bool const allowed = needed || String(chosen->takes) == option;
+        bool const needed = String(command_->needs) == option;
+        bool const allowed = needed || String(command_->takes) == option;
         if (FindOption(option) ? !allowed : needed) {
-            errors_.push_back(needed ? core::fault("Option missing", "Option -%1 needs -%2",
-                                                   chosen->option, option)
-                                     : core::fault("Option without use", "Option -%1 takes no -%2",
-                                                   chosen->option, option));
+            errors.push_back(needed ? core::fault("Option missing", "Option -%1 needs -%2",
+                                                  command_->option, option)
+                                    : core::fault("Option without use", "Option -%1 takes no -%2",
+                                                  command_->option, option));
         }
     }
-    return errors_.empty() ? chosen : nullptr;
+    printsJson_ = errors.empty() && FindOption("j");
 }
 
 bool PackApplication::Init() {
     try {
         (this->*command_->work)();
     } catch (std::exception const& exception) {
-        errors_ = {core::faultFromException(exception)};
+        errors_ = {program::errorFromException(exception)};
     }
     // An interrupted program ends by its signal, without an error.
     if (!errors_.empty() && !IsTerminationRequested()) {
-        result_ = failed;
+        RaiseStatus(ExitStatus::failed);
         ShowErrors();
     }
     RequestTermination(normalRequest);
@@ -189,15 +158,14 @@ bool PackApplication::RefuseSourceAsTarget(StreamSequencerBuilder const& builder
 }
 
 void PackApplication::List() {
-    bool const json = FindOption("j");
-    PackProgress progress(json ? "" : "Read");
+    PackProgress progress(printsJson_ ? "" : "Read");
     StreamSequencerReader reader;
     if (ReadArchive(reader, progress)) {
-        json ? printJson(Value("l"), reader) : printTable(reader);
+        printsJson_ ? printJson(Value("l"), reader) : printTable(reader);
     }
     // Output is the only result here: a truncated list must not pass for a whole one.
     if (core::Console::hasLostText()) {
-        result_ = failed;
+        RaiseStatus(ExitStatus::failed);
     }
 }
 
@@ -256,13 +224,11 @@ bool PackApplication::ReadArchive(StreamSequencerReader& reader, core::ICopyCall
 }
 
 void PackApplication::ShowErrors() const {
-    if (command_ != nullptr && FindOption("j")) {
+    if (printsJson_) {
         printJsonError(Value("l"), errors_[0]);
         return;
     }
-    for (String const& line : core::faultLines(errors_)) {
-        printLine(line);
-    }
+    program::printErrors(errors_);
     printLine("");
 }
 

@@ -4,26 +4,22 @@
 
 #include "core/archive/StreamSequencerBuilder.h"
 #include "core/archive/StreamSequencerReader.h"
-#include "core/runtime/Application.h"
 #include "core/stream/FileStream.h"
 #include "core/text/String.h"
 #include "core/text/message.h"
+#include "program/Program.h"
 
 namespace pack {
 
 /// The program that builds, lists, checks or extracts an update archive.
-class PackApplication : public core::Application {
+class PackApplication : public program::Program {
 public:
     PackApplication();
 
-    /// Prints the banner, unless the output is JSON, and then the errors and the usage screen, the
-    /// usage screen alone, or the output of the command.
-    void Main(int argc, char const* const* argv);
-
-    /// 0 done, 1 failed, 2 wrong usage.
-    int Result() override { return result_; }
-
 protected:
+    /// Selects the command.
+    void CheckOptions(std::vector<core::Fault>& errors) override;
+    bool HasBanner() const override { return !printsJson_; }
     /// Does the whole work and requests termination.
     bool Init() override;
 
@@ -31,7 +27,6 @@ private:
     struct Command;
     static Command const commands[];
 
-    Command const* Chosen();
     void Build();
     void List();
     void Check();
@@ -47,9 +42,9 @@ private:
     void ShowErrors() const;
     core::String Value(char const* option) const;
 
-    int result_ = 0;
     std::vector<core::Fault> errors_;
     Command const* command_ = nullptr;
+    bool printsJson_ = false;  ///< and nothing else
     core::FileStream archive_;
 };
 

@@ -54,7 +54,8 @@ UNDOCUMENTED = re.compile(r"(- | |>  ).*|.*\\n|((?![A-Za-z] [A-Za-z]).)*", re.S)
 def code_of(program):
     files = [file for file in (SOURCE / DIRECTORIES[program]).rglob("*")
              if re.fullmatch(r"(?!usage|Listing).*\.(cpp|h)", file.name)]
-    shared = ["core/runtime/ApplicationOptions.cpp", "core/runtime/runProgram.cpp"]
+    shared = ["core/runtime/ApplicationOptions.cpp", "core/runtime/runProgram.cpp",
+              "program/Program.cpp"]
     if program != "ravelink":
         shared += ["sys/ConfFile.cpp", "core/text/message.cpp"]
     text = "".join(file.read_text() for file in sorted(files)) + "".join(map(source, shared))

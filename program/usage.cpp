@@ -1,0 +1,52 @@
+#include "program/usage.h"
+
+#include <algorithm>
+
+#include "core/console/Console.h"
+#include "core/console/lines.h"
+
+namespace program::usage {
+
+using core::Console;
+using core::String;
+
+namespace {
+
+// By number: the names of the enumerators are those of the codes 30 to 37 and 90 to 97.
+constexpr auto grey = Console::Color{7};
+constexpr auto headingColor = Console::Color{11};
+constexpr auto optionColor = Console::Color{14};
+constexpr auto white = Console::Color{15};
+
+}  // namespace
+
+String heading(String const& text) {
+    return Console::color(text, headingColor);
+}
+
+String literal(String const& text) {
+    return Console::color(text, white);
+}
+
+String optional(String const& text) {
+    return Console::color(text, grey);
+}
+
+void print(std::initializer_list<Line> lines) {
+    int longest = 0;
+    for (Line const& line : lines) {
+        longest = std::max(longest, line.meaning.IsEmpty() ? 0 : line.text.GetLength());
+    }
+    for (Line const& line : lines) {
+        if (line.meaning.IsEmpty()) {
+            core::printLine(line.text);
+            continue;
+        }
+        String const padding = String::OfChar(' ', longest + 2 - line.text.GetLength());
+        core::printLine("\t" + Console::color(line.text + padding, optionColor) + ": " +
+                        line.meaning);
+    }
+    core::printLine("");
+}
+
+}  // namespace program::usage
