@@ -13,7 +13,7 @@ struct ScenarioRecord {
     std::optional<std::uint32_t> value;
 };
 
-enum class Verb {
+enum class ActionType {
     notify,      ///< the records, each in a send of its own
     together,    ///< the records in one send
     drip,        ///< the records byte by byte, numbers[0] ms apart
@@ -32,7 +32,7 @@ enum class Verb {
 
 /// One thing that a scenario has the device do at a step.
 struct Action {
-    Verb verb;
+    ActionType type;
     /// At the data step: executed once this many bytes of the file are received.
     std::uint32_t after = 1;
     std::array<std::uint32_t, 2> numbers = {};

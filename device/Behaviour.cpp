@@ -4,8 +4,8 @@ namespace device {
 
 Behaviour::~Behaviour() = default;
 
-bool Behaviour::Act(Moment const& moment, Wire& wire) {
-    return !moment.answer || wire.Notify(*moment.answer);
+bool Behaviour::OnStep(StepContext const& context, DeviceConnection& connection) {
+    return !context.defaultReply || connection.Notify(*context.defaultReply);
 }
 
 }  // namespace device

@@ -80,7 +80,7 @@ bool DeviceApplication::Init() {
     if (!ReadAddress() || !ReadCount() || !ReadFolder() || !ReadScenario()) {
         return false;
     }
-    intake_.archivesOnly = FindOption("c");
+    policy_.archivesOnly = FindOption("c");
     awaited_ = count_;
     for (int i = 0; i < count_; ++i) {
         if (!StartDevice(i)) {
@@ -134,7 +134,7 @@ bool DeviceApplication::ReadFolder() {
     if (!GetOptionValues("d", folder)) {
         return true;
     }
-    intake_.folder = folder.View();
+    policy_.folder = folder.View();
     if (!sys::file::isDirectory(folder)) {
         return Quit({core::fault("Folder missing",
                                  "Cannot find the folder \"%1\" to store updates in", folder)},
@@ -159,7 +159,7 @@ bool DeviceApplication::StartDevice(int index) {
     device.reporter =
         std::make_unique<Reporter>(prefix, detail, FindOption("once") ? &awaited_ : nullptr);
     device.server =
-        std::make_unique<DeviceServer>(scenario_, *device.reporter, DeviceLimits(), intake_);
+        std::make_unique<DeviceServer>(scenario_, *device.reporter, DeviceTimeouts(), policy_);
     IPv4Address address = address_;
     if (address.Port() != 0) {
         address.SetPortA(address.Port() + index);

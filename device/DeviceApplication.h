@@ -52,7 +52,7 @@ private:
     int result_ = 0;
     core::IPv4Address address_;  ///< of the first device
     int count_ = 1;
-    Intake intake_;
+    UpdatePolicy policy_;
     Scenario scenario_;
     std::atomic<int> awaited_ = 0;  ///< devices whose first update has not ended yet
     std::vector<Device> devices_;

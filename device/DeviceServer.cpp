@@ -2,19 +2,19 @@
 
 #include <new>
 
-#include "device/Conversation.h"
-#include "device/Inbox.h"
-#include "device/Wire.h"
+#include "device/DeviceConnection.h"
+#include "device/DeviceSession.h"
+#include "device/ReceivedUpdate.h"
 
 namespace device {
 
-DeviceServer::DeviceServer(Behaviour& behaviour, Observer& observer, DeviceLimits const& limits,
-                           Intake const& intake)
+DeviceServer::DeviceServer(Behaviour& behaviour, Observer& observer, DeviceTimeouts const& timeouts,
+                           UpdatePolicy const& policy)
     : ServerSocket(core::SocketType::stream),
       behaviour_(behaviour),
       observer_(observer),
-      limits_(limits),
-      intake_(intake) {}
+      timeouts_(timeouts),
+      policy_(policy) {}
 
 DeviceServer::~DeviceServer() {
     stop_ = true;
@@ -27,31 +27,31 @@ char const* DeviceServer::ClassName() const {
 
 void DeviceServer::HandleConnection(core::ClassRef<core::Socket>& socket, core::String const& bind,
                                     int) {
-    Outcome outcome = Outcome::exhausted;
+    UpdateResult result = UpdateResult::exhausted;
     try {
-        outcome = Serve(*socket, bind);
+        result = Serve(*socket, bind);
     } catch (std::bad_alloc const&) {
-        // What the conversation held is released by now: the device goes on with the next.
+        // What the session held is released by now: the device goes on with the next.
     }
-    observer_.OnEnd(outcome);
+    observer_.OnEnd(result);
 }
 
-Outcome DeviceServer::Serve(core::Socket& socket, core::String const& bind) {
+UpdateResult DeviceServer::Serve(core::Socket& socket, core::String const& bind) {
     core::String peer;
     socket.GetTarget(peer);
     observer_.OnConnection(peer);
-    Wire wire(socket, limits_, observer_, stop_);
+    DeviceConnection connection(socket, timeouts_, observer_, stop_);
     core::String name;
     if (socket.GetSockName(name, true) != core::socket_result::success) {
         name = bind;
     }
     // A colon, which an IPv6 address has, is no part of a file's name everywhere.
-    Inbox inbox(intake_, name.Replace("|", "-").Replace(":", "."));
+    ReceivedUpdate received(policy_, name.Replace("|", "-").Replace(":", "."));
     // The number of the update, from 1 on, serves as its token: a zeroed record never matches.
-    Conversation conversation(wire, behaviour_, observer_, inbox, ++updates_);
-    Outcome const outcome = conversation.Run();
-    wire.Finish();
-    return outcome;
+    DeviceSession session(connection, behaviour_, observer_, received, ++updates_);
+    UpdateResult const result = session.Run();
+    connection.CloseGracefully();
+    return result;
 }
 
 }  // namespace device

@@ -5,9 +5,9 @@
 
 #include "core/net/ServerSocket.h"
 #include "device/Behaviour.h"
-#include "device/DeviceLimits.h"
-#include "device/Intake.h"
+#include "device/DeviceTimeouts.h"
 #include "device/Observer.h"
+#include "device/UpdatePolicy.h"
 
 namespace device {
 
@@ -15,8 +15,8 @@ namespace device {
 class DeviceServer : public core::ServerSocket {
 public:
     /// Behaviour and observer must outlive the server.
-    DeviceServer(Behaviour& behaviour, Observer& observer, DeviceLimits const& limits = {},
-                 Intake const& intake = {});
+    DeviceServer(Behaviour& behaviour, Observer& observer, DeviceTimeouts const& timeouts = {},
+                 UpdatePolicy const& policy = {});
     /// Breaks off what is under way and stops.
     ~DeviceServer() override;
 
@@ -27,12 +27,12 @@ protected:
                           int index) override;
 
 private:
-    Outcome Serve(core::Socket& socket, core::String const& bind);
+    UpdateResult Serve(core::Socket& socket, core::String const& bind);
 
     Behaviour& behaviour_;
     Observer& observer_;
-    DeviceLimits const limits_;
-    Intake const intake_;
+    DeviceTimeouts const timeouts_;
+    UpdatePolicy const policy_;
     std::atomic<bool> stop_ = false;
     std::atomic<std::uint32_t> updates_ = 0;
 };

@@ -3,41 +3,51 @@
 #include <cstdint>
 
 #include "core/text/String.h"
-#include "device/Outcome.h"
 #include "update/protocol/records.h"
 
 namespace device {
 
-/// Is told what happens on a connection, in order; does nothing by itself. Conversations on
-/// several addresses tell the same object from several threads. Records are in host order.
+/// How a session with an updater ended.
+enum class UpdateResult {
+    complete,   ///< the update was received, checked and reported complete
+    rejected,   ///< the device sent an error notification
+    ended,      ///< the updater closed or lost the connection
+    timedOut,   ///< the updater sent, or accepted, no data within the timeout
+    stopped,    ///< the device was stopped
+    aborted,    ///< the behaviour ended the session
+    exhausted,  ///< the device ran out of memory
+};
+
+/// Receives the events of connections, in order; by default ignores them. Sessions on several
+/// addresses call it from several threads. Records are in host byte order.
 class Observer {
 public:
-    virtual ~Observer();
+    virtual ~Observer() = default;
 
-    virtual void OnConnection(core::String const& peer);
-    /// The bytes of a record, or of its beginning when no more came, as they travelled; what they
-    /// mean is told behind this.
-    virtual void OnReceived(void const* bytes, int length);
-    /// We have sent bytes: what they mean is told behind this, if anything.
-    virtual void OnSent(void const* bytes, int length);
-    virtual void OnRequest(update::UpdateRequest const& request);
-    virtual void OnHeader(update::UpdateTransferHeader const& header);
-    virtual void OnData(void const* bytes, int length);
-    /// The whole file is here; crc is that of the bytes that came.
-    virtual void OnFile(std::uint32_t size, std::uint32_t crc);
-    /// The update was read as an archive, with the result of StreamSequencerReader::Read, and holds
-    /// that many files. Only where the device takes nothing but archives.
-    virtual void OnArchive(int result, int files);
-    /// The update could not be read as an archive: its file, which is at path, failed with a
-    /// negative errno value. Comes in the place of OnArchive.
-    virtual void OnNotChecked(int error, core::String const& path);
-    /// The update was stored at path, or could not be, with a negative errno value. Only where the
-    /// device stores updates.
-    virtual void OnStored(int result, core::String const& path);
-    virtual void OnTrailer(update::UpdateTransferTrailer const& trailer);
-    /// We have sent a notification.
-    virtual void OnNotification(std::uint32_t code, std::uint32_t value);
-    virtual void OnEnd(Outcome outcome);
+    virtual void OnConnection(core::String const& /*peer*/) {}
+    /// The bytes of a record in wire order, or those received of an incomplete one. Called before
+    /// the event of the record.
+    virtual void OnReceived(void const* /*bytes*/, int /*length*/) {}
+    /// The device has sent bytes. Called before OnNotification, if they contain a notification.
+    virtual void OnSent(void const* /*bytes*/, int /*length*/) {}
+    virtual void OnRequest(update::UpdateRequest const& /*request*/) {}
+    virtual void OnHeader(update::UpdateTransferHeader const& /*header*/) {}
+    virtual void OnData(void const* /*bytes*/, int /*length*/) {}
+    /// The whole file is received; crc is the CRC-32 of the received bytes.
+    virtual void OnFile(std::uint32_t /*size*/, std::uint32_t /*crc*/) {}
+    /// The update was read as an archive of this many files; result is that of
+    /// StreamSequencerReader::Check. Only if the device accepts only archives.
+    virtual void OnArchive(int /*result*/, int /*files*/) {}
+    /// The update could not be checked: its file at path failed with error, a negative errno value.
+    /// Replaces OnArchive.
+    virtual void OnNotChecked(int /*error*/, core::String const& /*path*/) {}
+    /// The update was stored at path (result 0), or could not be (a negative errno value). Only if
+    /// the device stores updates.
+    virtual void OnStored(int /*result*/, core::String const& /*path*/) {}
+    virtual void OnTrailer(update::UpdateTransferTrailer const& /*trailer*/) {}
+    /// The device has sent a valid notification.
+    virtual void OnNotification(std::uint32_t /*code*/, std::uint32_t /*value*/) {}
+    virtual void OnEnd(UpdateResult /*result*/) {}
 };
 
 }  // namespace device

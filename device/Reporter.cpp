@@ -20,23 +20,23 @@ using core::String;
 
 namespace {
 
-/// How a conversation ended, unless the update is complete.
-std::optional<core::Fault> errorOf(Outcome outcome) {
-    switch (outcome) {
-        case Outcome::complete:
+/// How a session ended, unless the update is complete.
+std::optional<core::Fault> errorOf(UpdateResult result) {
+    switch (result) {
+        case UpdateResult::complete:
             return {};
-        case Outcome::refused:
+        case UpdateResult::rejected:
             return core::fault("Update refused", "The updater was told why");
-        case Outcome::ended:
+        case UpdateResult::ended:
             return core::fault("Connection ended",
                                "The updater closed the connection before the end");
-        case Outcome::silent:
+        case UpdateResult::timedOut:
             return core::fault("Updater silent", "Nothing came within the time limit");
-        case Outcome::stopped:
+        case UpdateResult::stopped:
             return core::fault("Stopped", "The update was broken off because the device stops");
-        case Outcome::misbehaved:
+        case UpdateResult::aborted:
             return core::fault("Update broken off", "The device could not or would not go on");
-        case Outcome::exhausted:
+        case UpdateResult::exhausted:
             return core::fault("Out of memory", "The device could not go on with the update");
     }
     return {};
@@ -138,8 +138,8 @@ void Reporter::OnNotification(std::uint32_t code, std::uint32_t value) {
     Print(core::message("  Sent: %1, value %2", update::nameOfCode(code), word(value)));
 }
 
-void Reporter::OnEnd(Outcome outcome) {
-    completed_ = outcome == Outcome::complete;
+void Reporter::OnEnd(UpdateResult result) {
+    completed_ = result == UpdateResult::complete;
     // First, because a line may find no memory: the application waits for the lines anyway.
     if (awaited_ != nullptr && std::exchange(awaited_, nullptr)->fetch_sub(1) == 1) {
         core::Application::RequestTermination(core::Application::normalRequest);
@@ -147,7 +147,7 @@ void Reporter::OnEnd(Outcome outcome) {
     if (completed_) {
         Print(Console::color("- The update is complete.", Console::Color::brightGreen));
     }
-    if (auto const error = errorOf(outcome)) {
+    if (auto const error = errorOf(result)) {
         Print(core::faultLine(*error));
     }
 }

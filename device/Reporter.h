@@ -17,11 +17,11 @@ public:
         bytes,  ///< also what travels, in hexadecimal, with the time since the connection opened
     };
 
-    /// Lines begin with prefix. The first conversation that ends counts awaited (null: nothing)
+    /// Lines begin with prefix. The first session that ends counts awaited (null: nothing)
     /// down, which ends the application at 0; it must outlive this object.
     Reporter(core::String const& prefix, Detail detail, std::atomic<int>* awaited);
 
-    /// Whether the last conversation ended in a complete update.
+    /// Whether the last session ended in a complete update.
     bool Completed() const { return completed_; }
 
     void OnConnection(core::String const& peer) override;
@@ -35,7 +35,7 @@ public:
     void OnStored(int result, core::String const& path) override;
     void OnTrailer(update::UpdateTransferTrailer const& trailer) override;
     void OnNotification(std::uint32_t code, std::uint32_t value) override;
-    void OnEnd(Outcome outcome) override;
+    void OnEnd(UpdateResult result) override;
 
 private:
     void Print(core::String const& line) const;

@@ -11,10 +11,10 @@ using update::UpdateNotification;
 
 namespace {
 
-std::uint32_t honestValue(std::uint32_t code, Moment const& moment) {
+std::uint32_t defaultValue(std::uint32_t code, StepContext const& context) {
     switch (code) {
         case UpdateNotification::Accepted:
-            return moment.token;
+            return context.token;
         case UpdateNotification::Complete:
             return UpdateNotification::FirmwareRestart;
         default:
@@ -22,70 +22,72 @@ std::uint32_t honestValue(std::uint32_t code, Moment const& moment) {
     }
 }
 
-Notification meant(ScenarioRecord const& record, Moment const& moment) {
-    return {record.code, record.value.value_or(honestValue(record.code, moment))};
+Notification meant(ScenarioRecord const& record, StepContext const& context) {
+    return {record.code, record.value.value_or(defaultValue(record.code, context))};
 }
 
 /// The records as they travel, with some bits of magic and CRC turned.
-std::string bytesOf(Action const& action, Moment const& moment, std::uint32_t magicFault = 0,
+std::string bytesOf(Action const& action, StepContext const& context, std::uint32_t magicFault = 0,
                     std::uint32_t crcFault = 0) {
     std::string bytes;
     for (ScenarioRecord const& record : action.records) {
-        UpdateNotification const onWire =
-            Wire::Encode(meant(record, moment), update::wireMagic ^ magicFault, crcFault);
+        UpdateNotification const onWire = DeviceConnection::Encode(
+            meant(record, context), update::wireMagic ^ magicFault, crcFault);
         bytes.append(reinterpret_cast<char const*>(&onWire), sizeof onWire);
     }
     return bytes;
 }
 
-bool send(Wire& wire, std::string const& bytes, std::size_t most = std::string::npos) {
-    return wire.Send(bytes.data(), static_cast<int>(std::min(bytes.size(), most)));
+bool send(DeviceConnection& connection, std::string const& bytes,
+          std::size_t most = std::string::npos) {
+    return connection.Send(bytes.data(), static_cast<int>(std::min(bytes.size(), most)));
 }
 
-bool notify(Action const& action, Moment const& moment, Wire& wire) {
-    return std::all_of(action.records.begin(), action.records.end(),
-                       [&](auto const& record) { return wire.Notify(meant(record, moment)); });
+bool notify(Action const& action, StepContext const& context, DeviceConnection& connection) {
+    return std::all_of(action.records.begin(), action.records.end(), [&](auto const& record) {
+        return connection.Notify(meant(record, context));
+    });
 }
 
-void said(Action const& action, Moment const& moment, Wire& wire) {
+void said(Action const& action, StepContext const& context, DeviceConnection& connection) {
     for (ScenarioRecord const& record : action.records) {
-        wire.Said(meant(record, moment));
+        connection.RecordNotification(meant(record, context));
     }
 }
 
-bool together(Action const& action, Moment const& moment, Wire& wire) {
-    bool const sent = send(wire, bytesOf(action, moment));
+bool together(Action const& action, StepContext const& context, DeviceConnection& connection) {
+    bool const sent = send(connection, bytesOf(action, context));
     if (sent) {
-        said(action, moment, wire);
+        said(action, context, connection);
     }
     return sent;
 }
 
-bool drip(Action const& action, Moment const& moment, Wire& wire) {
-    for (char const byte : bytesOf(action, moment)) {
-        if (!wire.Send(&byte, 1) || !wire.Pause(action.numbers[0])) {
+bool drip(Action const& action, StepContext const& context, DeviceConnection& connection) {
+    for (char const byte : bytesOf(action, context)) {
+        if (!connection.Send(&byte, 1) || !connection.Pause(action.numbers[0])) {
             return false;
         }
     }
-    said(action, moment, wire);
+    said(action, context, connection);
     return true;
 }
 
-bool repeat(Action const& action, Moment const& moment, Wire& wire) {
+bool repeat(Action const& action, StepContext const& context, DeviceConnection& connection) {
     for (std::uint32_t i = 0; i < action.numbers[0]; ++i) {
-        if (!notify(action, moment, wire) || !wire.Pause(action.numbers[1])) {
+        if (!notify(action, context, connection) || !connection.Pause(action.numbers[1])) {
             return false;
         }
     }
     return true;
 }
 
-bool sendGarbage(std::uint32_t length, Wire& wire, std::mt19937& random) {
+bool sendGarbage(std::uint32_t length, DeviceConnection& connection, std::mt19937& random) {
     char piece[1024];
     while (length > 0) {
         std::uint32_t const count = std::min<std::uint32_t>(length, sizeof piece);
         std::generate_n(piece, count, [&] { return static_cast<char>(random()); });
-        if (!wire.Send(piece, static_cast<int>(count))) {
+        if (!connection.Send(piece, static_cast<int>(count))) {
             return false;
         }
         length -= count;
@@ -95,60 +97,60 @@ bool sendGarbage(std::uint32_t length, Wire& wire, std::mt19937& random) {
 
 }  // namespace
 
-bool Scenario::Act(Moment const& moment, Wire& wire) {
-    if (moment.step == Step::Connect && receiveBuffer > 0) {
-        wire.LimitReceiveBuffer(receiveBuffer);
+bool Scenario::OnStep(StepContext const& context, DeviceConnection& connection) {
+    if (context.step == Step::connect && receiveBuffer > 0) {
+        connection.LimitReceiveBuffer(receiveBuffer);
     }
-    auto const found = steps.find(moment.step);
-    bool const refuses = moment.answer && update::isError(moment.answer->code);
+    auto const found = steps.find(context.step);
+    bool const refuses = context.defaultReply && update::isError(context.defaultReply->code);
     if (found == steps.end() || refuses) {
-        return Behaviour::Act(moment, wire);
+        return Behaviour::OnStep(context, connection);
     }
     // A generator for each step, so that what one step takes of it changes no other.
-    std::mt19937 random(seed + static_cast<std::uint32_t>(moment.step));
+    std::mt19937 random(seed + static_cast<std::uint32_t>(context.step));
     return std::all_of(found->second.begin(), found->second.end(), [&](Action const& action) {
-        bool const due = moment.step != Step::Data ||
-                         (moment.before < action.after && action.after <= moment.bytes);
-        return !due || Do(action, moment, wire, random);
+        bool const due = context.step != Step::data || (context.bytesBefore < action.after &&
+                                                        action.after <= context.bytesReceived);
+        return !due || Execute(action, context, connection, random);
     });
 }
 
-bool Scenario::Do(Action const& action, Moment const& moment, Wire& wire,
-                  std::mt19937& random) const {
+bool Scenario::Execute(Action const& action, StepContext const& context,
+                       DeviceConnection& connection, std::mt19937& random) const {
     std::uint32_t const turnedBit = 1;
-    switch (action.verb) {
-        case Verb::notify:
-            return notify(action, moment, wire);
-        case Verb::together:
-            return together(action, moment, wire);
-        case Verb::drip:
-            return drip(action, moment, wire);
-        case Verb::cut:
-            return send(wire, bytesOf(action, moment), action.numbers[0]);
-        case Verb::wrongMagic:
-            return send(wire, bytesOf(action, moment, turnedBit, 0));
-        case Verb::wrongCrc:
-            return send(wire, bytesOf(action, moment, 0, turnedBit));
-        case Verb::garbage:
-            return sendGarbage(action.numbers[0], wire, random);
-        case Verb::repeat:
-            return repeat(action, moment, wire);
-        case Verb::flood:
-            while (notify(action, moment, wire)) {
+    switch (action.type) {
+        case ActionType::notify:
+            return notify(action, context, connection);
+        case ActionType::together:
+            return together(action, context, connection);
+        case ActionType::drip:
+            return drip(action, context, connection);
+        case ActionType::cut:
+            return send(connection, bytesOf(action, context), action.numbers[0]);
+        case ActionType::wrongMagic:
+            return send(connection, bytesOf(action, context, turnedBit, 0));
+        case ActionType::wrongCrc:
+            return send(connection, bytesOf(action, context, 0, turnedBit));
+        case ActionType::garbage:
+            return sendGarbage(action.numbers[0], connection, random);
+        case ActionType::repeat:
+            return repeat(action, context, connection);
+        case ActionType::flood:
+            while (notify(action, context, connection)) {
             }
             return false;
-        case Verb::wait:
-            return wire.Pause(action.numbers[0]);
-        case Verb::silent:
-            wire.Drain();
+        case ActionType::wait:
+            return connection.Pause(action.numbers[0]);
+        case ActionType::silent:
+            connection.Drain();
             return false;
-        case Verb::slow:
-            wire.SlowDown(static_cast<int>(action.numbers[0]), action.numbers[1]);
+        case ActionType::slow:
+            connection.SlowDown(static_cast<int>(action.numbers[0]), action.numbers[1]);
             return true;
-        case Verb::close:
+        case ActionType::close:
             return false;
-        case Verb::reset:
-            wire.Reset();
+        case ActionType::reset:
+            connection.Reset();
             return false;
     }
     return false;

@@ -11,11 +11,11 @@
 namespace device {
 
 /// A device that does at some steps what it was told, and is honest at the others. It acts in the
-/// same way in each conversation. What it must refuse it refuses at any step: a bad record of the
+/// same way in each session. What it must refuse it refuses at any step: a bad record of the
 /// updater is never covered up.
 class Scenario : public Behaviour {
 public:
-    bool Act(Moment const& moment, Wire& wire) override;
+    bool OnStep(StepContext const& context, DeviceConnection& connection) override;
 
     /// What is done at a step, in order; a step that is not here is that of an honest device.
     std::map<Step, std::vector<Action>> steps;
@@ -26,7 +26,8 @@ public:
     std::uint32_t receiveBuffer = 0;
 
 private:
-    bool Do(Action const& action, Moment const& moment, Wire& wire, std::mt19937& random) const;
+    bool Execute(Action const& action, StepContext const& context, DeviceConnection& connection,
+                 std::mt19937& random) const;
 };
 
 }  // namespace device

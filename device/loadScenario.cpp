@@ -21,10 +21,10 @@ struct StepName {
 };
 
 constexpr StepName stepNames[] = {
-    {"connect", Step::Connect},       {"request", Step::Request},
-    {"header", Step::Header},         {"data", Step::Data},
-    {"trailer", Step::Trailer},       {"checked", Step::Checked},
-    {"processing", Step::Processing}, {"complete", Step::Complete},
+    {"connect", Step::connect},       {"request", Step::request},
+    {"header", Step::header},         {"data", Step::data},
+    {"trailer", Step::trailer},       {"checked", Step::checked},
+    {"processing", Step::processing}, {"complete", Step::complete},
 };
 
 struct Range {
@@ -40,32 +40,32 @@ constexpr Range lessThanRecord = {1, update::recordSize - 1};
 
 enum class Records { none, one, some };
 
-struct VerbRule {
+struct ActionSyntax {
     char const* name;
-    Verb verb;
+    ActionType type;
     Range numbers[2];
     Records records;
 };
 
-constexpr VerbRule verbRules[] = {
-    {"notify", Verb::notify, {absent, absent}, Records::some},
-    {"together", Verb::together, {absent, absent}, Records::some},
-    {"drip", Verb::drip, {ms, absent}, Records::some},
-    {"cut", Verb::cut, {lessThanRecord, absent}, Records::one},
-    {"wrongMagic", Verb::wrongMagic, {absent, absent}, Records::some},
-    {"wrongCrc", Verb::wrongCrc, {absent, absent}, Records::some},
-    {"garbage", Verb::garbage, {bytes, absent}, Records::none},
-    {"repeat", Verb::repeat, {times, ms}, Records::some},
-    {"flood", Verb::flood, {absent, absent}, Records::some},
-    {"wait", Verb::wait, {ms, absent}, Records::none},
-    {"silent", Verb::silent, {absent, absent}, Records::none},
-    {"slow", Verb::slow, {bytes, ms}, Records::none},
-    {"close", Verb::close, {absent, absent}, Records::none},
-    {"reset", Verb::reset, {absent, absent}, Records::none},
+constexpr ActionSyntax actionSyntaxes[] = {
+    {"notify", ActionType::notify, {absent, absent}, Records::some},
+    {"together", ActionType::together, {absent, absent}, Records::some},
+    {"drip", ActionType::drip, {ms, absent}, Records::some},
+    {"cut", ActionType::cut, {lessThanRecord, absent}, Records::one},
+    {"wrongMagic", ActionType::wrongMagic, {absent, absent}, Records::some},
+    {"wrongCrc", ActionType::wrongCrc, {absent, absent}, Records::some},
+    {"garbage", ActionType::garbage, {bytes, absent}, Records::none},
+    {"repeat", ActionType::repeat, {times, ms}, Records::some},
+    {"flood", ActionType::flood, {absent, absent}, Records::some},
+    {"wait", ActionType::wait, {ms, absent}, Records::none},
+    {"silent", ActionType::silent, {absent, absent}, Records::none},
+    {"slow", ActionType::slow, {bytes, ms}, Records::none},
+    {"close", ActionType::close, {absent, absent}, Records::none},
+    {"reset", ActionType::reset, {absent, absent}, Records::none},
 };
 
-VerbRule const* ruleOf(String const& name) {
-    for (VerbRule const& rule : verbRules) {
+ActionSyntax const* ruleOf(String const& name) {
+    for (ActionSyntax const& rule : actionSyntaxes) {
         if (name.CompareIC(rule.name) == 0) {
             return &rule;
         }
@@ -100,7 +100,7 @@ std::optional<ScenarioRecord> readRecord(String const& text) {
 }
 
 /// Takes the words of one action apart; what is wrong with them, or an empty text.
-String readAction(StringArray const& words, VerbRule const& rule, Action& action) {
+String readAction(StringArray const& words, ActionSyntax const& rule, Action& action) {
     int next = 1;
     for (std::size_t i = 0; i < action.numbers.size() && rule.numbers[i].largest > 0; ++i, ++next) {
         Range const& range = rule.numbers[i];
@@ -142,13 +142,13 @@ std::vector<Action> readActions(String const& text, String const& step, sys::Con
             }
             continue;
         }
-        VerbRule const* const rule = words.Count() > 0 ? ruleOf(words[0]) : nullptr;
+        ActionSyntax const* const rule = words.Count() > 0 ? ruleOf(words[0]) : nullptr;
         if (rule == nullptr) {
             file.Wrong(step + ":", core::message("there is no action \"%1\"", parts[i].Trim()));
             continue;
         }
         Action action;
-        action.verb = rule->verb;
+        action.type = rule->type;
         action.after = after;
         String const fault = readAction(words, *rule, action);
         if (!fault.IsEmpty()) {

@@ -8,19 +8,19 @@
 #include "tests/support/TemporaryDirectory.h"
 #include "tests/support/lines.h"
 
-ScenarioDevice::ScenarioDevice(Act act, device::DeviceLimits const& limits,
-                               device::Intake const& intake) {
+ScenarioDevice::ScenarioDevice(Act act, device::DeviceTimeouts const& timeouts,
+                               device::UpdatePolicy const& policy) {
     behaviour_.act = std::move(act);
-    server_ = std::make_unique<device::DeviceServer>(behaviour_, record_, limits, intake);
+    server_ = std::make_unique<device::DeviceServer>(behaviour_, record_, timeouts, policy);
     server_->AddBind("127.0.0.1|0");
     server_->StartListen();
 }
 
 ScenarioDevice::ScenarioDevice(std::string const& text)
-    : ScenarioDevice(
-          [scenario = scenarioOf(text)](device::Moment const& moment, device::Wire& wire) mutable {
-              return scenario.Act(moment, wire);
-          }) {}
+    : ScenarioDevice([scenario = scenarioOf(text)](device::StepContext const& context,
+                                                   device::DeviceConnection& connection) mutable {
+          return scenario.OnStep(context, connection);
+      }) {}
 
 device::Scenario ScenarioDevice::scenarioOf(std::string const& text) {
     support::TemporaryDirectory const folder;
@@ -43,17 +43,18 @@ std::string ScenarioDevice::Port() const {
     return address.substr(address.find(':') + 1);
 }
 
-std::vector<device::Outcome> ScenarioDevice::End(std::size_t conversations) {
+std::vector<device::UpdateResult> ScenarioDevice::End(std::size_t sessions) {
     std::unique_lock locked(record_.mutex);
     record_.ended.wait_for(locked, std::chrono::seconds(20),
-                           [&] { return record_.outcomes.size() >= conversations; });
+                           [&] { return record_.results.size() >= sessions; });
     locked.unlock();
     server_.reset();
-    return record_.outcomes;
+    return record_.results;
 }
 
-bool ScenarioDevice::ScriptedBehaviour::Act(device::Moment const& moment, device::Wire& wire) {
-    return act ? act(moment, wire) : Behaviour::Act(moment, wire);
+bool ScenarioDevice::ScriptedBehaviour::OnStep(device::StepContext const& context,
+                                               device::DeviceConnection& connection) {
+    return act ? act(context, connection) : Behaviour::OnStep(context, connection);
 }
 
 void ScenarioDevice::Record::add(std::string& all, void const* bytes, int length) {
@@ -65,10 +66,10 @@ void ScenarioDevice::Record::OnData(void const* bytes, int length) {
     add(received, bytes, length);
 }
 
-void ScenarioDevice::Record::OnEnd(device::Outcome outcome) {
+void ScenarioDevice::Record::OnEnd(device::UpdateResult result) {
     {
         std::lock_guard locked(mutex);
-        outcomes.push_back(outcome);
+        results.push_back(result);
     }
     ended.notify_all();
 }

@@ -12,7 +12,6 @@
 namespace {
 
 using device::Step;
-using enum device::Step;
 using Lines = std::vector<std::string>;
 
 std::string const accepted = "- The device has accepted our request.";
@@ -58,10 +57,14 @@ struct Place {
     Step step;
     std::string honest;
     Step shows;
-} const places[] = {{Connect, "Accepted", Request},         {Request, "Accepted", Request},
-                    {Header, "Accepted", Header},           {Data, "Received", Trailer},
-                    {Trailer, "Received", Trailer},         {Checked, "Checked", Checked},
-                    {Processing, "Processing", Processing}, {Complete, "Complete", Complete}};
+} const places[] = {{Step::connect, "Accepted", Step::request},
+                    {Step::request, "Accepted", Step::request},
+                    {Step::header, "Accepted", Step::header},
+                    {Step::data, "Received", Step::trailer},
+                    {Step::trailer, "Received", Step::trailer},
+                    {Step::checked, "Checked", Step::checked},
+                    {Step::processing, "Processing", Step::processing},
+                    {Step::complete, "Complete", Step::complete}};
 
 std::string lastOf(Lines const& lines) {
     return lines.empty() ? "" : lines.back();
@@ -125,8 +128,9 @@ protected:
         long const before = support::openDescriptors();
         Lines lines;
         {
-            ScenarioDevice device(
-                [&](auto const& moment, auto& wire) { return scenario.Act(moment, wire); });
+            ScenarioDevice device([&](auto const& context, auto& connection) {
+                return scenario.OnStep(context, connection);
+            });
             lines = TestedUpdater::Instance().RunSession(path, device.Address());
             for (std::string& line : lines) {
                 line =
@@ -168,7 +172,7 @@ protected:
 
 TEST_F(FaultMatrixTest, BadNotificationsAnywhere) {
     for (auto const& [step, honest, shows] : places) {
-        bool const answersHeader = step == Header;
+        bool const answersHeader = step == Step::header;
         Check({
             {step, "garbage 16", shows, {onion}, answersHeader},
             {step, "wrongMagic " + honest, shows, {onion}, answersHeader},
@@ -181,18 +185,26 @@ TEST_F(FaultMatrixTest, BadNotificationsAnywhere) {
 
 TEST_F(FaultMatrixTest, BeforeTheTransfer) {
     Check({
-        {Connect, "close", Request, {noAnswer}},
-        {Connect, "cut 15 Accepted", Request, {checkItself}},
-        {Connect, "notify Accepted", Request, {accepted, accepted}, true},
-        {Request, "reset", Request, {noAnswer}},
-        {Request, "cut 1 Accepted, close", Request, {noAnswer}},
-        {Request, "notify Complete:9", Request, {complete, stranger}},
-        {Request, "notify 0", Request, {stranger}},
-        {Request, "notify Error:0", Request, {unknown}},
-        {Request, "notify ErrorAlt:4294967295", Request, {unknown}},
-        {Request, "drip 1 Accepted", Request, {accepted}},
-        {Request, "together Accepted Processing", Request, {accepted, processing}, true},
-        {Request, "together Accepted Error:GhostError", Request, {accepted, ghost}, true},
+        {Step::connect, "close", Step::request, {noAnswer}},
+        {Step::connect, "cut 15 Accepted", Step::request, {checkItself}},
+        {Step::connect, "notify Accepted", Step::request, {accepted, accepted}, true},
+        {Step::request, "reset", Step::request, {noAnswer}},
+        {Step::request, "cut 1 Accepted, close", Step::request, {noAnswer}},
+        {Step::request, "notify Complete:9", Step::request, {complete, stranger}},
+        {Step::request, "notify 0", Step::request, {stranger}},
+        {Step::request, "notify Error:0", Step::request, {unknown}},
+        {Step::request, "notify ErrorAlt:4294967295", Step::request, {unknown}},
+        {Step::request, "drip 1 Accepted", Step::request, {accepted}},
+        {Step::request,
+         "together Accepted Processing",
+         Step::request,
+         {accepted, processing},
+         true},
+        {Step::request,
+         "together Accepted Error:GhostError",
+         Step::request,
+         {accepted, ghost},
+         true},
     });
     // The reset comes before or behind our request.
     device::Scenario reset = ScenarioDevice::scenarioOf("connect = reset");
@@ -205,22 +217,22 @@ TEST_F(FaultMatrixTest, BeforeTheTransfer) {
 TEST_F(FaultMatrixTest, WhileTheFileIsUnderWay) {
     std::string const powerCycle = "  Please power off the device and then power on again.";
     Check({
-        {Header, "close", Trailer, {tired}},
-        {Header, "reset", Data, {notSent}, true},
-        {Header, "cut 15 Accepted, silent", Trailer, {tired}},
-        {Header, "notify 9", Header, {}, true},
-        {Header, "notify Complete:3", Header, {complete, powerCycle}, true},
-        {Header, "drip 1 Accepted", Header, {accepted}, true},
-        {Data, "wait 86400000", Data, {stalled}},
-        {Data, "cut 15 Processing", Trailer, {checkItself}},
-        {Data, "notify 9", Trailer, {unexpected}},
-        {Data, "notify Processing", Trailer, {processing, received}},
+        {Step::header, "close", Step::trailer, {tired}},
+        {Step::header, "reset", Step::data, {notSent}, true},
+        {Step::header, "cut 15 Accepted, silent", Step::trailer, {tired}},
+        {Step::header, "notify 9", Step::header, {}, true},
+        {Step::header, "notify Complete:3", Step::header, {complete, powerCycle}, true},
+        {Step::header, "drip 1 Accepted", Step::header, {accepted}, true},
+        {Step::data, "wait 86400000", Step::data, {stalled}},
+        {Step::data, "cut 15 Processing", Step::trailer, {checkItself}},
+        {Step::data, "notify 9", Step::trailer, {unexpected}},
+        {Step::data, "notify Processing", Step::trailer, {processing, received}},
     });
 }
 
 TEST_F(FaultMatrixTest, WaitingForEachStage) {
     for (auto const& [step, name, shows] : places) {
-        if (step < Trailer) {
+        if (step < Step::trailer) {
             continue;
         }
         Check({
@@ -251,7 +263,8 @@ TEST_F(FaultMatrixTest, EveryExampleEndsAsItSays) {
             for (device::Action& action : actions) {
                 // Seconds that an updater bears; what it does not bear stays longer than its
                 // limits.
-                action.numbers[0] /= action.verb == device::Verb::wait && end == updated ? 100 : 1;
+                action.numbers[0] /=
+                    action.type == device::ActionType::wait && end == updated ? 100 : 1;
             }
         }
         if (isError(expected)) {

@@ -52,7 +52,7 @@ TEST_F(SessionTest, CompleteUpdates) {
         // The fault matrix knows the lines before and behind.
         ASSERT_EQ(lines.size(), 3 + transfer.size() + 7);
         EXPECT_EQ(Lines(lines.begin() + 3, lines.end() - 7), transfer) << size;
-        EXPECT_EQ(device.End(), std::vector{Outcome::complete});
+        EXPECT_EQ(device.End(), std::vector{UpdateResult::complete});
         EXPECT_TRUE(device.File() == content) << size;
     }
 }
@@ -82,17 +82,17 @@ TEST_F(SessionTest, AFileThatChangesUnderWay) {
     std::string const content = contentOf(100'000);
     for (int const size : {150'000, 50'000, -1}) {
         std::string const path = directory_.Write("update.rvl", content);
-        ScenarioDevice device([&](Moment const& moment, Wire& wire) {
-            if (moment.step == Step::Header && size > 0) {
+        ScenarioDevice device([&](StepContext const& context, DeviceConnection& connection) {
+            if (context.step == Step::header && size > 0) {
                 std::filesystem::resize_file(path, static_cast<unsigned>(size));
-            } else if (moment.step == Step::Header) {
+            } else if (context.step == Step::header) {
                 std::filesystem::remove(path);
             }
-            return Behaviour().Act(moment, wire);
+            return Behaviour().OnStep(context, connection);
         });
         Lines const lines = RunSession(device, path);
         bool const grows = size > 100'000;
-        EXPECT_EQ(device.End(), std::vector{grows ? Outcome::complete : Outcome::ended});
+        EXPECT_EQ(device.End(), std::vector{grows ? UpdateResult::complete : UpdateResult::ended});
         if (grows) {
             EXPECT_TRUE(device.File() == content) << "no extra byte on the wire";
             continue;
@@ -114,7 +114,7 @@ TEST_F(SessionTest, AFileBeyondTheProtocolsReachIsRefusedBeforeAnythingIsSent) {
     ASSERT_EQ(lines.size(), 4u);
     EXPECT_EQ(lines[2], "*** Update file too big: The file \"" + path +
                             "\" exceeds the maximum of 2147483647 bytes");
-    EXPECT_EQ(device.End(), std::vector{Outcome::ended});
+    EXPECT_EQ(device.End(), std::vector{UpdateResult::ended});
 }
 
 }  // namespace

@@ -12,16 +12,16 @@ using device::Step;
 
 /// What the reader promises of each action, whatever the file says.
 void requireInRange(device::Action const& action) {
-    using enum device::Verb;
-    bool const sends = action.verb == notify || action.verb == together || action.verb == drip ||
-                       action.verb == cut || action.verb == wrongMagic || action.verb == wrongCrc ||
-                       action.verb == repeat || action.verb == flood;
+    using enum device::ActionType;
+    bool const sends = action.type == notify || action.type == together || action.type == drip ||
+                       action.type == cut || action.type == wrongMagic || action.type == wrongCrc ||
+                       action.type == repeat || action.type == flood;
     require(sends != action.records.empty());
     require(action.after >= 1);
     require(action.numbers[0] <= 1'000'000'000 && action.numbers[1] <= 86'400'000);
-    require(action.verb != cut ||
+    require(action.type != cut ||
             (action.records.size() == 1 && action.numbers[0] >= 1 && action.numbers[0] <= 15));
-    require(action.verb != slow || action.numbers[0] >= 1);
+    require(action.type != slow || action.numbers[0] >= 1);
 }
 
 /// Every step ends where the updater is gone and the device is to stop.
@@ -30,10 +30,10 @@ void requireEnds(device::Scenario& scenario) {
     pair.near.Abort();
     device::Observer nobody;
     std::atomic<bool> const stop = true;
-    device::DeviceLimits const limits;
-    device::Wire wire(*pair.far, limits, nobody, stop);
-    for (int step = 0; step <= static_cast<int>(Step::Complete); ++step) {
-        scenario.Act({Step{step}, 1, 0, 1000, {}}, wire);
+    device::DeviceTimeouts const timeouts;
+    device::DeviceConnection connection(*pair.far, timeouts, nobody, stop);
+    for (int step = 0; step <= static_cast<int>(Step::complete); ++step) {
+        scenario.OnStep({Step{step}, 1, 0, 1000, {}}, connection);
     }
 }
 

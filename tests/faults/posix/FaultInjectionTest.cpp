@@ -151,12 +151,13 @@ protected:
     support::TemporaryDirectory directory_;
     std::atomic<int> completed_ = 0;
     /// It takes nothing but sound archives, so that what it completes it has received.
-    ScenarioDevice device_{[this](device::Moment const& moment, device::Wire& wire) {
-                               completed_ += moment.step == device::Step::Complete ? 1 : 0;
-                               return device::Behaviour().Act(moment, wire);
-                           },
-                           {},
-                           {true, {}}};
+    ScenarioDevice device_{
+        [this](device::StepContext const& context, device::DeviceConnection& connection) {
+            completed_ += context.step == device::Step::complete ? 1 : 0;
+            return device::Behaviour().OnStep(context, connection);
+        },
+        {},
+        {true, {}}};
 };
 
 TEST_P(FaultInjection, NoLieAndNothingHalfDone) {

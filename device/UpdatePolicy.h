@@ -5,7 +5,7 @@
 namespace device {
 
 /// Which updates a device accepts, and where it stores them.
-struct Intake {
+struct UpdatePolicy {
     /// Anything else than a sound archive is refused.
     bool archivesOnly = false;
     /// The directory where whole updates are stored; empty: nowhere. Devices on several threads

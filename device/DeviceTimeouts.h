@@ -2,13 +2,13 @@
 
 namespace device {
 
-/// The time limits of a device, in milliseconds.
-struct DeviceLimits {
+/// The timeouts of a device, in milliseconds.
+struct DeviceTimeouts {
     /// For a record, and for the next bytes of the file. The updater reads its whole file once
     /// before it sends its request, which takes a while on a slow disk.
-    int silence = 60'000;
-    /// For the updater to close its end once we have closed ours.
-    int farewell = 2'000;
+    int idle = 60'000;
+    /// For the updater to close its side after the device has shut down sending.
+    int close = 2'000;
 };
 
 }  // namespace device

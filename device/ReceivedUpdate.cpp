@@ -1,4 +1,4 @@
-#include "device/Inbox.h"
+#include "device/ReceivedUpdate.h"
 
 #include "core/text/message.h"
 #include "sys/file.h"
@@ -33,13 +33,14 @@ String freePath(String const& folder, String const& device) {
 
 }  // namespace
 
-Inbox::Inbox(Intake const& intake, String const& device) : intake_(intake), device_(device) {}
+ReceivedUpdate::ReceivedUpdate(UpdatePolicy const& policy, String const& device)
+    : policy_(policy), device_(device) {}
 
-int Inbox::Open() {
+int ReceivedUpdate::Open() {
     if (file_ != nullptr) {
         return 0;
     }
-    path_ = Stores() ? freePath(intake_.folder.c_str(), device_) : sys::file::getTempPath();
+    path_ = Stores() ? freePath(policy_.folder.c_str(), device_) : sys::file::getTempPath();
     int const result = Stores() ? stored_.Create(path_) : temporary_.Create();
     if (result != 0) {
         return result;
@@ -52,15 +53,15 @@ int Inbox::Open() {
     return 0;
 }
 
-int Inbox::Keep(void const* bytes, int length) {
-    if (!TakesArchivesOnly() && !Stores()) {
+int ReceivedUpdate::Append(void const* bytes, int length) {
+    if (!RequiresArchive() && !Stores()) {
         return 0;
     }
     int const result = Open();
     return result == 0 ? file_->WriteAll(bytes, length) : result;
 }
 
-int Inbox::Store() {
+int ReceivedUpdate::Store() {
     int result = Open();
     if (result == 0) {
         result = stored_.Sync();

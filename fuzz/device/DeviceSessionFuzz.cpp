@@ -2,14 +2,14 @@
 #include <vector>
 
 #include "core/crc/crc32.h"
-#include "device/Conversation.h"
+#include "device/DeviceSession.h"
 #include "fuzz/Input.h"
 #include "fuzz/require.h"
 #include "tests/core/net/SocketPair.h"
 
 namespace {
 
-using device::Outcome;
+using device::UpdateResult;
 using Words = std::vector<std::uint32_t>;
 
 std::size_t const recordSize = update::recordSize;
@@ -34,19 +34,19 @@ struct Record : device::Observer {
     }
 };
 
-Outcome converse(core::Socket& socket, Record& record, bool archives) {
-    device::DeviceLimits limits;
-    limits.silence = 2;
-    limits.farewell = 2;
+UpdateResult converse(core::Socket& socket, Record& record, bool archives) {
+    device::DeviceTimeouts timeouts;
+    timeouts.idle = 2;
+    timeouts.close = 2;
     std::atomic<bool> const stop = false;
     device::Behaviour honest;
-    device::Wire wire(socket, limits, record, stop);
-    device::Intake const intake{archives, {}};
-    device::Inbox inbox(intake, "");
-    device::Conversation conversation(wire, honest, record, inbox, token);
-    Outcome const outcome = conversation.Run();
-    wire.Finish();
-    return outcome;
+    device::DeviceConnection connection(socket, timeouts, record, stop);
+    device::UpdatePolicy const policy{archives, {}};
+    device::ReceivedUpdate received(policy, "");
+    device::DeviceSession session(connection, honest, record, received, token);
+    UpdateResult const result = session.Run();
+    connection.CloseGracefully();
+    return result;
 }
 
 std::string receiveAll(core::Socket& socket) {
@@ -72,7 +72,7 @@ bool isSoundUpdate(std::string const& bytes) {
 }
 
 /// The device says a part of what it says in a whole update, in order, and perhaps an error.
-void requireSense(std::string const& said, Outcome outcome) {
+void requireSense(std::string const& said, UpdateResult result) {
     Words const honest = {token, 0, 0, 0, 1};
     require(said.size() % recordSize == 0);
     std::size_t count = 0;
@@ -89,8 +89,8 @@ void requireSense(std::string const& said, Outcome outcome) {
             require(record[2] == honest[count - 1]);
         }
     }
-    require((outcome == Outcome::complete) == (count == honest.size()));
-    require(error == (outcome == Outcome::refused || outcome == Outcome::silent));
+    require((result == UpdateResult::complete) == (count == honest.size()));
+    require(error == (result == UpdateResult::rejected || result == UpdateResult::timedOut));
 }
 
 }  // namespace
@@ -111,16 +111,16 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size
         pair.near.Abort();
     }
     Record record;
-    Outcome const outcome = converse(*pair.far, record, archives);
+    UpdateResult const result = converse(*pair.far, record, archives);
 
     if (ending == Ending::reset) {
-        require(outcome != Outcome::stopped && outcome != Outcome::misbehaved);
+        require(result != UpdateResult::stopped && result != UpdateResult::aborted);
         return 0;
     }
-    requireSense(receiveAll(pair.near), outcome);
+    requireSense(receiveAll(pair.near), result);
     require(record.file.empty() || record.file == sent.substr(2 * recordSize, record.file.size()));
     bool const sound = isSoundUpdate(sent);
-    require(archives ? sound || outcome != Outcome::complete
-                     : sound == (outcome == Outcome::complete));
+    require(archives ? sound || result != UpdateResult::complete
+                     : sound == (result == UpdateResult::complete));
     return 0;
 }

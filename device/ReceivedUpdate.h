@@ -1,7 +1,7 @@
 #pragma once
 
 #include "core/text/String.h"
-#include "device/Intake.h"
+#include "device/UpdatePolicy.h"
 #include "sys/ReplacementFile.h"
 #include "sys/TemporaryFile.h"
 
@@ -9,15 +9,15 @@ namespace device {
 
 /// Keeps an update in a file while it arrives, where it is to be checked as an archive or stored.
 /// Unless it was stored, the file is deleted with this object.
-class Inbox {
+class ReceivedUpdate {
 public:
-    /// Names of stored files begin with device. The intake must outlive this object.
-    Inbox(Intake const& intake, core::String const& device);
-    Inbox(Inbox const&) = delete;
-    Inbox& operator=(Inbox const&) = delete;
+    /// Names of stored files begin with device. The policy must outlive this object.
+    ReceivedUpdate(UpdatePolicy const& policy, core::String const& device);
+    ReceivedUpdate(ReceivedUpdate const&) = delete;
+    ReceivedUpdate& operator=(ReceivedUpdate const&) = delete;
 
-    bool TakesArchivesOnly() const { return intake_.archivesOnly; }
-    bool Stores() const { return !intake_.folder.empty(); }
+    bool RequiresArchive() const { return policy_.archivesOnly; }
+    bool Stores() const { return !policy_.folder.empty(); }
 
     /// Creates the file unless it is open: 0 or a negative errno value.
     int Open();
@@ -28,13 +28,13 @@ public:
     core::Stream* File() const { return file_; }
 
     /// Keeps length more bytes where they are needed: 0 or a negative errno value.
-    int Keep(void const* bytes, int length);
+    int Append(void const* bytes, int length);
     /// Gives the file its name in the directory, "device-number.rvl": 0 or a negative errno value.
     /// Until then no file of that name exists.
     int Store();
 
 private:
-    Intake const& intake_;
+    UpdatePolicy const& policy_;
     core::String const device_;
     core::String path_;
     sys::ReplacementFile stored_;         ///< the file where updates are stored

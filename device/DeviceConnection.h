@@ -5,26 +5,25 @@
 
 #include "core/net/Socket.h"
 #include "core/object/ClassRef.h"
-#include "device/DeviceLimits.h"
+#include "device/DeviceTimeouts.h"
 #include "device/Notification.h"
 #include "device/Observer.h"
-#include "device/Outcome.h"
 #include "update/protocol/records.h"
 
 namespace device {
 
 /// The device's end of one connection.
-class Wire {
+class DeviceConnection {
 public:
     /// Works on socket until stop is set; the records in both directions, and all else that it
     /// sends, are told to observer. All must outlive it.
-    Wire(core::Socket& socket, DeviceLimits const& limits, Observer& observer,
-         std::atomic<bool> const& stop);
+    DeviceConnection(core::Socket& socket, DeviceTimeouts const& timeouts, Observer& observer,
+                     std::atomic<bool> const& stop);
 
-    /// Receives at least 1 and at most length bytes; their number. 0 when none came: Why says
-    /// whether the updater ended the connection, was silent, or the device was told to stop.
+    /// Receives at least 1 and at most length bytes; their number. 0 when none came: StopReason
+    /// says whether the updater ended the connection, was silent, or the device was told to stop.
     int ReceiveSome(void* buffer, int length);
-    /// Receives a whole record, in host order; false when less came, see Why.
+    /// Receives a whole record, in host order; false when less came, see StopReason.
     template <class Record>
     bool ReceiveRecord(Record& record) {
         if (!ReceiveAll(&record, update::recordSize)) {
@@ -33,8 +32,8 @@ public:
         record = update::swapped(record);
         return true;
     }
-    Outcome Why() const { return why_; }
-    /// Whether a pause or a send failed, for which Why says the reason as well.
+    UpdateResult StopReason() const { return stopReason_; }
+    /// Whether a pause or a send failed, for which StopReason says the reason as well.
     bool IsBroken() const { return broken_; }
     /// Receives and drops what comes until the updater ends the connection, whenever that is, or
     /// the device is told to stop.
@@ -56,32 +55,32 @@ public:
     /// Sends bytes as they are; false likewise.
     bool Send(void const* bytes, int length);
     /// Takes note of a sound notification that was among sent bytes.
-    void Said(Notification const& notification);
+    void RecordNotification(Notification const& notification);
     /// Whether an error was among the notifications.
-    bool HasRefused() const { return refused_; }
+    bool HasSentError() const { return hasSentError_; }
     /// Does nothing for ms milliseconds; false when the device is told to stop meanwhile.
     bool Pause(std::uint32_t ms);
 
     /// Ends our side, takes what the updater still sends until it ends its own, and closes: a
     /// connection closed with bytes unread would be reset, and our last record might be lost.
-    void Finish();
+    void CloseGracefully();
     /// Closes at once with a reset.
     void Reset();
 
 private:
     bool ReceiveAll(void* buffer, int length);
     int ReceiveWithin(void* buffer, int length, int ms);
-    bool Break(Outcome why);
+    bool Fail(UpdateResult reason);
 
     core::Socket& socket_;
-    DeviceLimits const& limits_;
+    DeviceTimeouts const& timeouts_;
     Observer& observer_;
     std::atomic<bool> const& stop_;
-    Outcome why_ = Outcome::ended;
+    UpdateResult stopReason_ = UpdateResult::ended;
     bool broken_ = false;
-    bool refused_ = false;
-    int mostAtATime_;
-    std::uint32_t pauseBetween_ = 0;  ///< ms
+    bool hasSentError_ = false;
+    int maxReceiveSize_;
+    std::uint32_t receiveDelay_ = 0;  ///< ms
 };
 
 }  // namespace device

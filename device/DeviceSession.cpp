@@ -1,4 +1,4 @@
-#include "device/Conversation.h"
+#include "device/DeviceSession.h"
 
 #include <algorithm>
 
@@ -31,26 +31,27 @@ std::optional<DeviceStatus> firstFault(Check const (&checks)[count]) {
 
 }  // namespace
 
-Conversation::Conversation(Wire& wire, Behaviour& behaviour, Observer& observer, Inbox& inbox,
-                           std::uint32_t acceptToken)
-    : wire_(wire),
+DeviceSession::DeviceSession(DeviceConnection& connection, Behaviour& behaviour, Observer& observer,
+                             ReceivedUpdate& received, std::uint32_t acceptToken)
+    : connection_(connection),
       behaviour_(behaviour),
       observer_(observer),
-      inbox_(inbox),
+      received_(received),
       acceptToken_(acceptToken) {}
 
-Outcome Conversation::Run() {
-    if (Act(Step::Connect, {}) && TakeRequest() && TakeHeader() && TakeFile() && TakeTrailer() &&
-        ReportProgress()) {
-        outcome_ = Outcome::complete;
+UpdateResult DeviceSession::Run() {
+    if (RunStep(Step::connect, {}) && ReceiveRequest() && ReceiveHeader() && ReceiveFile() &&
+        ReceiveTrailer() && FinishUpdate()) {
+        result_ = UpdateResult::complete;
     }
     // After an error the updater disconnects, so later steps of the device do not count.
-    return wire_.HasRefused() && outcome_ != Outcome::silent ? Outcome::refused : outcome_;
+    return connection_.HasSentError() && result_ != UpdateResult::timedOut ? UpdateResult::rejected
+                                                                           : result_;
 }
 
-bool Conversation::TakeRequest() {
-    if (!wire_.ReceiveRecord(request_)) {
-        return Lost(Step::Request);
+bool DeviceSession::ReceiveRequest() {
+    if (!connection_.ReceiveRecord(request_)) {
+        return HandleReceiveFailure(Step::request);
     }
     observer_.OnRequest(request_);
     Check const checks[] = {
@@ -60,15 +61,15 @@ bool Conversation::TakeRequest() {
         {request_.fileSize <= update::largestFile, DeviceStatus::DataSizeTooBig},
     };
     if (auto const fault = firstFault(checks)) {
-        return Refuse(Step::Request, *fault);
+        return Reject(Step::request, *fault);
     }
-    return Answer(Step::Request, UpdateNotification::Accepted, acceptToken_);
+    return Reply(Step::request, UpdateNotification::Accepted, acceptToken_);
 }
 
-bool Conversation::TakeHeader() {
+bool DeviceSession::ReceiveHeader() {
     update::UpdateTransferHeader header;
-    if (!wire_.ReceiveRecord(header)) {
-        return Lost(Step::Header);
+    if (!connection_.ReceiveRecord(header)) {
+        return HandleReceiveFailure(Step::header);
     }
     observer_.OnHeader(header);
     Check const checks[] = {
@@ -79,29 +80,29 @@ bool Conversation::TakeHeader() {
         {header.fileSize == request_.fileSize, DeviceStatus::InvalidDataSize},
     };
     if (auto const fault = firstFault(checks)) {
-        return Refuse(Step::Header, *fault);
+        return Reject(Step::header, *fault);
     }
     // The updater takes silence here for consent.
-    return Act(Step::Header, {});
+    return RunStep(Step::header, {});
 }
 
-bool Conversation::TakeFile() {
+bool DeviceSession::ReceiveFile() {
     char piece[update::chunkSize];
     while (bytes_ < request_.fileSize) {
         int const wanted = static_cast<int>(
             std::min<std::uint32_t>(update::chunkSize, request_.fileSize - bytes_));
-        int const got = wire_.ReceiveSome(piece, wanted);
+        int const got = connection_.ReceiveSome(piece, wanted);
         if (got == 0) {
-            return Lost(Step::Data);
+            return HandleReceiveFailure(Step::data);
         }
         observer_.OnData(piece, got);
         crc_ = core::crc32::update(piece, got, crc_);
         bytes_ += static_cast<std::uint32_t>(got);
-        if (int const error = inbox_.Keep(piece, got); error != 0) {
+        if (int const error = received_.Append(piece, got); error != 0) {
             ReportFileError(error);
-            return Refuse(Step::Data, DeviceStatus::ReadWriteError);
+            return Reject(Step::data, DeviceStatus::ReadWriteError);
         }
-        if (!Act(Step::Data, {}, static_cast<std::uint32_t>(got))) {
+        if (!RunStep(Step::data, {}, static_cast<std::uint32_t>(got))) {
             return false;
         }
     }
@@ -109,10 +110,10 @@ bool Conversation::TakeFile() {
     return true;
 }
 
-bool Conversation::TakeTrailer() {
+bool DeviceSession::ReceiveTrailer() {
     update::UpdateTransferTrailer trailer;
-    if (!wire_.ReceiveRecord(trailer)) {
-        return Lost(Step::Trailer);
+    if (!connection_.ReceiveRecord(trailer)) {
+        return HandleReceiveFailure(Step::trailer);
     }
     observer_.OnTrailer(trailer);
     Check const checks[] = {
@@ -122,38 +123,37 @@ bool Conversation::TakeTrailer() {
         {trailer.acceptToken == acceptToken_, DeviceStatus::InvalidPassword},
     };
     if (auto const fault = firstFault(checks)) {
-        return Refuse(Step::Trailer, *fault);
+        return Reject(Step::trailer, *fault);
     }
-    return Answer(Step::Trailer, UpdateNotification::Received, 0);
+    return Reply(Step::trailer, UpdateNotification::Received, 0);
 }
 
-bool Conversation::ReportProgress() {
+bool DeviceSession::FinishUpdate() {
     if (crc_ != request_.fileCrc) {
-        return Refuse(Step::Checked, DeviceStatus::WrongFileCrc);
+        return Reject(Step::checked, DeviceStatus::WrongFileCrc);
     }
-    if (auto const fault = inbox_.TakesArchivesOnly() ? ArchiveFault() : std::nullopt) {
-        return Refuse(Step::Checked, *fault);
+    if (auto const fault = received_.RequiresArchive() ? CheckArchive() : std::nullopt) {
+        return Reject(Step::checked, *fault);
     }
-    if (inbox_.Stores() && !Store()) {
-        return Refuse(Step::Checked, DeviceStatus::ReadWriteError);
+    if (received_.Stores() && !Store()) {
+        return Reject(Step::checked, DeviceStatus::ReadWriteError);
     }
-    return Answer(Step::Checked, UpdateNotification::Checked, 0) &&
-           Answer(Step::Processing, UpdateNotification::Processing, 0) &&
-           Answer(Step::Complete, UpdateNotification::Complete,
-                  UpdateNotification::FirmwareRestart);
+    return Reply(Step::checked, UpdateNotification::Checked, 0) &&
+           Reply(Step::processing, UpdateNotification::Processing, 0) &&
+           Reply(Step::complete, UpdateNotification::Complete, UpdateNotification::FirmwareRestart);
 }
 
-std::optional<DeviceStatus> Conversation::ArchiveFault() {
+std::optional<DeviceStatus> DeviceSession::CheckArchive() {
     using Reader = core::StreamSequencerReader;
     Reader reader;
-    int error = inbox_.Open();
-    reader.SetStream(inbox_.File());
+    int error = received_.Open();
+    reader.SetStream(received_.File());
     int const result = reader.Check();
     if (error == 0) {
         error = reader.GetReadError();
     }
     if (error != 0) {
-        observer_.OnNotChecked(error, inbox_.Path());
+        observer_.OnNotChecked(error, received_.Path());
         return DeviceStatus::ReadWriteError;
     }
     observer_.OnArchive(result, reader.FileCount());
@@ -169,42 +169,42 @@ std::optional<DeviceStatus> Conversation::ArchiveFault() {
     return firstFault(checks);
 }
 
-bool Conversation::Store() {
-    int const result = inbox_.Store();
-    observer_.OnStored(result, inbox_.Path());
+bool DeviceSession::Store() {
+    int const result = received_.Store();
+    observer_.OnStored(result, received_.Path());
     return result == 0;
 }
 
-void Conversation::ReportFileError(int error) {
-    if (inbox_.Stores()) {
-        observer_.OnStored(error, inbox_.Path());
+void DeviceSession::ReportFileError(int error) {
+    if (received_.Stores()) {
+        observer_.OnStored(error, received_.Path());
     } else {
-        observer_.OnNotChecked(error, inbox_.Path());
+        observer_.OnNotChecked(error, received_.Path());
     }
 }
 
-bool Conversation::Act(Step step, std::optional<Notification> answer, std::uint32_t newBytes) {
+bool DeviceSession::RunStep(Step step, std::optional<Notification> answer, std::uint32_t newBytes) {
     bool const goesOn =
-        behaviour_.Act({step, acceptToken_, bytes_ - newBytes, bytes_, answer}, wire_);
-    if (!goesOn && wire_.IsBroken()) {
-        outcome_ = wire_.Why();
+        behaviour_.OnStep({step, acceptToken_, bytes_ - newBytes, bytes_, answer}, connection_);
+    if (!goesOn && connection_.IsBroken()) {
+        result_ = connection_.StopReason();
     }
     return goesOn;
 }
 
-bool Conversation::Answer(Step step, std::uint32_t code, std::uint32_t value) {
-    return Act(step, Notification{code, value});
+bool DeviceSession::Reply(Step step, std::uint32_t code, std::uint32_t value) {
+    return RunStep(step, Notification{code, value});
 }
 
-bool Conversation::Refuse(Step step, DeviceStatus status) {
-    Answer(step, UpdateNotification::Error, static_cast<std::uint32_t>(status));
+bool DeviceSession::Reject(Step step, DeviceStatus status) {
+    Reply(step, UpdateNotification::Error, static_cast<std::uint32_t>(status));
     return false;
 }
 
-bool Conversation::Lost(Step step) {
-    outcome_ = wire_.Why();
-    if (outcome_ == Outcome::silent) {
-        Answer(step, UpdateNotification::Error, static_cast<std::uint32_t>(DeviceStatus::Timeout));
+bool DeviceSession::HandleReceiveFailure(Step step) {
+    result_ = connection_.StopReason();
+    if (result_ == UpdateResult::timedOut) {
+        Reply(step, UpdateNotification::Error, static_cast<std::uint32_t>(DeviceStatus::Timeout));
     }
     return false;
 }

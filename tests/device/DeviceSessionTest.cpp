@@ -14,7 +14,7 @@
 
 namespace {
 
-using device::Outcome;
+using device::UpdateResult;
 using update::DeviceStatus;
 
 template <class Record>
@@ -81,7 +81,7 @@ std::string answers(std::size_t honest, std::optional<DeviceStatus> refusal,
     return bytes;
 }
 
-TEST(Conversation, RefusesBadRecordsWithTheMatchingStatus) {
+TEST(DeviceSession, RefusesBadRecordsWithTheMatchingStatus) {
     using enum DeviceStatus;
     struct Row {
         std::function<void(Update&)> fault;
@@ -107,18 +107,18 @@ TEST(Conversation, RefusesBadRecordsWithTheMatchingStatus) {
         row.fault(update);
         EXPECT_EQ(Client(device).Answers(update.Bytes()), answers(row.honest, row.status))
             << &row - rows;
-        EXPECT_EQ(device.End(), std::vector{Outcome::refused}) << &row - rows;
+        EXPECT_EQ(device.End(), std::vector{UpdateResult::rejected}) << &row - rows;
     }
 }
 
-TEST(Conversation, OneUpdateAfterAnotherWhateverBecameOfTheLast) {
+TEST(DeviceSession, OneUpdateAfterAnotherWhateverBecameOfTheLast) {
     support::TemporaryDirectory const folder;
     ScenarioDevice device(
-        [](device::Moment const& moment, device::Wire& wire) {
-            if (moment.token == 3 && moment.step == device::Step::Trailer) {
+        [](device::StepContext const& context, device::DeviceConnection& connection) {
+            if (context.token == 3 && context.step == device::Step::trailer) {
                 throw std::bad_alloc();
             }
-            return device::Behaviour().Act(moment, wire);
+            return device::Behaviour().OnStep(context, connection);
         },
         {}, {false, folder.Path()});
     { Client goesAwayAtOnce(device); }
@@ -137,12 +137,13 @@ TEST(Conversation, OneUpdateAfterAnotherWhateverBecameOfTheLast) {
         EXPECT_EQ(support::contentOf(folder.PathOf(stored + std::to_string(token + 1) + ".rvl")),
                   "the file");
     }
-    EXPECT_EQ(device.End(5), (std::vector{Outcome::ended, Outcome::ended, Outcome::exhausted,
-                                          Outcome::complete, Outcome::complete}));
+    EXPECT_EQ(device.End(5),
+              (std::vector{UpdateResult::ended, UpdateResult::ended, UpdateResult::exhausted,
+                           UpdateResult::complete, UpdateResult::complete}));
     EXPECT_EQ(device.File(), "the filethe filethe file");
 }
 
-TEST(Conversation, TakesNothingButSoundArchivesWhereToldSo) {
+TEST(DeviceSession, TakesNothingButSoundArchivesWhereToldSo) {
     golden::Archive archive;
     archive.version = 0x00010000;
     archive.files = {{u"a", u"", u"", u"", u"", 0, 0, "data"}};
@@ -170,21 +171,21 @@ TEST(Conversation, TakesNothingButSoundArchivesWhereToldSo) {
     }
 }
 
-TEST(Conversation, FollowsItsScenario) {
+TEST(DeviceSession, FollowsItsScenario) {
     std::string const request = onWire(Update(1).request);
     ScenarioDevice garbage("request = garbage 3, notify Checked, close");
     EXPECT_EQ(Client(garbage).Answers(request).substr(3),
               answers(3, {}).substr(2 * update::recordSize));
-    EXPECT_EQ(garbage.End(), std::vector{Outcome::misbehaved});
+    EXPECT_EQ(garbage.End(), std::vector{UpdateResult::aborted});
     for (char const* const way : {"together", "drip 0"}) {
         ScenarioDevice refusing("request = " + std::string(way) + " Error, close");
         Client(refusing).Answers(request);
-        EXPECT_EQ(refusing.End(), std::vector{Outcome::refused});
+        EXPECT_EQ(refusing.End(), std::vector{UpdateResult::rejected});
     }
 
     ScenarioDevice silent("connect = silent");
     EXPECT_FALSE(Client(silent).CanRecv(100));
-    EXPECT_EQ(silent.End(), std::vector{Outcome::misbehaved});
+    EXPECT_EQ(silent.End(), std::vector{UpdateResult::aborted});
 
     ScenarioDevice late("connect = slow 10 0\ndata = after 10, notify Checked, after 20, close");
     std::string const longer = Update(1, std::string(25, 'x')).Bytes();
@@ -193,27 +194,27 @@ TEST(Conversation, FollowsItsScenario) {
     EXPECT_EQ(late.File().size(), 20U) << "due in the data that hold the byte";
 }
 
-TEST(Conversation, ASilentUpdaterIsToldSo) {
-    device::DeviceLimits limits;
-    limits.silence = 100;
-    limits.farewell = 600'000;  // no wait: the device ends its side first
+TEST(DeviceSession, ASilentUpdaterIsToldSo) {
+    device::DeviceTimeouts timeouts;
+    timeouts.idle = 100;
+    timeouts.close = 600'000;  // no wait: the device ends its side first
     for (std::size_t const sent : {15u, 31u, 39u, 55u}) {
-        ScenarioDevice device({}, limits);
+        ScenarioDevice device({}, timeouts);
         EXPECT_EQ(Client(device).Answers(Update(1).Bytes().substr(0, sent)),
                   answers(sent < update::recordSize ? 0 : 1, DeviceStatus::Timeout));
-        EXPECT_EQ(device.End(), std::vector{Outcome::silent});
+        EXPECT_EQ(device.End(), std::vector{UpdateResult::timedOut});
     }
 }
 
-TEST(Conversation, AStopBreaksOffWhatIsUnderWay) {
+TEST(DeviceSession, AStopBreaksOffWhatIsUnderWay) {
     std::promise<void> connected;
-    ScenarioDevice device([&](device::Moment const&, device::Wire&) {
+    ScenarioDevice device([&](device::StepContext const&, device::DeviceConnection&) {
         connected.set_value();
         return true;
     });
     Client const client(device);
     connected.get_future().wait();
-    EXPECT_EQ(device.End(0), std::vector{Outcome::stopped});
+    EXPECT_EQ(device.End(0), std::vector{UpdateResult::stopped});
 }
 
 }  // namespace
