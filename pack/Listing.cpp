@@ -4,14 +4,16 @@
 #include <array>
 
 #include "core/console/lines.h"
+#include "core/text/json.h"
+#include "core/text/message.h"
 #include "core/text/printable.h"
-#include "pack/printable.h"
 #include "pack/textNames.h"
 #include "program/usage.h"
 
 namespace pack {
 
 using core::hex;
+using core::jsonMembers;
 using core::message;
 using core::printable;
 using core::printLine;
@@ -37,6 +39,17 @@ constexpr Column columns[] = {
 constexpr std::size_t columnCount = std::size(columns);
 using Row = std::array<String, columnCount>;
 
+/// Returns permission bits in octal, as chmod accepts them.
+String octal(unsigned bits) {
+    return String::format("%1").argi(1, bits, 4, 8);
+}
+
+/// Returns the number of characters, by which the table aligns its columns.
+int characterCount(String const& utf8) {
+    auto const isFirstByte = [](char c) { return (static_cast<unsigned char>(c) & 0xC0) != 0x80; };
+    return static_cast<int>(std::ranges::count_if(utf8.View(), isFirstByte));
+}
+
 Row rowOf(StreamDescriptor const& file) {
     auto const text = [&file](Text which) { return printable(file.GetText(which)); };
     return {message("%1", file.GetSize()),
@@ -53,7 +66,7 @@ String lineOf(Row const& row, std::array<int, columnCount> const& widths) {
     String line;
     for (std::size_t i = 0; i < columnCount; ++i) {
         // Counted in characters: the string's own alignment counts bytes.
-        String const blanks = String::OfChar(' ', widths[i] - characters(row[i]));
+        String const blanks = String::OfChar(' ', widths[i] - characterCount(row[i]));
         line += columns[i].alignsRight ? blanks + row[i] : row[i] + blanks;
         line += "  ";
     }
@@ -85,25 +98,18 @@ void printHeaders(StreamSequencer const& archive) {
     }
 }
 
-/// One member of a JSON object; value stands as it is.
-String member(char const* name, String const& value) {
-    return message("\"%1\":", name).AppendNew(value);
-}
-
-String jsonNumber(unsigned long long value) {
-    return message("%1", value);
-}
-
 String jsonOf(StreamDescriptor const& file) {
     String json("{");
     for (Text const text : allTexts) {
-        json += member(nameOf(text), quoted(file.GetText(text))) + ",";
+        json += jsonMembers({{nameOf(text), file.GetText(text)}}) + ",";
     }
-    json += member("attributes", quoted(octal(file.GetAttributes()))) + ",";
-    json += member("flags", quoted(hex(file.GetFlags(), 8))) + ",";
-    json += member("scrambled", file.IsCryptEnabled() ? "true" : "false") + ",";
-    json += member("offset", jsonNumber(file.GetOffset())) + ",";
-    return json + member("size", jsonNumber(file.GetSize())) + "}";
+    return json +
+           jsonMembers({{"attributes", octal(file.GetAttributes())},
+                        {"flags", hex(file.GetFlags(), 8)},
+                        {"scrambled", file.IsCryptEnabled()},
+                        {"offset", file.GetOffset()},
+                        {"size", file.GetSize()}}) +
+           "}";
 }
 
 }  // namespace
@@ -118,12 +124,12 @@ void printTable(StreamSequencerReader const& reader) {
     std::array<int, columnCount> widths{};
     for (std::size_t i = 0; i < columnCount; ++i) {
         titles[i] = columns[i].title;
-        widths[i] = characters(titles[i]);
+        widths[i] = characterCount(titles[i]);
     }
     for (int file = 0; file < reader.FileCount(); ++file) {
         Row const row = rowOf(reader.File(file));
         for (std::size_t i = 0; i < columnCount; ++i) {
-            widths[i] = std::max(widths[i], characters(row[i]));
+            widths[i] = std::max(widths[i], characterCount(row[i]));
         }
     }
     printLine(program::usage::heading(lineOf(titles, widths)));
@@ -133,37 +139,36 @@ void printTable(StreamSequencerReader const& reader) {
 }
 
 void printJson(String const& path, StreamSequencerReader const& reader) {
-    // Written piece by piece: an archive may hold more than fits into a text.
-    printText(String("{") + member("archive", quoted(path)) + "," +
-              member("version", quoted(hex(reader.GetVersion(), 8))) + "," +
-              member("crypt", quoted(nameOf(reader.GetCryptMode()))) + ",");
+    // In parts: a list may be longer than a string can be.
+    printText("{" + jsonMembers({{"archive", path},
+                                 {"version", hex(reader.GetVersion(), 8)},
+                                 {"crypt", nameOf(reader.GetCryptMode())}}));
     if (reader.GetCryptMode() != StreamSequencer::CryptMode::None) {
-        printText(member("key", quoted(hex(reader.GetCryptKey(), 8))) + ",");
+        printText("," + jsonMembers({{"key", hex(reader.GetCryptKey(), 8)}}));
     }
     if (reader.uniqueId) {
-        printText(member("uniqueId", quoted(hex(*reader.uniqueId, 16))) + ",");
+        printText("," + jsonMembers({{"uniqueId", hex(*reader.uniqueId, 16)}}));
     }
     if (reader.sourceId) {
-        printText(member("sourceId", quoted(*reader.sourceId)) + ",");
+        printText("," + jsonMembers({{"sourceId", *reader.sourceId}}));
     }
     if (reader.targetId) {
-        printText(member("targetId", quoted(*reader.targetId)) + ",");
+        printText("," + jsonMembers({{"targetId", *reader.targetId}}));
     }
-    printText(member("attributes", "["));
+    printText(",\"attributes\":[");
     for (int i = 0; i < reader.Attributes().Count(); ++i) {
-        printText((i > 0 ? "," : "") + quoted(reader.Attributes()[i]));
+        printText((i > 0 ? "," : "") + core::jsonString(reader.Attributes()[i]));
     }
-    printText(String("],") + member("files", "["));
+    printText("],\"files\":[");
     for (int i = 0; i < reader.FileCount(); ++i) {
         printText((i > 0 ? "," : "") + jsonOf(reader.File(i)));
     }
-    printLine(String("],") + member("crc", quoted(hex(reader.GetCRC(), 8))) + "}");
+    printLine("]," + jsonMembers({{"crc", hex(reader.GetCRC(), 8)}}) + "}");
 }
 
 void printJsonError(String const& path, core::Fault const& error) {
-    printLine(String("{") + member("archive", quoted(path)) + "," + member("error", "{") +
-              member("title", quoted(error.title)) + "," +
-              member("message", quoted(error.message)) + "}}");
+    printLine("{" + jsonMembers({{"archive", path}}) + ",\"error\":{" +
+              jsonMembers({{"title", error.title}, {"message", error.message}}) + "}}");
 }
 
 }  // namespace pack
