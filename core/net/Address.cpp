@@ -13,7 +13,7 @@ SocketResult Address::DecomposeAddress(String const& text, String& host, String&
     if (bar < 1) {
         return socket_result::invalid;
     }
-    // Host or service may be the same object as text: both parts are taken before one is stored.
+    // Copy both parts before storing one: host or service may be the same object as text.
     String left = text.Left(bar);
     service = text.Copy(bar + 1, -1);
     host = std::move(left);

@@ -8,12 +8,18 @@ namespace platform = sys::platform;
 
 namespace {
 
-/// How well an entry fits, from 1 to 3.
+/// Returns how well an entry matches the type, from 1 to 3.
 int rankOf(platform::ResolvedEntry const* entry, SocketType type) {
     if (platform::resolvedProtocolNumber(entry) != platform::protocolNumber(type)) {
         return 1;
     }
     return platform::resolvedTypeNumber(entry) != platform::typeNumber(type) ? 2 : 3;
+}
+
+SocketAddr addressOf(platform::ResolvedEntry const* entry) {
+    int length = 0;
+    void const* const bytes = platform::resolvedAddress(entry, length);
+    return {bytes, length};
 }
 
 }  // namespace
@@ -59,6 +65,13 @@ ClassRef<AddressInfo> AddressInfo::FindBest(SocketDomain domain, SocketType type
         }
     }
     return best != nullptr ? new AddressInfo(GetRoot(), best) : nullptr;
+}
+
+InfoSocketAddr::InfoSocketAddr(ClassRef<AddressInfo> const& info)
+    : SocketAddr(addressOf(info->entry_)), info_(info) {}
+
+char const* InfoSocketAddr::ClassName() const {
+    return "InfoSocketAddr";
 }
 
 }  // namespace core

@@ -8,11 +8,11 @@ namespace core {
 
 class InfoSocketAddr;
 
-/// One entry of a resolver's result chain. The first entry is the root: it owns the whole chain,
-/// and every other entry holds a reference to it.
+/// An entry of a resolver's result chain. The first entry, the root, owns the whole chain; every
+/// other entry keeps a reference to the root.
 class AddressInfo : public BasicClass {
 public:
-    /// The root of a chain, which it takes over.
+    /// Creates the root, which takes ownership of the chain.
     explicit AddressInfo(sys::platform::ResolvedEntry* chain);
     AddressInfo(AddressInfo const&) = delete;
     AddressInfo& operator=(AddressInfo const&) = delete;
@@ -21,12 +21,13 @@ public:
     char const* ClassName() const override;
 
     ClassRef<AddressInfo> GetRoot();
-    /// The entry behind this one; empty at the end of the chain.
+    /// Returns the next entry; an empty reference at the end of the chain.
     ClassRef<AddressInfo> Next();
     ClassRef<InfoSocketAddr> GetSocketAddress();
 
-    /// The entry of the wanted domain, from this one on, that fits type best: protocol and type
-    /// the same, else only the protocol, else any. The earlier of equals; empty when there is none.
+    /// Returns the entry of the domain, from this one on, that matches type best: protocol and
+    /// type, else protocol, else neither; of equal matches the first. An empty reference if the
+    /// domain has no entry.
     ClassRef<AddressInfo> FindBest(SocketDomain domain, SocketType type);
 
 private:

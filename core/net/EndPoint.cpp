@@ -8,7 +8,7 @@ namespace core {
 EndPoint::EndPoint(String const& text, SocketDomain domain, SocketType type)
     : domain_(domain), type_(type), text_(text) {
     if (ClassRef<AddressInfo> const info = Address::GetInfo(text, domain, type, false)) {
-        Take(ClassRef<SocketAddr>(info->GetSocketAddress().Get()));
+        SetAddress(ClassRef<SocketAddr>(info->GetSocketAddress().Get()));
     }
 }
 
@@ -24,13 +24,13 @@ EndPoint::EndPoint(ClassRef<AddressInfo> const& info, SocketType type) : type_(t
     }
     SocketDomain const domain = info->GetSocketAddress()->GetDomain();
     ClassRef<AddressInfo> const best = info->FindBest(domain, type);
-    Take(ClassRef<SocketAddr>((best ? best : info)->GetSocketAddress().Get()));
+    SetAddress(ClassRef<SocketAddr>((best ? best : info)->GetSocketAddress().Get()));
     address_->GetName(text_, true);
 }
 
 EndPoint::EndPoint(ClassRef<SocketAddr> const& address, SocketType type) : type_(type) {
     if (address) {
-        Take(address);
+        SetAddress(address);
         address->GetName(text_, true);
     }
 }
@@ -45,7 +45,7 @@ char const* EndPoint::ClassName() const {
     return "EndPoint";
 }
 
-void EndPoint::Take(ClassRef<SocketAddr> const& address) {
+void EndPoint::SetAddress(ClassRef<SocketAddr> const& address) {
     address_ = address;
     domain_ = address->GetDomain();
 }

@@ -11,16 +11,16 @@
 
 namespace core {
 
-/// An address together with the domain and type that it was resolved for, and the text it was made
-/// from. What cannot be resolved has no address, and the domain and type that were asked for.
+/// A resolved address with its domain, type and text. If resolving fails, there is no address, and
+/// domain and type are those requested. Not thread-safe.
 class EndPoint : public BasicClass {
 public:
     EndPoint() = default;
-    /// From host "|" service, resolved.
+    /// Resolves host "|" service.
     EndPoint(String const& text, SocketDomain domain, SocketType type);
     EndPoint(String const& host, int port, SocketDomain domain, SocketType type);
     EndPoint(String const& host, String const& service, SocketDomain domain, SocketType type);
-    /// From the entry of the chain, from this one on, that fits type best; of any domain.
+    /// Uses the entry of info's chain, from info on and in its domain, that matches type best.
     EndPoint(ClassRef<AddressInfo> const& info, SocketType type);
     EndPoint(ClassRef<SocketAddr> const& address, SocketType type);
     EndPoint(IPv4Address const& address, SocketType type);
@@ -28,27 +28,27 @@ public:
 
     char const* ClassName() const override;
 
-    /// host "|" service, as it was given or, where it was made from an address, in numbers.
+    /// Returns host "|" service as given or, if constructed from an address, numeric.
     String const& GetComposedAddress() const { return text_; }
     String GetAddress() const;
     String GetService() const;
-    /// The port of the resolved address; without one the service as a number, noPort when it is
-    /// none.
+    /// Returns the port of the resolved address; without an address, the service as by
+    /// Address::PortOf.
     int GetPort() const;
     SocketDomain GetDomain() const { return domain_; }
     SocketType GetType() const { return type_; }
-    /// Empty when nothing was found.
+    /// Returns the resolved address; an empty reference if there is none.
     ClassRef<SocketAddr> const& GetSocketAddress() const { return address_; }
 
-    /// Whether both have the same type and the same resolved address.
+    /// Whether type and resolved address are equal; without addresses, type and text.
     bool SameAs(EndPoint const& other) const;
-    /// Drops the resolved address; the text, the domain and the type stay.
+    /// Removes the resolved address; keeps text, domain and type.
     void ResetAddress();
-    /// All fields back to empty.
+    /// Resets all fields to those of EndPoint().
     void VoidFields();
 
 private:
-    void Take(ClassRef<SocketAddr> const& address);
+    void SetAddress(ClassRef<SocketAddr> const& address);
 
     ClassRef<SocketAddr> address_;
     SocketDomain domain_ = SocketDomain::unspecified;

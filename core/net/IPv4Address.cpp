@@ -12,7 +12,7 @@ namespace {
 
 int const octetCount = 4;
 
-/// The item as an octet, or -1.
+/// Returns the item as an octet, or -1.
 int octetOf(String const& item) {
     int const value = strToIntDef(item.getCString(), -1);
     return value >= 0 && value <= 255 ? value : -1;
@@ -128,7 +128,7 @@ unsigned int IPv4Address::GetAsUInt32() const {
 }
 
 unsigned int IPv4Address::GetAsUInt32Mask() const {
-    // The negative of a number has all bits above its lowest set one inverted.
+    // A number and its negative share the lowest set bit and differ in all bits above.
     unsigned int const number = GetAsUInt32();
     return number | (0U - number);
 }

@@ -13,7 +13,9 @@ namespace {
 int const groupCount = IPv6Address::groupCount;
 int const longestGroup = 4;  ///< digits
 
-/// The groups of a text, or of one side of its "::".
+enum class Part { beforeGap, end };
+
+/// The groups of an address, or of the part before or after its "::".
 struct Groups {
     unsigned short values[groupCount] = {};
     int count = 0;
@@ -31,8 +33,7 @@ bool addHex(String const& item, Groups& groups) {
     return item.IsHex() && item.GetLength() <= longestGroup && groups.Add(item.ToHex32());
 }
 
-/// An IPv4 tail takes the place of two groups. Leading zeros, which some read as octal, are
-/// refused.
+/// Adds an IPv4 address as two groups. Rejects leading zeros, which some programs read as octal.
 bool addIPv4(String const& item, Groups& groups) {
     IPv4Address address;
     bool const good = item.Find('|') < 0 && item.CountChars('.') == 3 && address.Set(item) &&
@@ -41,9 +42,9 @@ bool addIPv4(String const& item, Groups& groups) {
     return good && groups.Add(number >> 16) && groups.Add(number & 0xFFFF);
 }
 
-/// Reads items with ":" between; an empty text has none. Only the last item of the whole address
-/// may be an IPv4 address.
-bool readGroups(String text, bool last, Groups& groups) {
+/// Reads groups separated by ":"; an empty text has none. Only in the part that ends the address,
+/// and only as the last item, an IPv4 address is valid.
+bool readGroups(String text, Part part, Groups& groups) {
     while (!text.IsEmpty()) {
         bool const isLast = text.Find(':') < 0;
         if (!isLast && text.LastChar() == ':') {
@@ -51,7 +52,8 @@ bool readGroups(String text, bool last, Groups& groups) {
         }
         String const item = text.ExtractNextToken(':');
         bool const dotted = item.Find('.') >= 0;
-        if (dotted ? !(isLast && last && addIPv4(item, groups)) : !addHex(item, groups)) {
+        if (dotted ? !(isLast && part == Part::end && addIPv4(item, groups))
+                   : !addHex(item, groups)) {
             return false;
         }
     }
@@ -62,9 +64,9 @@ bool readAddress(String const& host, unsigned short (&values)[groupCount]) {
     Groups left;
     Groups right;
     int const gap = host.Find("::");
-    bool const good = gap < 0 ? readGroups(host, true, left) && left.count == groupCount
-                              : readGroups(host.Left(gap), false, left) &&
-                                    readGroups(host.Copy(gap + 2), true, right) &&
+    bool const good = gap < 0 ? readGroups(host, Part::end, left) && left.count == groupCount
+                              : readGroups(host.Left(gap), Part::beforeGap, left) &&
+                                    readGroups(host.Copy(gap + 2), Part::end, right) &&
                                     left.count + right.count < groupCount;
     if (!good) {
         return false;
@@ -80,7 +82,8 @@ struct Run {
     int length = 0;
 };
 
-/// The longest run of zero groups among the first count; the first of equals.
+/// Returns the first longest run of zero groups among the first count; the empty one at count if
+/// it is shorter than two groups.
 Run longestZeros(unsigned short const* groups, int count) {
     Run longest;
     Run run;
@@ -94,10 +97,6 @@ Run longestZeros(unsigned short const* groups, int count) {
 }
 
 }  // namespace
-
-IPv6Address::IPv6Address(unsigned short const* groups, int port) : port_(port) {
-    Set(groups);
-}
 
 void IPv6Address::Set(unsigned short const* groups) {
     std::copy_n(groups, groupCount, groups_);
@@ -158,15 +157,6 @@ String IPv6Address::GetAsString(bool withPort) const {
         return text;
     }
     return Address::ComposeAddress(text, String::format("%1").argi(1, port_));
-}
-
-ClassRef<AddressInfo> IPv6Address::GetAddressInfo(bool flag) const {
-    return Address::GetInfo(GetAsString(true), flag);
-}
-
-ClassRef<AddressInfo> IPv6Address::GetAddressInfo(SocketDomain domain, SocketType type,
-                                                  bool flag) const {
-    return Address::GetInfo(GetAsString(true), domain, type, flag);
 }
 
 }  // namespace core

@@ -1,13 +1,11 @@
 #pragma once
 
-#include "core/net/AddressInfo.h"
-#include "core/net/noPort.h"
-#include "core/object/ClassRef.h"
+#include "core/net/SocketTypes.h"
 #include "core/text/String.h"
 
 namespace core {
 
-/// An IPv6 address with an optional port; a plain value. Group 0 is the leftmost of the text.
+/// An IPv6 address with an optional port; a plain value. Group 0 is the leftmost in the text.
 class IPv6Address {
 public:
     static constexpr int groupCount = 8;
@@ -15,45 +13,38 @@ public:
     /// All groups 0, without a port.
     IPv6Address() = default;
     IPv6Address(IPv6Address const& other) = default;
-    IPv6Address(IPv6Address const& other, int port) : IPv6Address(other) { port_ = port; }
-    /// Copies eight groups, in host order.
-    explicit IPv6Address(unsigned short const* groups, int port = noPort);
     /// Parses text with Set.
     explicit IPv6Address(String const& text) { Set(text); }
     IPv6Address& operator=(IPv6Address const& other) = default;
 
-    /// Copies eight groups, in host order; the port stays.
+    /// Copies eight groups, in host byte order; keeps the port.
     void Set(unsigned short const* groups);
-    /// Parses eight groups of up to four hexadecimal digits with ":" between, one "::" for a run of
-    /// zero groups, and an IPv4 address in the place of the last two; behind "|" a port, as
-    /// IPv4Address takes it. Blanks around host and port are allowed, a zone ("%eth0") is not: it
-    /// means nothing on another machine. False, with all groups 0 and the port as it was, when the
-    /// text is none.
+    /// Parses eight groups of up to four hexadecimal digits separated by ":", with "::" for one run
+    /// of zero groups and optionally an IPv4 address as the last two groups; after "|" a port as in
+    /// IPv4Address::Set. Allows spaces around host and port, but no zone ("%eth0"), which is
+    /// meaningless on other machines. On failure returns false, sets all groups to 0 and keeps the
+    /// port.
     bool Set(String const& text);
-    /// Whether Set takes the text.
+    /// Whether Set accepts the text.
     static bool IsValid(String const& text);
 
     bool IsNull() const;
-    /// The group at an index from 0 to 7, unchecked.
+    /// Returns the group at index, which must be from 0 to 7.
     unsigned short& operator[](int index) { return groups_[index]; }
     unsigned short operator[](int index) const { return groups_[index]; }
     void VoidAddress();
 
-    /// Any 32-bit value is stored as it is.
+    /// Stores any value, unchecked.
     void SetPortA(int port) { port_ = port; }
     void VoidPort() { port_ = noPort; }
     int Port() const { return port_; }
 
     bool SameAs(IPv6Address const& other, bool withPort) const;
 
-    /// The one canonical text: small letters, no leading zeros, the longest run of zero groups (the
-    /// first of equals, two at least) as "::", an IPv4 address that is mapped with its points. With
-    /// withPort "|Port" behind it when there is a port.
+    /// Returns the canonical text (RFC 5952): lower case, no leading zeros, the first longest run
+    /// of at least two zero groups as "::", an IPv4-mapped address in dotted form. With withPort
+    /// and a port, "|Port" follows.
     String GetAsString(bool withPort) const;
-
-    /// Resolves GetAsString(true); see Address::GetInfo.
-    ClassRef<AddressInfo> GetAddressInfo(bool flag) const;
-    ClassRef<AddressInfo> GetAddressInfo(SocketDomain domain, SocketType type, bool flag) const;
 
 private:
     unsigned short groups_[groupCount] = {};

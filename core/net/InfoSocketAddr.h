@@ -5,7 +5,7 @@
 
 namespace core {
 
-/// The address of a resolver's entry. It keeps the resolver's chain alive as long as it lives.
+/// The address of a resolver's entry. Keeps a reference to the entry's chain.
 class InfoSocketAddr : public SocketAddr {
 public:
     explicit InfoSocketAddr(ClassRef<AddressInfo> const& info);

@@ -18,22 +18,21 @@ String hostOf(void const* address, int length) {
     return host;
 }
 
-struct Wanted {
+struct Selection {
     InterfaceAddress::List& list;
     SocketDomain domain;
 };
 
 void addEntry(sys::platform::InterfaceEntry const& entry, void* context) {
-    Wanted const& wanted = *static_cast<Wanted*>(context);
+    Selection const& wanted = *static_cast<Selection*>(context);
     SocketDomain const domain = sys::platform::domainOf(entry.address, entry.addressLength);
     if (wanted.domain == SocketDomain::unspecified || wanted.domain == domain) {
-        wanted.list.Add({entry.name, entry.index, domain,
-                         hostOf(entry.address, entry.addressLength),
+        wanted.list.Add({entry.name, domain, hostOf(entry.address, entry.addressLength),
                          hostOf(entry.mask, entry.maskLength)});
     }
 }
 
-/// The address without the zone that the system writes behind a local one.
+/// Returns the address without the zone that follows link-local addresses.
 String withoutZone(String const& address) {
     int const percent = address.Find('%');
     return percent < 0 ? address : address.Left(percent);
@@ -41,9 +40,9 @@ String withoutZone(String const& address) {
 
 }  // namespace
 
-InterfaceAddress::InterfaceAddress(String const& name, unsigned index, SocketDomain domain,
-                                   String const& address, String const& mask)
-    : name_(name), index_(index), domain_(domain), address_(address), mask_(mask) {}
+InterfaceAddress::InterfaceAddress(String const& name, SocketDomain domain, String const& address,
+                                   String const& mask)
+    : name_(name), domain_(domain), address_(address), mask_(mask) {}
 
 char const* InterfaceAddress::ClassName() const {
     return "InterfaceAddress";
@@ -66,7 +65,7 @@ bool InterfaceAddress::SameAddress(String const& address) const {
 
 bool InterfaceAddress::GetInterfacesList(List& list, SocketDomain domain) {
     list.Clear();
-    Wanted wanted{list, domain};
+    Selection wanted{list, domain};
     return sys::platform::listInterfaces(&addEntry, &wanted);
 }
 

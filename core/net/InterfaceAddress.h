@@ -10,54 +10,52 @@
 
 namespace core {
 
-/// One address of a network interface of this machine, as text.
+/// An address of a network interface of this machine, as text.
 class InterfaceAddress : public BasicClass {
 public:
     class List;
 
-    InterfaceAddress(String const& name, unsigned index, SocketDomain domain, String const& address,
+    InterfaceAddress(String const& name, SocketDomain domain, String const& address,
                      String const& mask);
 
     char const* ClassName() const override;
 
     String const& GetName() const { return name_; }
-    unsigned GetIndex() const { return index_; }
     SocketDomain GetDomain() const { return domain_; }
     String const& GetAddress() const { return address_; }
-    /// Empty when the address has none.
+    /// Returns the netmask; empty if the address has none.
     String const& GetMask() const { return mask_; }
 
-    /// Whether the interface has this address; ports are ignored.
+    /// Whether this is the address, ignoring ports.
     bool SameAddress(IPv4Address const& address) const;
     bool SameAddress(IPv6Address const& address) const;
-    /// The same, both texts read as IPv4 addresses.
+    /// Whether both texts are the same IPv4 address, ignoring ports.
     bool SameAddress(String const& address) const;
 
-    /// Fills the list anew with the machine's addresses of one domain, or of all; false when the
-    /// system does not tell them.
+    /// Replaces the list by the machine's addresses of one domain, or of all; returns false if the
+    /// operating system cannot list them.
     static bool GetInterfacesList(List& list, SocketDomain domain);
     static bool GetInterfacesList(List& list);
 
 private:
     String name_;
-    unsigned index_;
     SocketDomain domain_;
     String address_;
     String mask_;
 };
 
-/// The addresses of a machine, in the order in which the system tells them.
+/// The addresses of a machine, in the order of the operating system.
 class InterfaceAddress::List : public BasicClass {
 public:
     char const* ClassName() const override;
 
     int Count() const { return static_cast<int>(entries_.size()); }
-    /// The entry at a valid index.
+    /// Returns the entry at index, which must be valid.
     InterfaceAddress const& operator[](int index) const;
     void Add(InterfaceAddress const& entry) { entries_.push_back(entry); }
     void Clear() { entries_.clear(); }
 
-    /// The first entry from start on that matches, or -1; a negative start counts as 0.
+    /// Return the index of the first match from start on, or -1; a negative start counts as 0.
     int FindAddress(IPv4Address const& address, int start = 0) const;
     int FindAddress(IPv6Address const& address, int start = 0) const;
     int FindAddress(String const& address, int start = 0) const;

@@ -12,21 +12,21 @@ namespace core {
 
 class ServerSocket;
 
-/// The worker of one address of a ServerSocket: has its connections or datagrams handled, one after
-/// the other, until its termination is requested.
+/// The worker of an address of a ServerSocket: passes its connections or datagrams to the handler,
+/// one at a time, until termination is requested.
 class ServerSocketThread : public Thread {
 public:
-    /// Serves the bound socket for the address at index of server, which must outlive the worker.
-    /// Without a socket the worker waits until its termination is requested.
+    /// Serves the bound socket of the address at index. The server must outlive the worker. Without
+    /// a socket the worker only waits until termination is requested.
     ServerSocketThread(ServerSocket& server, ClassRef<Socket> const& socket, int index);
     ~ServerSocketThread() override;
 
     char const* ClassName() const override;
 
-    /// The place of the address in the server's table, which changes when another is removed.
+    /// Sets the address's index, which changes if another address is removed.
     void SetIndex(int index) { index_ = index; }
 
-    /// Waits up to ms milliseconds until clients can reach the socket.
+    /// Waits up to ms milliseconds until clients can connect.
     void WaitUntilReady(int ms) { ready_.Wait(ms); }
 
 protected:
@@ -45,7 +45,7 @@ private:
 
     ServerSocket& server_;
     ClassRef<Socket> socket_;
-    String bind_;  ///< a copy of our own: texts are not shared between threads
+    String bind_;  ///< unshared, see String::Unique
     std::atomic<int> index_;
     Event ready_;
 };

@@ -6,7 +6,6 @@
 #include "core/net/EndPoint.h"
 #include "core/net/IPeer.h"
 #include "core/net/SocketAddr.h"
-#include "core/net/SocketResult.h"
 #include "core/net/SocketTypes.h"
 #include "core/object/BasicClass.h"
 #include "core/object/ClassRef.h"
@@ -16,120 +15,122 @@
 
 namespace core {
 
-/// One socket of the platform, which it owns and closes. Used by one thread at a time. Operations
-/// that answer a SocketResult give 0 for success; those that answer a number of bytes give -1 for
-/// failure. No operation prints, throws or raises a signal.
+/// A socket of the platform, which it owns and closes. Not thread-safe. A SocketResult is 0 on
+/// success; a number of bytes is -1 on failure. Times are in milliseconds. No operation prints or
+/// raises a signal, and none throws except std::bad_alloc.
 class Socket : public BasicClass, public IPeer, public IStream {
 public:
-    /// Starts the platform's socket library, once before the first socket; true on success.
+    /// Starts the platform's socket library; true on success. Call it before creating a socket.
     static bool init();
-    /// Takes one start back; always 0.
+    /// Undoes one init; returns 0.
     static int done();
 
-    /// What a wait for readiness came to.
+    /// The result of a wait for readiness.
     enum class Readiness { ready, timedOut, badHandle, interrupted, invalid, noMemory, failed };
 
-    /// Creates the platform's socket. When that fails, the domain and type stay unspecified and
-    /// the caller learns of it at the first use.
+    /// Creates the platform's socket. On failure domain and type are unspecified, and the first use
+    /// fails.
     Socket(SocketDomain domain, SocketType type);
-    /// Take over an open handle that is connected to peer.
+    /// Take ownership of an open handle that is connected to peer.
     Socket(sys::platform::SocketHandle handle, ClassRef<SocketAddr> const& peer, SocketType type);
     Socket(sys::platform::SocketHandle handle, EndPoint const& peer);
     Socket(Socket const&) = delete;
     Socket& operator=(Socket const&) = delete;
-    /// Ends the sending side and closes.
+    /// Shuts down sending and closes.
     ~Socket() override;
 
     char const* ClassName() const override;
 
-    /// As they were given when the socket was made.
+    /// Return the domain and type given at construction.
     SocketDomain GetDomain() const { return domain_; }
     SocketType GetType() const { return type_; }
 
     bool IsOpen() const { return handle_ != sys::platform::noSocket; }
 
-    /// 4 when a socket is already open.
+    /// Opens a new socket of the platform; returns 4 if one is open.
     SocketResult CreateTheSocket(SocketDomain domain, SocketType type);
-    /// Ends the sending side and closes; 4 when no socket is open.
+    /// Shuts down sending and closes; returns 4 if the socket is not open.
     SocketResult Close();
-    /// Ends the sending side, or both, and closes; false when no socket is open.
+    /// Shuts down sending, or both directions, and closes; false if the socket is not open.
     bool CloseTheSocket(bool both);
-    /// Ends the sending side only: the peer reads the end of the stream, and what it still sends
-    /// can be received.
+    /// Shuts down sending: the peer reads the end of the stream and may still send. True on
+    /// success.
     bool ShutdownSend();
-    /// Closes with a reset: what is under way is lost and the peer's next call fails. False when no
-    /// socket is open.
+    /// Closes with a reset: data in transit is lost and the peer's next call fails. False if the
+    /// socket is not open.
     bool Abort();
 
-    // Connecting waits as long as the platform's connect does.
+    // Connecting has no timeout but that of the platform. A closed socket is opened first.
 
-    /// Resolves text (host "|" service) in the socket's own domain and type and tries what was
-    /// found in order; 12 when that is nothing, else the result of the last attempt.
+    /// Resolves text (host "|" service) in the socket's domain and type and connects to the first
+    /// address possible. Returns the result of the last attempt; 12 if resolving fails.
     SocketResult Connect(String const& text);
     SocketResult Connect(ClassRef<AddressInfo> const& info);
     SocketResult Connect(ClassRef<SocketAddr> const& address);
     SocketResult Connect(EndPoint const& endPoint);
+    /// Connects to the target; true if connected or already open.
     bool Connect() override;
+    /// Whether the socket is open and usable; a closed connection is not detected.
     bool IsConnected() const override;
     bool GetTarget(String& target) const override;
     void SetTarget(String const& target) override;
 
-    /// Bind to a local address: the text is resolved in the socket's own domain and type (12 when
-    /// nothing is found), and the first address of a chain that can be bound is taken.
+    /// Bind to a local address; text and chains are used as by Connect.
     SocketResult Bind(String const& text);
     SocketResult Bind(ClassRef<AddressInfo> const& info);
     SocketResult Bind(ClassRef<SocketAddr> const& address);
     SocketResult Bind(EndPoint const& endPoint);
     /// Whether the socket has a local port.
     bool IsBound() const;
-    /// Listens with the largest backlog that the platform allows.
+    /// Listens with the largest backlog of the platform.
     SocketResult Listen();
-    /// Takes the next connection, waiting for it when the socket is blocking.
+    /// Accepts a connection, waiting for one if the socket is blocking. On failure accepted is
+    /// unchanged.
     SocketResult Accept(ClassRef<Socket>& accepted);
 
-    /// The local or the peer's address as host "|" service.
+    /// Get the local or the peer's address, as text host "|" service. On failure the output is
+    /// unchanged.
     SocketResult GetSockName(String& name, bool numeric) const;
     SocketResult GetPeerName(String& name, bool numeric) const;
     SocketResult GetSockName(EndPoint& endPoint) const;
     SocketResult GetPeerName(EndPoint& endPoint) const;
 
-    /// One send: the number of bytes taken, which may be smaller than length.
+    /// Sends once; returns the number of bytes accepted, which may be less than length.
     int Send(void const* data, int length);
     int Send(Buffer const& bytes);
-    /// Sends the characters without the terminator.
+    /// Sends the characters without a terminator.
     int Send(String const& text);
-    /// One receive: the number of bytes that came; 0 when the peer has ended the stream.
+    /// Receives once; returns the number of bytes received, 0 at the end of the stream.
     int Recv(void* buffer, int length);
-    /// Whether the last Send or Recv failed only because it would have had to wait.
+    /// Whether the last send or receive failed because it would have blocked.
     bool WouldBlock() const;
-    /// The errno value of the last failure of this socket to be created, to connect, bind, listen,
-    /// accept, send or receive; 0 after a send or receive that succeeded.
+    /// Returns the errno value of the last failure to create, connect, bind, listen, accept, send
+    /// or receive; 0 after a successful send or receive.
     int LastError() const { return lastError_; }
 
-    /// Gathers length bytes, until none has come for timeoutMs milliseconds: every byte that comes
-    /// starts the wait anew. Returns the bytes gathered, or a negative value when the very first
-    /// receive failed. A peer that ends the stream does not end the wait: callers judge the count.
+    /// Receives length bytes; each byte restarts the timeout of timeoutMs milliseconds. Returns the
+    /// number received, or a negative value if the first receive failed. End of stream does not end
+    /// the wait: check the count.
     int RecvUntil(void* buffer, int length, long long timeoutMs);
 
-    /// Transfer up to length bytes within timeoutMs milliseconds, a deadline for all of them: the
-    /// number transferred, or a negative value when the very first attempt failed, as it does at
-    /// once for writing to a closed socket. A negative time-out leaves no time. A peer that stops
-    /// reading does not prolong the deadline.
+    /// Transfer length bytes within timeoutMs milliseconds for all of them; a negative timeout
+    /// counts as 0. Return the number transferred, or a negative value if the first attempt failed.
+    /// The deadline holds even if the peer stops reading.
     int _Read(void* buffer, int length, int timeoutMs);
     int _Write(void const* data, int length, int timeoutMs);
-    /// The same within the read or the write time-out.
+    /// Transfer length bytes within the read or the write timeout.
     int Read(void* buffer, int length) override { return _Read(buffer, length, readTimeout_); }
     int Write(void const* data, int length) override { return _Write(data, length, writeTimeout_); }
-    /// Milliseconds; 1000 and 2000 at first.
+    /// Set the timeouts, initially 1000 and 2000 ms; return true.
     bool SetReadTimeout(int ms);
     bool SetWriteTimeout(int ms);
     int GetReadTimeout() const { return readTimeout_; }
     int GetWriteTimeout() const { return writeTimeout_; }
 
-    // Datagrams. Each call is one datagram.
+    // Datagrams. Each call sends or receives one.
 
-    /// Sends length bytes to an address; a text is resolved in the socket's own domain and type.
-    /// The bytes taken; -1 also when there is no address.
+    /// Sends length bytes to an address; text is resolved in the socket's domain and type. Returns
+    /// the number of bytes accepted, or -1, also if resolving fails.
     int SendTo(void const* data, int length, ClassRef<SocketAddr> const& to);
     int SendTo(void const* data, int length, EndPoint const& to);
     int SendTo(void const* data, int length, String const& to);
@@ -144,36 +145,36 @@ public:
     int SendDatagram(void const* data, int length, EndPoint const& to);
     int SendDatagram(void const* data, int length, IPv4Address const& to);
     int SendDatagram(void const* data, int length, String const& to);
-    /// To the port of all hosts of the network; the socket needs setBroadcast.
+    /// Sends to the port of all hosts of the local network; requires setBroadcast.
     int Broadcast(void const* data, int length, int port);
-    /// Receives into buffer, which cuts a longer datagram, and tells the sender; on failure the
-    /// sender stays as it was.
+    /// Receives a datagram, truncated to length, and its sender; on failure from is unchanged.
     int RecvFrom(void* buffer, int length, ClassRef<SocketAddr>& from);
     int RecvFrom(void* buffer, int length, ClassRef<EndPoint>& from);
     int RecvFrom(void* buffer, int length, String& from);
-    /// Receives a datagram of any size; on failure bytes are empty.
+    /// Receives a whole datagram and its sender; on failure bytes is empty and from unchanged.
     template <class Sender>
     int RecvAllFrom(Buffer& bytes, Sender& from) {
-        return RecvAll(bytes, [&](void* room, int size) { return RecvFrom(room, size, from); });
+        return RecvAll(bytes, [&](void* data, int size) { return RecvFrom(data, size, from); });
     }
 
-    /// Wait at most ms milliseconds until the socket can be read or written: 1 ready, 0 time ran
-    /// out, -1 error. When no socket is open, checkRecv returns 0 and checkSend -1, at once.
+    /// Wait up to ms milliseconds until the socket can be read or written. Return 1 if ready, 0 on
+    /// timeout, -1 on error. If the socket is not open, return 0 and -1 at once.
     int checkRecv(int ms) const;
     int checkSend(int ms) const;
     bool CanRecv(int ms) const;
     bool CanSend(int ms) const;
-    /// The same, with what failed in the place of -1.
+    /// Wait likewise, but return the error instead of -1.
     Readiness CheckRecv(int ms) const;
     Readiness CheckSend(int ms) const;
-    /// What a result of the two checks means; asks the platform for the error of a negative one.
+    /// Converts a result of checkRecv or checkSend; reads errno if it is negative, so call it at
+    /// once.
     static Readiness fromSelectResult(int result);
 
-    /// Whether calls wait, as they do at first; the mode is remembered only when it could be set.
+    /// Sets whether calls wait, as they do initially; true on success.
     bool setBlocking(bool blocking);
     bool getBlocking() const { return blocking_; }
 
-    // Options: true when they were set, and their value; false or 0 when it cannot be read.
+    // Options. Setters return true on success; getters return false or 0 on failure.
 
     bool setTCPNoDelay(bool on);
     bool getTCPNoDelay() const;
@@ -183,9 +184,9 @@ public:
     bool getMulticastLoopback() const;
     bool setMulticastTTL(unsigned char hops);
     int getMulticastTTL() const;
-    /// How many bytes the system holds until they are received, about: it rounds as it likes.
+    /// Sets the approximate receive buffer size in bytes; the operating system may round it.
     bool setReceiveBuffer(int bytes);
-    // No platform of ours has these; they are part of what sockets elsewhere can do.
+    // Not supported: these have no effect and return false.
     bool setCorkMode(bool) { return false; }
     bool getCorkMode() const { return false; }
     bool setMulticastInterface(IPv4Address const&) { return false; }
@@ -193,17 +194,17 @@ public:
     bool joinMulticastGroup(IPv4Address const&, IPv4Address const&) { return false; }
     bool leaveMulticastGroup(IPv4Address const&, IPv4Address const&) { return false; }
 
-    /// How long a blocking receive or send waits, in milliseconds; 0, as at first, without end.
-    /// Reading gives a negative value on failure.
+    /// Set or get the timeout of a blocking receive or send, in milliseconds; 0, the initial value,
+    /// means no timeout. Getters return a negative value on failure.
     bool SetRecvTimeout(int ms);
     int GetRecvTimeout() const;
     bool SetSendTimeout(int ms);
     int GetSendTimeout() const;
 
-    /// Makes the platform send what it holds back of a stream.
+    /// Makes the platform send the data of a stream that it delays (Nagle's algorithm).
     void FlushSent();
     void Flush() { FlushSent(); }
-    /// Nothing is held back on the way in.
+    /// Does nothing: received data is not delayed.
     void FlushRecv() {}
 
 private:
@@ -233,9 +234,9 @@ private:
 
 template <class Receive>
 int Socket::RecvAll(Buffer& bytes, Receive receive) {
-    auto const room = std::make_unique<char[]>(largestDatagram);
-    int const got = receive(room.get(), largestDatagram);
-    bytes.Set(room.get(), got);
+    auto const data = std::make_unique<char[]>(largestDatagram);
+    int const got = receive(data.get(), largestDatagram);
+    bytes.Set(data.get(), got);
     return got;
 }
 

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include "core/net/Address.h"
 #include "core/net/EndPoint.h"
 #include "core/net/InfoSocketAddr.h"
 #include "core/net/InterfaceAddress.h"
@@ -27,7 +28,7 @@ TEST(EndPoint, ComesFromTextsNumbersAndAddresses) {
 
     EndPoint six(IPv6Address("::1|80"), SocketType::datagram);
     EXPECT_EQ(six.GetDomain(), SocketDomain::IPv6);
-    EXPECT_TRUE(six.SameAs(EndPoint(IPv6Address("::1|80").GetAddressInfo(true), six.GetType())));
+    EXPECT_TRUE(six.SameAs(EndPoint(Address::GetInfo("::1|80", true), six.GetType())));
     six.ResetAddress();
     EXPECT_FALSE(six.GetSocketAddress());
     EXPECT_EQ(six.GetPort(), 80);

@@ -1,7 +1,0 @@
-#include "core/net/IPeer.h"
-
-namespace core {
-
-IPeer::~IPeer() = default;
-
-}  // namespace core
