@@ -164,7 +164,7 @@ void PackApplication::List() {
         printsJson_ ? printJson(Value("l"), reader) : printTable(reader);
     }
     // Output is the only result here: a truncated list must not pass for a whole one.
-    if (core::Console::hasLostText()) {
+    if (core::Console::hasWriteFailed()) {
         RaiseStatus(ExitStatus::failed);
     }
 }

@@ -6,7 +6,6 @@
 #include <string_view>
 
 #include "core/console/ConsoleInterpreter.h"
-#include "core/console/ConsolePiece.h"
 #include "core/text/TextBuilder.h"
 #include "sys/platform/Screen.h"
 #include "sys/platform/Terminal.h"
@@ -17,10 +16,10 @@ namespace {
 
 using sys::platform::StandardStream;
 
-std::atomic<bool> lostText = false;
+std::atomic<bool> writeFailed = false;
 
-/// Sequences are executed on screen; if it is null, they pass to a terminal that is the stream's.
-void writeOn(sys::Screen* screen, StandardStream stream, String const& text, bool newline) {
+/// Executes sequences on screen; if it is null, sends them to a terminal of the stream.
+void writeTo(sys::Screen* screen, StandardStream stream, String const& text, bool newline) {
     if (screen != nullptr) {
         return Console::write(*screen, text, newline);
     }
@@ -29,30 +28,30 @@ void writeOn(sys::Screen* screen, StandardStream stream, String const& text, boo
     if (newline) {
         out.Append('\n');
     }
-    // Line and line feed in one piece, so that lines of several threads do not mix.
+    // Write line and line feed at once, so that lines of several threads do not mix.
     auto const length = static_cast<std::size_t>(out.GetLength());
     std::fflush(stdout);
     if (!sys::platform::writeStandardOutput(out.getCString(), length)) {
-        lostText = true;
+        writeFailed = true;
     }
 }
 
 }  // namespace
 
 void Console::write(String const& text, bool newline) {
-    writeOn(sys::screenOf(StandardStream::output), StandardStream::output, text, newline);
+    writeTo(sys::screenOf(StandardStream::output), StandardStream::output, text, newline);
 }
 
 void Console::ewrite(String const& text, bool newline) {
-    writeOn(sys::screenOf(StandardStream::error), StandardStream::error, text, newline);
+    writeTo(sys::screenOf(StandardStream::error), StandardStream::error, text, newline);
 }
 
 void Console::write(void* handle, String const& text, bool newline) {
-    writeOn(sys::screenOf(handle).get(), StandardStream::output, text, newline);
+    writeTo(sys::screenOf(handle).get(), StandardStream::output, text, newline);
 }
 
-bool Console::hasLostText() {
-    return lostText;
+bool Console::hasWriteFailed() {
+    return writeFailed;
 }
 
 void Console::write(sys::Screen& screen, String const& text, bool newline) {
@@ -63,9 +62,14 @@ void Console::write(sys::Screen& screen, String const& text, bool newline) {
 String Console::withoutSequences(String const& text) {
     TextBuilder out;
     for (std::string_view rest = text.View(); !rest.empty();) {
-        out.Append(ConsolePiece::TakeFrom(rest).plain);
+        out.Append(ConsoleSegment::ParseNext(rest).plain);
     }
     return out.AsString();
+}
+
+// Here, because core/text cannot depend on the console.
+void String::print(bool newLine) const {
+    Console::write(*this, newLine);
 }
 
 }  // namespace core

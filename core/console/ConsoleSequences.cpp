@@ -6,19 +6,19 @@ namespace {
 
 int const basicColors = 8;
 
-/// Sets a number behind the ESC "[" only where it differs from the terminal's own default.
+/// Returns a sequence that omits the number if it is 1, the terminal's default.
 String numbered(String const& letter, int n) {
     return Console::escape(letter, n, n == 1);
 }
 
 template <class Erase>
 String erase(char const* letter, Erase what) {
-    // Whatever is neither of the first two means everything.
+    // Any value but the first two erases all.
     int const n = what == Erase::toEnd ? 0 : what == Erase::toStart ? 1 : 2;
     return Console::escape(letter, n, n == 0);
 }
 
-/// The first eight colours count from base on, the bright ones from bright on.
+/// The codes of the first eight colours begin at base, those of the bright ones at bright.
 String colorOf(int base, int bright, Console::Color c) {
     int const index = static_cast<int>(c);
     return Console::sgr(index < basicColors ? base + index : bright + index - basicColors);
@@ -170,7 +170,7 @@ int Console::rgb2index(unsigned char r, unsigned char g, unsigned char b) {
 }
 
 String Console::color(String const& text, Color c) {
-    // The text comes last: a placeholder in it is its own, not ours.
+    // The text comes last: a placeholder in it must stay.
     return String::format("%1%2%3").argi(1, color(c)).argi(3, color(false)).argi(2, text);
 }
 

@@ -1,5 +1,5 @@
 #include "core/console/Console.h"
-#include "core/console/ConsolePiece.h"
+#include "core/console/ConsoleInterpreter.h"
 #include "fuzz/Input.h"
 #include "fuzz/core/console/MemoryScreen.h"
 
@@ -8,15 +8,15 @@ namespace {
 using core::Console;
 using core::String;
 
-/// Brings what sequences leave in the process to what it was at its start.
+/// Resets the state that sequences leave in the process.
 void start(MemoryScreen& screen) {
     Console::write(screen, "\x1B[H\x1B[s\x1B[m", false);
 }
 
 }  // namespace
 
-/// A text leaves the same screen in one piece or in many, as long as no sequence is cut, and shows
-/// what it would where no sequence is understood.
+/// A text leaves the same screen whether written at once or in segments, and shows the same
+/// characters as where sequences are removed.
 extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {
     Input input(data, size);
     bool const gone = input.Byte() % 8 == 1;
@@ -27,15 +27,15 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size
     Console::write(whole, text, false);
     require(whole.Written() == Console::withoutSequences(text).getCString());
 
-    MemoryScreen pieces(7, 6, 4, gone);
-    start(pieces);
+    MemoryScreen segments(7, 6, 4, gone);
+    start(segments);
     for (std::string_view rest = text.View(); !rest.empty();) {
         std::string_view const before = rest;
-        core::ConsolePiece::TakeFrom(rest);
+        core::ConsoleSegment::ParseNext(rest);
         require(rest.size() < before.size());
-        Console::write(pieces, String(before.substr(0, before.size() - rest.size())), false);
+        Console::write(segments, String(before.substr(0, before.size() - rest.size())), false);
     }
-    require(pieces.Picture() == whole.Picture());
-    require(pieces.Written() == whole.Written());
+    require(segments.Picture() == whole.Picture());
+    require(segments.Written() == whole.Written());
     return 0;
 }

@@ -73,7 +73,7 @@ TEST(Console, AnOutputThatIsNoTerminalGetsPlainText) {
               }),
               "C, OK\nno console\nred25h cut\nno \x1B line end\x1B\n"
               "1 of 9\n9 of 9          \n1 of 2\nand 1 of 1\nend\nnew\n");
-    EXPECT_FALSE(Console::hasLostText());
+    EXPECT_FALSE(Console::hasWriteFailed());
 }
 
 TEST(Console, UsageScreensHaveTheirColours) {
