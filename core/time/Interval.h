@@ -6,26 +6,27 @@
 
 namespace core {
 
-/// A length of time in milliseconds.
+/// A duration in milliseconds.
 class Interval {
 public:
-    /// The text forms. A number above 1 gives its unit an "s"; 0, 1 and negative numbers do not.
-    enum CEStringFormat : int {
-        /// One unit, the largest of hours, minutes and seconds that is left over after the larger
-        /// ones; days when only whole days are there, milliseconds below one second. Any value not
-        /// named here means the same.
-        FormatAuto = 0,
+    /// The text forms. A number above 1 appends an "s" to its unit; 0, 1 and negative numbers do
+    /// not.
+    enum class CEStringFormat : int {
+        /// One unit: the first of hours (modulo 24), minutes (modulo 60) and seconds (modulo 60)
+        /// that is not 0. If all are 0: days, or milliseconds unless the duration is whole days.
+        /// Values without an enumerator mean the same.
+        automatic = 0,
         // One unit, rounded to the nearest number.
-        FormatMilliseconds = 1,
-        FormatSeconds = 2,
-        FormatMinutes = 3,
-        FormatHours = 4,
-        FormatDays = 5,
-        /// "1 day, 2 hours, 5 seconds": what is 0 is left out ("0 second" when all is), a negative
-        /// interval begins with "-" and omits its days.
-        FormatSpelledOut = 6,
-        /// Days from one whole day on, below like FormatAuto.
-        FormatDaysOrAuto = 7
+        milliseconds = 1,
+        seconds = 2,
+        minutes = 3,
+        hours = 4,
+        days = 5,
+        /// "1 day, 2 hours, 5 seconds": omits parts that are 0 ("0 second" if all are). A negative
+        /// duration has a leading "-" and omits its days.
+        spelledOut = 6,
+        /// Days from one whole day on, otherwise as automatic.
+        daysOrAutomatic = 7
     };
 
     Interval() = default;
@@ -34,12 +35,13 @@ public:
     long long GetMilliseconds() const { return milliseconds_; }
     auto operator<=>(Interval const& other) const = default;
 
+    /// Returns the duration as a text such as "2 seconds".
     String ToString(CEStringFormat format) const;
 
 private:
-    CEStringFormat automaticUnit() const;
-    String inOneUnit(CEStringFormat unit) const;
-    String spelledOut() const;
+    CEStringFormat AutomaticUnit() const;
+    String InOneUnit(CEStringFormat unit) const;
+    String SpelledOut() const;
 
     long long milliseconds_ = 0;
 };

@@ -5,7 +5,7 @@
 #include <climits>
 
 #include "core/time/calendar.h"
-#include "core/time/math.h"
+#include "core/time/saturatedMath.h"
 
 namespace core {
 
@@ -17,7 +17,7 @@ using calendar::floorRemainder;
 
 constexpr long long msPerSecond = 1000;
 constexpr long long msPerDay = 86400 * msPerSecond;
-/// The start of 1970, in days of the two Julian counts.
+// 1970-01-01 00:00 in Julian and in modified Julian days.
 constexpr double epochJulian = 2440587.5;
 constexpr double epochJulianModified = 40587;
 
@@ -27,38 +27,38 @@ long long now() {
     return static_cast<long long>(std::chrono::duration_cast<Unit>(since).count());
 }
 
-long long daysOfFields(long long year, long long month, int day) {
+long long daysFromFields(long long year, long long month, int day) {
     Date date{year + floorDivide(month - 1, 12),
               static_cast<int>(floorRemainder(month - 1, 12)) + 1, 1};
-    return calendar::daysOf(date) + day - 1;
+    return calendar::daysFromDate(date) + day - 1;
 }
 
-long long msOfFields(long long hour, long long minute, long long second, long long millisecond) {
+long long msFromFields(long long hour, long long minute, long long second, long long millisecond) {
     return (hour * 3600 + minute * 60 + second) * msPerSecond + millisecond;
 }
 
-/// The time that lies some milliseconds after the start of a day.
-Time timeOf(long long days, long long milliseconds) {
+/// Returns the time that is milliseconds after the start of a day.
+Time timeFromDays(long long days, long long milliseconds) {
     days += floorDivide(milliseconds, msPerDay);
-    return Time(math::ComposeSaturated(days, msPerDay, floorRemainder(milliseconds, msPerDay)));
+    return Time(math::composeSaturated(days, msPerDay, floorRemainder(milliseconds, msPerDay)));
 }
 
-double toDays(Time const& time) {
+double daysFromTime(Time const& time) {
     return static_cast<double>(time.GetMilliseconds()) / static_cast<double>(msPerDay);
 }
 
-Time fromDays(double days) {
+Time timeFromJulian(double days) {
     return Time(math::RoundToInt64(days * static_cast<double>(msPerDay)));
 }
 
 }  // namespace
 
 Time Time::operator+(Interval const& interval) const {
-    return Time(math::AddSaturated(milliseconds_, interval.GetMilliseconds()));
+    return Time(math::addSaturated(milliseconds_, interval.GetMilliseconds()));
 }
 
 Interval Time::operator-(Time const& other) const {
-    return Interval(math::SubtractSaturated(milliseconds_, other.milliseconds_));
+    return Interval(math::subtractSaturated(milliseconds_, other.milliseconds_));
 }
 
 Time Time::getStandardTime(bool withMilliseconds) {
@@ -71,7 +71,8 @@ long long Time::utcus() {
 }
 
 Time Time::encode(int year, int month, int day, int hour, int minute, int second, int millisecond) {
-    return timeOf(daysOfFields(year, month, day), msOfFields(hour, minute, second, millisecond));
+    return timeFromDays(daysFromFields(year, month, day),
+                        msFromFields(hour, minute, second, millisecond));
 }
 
 std::tm Time::TM() const {
@@ -79,10 +80,10 @@ std::tm Time::TM() const {
 }
 
 std::tm Time::gmtime(long long seconds) {
-    // A time in seconds may lie outside the range of a Time: it is taken apart here.
+    // Not by way of a Time, whose range is smaller.
     long long const days = floorDivide(seconds, 86400);
     auto const ofDay = static_cast<int>(floorRemainder(seconds, 86400));
-    Date const date = calendar::dateOf(days);
+    Date const date = calendar::dateFromDays(days);
     std::tm result{};
     result.tm_year = static_cast<int>(std::clamp<long long>(date.year - 1900, INT_MIN, INT_MAX));
     result.tm_mon = date.month - 1;
@@ -92,43 +93,44 @@ std::tm Time::gmtime(long long seconds) {
     result.tm_sec = ofDay % 60;
     // 1970-01-01 was a Thursday.
     result.tm_wday = static_cast<int>(floorRemainder(days + 4, 7));
-    result.tm_yday = static_cast<int>(days - calendar::daysOf({date.year, 1, 1}));
+    result.tm_yday = static_cast<int>(days - calendar::daysFromDate({date.year, 1, 1}));
     return result;
 }
 
 long long Time::timegm(std::tm const& fields) {
     long long const days =
-        daysOfFields(fields.tm_year + 1900LL, fields.tm_mon + 1LL, fields.tm_mday);
-    return days * 86400 + msOfFields(fields.tm_hour, fields.tm_min, fields.tm_sec, 0) / msPerSecond;
+        daysFromFields(fields.tm_year + 1900LL, fields.tm_mon + 1LL, fields.tm_mday);
+    return days * 86400 +
+           msFromFields(fields.tm_hour, fields.tm_min, fields.tm_sec, 0) / msPerSecond;
 }
 
 void Time::ModifyDate(int year, int month, int day) {
-    *this = timeOf(daysOfFields(year, month, day), floorRemainder(milliseconds_, msPerDay));
+    *this = timeFromDays(daysFromFields(year, month, day), floorRemainder(milliseconds_, msPerDay));
 }
 
 void Time::ModifyTime(int hour, int minute, int second, int millisecond) {
-    *this =
-        timeOf(floorDivide(milliseconds_, msPerDay), msOfFields(hour, minute, second, millisecond));
+    *this = timeFromDays(floorDivide(milliseconds_, msPerDay),
+                         msFromFields(hour, minute, second, millisecond));
 }
 
 double Time::timeToJulian(Time const& time) {
-    return toDays(time) + epochJulian;
+    return daysFromTime(time) + epochJulian;
 }
 
 Time Time::julianToTime(double days) {
-    return fromDays(days - epochJulian);
+    return timeFromJulian(days - epochJulian);
 }
 
 double Time::timeToJulianModified(Time const& time) {
-    return toDays(time) + epochJulianModified;
+    return daysFromTime(time) + epochJulianModified;
 }
 
 Time Time::julianToTimeModified(double days) {
-    return fromDays(days - epochJulianModified);
+    return timeFromJulian(days - epochJulianModified);
 }
 
 String Time::ToString() const {
-    return Format(StandardPattern);
+    return Format(standardPattern);
 }
 
 }  // namespace core

@@ -1,5 +1,5 @@
 #include <algorithm>
-#include <array>
+#include <climits>
 
 #include "core/text/TextBuilder.h"
 #include "core/time/Time.h"
@@ -9,34 +9,44 @@ namespace core {
 
 namespace {
 
-enum Field { Year, Month, Day, Hour, Minute, Second, Millisecond, FieldCount };
-
-/// The fields in the order of Field.
-using Values = std::array<int, FieldCount>;
+struct Fields {
+    int year = 1970;
+    int month = 1;
+    int day = 1;
+    int hour = 0;
+    int minute = 0;
+    int second = 0;
+    int millisecond = 0;
+};
 
 struct Rule {
-    std::string_view letters;
+    std::string_view letters;  ///< as many as the least number of characters
+    int Fields::*field;
     int lowest;
     int highest;
 };
 
-/// The day is also held against its month.
-constexpr std::array<Rule, FieldCount> rules{{{"yyyy", INT_MIN, INT_MAX},
-                                              {"mm", 1, 12},
-                                              {"dd", 1, 31},
-                                              {"HH", 0, 23},
-                                              {"MM", 0, 59},
-                                              {"SS", 0, 59},
-                                              {"zzz", 0, 999}}};
+/// FromString also compares the day with its month.
+constexpr Rule rules[] = {{"yyyy", &Fields::year, INT_MIN, INT_MAX},
+                          {"mm", &Fields::month, 1, 12},
+                          {"dd", &Fields::day, 1, 31},
+                          {"HH", &Fields::hour, 0, 23},
+                          {"MM", &Fields::minute, 0, 59},
+                          {"SS", &Fields::second, 0, 59},
+                          {"zzz", &Fields::millisecond, 0, 999}};
 
-/// The rule whose letters stand at the front of pattern; rules.end() for plain text.
-auto ruleAt(std::string_view pattern) {
-    return std::find_if(rules.begin(), rules.end(),
-                        [&](Rule const& rule) { return pattern.starts_with(rule.letters); });
+/// Returns the rule whose letters pattern begins with, null for plain text.
+Rule const* findRule(std::string_view pattern) {
+    for (Rule const& rule : rules) {
+        if (pattern.starts_with(rule.letters)) {
+            return &rule;
+        }
+    }
+    return nullptr;
 }
 
-/// How many characters of text are the field's: its width, but all digits and the sign of a year
-/// that stands alone.
+/// Returns the number of characters of a field at the start of text: its width or, for a year that
+/// no field follows, the sign and all digits.
 std::size_t fieldLength(std::string_view text, Rule const& rule, bool fieldFollows) {
     if (rule.lowest >= 0 || fieldFollows) {
         return std::min(rule.letters.size(), text.size());
@@ -46,8 +56,9 @@ std::size_t fieldLength(std::string_view text, Rule const& rule, bool fieldFollo
     return digits != std::string_view::npos ? sign + digits : text.size();
 }
 
-/// Takes one field away from the front of text; false if it is not a number in range.
-bool takeField(std::string_view& text, Rule const& rule, bool fieldFollows, int& value) {
+/// Removes a field from the start of text and stores its value. Returns false if it is not a number
+/// in the field's range.
+bool parseField(std::string_view& text, Rule const& rule, bool fieldFollows, Fields& fields) {
     String const field(text.substr(0, fieldLength(text, rule, fieldFollows)));
     bool const signAllowed = rule.lowest < 0 && !fieldFollows;
     bool const signWrong = !signAllowed && !String::IsNumeric(field.FirstChar());
@@ -55,49 +66,45 @@ bool takeField(std::string_view& text, Rule const& rule, bool fieldFollows, int&
     if (signWrong || length < rule.letters.size() || !field.IsDecimal32()) {
         return false;
     }
-    value = field.ToDecimal32();
+    int const value = field.ToDecimal32();
     text.remove_prefix(length);
+    fields.*rule.field = value;
     return value >= rule.lowest && value <= rule.highest;
 }
 
 }  // namespace
 
 String Time::Format(String const& pattern) const {
-    std::tm const fields = TM();
+    std::tm const tm = TM();
     auto const ms = static_cast<int>(calendar::floorRemainder(milliseconds_, 1000));
-    Values const values{fields.tm_year + 1900,
-                        fields.tm_mon + 1,
-                        fields.tm_mday,
-                        fields.tm_hour,
-                        fields.tm_min,
-                        fields.tm_sec,
-                        ms};
+    Fields const fields{tm.tm_year + 1900, tm.tm_mon + 1, tm.tm_mday, tm.tm_hour,
+                        tm.tm_min,         tm.tm_sec,     ms};
     TextBuilder result;
     std::string_view rest = pattern.View();
     while (!rest.empty()) {
-        auto const* const rule = ruleAt(rest);
-        if (rule == rules.end()) {
+        Rule const* const rule = findRule(rest);
+        if (rule == nullptr) {
             result.Append(rest.front());
             rest.remove_prefix(1);
             continue;
         }
         auto const width = static_cast<int>(rule->letters.size());
-        int const value = values[static_cast<std::size_t>(rule - rules.begin())];
-        result.Append(
-            String::format("%1").argi(1, value, width, 10, String::AlignRight, '0').View());
+        result.Append(String::format("%1")
+                          .argi(1, fields.*rule->field, width, 10, String::AlignRight, '0')
+                          .View());
         rest.remove_prefix(rule->letters.size());
     }
     return result.AsString();
 }
 
 bool Time::FromString(String const& text, String const& pattern) {
-    Values values{1970, 1, 1, 0, 0, 0, 0};
+    Fields fields;
     std::string_view rest = text.View();
     std::string_view expected = pattern.View();
-    bool anyField = false;
+    bool hasField = false;
     while (!expected.empty()) {
-        auto const* const rule = ruleAt(expected);
-        if (rule == rules.end()) {
+        Rule const* const rule = findRule(expected);
+        if (rule == nullptr) {
             if (!rest.starts_with(expected.front())) {
                 return false;
             }
@@ -106,19 +113,18 @@ bool Time::FromString(String const& text, String const& pattern) {
             continue;
         }
         expected.remove_prefix(rule->letters.size());
-        bool const fieldFollows = ruleAt(expected) != rules.end();
-        if (!takeField(rest, *rule, fieldFollows,
-                       values[static_cast<std::size_t>(rule - rules.begin())])) {
+        bool const fieldFollows = findRule(expected) != nullptr;
+        if (!parseField(rest, *rule, fieldFollows, fields)) {
             return false;
         }
-        anyField = true;
+        hasField = true;
     }
-    if (!anyField || !rest.empty() ||
-        values[Day] > calendar::daysInMonth(values[Year], values[Month])) {
+    if (!hasField || !rest.empty() ||
+        fields.day > calendar::daysInMonth(fields.year, fields.month)) {
         return false;
     }
-    *this = encode(values[Year], values[Month], values[Day], values[Hour], values[Minute],
-                   values[Second], values[Millisecond]);
+    *this = encode(fields.year, fields.month, fields.day, fields.hour, fields.minute, fields.second,
+                   fields.millisecond);
     return true;
 }
 

@@ -4,13 +4,13 @@ namespace core::calendar {
 
 namespace {
 
-// The calendar repeats itself every 400 years. Years are counted from March, so that the leap day
+// An era is 400 years, after which the calendar repeats. Years begin in March, so that the leap day
 // is the last day of its year.
 constexpr long long daysPerEra = 146097;
 /// From 0000-03-01 to 1970-01-01.
 constexpr long long daysBeforeEpoch = 719468;
 
-/// Days from 1 March to the first of the month that lies months later.
+/// Returns the days from 1 March to the first of the month that is months later.
 long long daysFromMarch(long long months) {
     return (153 * months + 2) / 5;
 }
@@ -26,7 +26,7 @@ long long floorRemainder(long long value, long long divisor) {
     return rest < 0 ? rest + divisor : rest;
 }
 
-long long daysOf(Date const& date) {
+long long daysFromDate(Date const& date) {
     long long const year = date.month <= 2 ? date.year - 1 : date.year;
     long long const yearOfEra = floorRemainder(year, 400);
     long long const dayOfEra =
@@ -34,10 +34,10 @@ long long daysOf(Date const& date) {
     return floorDivide(year, 400) * daysPerEra + dayOfEra + date.day - 1 - daysBeforeEpoch;
 }
 
-Date dateOf(long long days) {
+Date dateFromDays(long long days) {
     long long const shifted = days + daysBeforeEpoch;
     long long const dayOfEra = floorRemainder(shifted, daysPerEra);
-    // Without the leap days of the era so far, each year has 365 days.
+    // Without the era's previous leap days every year has 365 days.
     long long const yearOfEra =
         (dayOfEra - dayOfEra / 1460 + dayOfEra / 36524 - dayOfEra / 146096) / 365;
     long long const dayOfYear = dayOfEra - (365 * yearOfEra + yearOfEra / 4 - yearOfEra / 100);
@@ -50,7 +50,7 @@ Date dateOf(long long days) {
 
 int daysInMonth(long long year, int month) {
     Date const next = month < 12 ? Date{year, month + 1, 1} : Date{year + 1, 1, 1};
-    return static_cast<int>(daysOf(next) - daysOf({year, month, 1}));
+    return static_cast<int>(daysFromDate(next) - daysFromDate({year, month, 1}));
 }
 
 }  // namespace core::calendar

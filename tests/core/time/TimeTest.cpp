@@ -13,7 +13,7 @@ using namespace core;
 
 Time const sample = Time::encode(2018, 3, 7, 9, 5, 2, 45);
 
-TEST(Time, WritesItsForms) {
+TEST(Time, WritesAllForms) {
     EXPECT_EQ(sample.ToString(), "2018-03-07 09:05:02.045");
     EXPECT_EQ(sample.Format("yyyymmddHHMMSSzzz"), "20180307090502045");
     EXPECT_EQ(sample.Format("yyy m %1 \x80"), "yyy m %1 \x80");
@@ -34,14 +34,14 @@ TEST(Time, EncodesFieldsThatCarryOver) {
               Time(LLONG_MIN));
 }
 
-TEST(Time, AgreesWithTheCLibrarysCalendar) {
+TEST(Time, AgreesWithTheCLibrary) {
     std::mt19937_64 random(20180307);
     std::uniform_int_distribution<long long> seconds(-60000000000, 250000000000);
     for (int round = 0; round < 20000; ++round) {
         std::time_t const when = seconds(random);
         std::tm const fields = Time::gmtime(when);
         ASSERT_EQ(Time::timegm(fields), when);
-        // Some C libraries know no time before 1970.
+        // Some C libraries reject times before 1970.
         if (std::tm const* const expected = std::gmtime(&when); expected != nullptr) {
             ASSERT_EQ(fields.tm_year, expected->tm_year) << when;
             ASSERT_EQ(fields.tm_yday, expected->tm_yday) << when;
@@ -66,7 +66,7 @@ TEST(Time, ReadsTheClock) {
     Time const second = Time::getStandardTime(false);
     Time const now = Time::getStandardTime(true);
     long long const microseconds = Time::utcus();
-    // The C library's clock may lag.
+    // The clock of the C library may lag.
     EXPECT_TRUE(second.GetMilliseconds() % 1000 == 0 && before <= second && second <= now &&
                 now <= Time(microseconds / 1000) &&
                 microseconds / 1000000 <= std::time(nullptr) + 1);
@@ -79,16 +79,16 @@ TEST(Time, ConvertsJulianDays) {
     EXPECT_EQ(Time::julianToTime(Time::timeToJulian(sample)), sample);
 }
 
-TEST(Time, ReadsWhatItWrote) {
+TEST(Time, ReadsTextsItWrote) {
     std::mt19937_64 random(20180307);
     std::uniform_int_distribution<long long> any(LLONG_MIN, LLONG_MAX);
-    char const* const turned = "zzz SS|MM|HH dd/mm/yyyy";
+    char const* const reversed = "zzz SS|MM|HH dd/mm/yyyy";
     for (int round = 0; round < 5000; ++round) {
         Time const time(round % 2 == 0 ? any(random) : any(random) % 100000000000000);
         Time read;
         ASSERT_TRUE(read.FromString(time.ToString())) << time.ToString().getCString();
         ASSERT_EQ(read, time);
-        ASSERT_TRUE(read.FromString(time.Format(turned), turned));
+        ASSERT_TRUE(read.FromString(time.Format(reversed), reversed));
         ASSERT_EQ(read, time);
     }
     Time read;
@@ -98,7 +98,7 @@ TEST(Time, ReadsWhatItWrote) {
     EXPECT_EQ(read, Time(27000000));
 }
 
-TEST(Time, RefusesWhatDoesNotFit) {
+TEST(Time, RejectsTextsThatDoNotMatchThePattern) {
     using Row = std::pair<char const*, char const*>;
     for (auto const& [text, pattern] :
          {Row{"", "yyyy"}, Row{"x", "x"}, Row{"", ""}, Row{"2018-13-01", "yyyy-mm-dd"},

@@ -1,4 +1,4 @@
-#include "core/time/math.h"
+#include "core/time/saturatedMath.h"
 
 #include <cmath>
 #include <limits>
@@ -23,30 +23,30 @@ long long RoundToInt64(double value) {
     return rounded < -end ? Limits::min() : static_cast<long long>(rounded);
 }
 
-long long AddSaturated(long long left, long long right) {
+long long addSaturated(long long left, long long right) {
     if (right > 0 && left > Limits::max() - right) {
         return Limits::max();
     }
     return right < 0 && left < Limits::min() - right ? Limits::min() : left + right;
 }
 
-long long SubtractSaturated(long long left, long long right) {
+long long subtractSaturated(long long left, long long right) {
     if (right < 0 && left > Limits::max() + right) {
         return Limits::max();
     }
     return right > 0 && left < Limits::min() + right ? Limits::min() : left - right;
 }
 
-long long ComposeSaturated(long long count, long long unit, long long rest) {
+long long composeSaturated(long long count, long long unit, long long rest) {
     if (count < 0) {
-        // Counted from the end of the unit: at the range's lower end its start may lie outside.
+        // Start from the unit's end: near the lower limit its start may be out of range.
         ++count;
         rest -= unit;
     }
     if (count > Limits::max() / unit) {
         return Limits::max();
     }
-    return count < Limits::min() / unit ? Limits::min() : AddSaturated(count * unit, rest);
+    return count < Limits::min() / unit ? Limits::min() : addSaturated(count * unit, rest);
 }
 
 }  // namespace core::math
