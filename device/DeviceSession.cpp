@@ -158,12 +158,12 @@ std::optional<DeviceStatus> DeviceSession::CheckArchive() {
     }
     observer_.OnArchive(result, reader.FileCount());
     Check const checks[] = {
-        {result != Reader::endsEarly, DeviceStatus::InvalidDataSize},
+        {result != Reader::truncated, DeviceStatus::InvalidDataSize},
         {result != Reader::notAnArchive && result != Reader::wrongTrailer,
          DeviceStatus::InvalidMagic},
         {result != Reader::versionTooOld && result != Reader::versionTooNew,
          DeviceStatus::InvalidVersion},
-        {result == Reader::sound, DeviceStatus::WrongFileCrc},
+        {result == Reader::valid, DeviceStatus::WrongFileCrc},
         {reader.FindMisplacedFile() < 0, DeviceStatus::InvalidDataSize},
     };
     return firstFault(checks);

@@ -181,14 +181,14 @@ void PackApplication::Check() {
         return;
     }
     printReport(message("- The archive is sound: %1, %2, CRC-32 %3", fileCount(reader.FileCount()),
-                        sizeInColor(reader.GetPlace().end, doneColor),
+                        sizeInColor(reader.GetReadPosition().end, doneColor),
                         core::hex(reader.GetCRC(), 8)));
-    long long const behind = size - reader.GetPlace().end;
+    long long const behind = size - reader.GetReadPosition().end;
     if (behind > 0) {
         printLine(
             message("- Behind its end at offset %1 are %2 bytes that are no part "
                     "of it",
-                    reader.GetPlace().end, behind));
+                    reader.GetReadPosition().end, behind));
     }
 }
 

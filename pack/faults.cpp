@@ -15,7 +15,7 @@ using core::String;
 namespace {
 
 using Cause = StreamSequencerBuilder::Cause;
-using Fault = StreamSequencerBuilder::Fault;
+using Failure = StreamSequencerBuilder::Failure;
 
 /// How many units a text of a file may have.
 int roomOf(StreamSequencerBuilder const& builder, core::StreamDescriptor::Text text) {
@@ -28,16 +28,16 @@ int roomOf(StreamSequencerBuilder const& builder, core::StreamDescriptor::Text t
 }
 
 /// What a manifest calls the text at fault.
-String entryOf(Fault const& fault) {
-    switch (fault.cause) {
+String entryOf(Failure const& failure) {
+    switch (failure.cause) {
         case Cause::sourceId:
             return "sourceId";
         case Cause::targetId:
             return "targetId";
         case Cause::attribute:
-            return core::message("attribute[%1]", fault.index);
+            return core::message("attribute[%1]", failure.index);
         default:
-            return core::message("file[%1].%2", fault.index, nameOf(*fault.text));
+            return core::message("file[%1].%2", failure.index, nameOf(*failure.text));
     }
 }
 
@@ -54,19 +54,20 @@ core::Fault fileFault(char const* title, String const& path, int result) {
 }
 
 core::Fault buildFault(StreamSequencerBuilder const& builder, String const& path, int result) {
-    Fault const& fault = builder.GetFault();
+    Failure const& failure = builder.GetFailure();
     // A cancelled build has no cause.
-    if (fault.cause == Cause::target || fault.cause == Cause::none) {
+    if (failure.cause == Cause::target || failure.cause == Cause::none) {
         return fileFault("Archive not writable", path, result);
     }
-    if (fault.cause == Cause::file && !fault.text) {
-        return fileFault("File not readable", builder.File(fault.index).GetOriginalPath(), result);
+    if (failure.cause == Cause::file && !failure.text) {
+        return fileFault("File not readable", builder.File(failure.index).GetOriginalPath(),
+                         result);
     }
-    String const name = entryOf(fault);
+    String const name = entryOf(failure);
     if (result == -EILSEQ) {
         return core::fault("Bad text", "%1 is not UTF-8", name);
     }
-    int const room = fault.text ? roomOf(builder, *fault.text) : core::archive::textUnits;
+    int const room = failure.text ? roomOf(builder, *failure.text) : core::archive::textUnits;
     return room > 0
                ? core::fault("Text too long", "%1 may have %2 UTF-16 units", name, room)
                : core::fault("No room for text", "%1 is not part of this format version", name);

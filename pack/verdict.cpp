@@ -7,26 +7,26 @@ using core::String;
 
 namespace {
 
-using Piece = StreamSequencerReader::Piece;
-using Place = StreamSequencerReader::Place;
+using Section = StreamSequencerReader::Section;
+using ReadPosition = StreamSequencerReader::ReadPosition;
 
-struct PieceName {
-    Piece piece;
+struct SectionName {
+    Section section;
     char const* name;
 };
 
-constexpr PieceName pieceNames[] = {
-    {Piece::header, "the header"},         {Piece::keyBlock, "the key block"},
-    {Piece::uniqueId, "the unique ID"},    {Piece::sourceId, "the source ID"},
-    {Piece::targetId, "the target ID"},    {Piece::attribute, "attribute[%1]"},
-    {Piece::fileCount, "the file count"},  {Piece::descriptor, "the descriptor of file[%1]"},
-    {Piece::data, "the data of file[%1]"}, {Piece::trailer, "the trailer"},
+constexpr SectionName sectionNames[] = {
+    {Section::header, "the header"},         {Section::keyBlock, "the key block"},
+    {Section::uniqueId, "the unique ID"},    {Section::sourceId, "the source ID"},
+    {Section::targetId, "the target ID"},    {Section::attribute, "attribute[%1]"},
+    {Section::fileCount, "the file count"},  {Section::descriptor, "the descriptor of file[%1]"},
+    {Section::data, "the data of file[%1]"}, {Section::trailer, "the trailer"},
 };
 
-String nameOf(Place const& place) {
-    for (PieceName const& row : pieceNames) {
-        if (row.piece == place.piece) {
-            return core::message(row.name, place.index);
+String nameOf(ReadPosition const& position) {
+    for (SectionName const& row : sectionNames) {
+        if (row.section == position.section) {
+            return core::message(row.name, position.index);
         }
     }
     return {};
@@ -49,13 +49,13 @@ core::Fault wrongOffset(StreamSequencerReader const& reader, int index) {
 }  // namespace
 
 std::optional<core::Fault> verdict(StreamSequencerReader const& reader, int result) {
-    Place const& place = reader.GetPlace();
+    ReadPosition const& position = reader.GetReadPosition();
     switch (result) {
-        case StreamSequencerReader::endsEarly:
+        case StreamSequencerReader::truncated:
             return core::fault("Archive cut short",
                                "It ends at offset %1, in %2, which begins at offset %3 and has %4 "
                                "bytes",
-                               place.end, nameOf(place), place.begin, place.size);
+                               position.end, nameOf(position), position.begin, position.size);
         case StreamSequencerReader::notAnArchive:
             return core::fault("No archive", "The eight bytes at offset 0 are not \"QXRB5129\"");
         case StreamSequencerReader::versionTooOld:
@@ -70,11 +70,11 @@ std::optional<core::Fault> verdict(StreamSequencerReader const& reader, int resu
             return core::fault("Wrong CRC",
                                "The CRC-32 at offset %1 is %2, that of the bytes before the "
                                "trailer is %3",
-                               place.begin + 4, core::hex(reader.GetTrailerCRC(), 8),
+                               position.begin + 4, core::hex(reader.GetTrailerCRC(), 8),
                                core::hex(reader.GetCRC(), 8));
         case StreamSequencerReader::wrongTrailer:
             return core::fault("Wrong trailer", "The eight bytes at offset %1 are not \"QXRB5129\"",
-                               place.begin + 8);
+                               position.begin + 8);
         default:
             break;
     }

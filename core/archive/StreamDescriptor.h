@@ -12,7 +12,7 @@ class StreamSequencer;
 class StreamDescriptor {
 public:
     enum class Text { name, destination, owner, group, commandLine };
-    static constexpr int TextCount = 5;
+    static constexpr int textCount = 5;
 
     /// A file of the archive owner, which must outlive it.
     explicit StreamDescriptor(StreamSequencer const& owner) : owner_(owner) {}
@@ -37,7 +37,7 @@ public:
     /// archive that was read they are what it claims.
     unsigned long long GetOffset() const { return offset_; }
     unsigned long long GetSize() const { return size_; }
-    void SetPlace(unsigned long long offset, unsigned long long size) {
+    void SetExtent(unsigned long long offset, unsigned long long size) {
         offset_ = offset;
         size_ = size;
     }
@@ -51,7 +51,7 @@ public:
 
 private:
     StreamSequencer const& owner_;
-    std::array<String, TextCount> texts_;
+    std::array<String, textCount> texts_;
     String originalPath_;
     unsigned flags_ = 0;
     unsigned attributes_ = 0;

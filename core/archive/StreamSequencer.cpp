@@ -4,8 +4,6 @@
 #include <cstring>
 
 #include "core/archive/archiveFormat.h"
-#include "core/archive/littleEndian.h"
-#include "core/crc/crc.h"
 #include "core/crc/crc32.h"
 
 namespace core {
@@ -20,6 +18,19 @@ bool has(StreamSequencer::CryptMode mode, StreamSequencer::CryptMode part) {
 }
 
 }  // namespace
+
+bool StreamDescriptor::IsCryptEnabled() const {
+    if ((flags_ & archive::alwaysScrambled) != 0) {
+        return true;
+    }
+    return (flags_ & archive::neverScrambled) == 0 && owner_.IsCryptDataEnabled();
+}
+
+void StreamDescriptor::CryptBlock(void* data, int length, unsigned long long position) const {
+    if (IsCryptEnabled() && owner_.GetCryptMode() != StreamSequencer::CryptMode::None) {
+        owner_.CryptBlock(data, length, position);
+    }
+}
 
 StreamSequencer::StreamSequencer() {
     crc::init();

@@ -6,7 +6,6 @@
 #include <cstdint>
 
 #include "core/archive/descriptorRecord.h"
-#include "core/archive/littleEndian.h"
 #include "core/crc/crc32.h"
 #include "core/stream/FileStream.h"
 #include "core/text/MChar.h"
@@ -15,7 +14,7 @@ namespace core {
 
 namespace {
 
-int const copyPieceSize = 0x40000;
+int const copyChunkSize = 0x40000;
 
 void putMagic(unsigned char* bytes) {
     archive::putWord<std::uint64_t>(MChar8(archive::magic), bytes);
@@ -44,7 +43,7 @@ unsigned StreamSequencerBuilder::CalculateCryptKey(unsigned number) {
 }
 
 int StreamSequencerBuilder::Write(Stream& target, ICopyCallback* callback) {
-    fault_ = {};
+    failure_ = {};
     written_ = 0;
     if (GetVersion() < archive::oldestVersion || GetVersion() > archive::newestVersion) {
         return Fail(Cause::version, 0, -EINVAL);
@@ -52,7 +51,7 @@ int StreamSequencerBuilder::Write(Stream& target, ICopyCallback* callback) {
     if (Attributes().Count() > static_cast<int>(archive::attributeCountMask)) {
         return Fail(Cause::attributeCount, 0, -E2BIG);
     }
-    int result = PlaceFiles();
+    int result = AssignOffsets();
     if (result == 0) {
         result = WriteHeaders(nullptr);
     }
@@ -72,7 +71,7 @@ ClassRef<Stream> StreamSequencerBuilder::OpenData(int index, int& result) {
 }
 
 /// The sizes stand in front of the data, so each file is asked for its own before any is read.
-int StreamSequencerBuilder::PlaceFiles() {
+int StreamSequencerBuilder::AssignOffsets() {
     dataSize_ = 0;
     for (int i = 0; i < FileCount(); ++i) {
         int result = 0;
@@ -87,8 +86,8 @@ int StreamSequencerBuilder::PlaceFiles() {
         if (size > LLONG_MAX - dataSize_) {
             return Fail(Cause::file, i, -EFBIG);
         }
-        File(i).SetPlace(static_cast<unsigned long long>(dataSize_),
-                         static_cast<unsigned long long>(size));
+        File(i).SetExtent(static_cast<unsigned long long>(dataSize_),
+                          static_cast<unsigned long long>(size));
         dataSize_ += size;
     }
     return 0;
@@ -101,11 +100,11 @@ int StreamSequencerBuilder::WriteHeaders(Stream* target) {
     putMagic(header);
     archive::putWord<std::uint32_t>(GetVersion(), header + 8);
     archive::putWord<std::uint32_t>(HeaderFlags(), header + 12);
-    int result = Put(target, header, archive::headerSize);
+    int result = WriteBytes(target, header, archive::headerSize);
     if (result == 0 && GetCryptMode() != CryptMode::None) {
         unsigned char block[archive::wordSize];
         archive::putWord<std::uint64_t>(GetCryptKeyBlock(), block);
-        result = Put(target, block, archive::wordSize);
+        result = WriteBytes(target, block, archive::wordSize);
     }
     if (result == 0) {
         result = WriteIdentity(target);
@@ -118,16 +117,16 @@ int StreamSequencerBuilder::WriteIdentity(Stream* target) {
     if (uniqueId) {
         unsigned char word[archive::wordSize];
         archive::putWord<std::uint64_t>(*uniqueId, word);
-        result = PutHeaderPiece(target, word, archive::wordSize);
+        result = WriteHeaderSection(target, word, archive::wordSize);
     }
     if (result == 0 && sourceId) {
-        result = PutText(target, *sourceId, Cause::sourceId);
+        result = WriteText(target, *sourceId, Cause::sourceId);
     }
     if (result == 0 && targetId) {
-        result = PutText(target, *targetId, Cause::targetId);
+        result = WriteText(target, *targetId, Cause::targetId);
     }
     for (int i = 0; result == 0 && i < Attributes().Count(); ++i) {
-        result = PutText(target, Attributes()[i], Cause::attribute, i);
+        result = WriteText(target, Attributes()[i], Cause::attribute, i);
     }
     return result;
 }
@@ -135,27 +134,27 @@ int StreamSequencerBuilder::WriteIdentity(Stream* target) {
 int StreamSequencerBuilder::WriteDescriptors(Stream* target) {
     unsigned char word[archive::wordSize];
     archive::putWord<std::uint64_t>(static_cast<std::uint64_t>(FileCount()), word);
-    int result = PutHeaderPiece(target, word, archive::wordSize);
+    int result = WriteHeaderSection(target, word, archive::wordSize);
     unsigned char record[archive::largestDescriptorSize];
     for (int i = 0; result == 0 && i < FileCount(); ++i) {
         StreamDescriptor::Text faulty{};
         archive::SlotResult const slot =
             archive::writeDescriptor(File(i), GetVersion(), record, faulty);
         if (slot != archive::SlotResult::written) {
-            fault_.text = faulty;
+            failure_.text = faulty;
             return FailText(slot, Cause::file, i);
         }
-        result = PutHeaderPiece(target, record, archive::descriptorSize(GetVersion()));
+        result = WriteHeaderSection(target, record, archive::descriptorSize(GetVersion()));
     }
     return result;
 }
 
 int StreamSequencerBuilder::WriteData(Stream& target, ICopyCallback* callback) {
-    std::vector<char> piece(copyPieceSize);
+    std::vector<char> chunk(copyChunkSize);
     for (int i = 0; i < FileCount(); ++i) {
         int result = 0;
         ClassRef<Stream> const data = OpenData(i, result);
-        result = data ? CopyFile(i, *data, target, piece, callback) : Fail(Cause::file, i, result);
+        result = data ? CopyFile(i, *data, target, chunk, callback) : Fail(Cause::file, i, result);
         if (result != 0) {
             return result;
         }
@@ -164,20 +163,20 @@ int StreamSequencerBuilder::WriteData(Stream& target, ICopyCallback* callback) {
 }
 
 int StreamSequencerBuilder::CopyFile(int index, Stream& source, Stream& target,
-                                     std::vector<char>& piece, ICopyCallback* callback) {
+                                     std::vector<char>& chunk, ICopyCallback* callback) {
     StreamDescriptor const& file = File(index);
     for (unsigned long long position = 0;;) {
         // Up to a multiple of the piece in the target: a file takes whole pages faster.
         int const got =
-            source.Read(piece.data(), copyPieceSize - static_cast<int>(written_ % copyPieceSize));
+            source.Read(chunk.data(), copyChunkSize - static_cast<int>(written_ % copyChunkSize));
         if (got < 0) {
             return Fail(Cause::file, index, got);
         }
         if (got == 0 || static_cast<unsigned>(got) > file.GetSize() - position) {
             return got == 0 && position == file.GetSize() ? 0 : Fail(Cause::file, index, -EBUSY);
         }
-        file.CryptBlock(piece.data(), got, position);
-        int const result = Put(&target, piece.data(), got);
+        file.CryptBlock(chunk.data(), got, position);
+        int const result = WriteBytes(&target, chunk.data(), got);
         if (result != 0) {
             return result;
         }
@@ -207,7 +206,7 @@ unsigned StreamSequencerBuilder::HeaderFlags() const {
     return flags;
 }
 
-int StreamSequencerBuilder::Put(Stream* target, void const* bytes, int length) {
+int StreamSequencerBuilder::WriteBytes(Stream* target, void const* bytes, int length) {
     if (target == nullptr) {
         return 0;
     }
@@ -217,18 +216,19 @@ int StreamSequencerBuilder::Put(Stream* target, void const* bytes, int length) {
     return result == 0 ? 0 : Fail(Cause::target, 0, result);
 }
 
-int StreamSequencerBuilder::PutHeaderPiece(Stream* target, void* bytes, int length) {
+int StreamSequencerBuilder::WriteHeaderSection(Stream* target, void* bytes, int length) {
     if (IsCryptHeadersEnabled()) {
         CryptBlock(bytes, length, 0);
     }
-    return Put(target, bytes, length);
+    return WriteBytes(target, bytes, length);
 }
 
-int StreamSequencerBuilder::PutText(Stream* target, String const& text, Cause cause, int index) {
+int StreamSequencerBuilder::WriteText(Stream* target, String const& text, Cause cause, int index) {
     unsigned char slot[archive::textSize];
     archive::SlotResult const result = archive::writeTextSlot(text, slot, archive::textUnits);
-    return result == archive::SlotResult::written ? PutHeaderPiece(target, slot, archive::textSize)
-                                                  : FailText(result, cause, index);
+    return result == archive::SlotResult::written
+               ? WriteHeaderSection(target, slot, archive::textSize)
+               : FailText(result, cause, index);
 }
 
 int StreamSequencerBuilder::FailText(archive::SlotResult slot, Cause cause, int index) {
@@ -236,8 +236,8 @@ int StreamSequencerBuilder::FailText(archive::SlotResult slot, Cause cause, int 
 }
 
 int StreamSequencerBuilder::Fail(Cause cause, int index, int result) {
-    fault_.cause = cause;
-    fault_.index = index;
+    failure_.cause = cause;
+    failure_.index = index;
     return result;
 }
 

@@ -3,7 +3,6 @@
 #include <vector>
 
 #include "core/archive/StreamSequencer.h"
-#include "core/archive/textSlot.h"
 #include "core/object/ClassRef.h"
 #include "core/stream/ICopyCallback.h"
 #include "core/stream/Stream.h"
@@ -18,7 +17,7 @@ public:
     /// What an archive could not be written for.
     enum class Cause { none, version, attributeCount, attribute, sourceId, targetId, file, target };
 
-    struct Fault {
+    struct Failure {
         Cause cause = Cause::none;
         int index = 0;  ///< of the attribute or the file
         /// The text of a file that is at fault; none: its data are.
@@ -41,7 +40,7 @@ public:
     /// reading a file or writing target gave. Texts are looked at before the first byte goes out.
     int Write(Stream& target, ICopyCallback* callback);
     /// What was wrong when the last Write failed.
-    Fault const& GetFault() const { return fault_; }
+    Failure const& GetFailure() const { return failure_; }
 
 protected:
     /// Opens the data of a file, by default its original path; empty with a negative error code in
@@ -49,22 +48,22 @@ protected:
     virtual ClassRef<Stream> OpenData(int index, int& result);
 
 private:
-    int PlaceFiles();
+    int AssignOffsets();
     int WriteHeaders(Stream* target);
     int WriteIdentity(Stream* target);
     int WriteDescriptors(Stream* target);
     int WriteData(Stream& target, ICopyCallback* callback);
-    int CopyFile(int index, Stream& source, Stream& target, std::vector<char>& piece,
+    int CopyFile(int index, Stream& source, Stream& target, std::vector<char>& chunk,
                  ICopyCallback* callback);
     int WriteTrailer(Stream& target);
     unsigned HeaderFlags() const;
-    int Put(Stream* target, void const* bytes, int length);
-    int PutHeaderPiece(Stream* target, void* bytes, int length);
-    int PutText(Stream* target, String const& text, Cause cause, int index = 0);
+    int WriteBytes(Stream* target, void const* bytes, int length);
+    int WriteHeaderSection(Stream* target, void* bytes, int length);
+    int WriteText(Stream* target, String const& text, Cause cause, int index = 0);
     int FailText(archive::SlotResult slot, Cause cause, int index);
     int Fail(Cause cause, int index, int result);
 
-    Fault fault_;
+    Failure failure_;
     long long dataSize_ = 0;
     long long written_ = 0;  ///< bytes of the archive so far
 };

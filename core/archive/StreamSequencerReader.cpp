@@ -4,19 +4,110 @@
 #include <cerrno>
 #include <cstdint>
 
-#include "core/archive/ArchivedFileStream.h"
 #include "core/archive/descriptorRecord.h"
-#include "core/archive/littleEndian.h"
+#include "core/crc/crc32.h"
 #include "core/text/MChar.h"
 
 namespace core {
 
 namespace {
 
-int const dataPiece = 0x40000;  ///< in pieces of 1 KiB most of the time goes into the calls
+/// With chunks of 1 KiB the calls would cost more than the CRC.
+int const dataChunkSize = 0x40000;
 
 bool isMagic(unsigned char const* bytes) {
     return MChar8(archive::magic) == archive::getWord<std::uint64_t>(bytes);
+}
+
+/// The CRC-32 of an archive before and after the data of a file.
+struct RunningCrc {
+    unsigned before;
+    unsigned after;
+};
+
+/// The unscrambled data of one file of an archive; read-only. Refers to the archive's stream and
+/// to the descriptor.
+class ArchivedFileStream : public Stream {
+public:
+    /// The data of all files begin at dataStart. If expected is given, data read from start to end
+    /// must change the CRC as expected: otherwise the last read returns -EBUSY, also if repeated.
+    ArchivedFileStream(Stream& archive, long long dataStart, StreamDescriptor const& file,
+                       std::optional<RunningCrc> const& expected)
+        : archive_(archive),
+          file_(file),
+          begin_(dataStart + static_cast<long long>(file.GetOffset())),
+          size_(static_cast<long long>(file.GetSize())),
+          expected_(expected) {}
+
+    char const* ClassName() const override { return "ArchivedFileStream"; }
+    int Read(void* buffer, int count) override;
+    int Write(void const*, int) override { return -EBADF; }
+    long long Seek(long long offset, SeekOrigin origin) override;
+    long long Size() override { return size_; }
+
+private:
+    bool Matches(void const* bytes, int length);
+
+    Stream& archive_;
+    StreamDescriptor const& file_;
+    long long const begin_;
+    long long const size_;
+    std::optional<RunningCrc> const expected_;
+    long long position_ = 0;
+    long long checked_ = 0;  ///< number of leading bytes that crc_ includes
+    unsigned crc_ = 0;
+};
+
+int ArchivedFileStream::Read(void* buffer, int count) {
+    if (count < 1 || position_ >= size_) {
+        return 0;
+    }
+    // Other streams of the archive share its position.
+    long long const found = archive_.Seek(begin_ + position_);
+    if (found < 0) {
+        return static_cast<int>(found);
+    }
+    int const wanted = static_cast<int>(std::min<long long>(count, size_ - position_));
+    int const got = archive_.Read(buffer, wanted);
+    if (got > 0 && !Matches(buffer, got)) {
+        return -EBUSY;
+    }
+    if (got > 0) {
+        file_.CryptBlock(buffer, got, static_cast<unsigned long long>(position_));
+        position_ += got;
+    }
+    // The archive contained the whole file when it was read: it has been truncated since.
+    return got == 0 ? -EIO : got;
+}
+
+/// Adds the next bytes of the archive to the CRC. Returns false if they complete the file's data
+/// with an unexpected CRC; the state stays, so that a repeated read fails again.
+bool ArchivedFileStream::Matches(void const* bytes, int length) {
+    if (!expected_) {
+        return true;
+    }
+    if (position_ == 0) {
+        checked_ = 0;
+        crc_ = expected_->before;
+    }
+    if (position_ != checked_) {
+        return true;
+    }
+    unsigned const crc = crc32::update(bytes, length, crc_);
+    if (checked_ + length == size_ && crc != expected_->after) {
+        return false;
+    }
+    crc_ = crc;
+    checked_ += length;
+    return true;
+}
+
+long long ArchivedFileStream::Seek(long long offset, SeekOrigin origin) {
+    long long const found = seekPosition(offset, origin, position_, size_);
+    if (found >= 0) {
+        position_ = found;
+    }
+    return found;
 }
 
 }  // namespace
@@ -43,14 +134,14 @@ int StreamSequencerReader::ReadAll() {
         return noStream;
     }
     ClearHeaders();
-    sound_ = false;
-    place_ = {};
+    isValid_ = false;
+    position_ = {};
     dataSize_ = 0;
     streamSize_ = stream_->Size();
     long long const start = stream_->Seek(0);
     readError_ = static_cast<int>(std::min(start, 0LL));
     if (start != 0) {
-        return endsEarly;
+        return truncated;
     }
     using Step = int (StreamSequencerReader::*)();
     for (Step const step :
@@ -58,19 +149,19 @@ int StreamSequencerReader::ReadAll() {
           &StreamSequencerReader::ReadFiles, &StreamSequencerReader::ReadData,
           &StreamSequencerReader::ReadTrailer}) {
         int const result = (this->*step)();
-        if (result != sound) {
+        if (result != valid) {
             return result;
         }
     }
-    sound_ = keepsContent_;
-    return sound;
+    isValid_ = keepsContent_;
+    return valid;
 }
 
 int StreamSequencerReader::ReadHeader() {
     unsigned char header[archive::headerSize];
-    Enter(Piece::header, 0, sizeof header);
-    if (!Take(header, archive::headerSize)) {
-        return endsEarly;
+    BeginSection(Section::header, 0, sizeof header);
+    if (!ReadBytes(header, archive::headerSize)) {
+        return truncated;
     }
     if (!isMagic(header)) {
         return notAnArchive;
@@ -87,108 +178,110 @@ int StreamSequencerReader::ReadHeader() {
     int const headers = (headerFlags_ & archive::cryptHeadersFlag) != 0 ? 1 : 0;
     int const data = (headerFlags_ & archive::cryptDataFlag) != 0 ? 2 : 0;
     SetCryptMode(static_cast<CryptMode>(headers + data));
-    return sound;
+    return valid;
 }
 
 int StreamSequencerReader::ReadIdentity() {
     unsigned char word[archive::wordSize];
     if (GetCryptMode() != CryptMode::None) {
-        Enter(Piece::keyBlock, 0, sizeof word);
-        if (!Take(word, archive::wordSize)) {
-            return endsEarly;
+        BeginSection(Section::keyBlock, 0, sizeof word);
+        if (!ReadBytes(word, archive::wordSize)) {
+            return truncated;
         }
         // The one piece that is never scrambled: it holds the key.
         UpdateCRC(word, archive::wordSize);
         SetCryptKeyBlock(archive::getWord<std::uint64_t>(word));
     }
     if ((headerFlags_ & archive::uniqueIdFlag) != 0) {
-        if (!TakeHeaderPiece(Piece::uniqueId, word, archive::wordSize)) {
-            return endsEarly;
+        if (!ReadHeaderSection(Section::uniqueId, word, archive::wordSize)) {
+            return truncated;
         }
         uniqueId = archive::getWord<std::uint64_t>(word);
     }
     if ((headerFlags_ & archive::sourceIdFlag) != 0 &&
-        !TakeText(Piece::sourceId, sourceId.emplace())) {
-        return endsEarly;
+        !ReadText(Section::sourceId, sourceId.emplace())) {
+        return truncated;
     }
     if ((headerFlags_ & archive::targetIdFlag) != 0 &&
-        !TakeText(Piece::targetId, targetId.emplace())) {
-        return endsEarly;
+        !ReadText(Section::targetId, targetId.emplace())) {
+        return truncated;
     }
     int const attributes = static_cast<int>(headerFlags_ & archive::attributeCountMask);
     for (int i = 0; i < attributes; ++i) {
         String text;
-        if (!TakeText(Piece::attribute, text, i)) {
-            return endsEarly;
+        if (!ReadText(Section::attribute, text, i)) {
+            return truncated;
         }
         if (keepsContent_) {
             AddAttribute(text);
         }
     }
-    return sound;
+    return valid;
 }
 
 int StreamSequencerReader::ReadFiles() {
     unsigned char word[archive::wordSize];
-    if (!TakeHeaderPiece(Piece::fileCount, word, archive::wordSize)) {
-        return endsEarly;
+    if (!ReadHeaderSection(Section::fileCount, word, archive::wordSize)) {
+        return truncated;
     }
     // Only the low half counts; a count that is a lie ends with the stream, not with the memory.
     auto const count = static_cast<std::int32_t>(archive::getWord<std::uint32_t>(word));
     unsigned char record[archive::largestDescriptorSize];
     for (int i = 0; i < count; ++i) {
-        if (!TakeHeaderPiece(Piece::descriptor, record, archive::descriptorSize(GetVersion()), i)) {
-            return endsEarly;
+        if (!ReadHeaderSection(Section::descriptor, record, archive::descriptorSize(GetVersion()),
+                               i)) {
+            return truncated;
         }
         StreamDescriptor& file = AppendFile();
         if (keepsContent_) {
             archive::readDescriptor(record, GetVersion(), file);
         } else {
-            archive::readPlace(record, file);
+            archive::readExtent(record, file);
         }
     }
-    dataStart_ = place_.end;
-    return sound;
+    dataStart_ = position_.end;
+    return valid;
 }
 
 int StreamSequencerReader::ReadData() {
-    std::vector<char> piece(dataPiece);
+    std::vector<char> chunk(dataChunkSize);
     dataEnds_ = {{0, GetCRC()}};
     for (int i = 0; i < FileCount(); ++i) {
-        Enter(Piece::data, i, File(i).GetSize());
+        BeginSection(Section::data, i, File(i).GetSize());
         for (unsigned long long left = File(i).GetSize(); left > 0;) {
-            int const length = static_cast<int>(std::min<unsigned long long>(left, dataPiece));
-            if (!Take(piece.data(), length)) {
-                return endsEarly;
+            int const length = static_cast<int>(std::min<unsigned long long>(left, dataChunkSize));
+            if (!ReadBytes(chunk.data(), length)) {
+                return truncated;
             }
-            UpdateCRC(piece.data(), length);
+            UpdateCRC(chunk.data(), length);
             left -= static_cast<unsigned>(length);
         }
         if (keepsContent_) {
-            auto const offset = static_cast<unsigned long long>(place_.end - dataStart_);
+            auto const offset = static_cast<unsigned long long>(position_.end - dataStart_);
             dataEnds_.push_back({offset, GetCRC()});
         }
     }
-    dataSize_ = place_.end - dataStart_;
-    return sound;
+    dataSize_ = position_.end - dataStart_;
+    return valid;
 }
 
 int StreamSequencerReader::ReadTrailer() {
     unsigned char trailer[archive::trailerSize];
-    Enter(Piece::trailer, 0, sizeof trailer);
-    if (!Take(trailer, archive::trailerSize)) {
-        return endsEarly;
+    BeginSection(Section::trailer, 0, sizeof trailer);
+    if (!ReadBytes(trailer, archive::trailerSize)) {
+        return truncated;
     }
     trailerCrc_ = archive::getWord<std::uint32_t>(trailer + 4);
     if (trailerCrc_ != GetCRC()) {
         return wrongCrc;
     }
-    return isMagic(trailer + 8) ? sound : wrongTrailer;
+    return isMagic(trailer + 8) ? valid : wrongTrailer;
 }
 
-bool StreamSequencerReader::TakeHeaderPiece(Piece piece, void* buffer, int length, int index) {
-    Enter(piece, index, static_cast<unsigned>(length));
-    if (!Take(buffer, length)) {
+bool StreamSequencerReader::ReadHeaderSection(Section section, void* buffer, int length,
+                                              int index) {
+    BeginSection(section, index, static_cast<unsigned>(length));
+    if (!ReadBytes(buffer, length)) {
         return false;
     }
     UpdateCRC(buffer, length);
@@ -198,16 +291,16 @@ bool StreamSequencerReader::TakeHeaderPiece(Piece piece, void* buffer, int lengt
     return true;
 }
 
-bool StreamSequencerReader::TakeText(Piece piece, String& text, int index) {
+bool StreamSequencerReader::ReadText(Section section, String& text, int index) {
     unsigned char slot[archive::textSize];
-    if (!TakeHeaderPiece(piece, slot, archive::textSize, index)) {
+    if (!ReadHeaderSection(section, slot, archive::textSize, index)) {
         return false;
     }
     text = archive::readTextSlot(slot, archive::textUnits);
     return true;
 }
 
-bool StreamSequencerReader::Take(void* buffer, int length) {
+bool StreamSequencerReader::ReadBytes(void* buffer, int length) {
     auto* const bytes = static_cast<char*>(buffer);
     for (int done = 0; done < length;) {
         int const got = stream_->Read(bytes + done, length - done);
@@ -216,20 +309,20 @@ bool StreamSequencerReader::Take(void* buffer, int length) {
             return false;
         }
         done += got;
-        place_.end += got;
+        position_.end += got;
     }
-    if (progress_ != nullptr && !progress_->Copied(place_.end, streamSize_)) {
+    if (progress_ != nullptr && !progress_->Copied(position_.end, streamSize_)) {
         readError_ = -ECANCELED;
         return false;
     }
     return true;
 }
 
-void StreamSequencerReader::Enter(Piece piece, int index, unsigned long long size) {
-    place_.piece = piece;
-    place_.index = index;
-    place_.begin = place_.end;
-    place_.size = size;
+void StreamSequencerReader::BeginSection(Section section, int index, unsigned long long size) {
+    position_.section = section;
+    position_.index = index;
+    position_.begin = position_.end;
+    position_.size = size;
 }
 
 int StreamSequencerReader::FindMisplacedFile() const {
@@ -244,7 +337,7 @@ int StreamSequencerReader::FindMisplacedFile() const {
 }
 
 ClassRef<Stream> StreamSequencerReader::OpenData(int index) {
-    if (!sound_ || index < 0 || index >= FileCount()) {
+    if (!isValid_ || index < 0 || index >= FileCount()) {
         return {};
     }
     StreamDescriptor const& file = File(index);
@@ -254,7 +347,7 @@ ClassRef<Stream> StreamSequencerReader::OpenData(int index) {
         return {};
     }
     auto const at = static_cast<std::size_t>(index);
-    std::optional<ArchivedFileStream::RunningCrc> expected;
+    std::optional<RunningCrc> expected;
     if (file.GetOffset() == dataEnds_[at].offset) {
         expected = {dataEnds_[at].crc, dataEnds_[at + 1].crc};
     }

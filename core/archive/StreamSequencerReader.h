@@ -15,10 +15,10 @@ namespace core {
 class StreamSequencerReader : public StreamSequencer {
 public:
     enum Result : int {
-        sound = 0,
+        valid = 0,
         alreadyRead = -999,  ///< the reader holds files
         noStream = -1,
-        endsEarly = -2,  ///< the stream ends, or a read fails, within a piece
+        truncated = -2,  ///< the stream ends, or a read fails, within a piece
         notAnArchive = -3,
         versionTooOld = -4,
         versionTooNew = -5,
@@ -27,7 +27,7 @@ public:
     };
 
     /// The pieces of an archive, in the order of the stream.
-    enum class Piece {
+    enum class Section {
         header,
         keyBlock,
         uniqueId,
@@ -41,8 +41,8 @@ public:
     };
 
     /// Where reading stands, or stopped.
-    struct Place {
-        Piece piece = Piece::header;
+    struct ReadPosition {
+        Section section = Section::header;
         int index = 0;                ///< of the attribute, the descriptor or the file's data
         long long begin = 0;          ///< offset of the piece in the stream
         long long end = 0;            ///< offset up to which the stream was read
@@ -66,7 +66,7 @@ public:
     int Check();
 
     /// Where Read stopped: the faulty piece, or the trailer of a sound archive.
-    Place const& GetPlace() const { return place_; }
+    ReadPosition const& GetReadPosition() const { return position_; }
     /// The negative error code of the read that failed, where it was not the stream that ended; 0
     /// when none did.
     int GetReadError() const { return readError_; }
@@ -83,7 +83,7 @@ public:
     int FindMisplacedFile() const;
 
     /// The data of a file, unscrambled, as a stream that can be read and can seek. Empty when there
-    /// is no such file, when Read did not find the archive sound, or when the data that its
+    /// is no such file, when Read did not find the archive valid, or when the data that its
     /// descriptor claims lie outside those of the archive.
     /// Several streams may be read alternately; each read moves the position of the archive's
     /// stream. Read from start to end, a stream compares its bytes with those that Read found: if
@@ -97,18 +97,18 @@ private:
     int ReadFiles();
     int ReadData();
     int ReadTrailer();
-    bool TakeHeaderPiece(Piece piece, void* buffer, int length, int index = 0);
-    bool TakeText(Piece piece, String& text, int index = 0);
-    bool Take(void* buffer, int length);
-    void Enter(Piece piece, int index, unsigned long long size);
+    bool ReadHeaderSection(Section section, void* buffer, int length, int index = 0);
+    bool ReadText(Section section, String& text, int index = 0);
+    bool ReadBytes(void* buffer, int length);
+    void BeginSection(Section section, int index, unsigned long long size);
 
     Stream* stream_ = nullptr;
     ICopyCallback* progress_ = nullptr;
     long long streamSize_ = -1;
-    Place place_;
+    ReadPosition position_;
     int readError_ = 0;
     bool keepsContent_ = true;
-    bool sound_ = false;
+    bool isValid_ = false;
     unsigned headerFlags_ = 0;
     unsigned trailerCrc_ = 0;
     /// Where the data of a file end, counted from the start of all data, and the CRC up to there.

@@ -1,9 +1,7 @@
 #include "core/archive/descriptorRecord.h"
 
 #include <cstdint>
-
-#include "core/archive/archiveFormat.h"
-#include "core/archive/littleEndian.h"
+#include <cstring>
 
 namespace core::archive {
 
@@ -45,12 +43,12 @@ std::span<DescriptorSlot const> descriptorSlots(unsigned version) {
     return olderSlots;
 }
 
-void readPlace(unsigned char const* record, StreamDescriptor& file) {
-    file.SetPlace(getWord<std::uint64_t>(record), getWord<std::uint64_t>(record + sizeAt));
+void readExtent(unsigned char const* record, StreamDescriptor& file) {
+    file.SetExtent(getWord<std::uint64_t>(record), getWord<std::uint64_t>(record + sizeAt));
 }
 
 void readDescriptor(unsigned char const* record, unsigned version, StreamDescriptor& file) {
-    readPlace(record, file);
+    readExtent(record, file);
     file.SetFlags(getWord<std::uint32_t>(record + flagsAt));
     file.SetAttributes(getWord<std::uint32_t>(record + attributesAt));
     for (DescriptorSlot const& slot : descriptorSlots(version)) {
@@ -65,7 +63,7 @@ SlotResult writeDescriptor(StreamDescriptor const& file, unsigned version, unsig
     putWord<std::uint64_t>(file.GetSize(), record + sizeAt);
     putWord<std::uint32_t>(file.GetFlags(), record + flagsAt);
     putWord<std::uint32_t>(file.GetAttributes(), record + attributesAt);
-    for (int i = 0; i < StreamDescriptor::TextCount; ++i) {
+    for (int i = 0; i < StreamDescriptor::textCount; ++i) {
         faulty = static_cast<Text>(i);
         DescriptorSlot const* const slot = slotOf(faulty, version);
         SlotResult const result =

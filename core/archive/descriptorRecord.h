@@ -3,7 +3,7 @@
 #include <span>
 
 #include "core/archive/StreamDescriptor.h"
-#include "core/archive/textSlot.h"
+#include "core/archive/archiveFormat.h"
 
 namespace core::archive {
 
@@ -18,7 +18,7 @@ struct DescriptorSlot {
 std::span<DescriptorSlot const> descriptorSlots(unsigned version);
 
 /// Reads only offset and size into file.
-void readPlace(unsigned char const* record, StreamDescriptor& file);
+void readExtent(unsigned char const* record, StreamDescriptor& file);
 /// Fills file from a record of descriptorSize(version) bytes.
 void readDescriptor(unsigned char const* record, unsigned version, StreamDescriptor& file);
 /// Fills the record. Unless every text fits, the result says what is wrong with the first that does

@@ -3,8 +3,11 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "core/crc/crc32Folding.h"
-#include "core/crc/crc32Tables.h"
+#include "core/crc/crc32Ways.h"
+
+int core::crc::init() {
+    return crc32::init();
+}
 
 namespace core::crc32 {
 
@@ -23,11 +26,11 @@ unsigned int update(void const* data, int length, unsigned int crc) {
     auto const* bytes = static_cast<unsigned char const*>(data);
     auto size = static_cast<std::size_t>(length);
     std::uint32_t c = ~crc;
-    if (size >= foldedBlock && canFold()) {
-        std::size_t const blocks = size / foldedBlock;
+    if (size >= foldBlockSize && canFold()) {
+        std::size_t const blocks = size / foldBlockSize;
         c = updateByFolding(bytes, blocks, c);
-        bytes += blocks * foldedBlock;
-        size %= foldedBlock;
+        bytes += blocks * foldBlockSize;
+        size %= foldBlockSize;
     }
     return ~updateWithTables(bytes, size, c);
 }

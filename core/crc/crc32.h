@@ -3,12 +3,20 @@
 #include "core/text/Buffer.h"
 #include "core/text/String.h"
 
+namespace core::crc {
+
+/// Returns 0: checksums can be used. Programs call it at start-up, but need not: the tables are
+/// constants, so that no update ever reads empty ones.
+int init();
+
+}  // namespace core::crc
+
 /// The CRC-32 of IEEE 802.3 (zlib, PNG, Ethernet): reflected polynomial 0xEDB88320.
 /// The value carried from call to call is the finished CRC of the data so far; it starts at 0, so
 /// data may be split over any number of calls.
 namespace core::crc32 {
 
-/// See core::crc::init.
+/// Same as core::crc::init.
 int init();
 
 /// Sets the running value to its start, 0.

@@ -1,5 +1,6 @@
-#include "core/crc/crc32Folding.h"
-#include "core/crc/crc32Tables.h"
+#include "core/crc/crc32Ways.h"
+
+// For processors without an implementation of folding.
 
 namespace core::crc32 {
 
@@ -8,7 +9,7 @@ bool canFold() {
 }
 
 std::uint32_t updateByFolding(unsigned char const* bytes, std::size_t blocks, std::uint32_t c) {
-    return updateWithTables(bytes, blocks * foldedBlock, c);
+    return updateWithTables(bytes, blocks * foldBlockSize, c);
 }
 
 }  // namespace core::crc32

@@ -1,8 +1,7 @@
 #include <cpuid.h>
 #include <immintrin.h>
 
-#include "core/crc/crc32Folding.h"
-#include "core/crc/crc32Tables.h"
+#include "core/crc/crc32Ways.h"
 
 // A CRC is the remainder of the data, read as a polynomial over GF(2), by a fixed one of degree 32.
 // 128 bits of data that stand n bits before the end may be replaced by their product with
@@ -64,7 +63,7 @@ static_assert(by128Low == 0x1751997D0 && by128High == 0x0CCAA009E);
     __m128i lane2 = load(bytes + 32);
     __m128i lane3 = load(bytes + 48);
     for (std::size_t block = 1; block < blocks; ++block) {
-        bytes += foldedBlock;
+        bytes += foldBlockSize;
         lane0 = fold(lane0, by512, load(bytes));
         lane1 = fold(lane1, by512, load(bytes + 16));
         lane2 = fold(lane2, by512, load(bytes + 32));
@@ -109,7 +108,7 @@ static_assert(by128Low == 0x1751997D0 && by128High == 0x0CCAA009E);
     for (std::size_t i = 0; i < 4; ++i) {
         _mm512_storeu_si512(rest + 64 * i, lanes[i]);
     }
-    return foldNarrow(rest, wideBlock / foldedBlock, 0);
+    return foldNarrow(rest, wideBlock / foldBlockSize, 0);
 }
 
 struct Abilities {
@@ -153,7 +152,7 @@ bool canFold() {
 }
 
 std::uint32_t updateByFolding(unsigned char const* bytes, std::size_t blocks, std::uint32_t c) {
-    std::size_t const perWide = wideBlock / foldedBlock;
+    std::size_t const perWide = wideBlock / foldBlockSize;
     if (blocks >= perWide && abilities().wide) {
         std::size_t const wide = blocks / perWide;
         c = foldWide(bytes, wide, c);

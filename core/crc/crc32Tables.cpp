@@ -1,6 +1,6 @@
-#include "core/crc/crc32Tables.h"
-
 #include <array>
+
+#include "core/crc/crc32Ways.h"
 
 namespace core::crc32 {
 

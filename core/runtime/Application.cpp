@@ -2,7 +2,7 @@
 
 #include <cstdlib>
 
-#include "core/crc/crc.h"
+#include "core/crc/crc32.h"
 #include "sys/pid.h"
 #include "sys/platform/Process.h"
 #include "sys/scheduler.h"

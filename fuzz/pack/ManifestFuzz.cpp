@@ -70,7 +70,7 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size
     int result = 1;
     auto const stream = support::memory(builder.Written(result));
     require(result <= 0);
-    require((result == 0) == (builder.GetFault().cause == StreamSequencerBuilder::Cause::none));
+    require((result == 0) == (builder.GetFailure().cause == StreamSequencerBuilder::Cause::none));
     if (result == 0) {
         StreamSequencerReader reader;
         reader.SetStream(stream.Get());

@@ -160,7 +160,7 @@ TEST(DeviceSession, TakesNothingButSoundArchivesWhereToldSo) {
     using enum DeviceStatus;
     for (Row const& row :  // the one whose CRC is right has a wrong offset
          {Row{sound, {}}, Row{"", InvalidDataSize}, Row{sound.substr(0, 1000), InvalidDataSize},
-          Row{golden::withSoundCrc(changed(24)), InvalidDataSize},
+          Row{golden::withValidCrc(changed(24)), InvalidDataSize},
           Row{"no archive", InvalidDataSize}, Row{"the file, which is none", InvalidMagic},
           Row{changed(11), InvalidVersion}, Row{changed(sound.size() - 1), InvalidMagic},
           Row{changed(1000), WrongFileCrc}}) {

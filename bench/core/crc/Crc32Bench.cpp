@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "core/crc/crc32.h"
-#include "core/crc/crc32Tables.h"
+#include "core/crc/crc32Ways.h"
 
 namespace {
 

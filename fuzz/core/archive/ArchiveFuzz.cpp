@@ -10,7 +10,8 @@ using core::StreamSequencerReader;
 /// What can be said of any archive that was read, sound or not.
 void requireSense(StreamSequencerReader& reader, int result, std::size_t size) {
     require(result <= 0 && result >= StreamSequencerReader::wrongTrailer);
-    require(reader.GetPlace().end >= 0 && static_cast<std::size_t>(reader.GetPlace().end) <= size);
+    require(reader.GetReadPosition().end >= 0 &&
+            static_cast<std::size_t>(reader.GetReadPosition().end) <= size);
     std::size_t const smallest = 3840;
     require(static_cast<std::size_t>(reader.FileCount()) <= size / smallest);
     for (int i = 0; i < reader.FileCount(); ++i) {

@@ -2,7 +2,6 @@
 #include <cstring>
 
 #include "core/archive/archiveFormat.h"
-#include "core/archive/littleEndian.h"
 #include "core/crc/crc32.h"
 
 extern "C" std::size_t LLVMFuzzerMutate(std::uint8_t* data, std::size_t size, std::size_t room);

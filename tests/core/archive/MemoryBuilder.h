@@ -67,7 +67,7 @@ inline std::string rewritten(core::StreamSequencerReader& from, int& result) {
         core::StreamDescriptor& file = builder.AddFile("");
         file.SetFlags(from.File(i).GetFlags());
         file.SetAttributes(from.File(i).GetAttributes());
-        for (int each = 0; each < core::StreamDescriptor::TextCount; ++each) {
+        for (int each = 0; each < core::StreamDescriptor::textCount; ++each) {
             auto const text = static_cast<core::StreamDescriptor::Text>(each);
             file.SetText(text, from.File(i).GetText(text));
         }

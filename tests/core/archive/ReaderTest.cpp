@@ -2,7 +2,6 @@
 
 #include <cerrno>
 
-#include "core/archive/ArchivedFileStream.h"
 #include "core/stream/FileStream.h"
 #include "tests/core/archive/MemoryBuilder.h"
 #include "tests/core/archive/golden.h"
@@ -85,7 +84,8 @@ TEST(Reader, GivesStreamsThatKeepTheirPlace) {
     read.stream->Clear();
     EXPECT_EQ(other->Read(bytes, 1), -EIO) << "the archive was cut meanwhile";
     core::FileStream closed;
-    EXPECT_EQ(core::ArchivedFileStream(closed, 0, read.reader.File(0)).Read(bytes, 1), -EBADF);
+    read.reader.SetStream(&closed);
+    EXPECT_EQ(read.reader.OpenData(0)->Read(bytes, 1), -EBADF);
     StreamSequencerReader unreadable;
     EXPECT_EQ(unreadable.Read(), -1);
     unreadable.SetStream(&closed);
@@ -105,7 +105,7 @@ TEST(Reader, TellsTruncatedAndChangedArchives) {
         for (std::size_t size = 0; size < bytes.size(); ++size) {
             Reading const read(bytes.substr(0, size));
             ASSERT_EQ(read.code, -2) << size;
-            ASSERT_EQ(read.reader.GetPlace().end, static_cast<long long>(size));
+            ASSERT_EQ(read.reader.GetReadPosition().end, static_cast<long long>(size));
         }
         std::size_t const trailer = bytes.size() - 16;
         for (std::size_t at = 0; at < bytes.size(); ++at) {
@@ -151,7 +151,7 @@ TEST(Reader, IsNotLedAstrayByNumbersThatLie) {
           Row{second + 8, 8, 23, -2, 0}, Row{second, 8, all, 0, 1},
           Row{second, 8, 1ULL << 63, 0, 1}, Row{second, 8, 6, 0, 1},
           Row{second, 8, 0, 0, 1, "firsts"}}) {
-        std::string const bad = golden::withSoundCrc(
+        std::string const bad = golden::withValidCrc(
             std::string(bytes).replace(row.at, row.size, golden::number(row.value, row.size)));
         Reading read(bad);
         EXPECT_EQ(read.code, row.code) << row.at << ": " << row.value;

@@ -34,7 +34,7 @@ std::string slot(std::u16string const& text, unsigned size) {
     return bytes;
 }
 
-std::string withSoundCrc(std::string bytes) {
+std::string withValidCrc(std::string bytes) {
     auto const size = static_cast<uInt>(bytes.size() - 16);
     auto const crc = crc32(0, reinterpret_cast<Bytef const*>(bytes.data()), size);
     return bytes.replace(size + 4, 4, number(crc, 4));
@@ -82,7 +82,7 @@ std::string bytesOf(Archive const& archive) {
     for (std::string const& header : headers) {
         bytes += archive.crypt % 2 == 1 ? scrambled(header, archive.key) : header;
     }
-    return withSoundCrc(bytes + data + std::string(8, '\0') + magic);
+    return withValidCrc(bytes + data + std::string(8, '\0') + magic);
 }
 
 Archive sample(unsigned version, unsigned crypt) {

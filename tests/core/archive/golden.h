@@ -28,7 +28,7 @@ struct Archive {
 
 std::string bytesOf(Archive const& archive);
 /// The same with a closing CRC that is right for what stands before it.
-std::string withSoundCrc(std::string bytes);
+std::string withValidCrc(std::string bytes);
 /// A number, least significant byte first.
 std::string number(std::uint64_t value, unsigned size);
 /// A text slot of size bytes.

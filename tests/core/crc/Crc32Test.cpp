@@ -6,10 +6,9 @@
 #include <random>
 #include <vector>
 
-#include "core/crc/crc.h"
 #include "core/crc/crc16.h"
 #include "core/crc/crc32.h"
-#include "core/crc/crc32Tables.h"
+#include "core/crc/crc32Ways.h"
 
 namespace {
 

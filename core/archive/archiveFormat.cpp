@@ -1,9 +1,7 @@
-#include "core/archive/textSlot.h"
+#include "core/archive/archiveFormat.h"
 
-#include <cstdint>
-#include <string>
+#include <cstring>
 
-#include "core/archive/littleEndian.h"
 #include "core/text/unicode.h"
 
 namespace core::archive {
@@ -27,24 +25,31 @@ char32_t unitAt(unsigned char const* slot, std::size_t index) {
     return getWord<std::uint16_t>(slot + 2 * index);
 }
 
-/// Appends a character as one unit or as a pair.
-void appendUnits(char32_t point, std::u16string& units) {
-    if (point >= beyondOneUnit) {
+/// Stores a code point as one unit or as a surrogate pair. Returns the number of units, which is 0
+/// if units are too few.
+int putCodePoint(char32_t point, unsigned char* slot, int units) {
+    int const needed = point < beyondOneUnit ? 1 : 2;
+    if (needed > units) {
+        return 0;
+    }
+    if (needed == 2) {
         point -= beyondOneUnit;
-        units.push_back(static_cast<char16_t>(firstHigh + (point >> 10)));
+        putWord(static_cast<std::uint16_t>(firstHigh + (point >> 10)), slot);
+        slot += 2;
         point = firstLow + (point & 0x3FF);
     }
-    units.push_back(static_cast<char16_t>(point));
+    putWord(static_cast<std::uint16_t>(point), slot);
+    return needed;
 }
 
 }  // namespace
 
 String readTextSlot(unsigned char const* slot, int units) {
-    auto const room = static_cast<std::size_t>(units);
+    auto const count = static_cast<std::size_t>(units);
     TextBuilder text;
-    for (std::size_t i = 0; i < room && unitAt(slot, i) != 0; ++i) {
+    for (std::size_t i = 0; i < count && unitAt(slot, i) != 0; ++i) {
         char32_t point = unitAt(slot, i);
-        if (isHigh(point) && i + 1 < room && isLow(unitAt(slot, i + 1))) {
+        if (isHigh(point) && i + 1 < count && isLow(unitAt(slot, i + 1))) {
             ++i;
             point = beyondOneUnit + ((point - firstHigh) << 10) + (unitAt(slot, i) - firstLow);
         } else if (isHigh(point) || isLow(point)) {
@@ -56,21 +61,18 @@ String readTextSlot(unsigned char const* slot, int units) {
 }
 
 SlotResult writeTextSlot(String const& text, unsigned char* slot, int units) {
-    auto const room = static_cast<std::size_t>(units);
-    std::u16string encoded;
+    std::memset(slot, 0, 2 * static_cast<std::size_t>(units));
     for (std::string_view rest = text.View(); !rest.empty();) {
         char32_t point = 0;
         if (!unicode::decodeCodePoint(rest, point)) {
             return SlotResult::notUtf8;
         }
-        appendUnits(point, encoded);
-        if (encoded.size() > room) {
+        int const stored = putCodePoint(point, slot, units);
+        if (stored == 0) {
             return SlotResult::tooLong;
         }
-    }
-    encoded.resize(room);
-    for (std::size_t i = 0; i < room; ++i) {
-        putWord(static_cast<std::uint16_t>(encoded[i]), slot + 2 * i);
+        slot += 2 * stored;
+        units -= stored;
     }
     return SlotResult::written;
 }
