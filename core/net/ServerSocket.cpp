@@ -14,8 +14,8 @@ namespace core {
 
 namespace {
 
-int const patience = 100;  ///< ms that a worker may take until it listens
-int const stopSlice = 5;   ///< ms between two looks at the workers that are to end
+int const listenTimeout = 100;   ///< ms for a worker to start listening
+int const stopPollInterval = 5;  ///< ms between two checks for workers that have ended
 
 }  // namespace
 
@@ -150,9 +150,9 @@ SocketResult ServerSocket::Serve(int index) {
     }
     slot.worker = std::move(worker);
     slot.bound = name;
-    // Who reads the bound address from us can connect at once. A worker that cannot listen yet goes
-    // on trying.
-    slot.worker->WaitUntilReady(patience);
+    // Clients can connect as soon as the caller knows the bound address. A worker that cannot
+    // listen within the timeout keeps trying.
+    slot.worker->WaitUntilReady(listenTimeout);
     return socket_result::success;
 }
 
@@ -191,7 +191,7 @@ void ServerSocket::StopRange(int first, int last, long long timeoutMs) {
         if (timeoutMs >= 0 && timer.Expired()) {
             return;
         }
-        sys::scheduler::sleepms(stopSlice);
+        sys::scheduler::sleepms(stopPollInterval);
     }
 }
 

@@ -7,10 +7,10 @@ namespace core {
 
 namespace {
 
-int const missingRetry = 5;  ///< ms between two looks at a socket that is missing or fails
-int const listenRetry = 2;   ///< ms between two attempts to listen
-int const waitSlice = 100;   ///< ms of waiting between two looks at the termination request
-/// ms after a failure: without free descriptors or memory, accept would fail again at once.
+int const missingRetry = 5;    ///< ms between two checks of a missing or failing socket
+int const listenRetry = 2;     ///< ms between two attempts to listen
+int const pollInterval = 100;  ///< ms between two checks for a termination request
+/// ms to wait after a failure: without descriptors or memory, accept would fail again at once.
 int const backOff = 50;
 
 }  // namespace
@@ -35,8 +35,8 @@ char const* ServerSocketThread::ClassName() const {
 }
 
 void ServerSocketThread::Execute() {
-    // The socket is only touched on this thread: waiting in slices ends an accept as surely as
-    // closing it from outside, and no descriptor can be reused under a running call.
+    // Only this thread uses the socket and polls for termination: closing it from another thread
+    // would not end a blocked accept everywhere, and the descriptor might be reused meanwhile.
     while (!socket_ && !IsTerminationRequested()) {
         sys::scheduler::sleepms(missingRetry);
     }
@@ -70,8 +70,8 @@ void ServerSocketThread::ServeUntilTermination(bool (ServerSocketThread::*serve)
         try {
             served = (this->*serve)();
         } catch (...) {
-            // Whatever a handler throws, or the lack of memory for a connection, concerns that
-            // connection alone. It is released by now.
+            // An exception of a handler, or no memory for a connection, affects that connection
+            // only, which is already released.
         }
         if (!served) {
             sys::scheduler::sleepms(backOff);
@@ -92,8 +92,8 @@ bool ServerSocketThread::ServeConnection() {
 }
 
 bool ServerSocketThread::ServeDatagram() {
-    // The handler receives the datagram itself, from the worker's socket, and may close it or
-    // release the reference to it.
+    // The handler receives the datagram from the worker's socket, and may close the socket or
+    // release the reference.
     if (WaitForTraffic()) {
         server_.Handle(socket_, bind_, index_);
     }
@@ -101,7 +101,7 @@ bool ServerSocketThread::ServeDatagram() {
 }
 
 bool ServerSocketThread::WaitForTraffic() {
-    int const ready = socket_ && socket_->IsOpen() ? socket_->checkRecv(waitSlice) : -1;
+    int const ready = socket_ && socket_->IsOpen() ? socket_->checkRecv(pollInterval) : -1;
     if (ready < 0) {
         sys::scheduler::sleepms(missingRetry);
     }
@@ -119,7 +119,8 @@ bool ServerSocketThread::ListenUntilTermination() {
 }
 
 bool ServerSocketThread::Listen() {
-    // A client may go away between the wait and the accept, which must not wait for the next one.
+    // If a client disconnects between the wait and the accept, a blocking accept would wait for the
+    // next client.
     return socket_->Listen() == socket_result::success && socket_->setBlocking(false);
 }
 

@@ -22,7 +22,7 @@ Socket::Socket(SocketDomain domain, SocketType type) {
     }
 }
 
-// Delegates to a finished object, whose destructor closes the handle if memory runs out.
+// Delegate, so that the destructor closes the handle if the body throws std::bad_alloc.
 Socket::Socket(platform::SocketHandle handle, ClassRef<SocketAddr> const& peer, SocketType type)
     : Socket() {
     handle_ = handle;

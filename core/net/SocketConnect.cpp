@@ -14,7 +14,7 @@ int const largestBacklog = std::numeric_limits<int>::max();
 
 using AddressCall = int (*)(platform::SocketHandle, void*, int&);
 
-/// Tries the addresses of the chain in order until one succeeds; the result of the last attempt.
+/// Tries the addresses of the chain in order until one succeeds; returns the last result.
 template <class Attempt>
 SocketResult firstSuccess(ClassRef<AddressInfo> const& info, Attempt attempt) {
     SocketResult result = socket_result::failed;
@@ -127,7 +127,7 @@ SocketResult Socket::Listen() {
 SocketResult Socket::Accept(ClassRef<Socket>& accepted) {
     unsigned char bytes[platform::addressRoom];
     int length = sizeof bytes;
-    // Allocate first: memory that runs out later must not leave a handle without an owner.
+    // Allocate first, so that the accepted handle always has an owner.
     ClassRef<Socket> const next(new Socket);
     next->handle_ = platform::acceptSocket(handle_, bytes, length);
     if (next->handle_ == platform::noSocket) {

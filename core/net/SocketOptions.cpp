@@ -75,8 +75,7 @@ int Socket::GetTimeout(SocketTimeout which) const {
 }
 
 void Socket::FlushSent() {
-    // Switching the delay off and on pushes out what waits for more; a socket that never delays
-    // has nothing waiting.
+    // Turning the delay off sends delayed data. If it is off already, nothing is delayed.
     if (type_ == SocketType::stream && !getTCPNoDelay()) {
         setTCPNoDelay(true);
         setTCPNoDelay(false);

@@ -10,26 +10,26 @@ namespace platform = sys::platform;
 
 namespace {
 
-int const receiveSlice = 10;  ///< ms of RecvUntil between two looks at its timer
-int const transferSlice = 5;  ///< ms of Read and Write between two looks at theirs
+int const receivePollInterval = 10;  ///< ms between two checks of the timer in RecvUntil
+int const transferPollInterval = 5;  ///< ms between two checks of the timer in Read and Write
 
-/// Moves bytes with move(done) whenever check(ms) says ready, until all have gone or the time is
-/// over: the bytes moved, or the negative result of the very first attempt.
+/// Calls move(done) each time check(ms) returns ready, until all bytes are moved or the timeout
+/// expires. Returns the number of bytes moved, or the negative result of the first attempt.
 template <class Check, class Move>
 int transferUntil(int length, int timeoutMs, Check check, Move move) {
     int const limit = std::max(timeoutMs, 0);
-    int const slice = std::min(limit, transferSlice);
+    int const interval = std::min(limit, transferPollInterval);
     CountDownTimer timer(static_cast<unsigned long long>(limit));
     for (int done = 0; done < length;) {
-        int const ready = check(slice);
+        int const ready = check(interval);
         int const moved = ready > 0 ? move(done) : ready;
         if (moved < 0) {
             return done != 0 ? done : moved;
         }
         done += moved;
         if (ready > 0 && moved == 0) {
-            // An ended stream is always ready: do not spin.
-            sys::scheduler::sleepms(transferSlice);
+            // Do not spin: a stream at its end is always ready.
+            sys::scheduler::sleepms(transferPollInterval);
         }
         if (timer.Expired()) {
             return done;
@@ -68,7 +68,7 @@ int Socket::RecvUntil(void* buffer, int length, long long timeoutMs) {
     CountDownTimer timer(static_cast<unsigned long long>(timeoutMs));
     auto* const bytes = static_cast<char*>(buffer);
     for (int received = 0; received < length;) {
-        int const ready = IsOpen() ? platform::waitReadable(handle_, receiveSlice) : -1;
+        int const ready = IsOpen() ? platform::waitReadable(handle_, receivePollInterval) : -1;
         if (ready > 0) {
             int const got = Recv(bytes + received, length - received);
             if (got > 0) {
@@ -81,8 +81,8 @@ int Socket::RecvUntil(void* buffer, int length, long long timeoutMs) {
             }
         }
         if (ready != 0) {
-            // An ended stream is always ready and a missing socket never waits: do not spin.
-            sys::scheduler::sleepms(receiveSlice);
+            // Do not spin: a stream at its end is always ready, and a closed socket never waits.
+            sys::scheduler::sleepms(receivePollInterval);
         }
         if (timer.Expired()) {
             return received;
@@ -99,8 +99,7 @@ int Socket::_Read(void* buffer, int length, int timeoutMs) {
 }
 
 int Socket::_Write(void const* data, int length, int timeoutMs) {
-    // A blocking send of the rest would wait for a peer that has stopped reading, past the
-    // deadline.
+    // With a peer that stops reading, a blocking send could exceed the deadline.
     bool const switched = blocking_ && platform::setNonBlocking(handle_, true);
     auto const* const bytes = static_cast<char const*>(data);
     int const written = transferUntil(

@@ -11,7 +11,7 @@ using core::IPv6Address;
 using core::SocketType;
 using core::String;
 
-/// What is read from text is written as a text that reads the same.
+/// Parses text and checks that the address survives being written and parsed again.
 template <class Address>
 Address readTwice(String const& text, bool& good) {
     Address address;
@@ -24,12 +24,12 @@ Address readTwice(String const& text, bool& good) {
     return address;
 }
 
-/// The platform writes an address like the library, except those that it treats as IPv4 addresses.
-void requireSameText(String const& ours, String const& theirs) {
-    require(ours == theirs || theirs.Find('.') >= 0);
+/// The platform and the library write the same text, except for addresses with an IPv4 part.
+void requireSameText(String const& library, String const& platform) {
+    require(library == platform || platform.Find('.') >= 0);
 }
 
-/// An address in numbers resolves to itself; a name must never come here.
+/// A numeric address resolves to itself, without a name server.
 template <class Address>
 void requireEndPoint(Address const& address) {
     if (address.Port() != core::noPort && (address.Port() < 0 || address.Port() > 65535)) {

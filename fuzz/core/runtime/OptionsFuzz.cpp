@@ -37,7 +37,7 @@ std::vector<Stored> storedOptions() {
     return all;
 }
 
-/// Whether the grammar has the option and lets it have so many values.
+/// Whether the grammar allows the option with its number of values.
 bool allows(StringArray const& grammar, Stored const& option) {
     int const given = option.values.IsEmpty() ? 0 : option.values.CountChars('|') + 1;
     for (int i = 0; i < grammar.Count(); ++i) {
@@ -52,8 +52,8 @@ bool allows(StringArray const& grammar, Stored const& option) {
     return false;
 }
 
-/// Whether no word can mean two entries: each has both its names, and shares none.
-bool isClear(StringArray const& grammar) {
+/// Whether the grammar is unambiguous: each entry has both names and shares none.
+bool isUnambiguous(StringArray const& grammar) {
     for (int i = 0; i < grammar.Count(); ++i) {
         String shortName;
         String longName;
@@ -70,13 +70,13 @@ bool isClear(StringArray const& grammar) {
     return true;
 }
 
-void requireSense(String const& grammar, std::vector<Stored> const& options,
-                  StringArray const& errors, std::size_t given) {
+void requireConsistency(String const& grammar, std::vector<Stored> const& options,
+                        StringArray const& errors, std::size_t given) {
     StringArray entries;
     grammar.Split(entries, '>');
-    bool const clear = isClear(entries);
+    bool const unambiguous = isUnambiguous(entries);
     for (Stored const& option : options) {
-        require(!clear || allows(entries, option));
+        require(!unambiguous || allows(entries, option));
         String values;
         require(option.shortName.IsEmpty() ||
                 application().GetOptionValues(option.shortName, values));
@@ -91,7 +91,7 @@ void requireSense(String const& grammar, std::vector<Stored> const& options,
 
 }  // namespace
 
-/// A line with a grammar, then a line for each word.
+/// The input is a line with the grammar, then a line for each argument.
 extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {
     Input input(data, size);
     String const grammar(input.Line().c_str());
@@ -99,19 +99,19 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size
     while (!input.IsEmpty()) {
         lines.push_back(input.Line());
     }
-    std::vector<char const*> words;
+    std::vector<char const*> arguments;
     for (std::string const& line : lines) {
-        words.push_back(line.c_str());
+        arguments.push_back(line.c_str());
     }
 
-    // The second time shows that nothing is left of the first.
+    // Twice, because the second call must start with an empty list.
     for (int round = 0; round < 2; ++round) {
         StringArray errors;
-        require(application().CommandLinePrepare(static_cast<int>(words.size()), words.data(),
-                                                 grammar, errors));
+        require(application().CommandLinePrepare(static_cast<int>(arguments.size()),
+                                                 arguments.data(), grammar, errors));
         auto const given = std::count_if(lines.begin(), lines.end(),
                                          [](auto const& line) { return line.starts_with('-'); });
-        requireSense(grammar, storedOptions(), errors, static_cast<std::size_t>(given));
+        requireConsistency(grammar, storedOptions(), errors, static_cast<std::size_t>(given));
     }
     return 0;
 }

@@ -9,7 +9,7 @@ namespace {
 
 using namespace core;
 
-TEST(EndPoint, ComesFromTextsNumbersAndAddresses) {
+TEST(EndPoint, IsCreatedFromTextsNumbersAndAddresses) {
     EndPoint const text("127.0.0.1|3007", SocketDomain::IPv4, SocketType::stream);
     EXPECT_STREQ(text.ClassName(), "EndPoint");
     EXPECT_STREQ(text.GetAddress().getCString(), "127.0.0.1");

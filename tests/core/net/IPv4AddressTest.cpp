@@ -8,8 +8,8 @@ namespace {
 
 using namespace core;
 
-TEST(IPv4Address, SetParsesTheWholeText) {
-    // Bad texts set the octets before their first fault, and no port.
+TEST(IPv4Address, ParsesTexts) {
+    // Invalid texts set the octets before the first error, and no port.
     using Row = std::tuple<char const*, bool, char const*>;
     for (auto const& [text, good, shown] :
          {Row{"192.168.0.10|5000", true, "192.168.0.10|5000"},
@@ -56,8 +56,8 @@ TEST(IPv4Address, IsValidIsMoreLenient) {
     }
 }
 
-TEST(IPv4Address, Networks) {
-    // A mask, and the network, its broadcast address, and its first and last gateway.
+TEST(IPv4Address, ComputesNetworks) {
+    // Rows: a mask; network, broadcast address, first and last gateway.
     using Row = std::pair<char const*, char const*>;
     IPv4Address const address("192.168.1.77|80");
     for (auto const& [text, expected] :
@@ -77,7 +77,7 @@ TEST(IPv4Address, Networks) {
     }
 }
 
-TEST(IPv4Address, NumbersAndTexts) {
+TEST(IPv4Address, ConvertsNumbersAndTexts) {
     IPv4Address address(0xC0A8000Au, 5000);
     EXPECT_EQ(address.GetAsString(true), "192.168.0.10|5000");
     EXPECT_EQ(address.GetAsUInt32(), 0xC0A8000Au);
@@ -89,13 +89,13 @@ TEST(IPv4Address, NumbersAndTexts) {
     EXPECT_EQ(IPv4Address::ToString(256 + 1, 2, 3, 4, -5), "1.2.3.4|-5");
 }
 
-TEST(Address, ResolvesNumbersToTheirBestAddress) {
+TEST(Address, FindsTheBestMatch) {
     auto const info = Address::GetInfo("127.0.0.1|3007", SocketType::stream, true);
     ASSERT_TRUE(info);
     EXPECT_FALSE(info->FindBest(SocketDomain::IPv6, SocketType::stream));
     auto const any =
         Address::GetInfo("127.0.0.1|3007", SocketDomain::IPv4, SocketType::unspecified, true);
-    if (any->Next()) {  // a stream, a datagram, then others
+    if (any->Next()) {  // stream, datagram, others
         EXPECT_TRUE(any->FindBest(SocketDomain::IPv4, SocketType::stream)->Next()->Next());
         EXPECT_FALSE(any->FindBest(SocketDomain::IPv4, SocketType::datagram)->Next()->Next());
     }
@@ -105,7 +105,7 @@ TEST(Address, ResolvesNumbersToTheirBestAddress) {
     String name("untouched");
     EXPECT_EQ(SocketAddr().GetName(name, true), 13u);
     EXPECT_STREQ(name.getCString(), "untouched");
-    EXPECT_TRUE(info->FindBest(SocketDomain::IPv4, SocketType::datagram)) << "for want of a better";
+    EXPECT_TRUE(info->FindBest(SocketDomain::IPv4, SocketType::datagram)) << "no better match";
     EXPECT_EQ(GetPosixProtocol(SocketDomain::IPv6, SocketType::stream), 6);
     EXPECT_EQ(GetPosixProtocol(SocketDomain::IPv6, SocketType::datagram), 17);
     auto const address = best->GetSocketAddress();
@@ -123,7 +123,7 @@ TEST(Address, ResolvesNumbersToTheirBestAddress) {
         EXPECT_EQ(SocketAddr(tooLong, length).GetLength(), 0) << length;
     }
     EXPECT_EQ(SocketAddr(tooLong, -128).GetSize(), 128);
-    EXPECT_EQ(SocketAddr(tooLong, 16).GetName(name, true), 5u) << "of no family";
+    EXPECT_EQ(SocketAddr(tooLong, 16).GetName(name, true), 5u) << "unknown family";
 }
 
 }  // namespace

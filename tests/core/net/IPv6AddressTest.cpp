@@ -9,7 +9,7 @@ namespace {
 
 using core::IPv6Address;
 
-TEST(IPv6Address, ReadsTheGrammarAndWritesTheCanonicalText) {
+TEST(IPv6Address, ParsesTextsAndWritesTheCanonicalForm) {
     using Row = std::pair<char const*, char const*>;
     for (auto const& [text, canonical] :
          {Row{"2001:DB8:0:0:8:800:200C:417A", "2001:db8::8:800:200c:417a"}, Row{"::", "::"},
@@ -25,20 +25,21 @@ TEST(IPv6Address, ReadsTheGrammarAndWritesTheCanonicalText) {
         EXPECT_TRUE(address.Set(text)) << text;
         EXPECT_EQ(address.GetAsString(true), canonical);
     }
-    std::pair<char const*, std::vector<char const*>> const wrong[] = {
+    std::pair<char const*, std::vector<char const*>> const invalid[] = {
         {"too few groups", {"", "|80", "1", "1:2:3:4:5:6:7", "1.2.3.4"}},
         {"too many groups",
          {"1:2:3:4:5:6:7:8:9", "1:2:3:4:5:6:7:8::", "::1:2:3:4:5:6:7:8", "1:2:3:4:5:6:7:1.2.3.4"}},
-        {"a colon between nothing", {":", ":::", "1::2::3", ":1::", "1::2:"}},
-        {"no group", {"12345::", "g::", "-1::", "+1::", "0x1::", "1 ::", "::1%eth0", "::\xC3\xA4"}},
-        {"no IPv4 tail",
+        {"colons without groups", {":", ":::", "1::2::3", ":1::", "1::2:"}},
+        {"invalid groups",
+         {"12345::", "g::", "-1::", "+1::", "0x1::", "1 ::", "::1%eth0", "::\xC3\xA4"}},
+        {"invalid IPv4 part",
          {"::1.2.3", "::1.2.3.4.5", "::1.2.3.256", "::01.2.3.4", "::1.2.3.4:5",
           "1.2.3.4::", "::1.2.3."}},
     };
-    for (auto const& [fault, texts] : wrong) {
+    for (auto const& [error, texts] : invalid) {
         for (char const* const bad : texts) {
             IPv6Address address("1::1|7");
-            EXPECT_FALSE(address.Set(bad)) << bad << ": " << fault;
+            EXPECT_FALSE(address.Set(bad)) << bad << ": " << error;
             EXPECT_TRUE(address.IsNull()) << bad;
             EXPECT_EQ(address.Port(), 7) << bad;
             EXPECT_FALSE(IPv6Address::IsValid(bad)) << bad;

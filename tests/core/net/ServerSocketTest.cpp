@@ -27,8 +27,8 @@ public:
     }
 
     std::atomic<int> handled = 0;
-    std::atomic<bool> hold = false;  ///< keeps handlers waiting
-    std::atomic<int> throws = 0;     ///< handlers that are to fail
+    std::atomic<bool> hold = false;  ///< makes handlers wait
+    std::atomic<int> throws = 0;     ///< number of handler calls to fail
     std::atomic<int> index = -1;     ///< of the last connection
     void (*finish)(ClassRef<Socket>& socket) = [](ClassRef<Socket>&) {};
 
@@ -66,7 +66,7 @@ bool echoes(String const& address) {
            c == 'x';
 }
 
-TEST(ServerSocket, ServesStopsUnderTrafficAndServesAgain) {
+TEST(ServerSocket, RestartsAfterAStopUnderTraffic) {
     long const before = support::openDescriptors();
     std::atomic<int> echoed = 0;
     {
@@ -102,7 +102,7 @@ TEST(ServerSocket, ServesStopsUnderTrafficAndServesAgain) {
     EXPECT_EQ(support::openDescriptors(), before);
 }
 
-TEST(ServerSocket, Datagrams) {
+TEST(ServerSocket, ServesDatagrams) {
     void (*const finishes[])(ClassRef<Socket>&) = {
         [](ClassRef<Socket>&) {}, [](ClassRef<Socket>& socket) { socket->Close(); },
         [](ClassRef<Socket>& socket) { socket.Set(nullptr); }};
@@ -126,7 +126,7 @@ TEST(ServerSocket, Datagrams) {
         EXPECT_EQ(client.RecvFrom(buffer, 4, from), 4);
         EXPECT_STREQ(buffer, "echo");
         EXPECT_TRUE(from == server.GetBoundName(0));
-        // Workers that have no socket (any more) wait: they neither spin nor end.
+        // Workers without a socket wait: they neither spin nor end.
         std::clock_t const start = std::clock();
         sys::scheduler::sleepms(200);
         EXPECT_TRUE(support::onWindows() || std::clock() - start < CLOCKS_PER_SEC / 10);
@@ -181,10 +181,10 @@ TEST(ServerSocket, RemovingABindRaisesTheCount) {
     pair.near.ShutdownSend();
     server.DoAccept(pair.far, 0);
     char c = 0;
-    EXPECT_EQ(pair.near.Recv(&c, 1), 1) << "handled here";
+    EXPECT_EQ(pair.near.Recv(&c, 1), 1) << "handled on this thread";
 }
 
-TEST(ServerSocket, AnAddressInUseDoesNotDisturbTheOthers) {
+TEST(ServerSocket, ServesOtherAddressesIfOneIsInUse) {
     EchoServer first;
     first.AddBind("127.0.0.1|0");
     ASSERT_EQ(first.StartListen(), 1);
@@ -195,7 +195,7 @@ TEST(ServerSocket, AnAddressInUseDoesNotDisturbTheOthers) {
     second.AddBind("127.0.0.1|0");
     second.AddBind("");
     EXPECT_EQ(second.StartListen(), 1);
-    EXPECT_EQ(second.LastError(), EADDRINUSE) << "the first of two";
+    EXPECT_EQ(second.LastError(), EADDRINUSE) << "the first error";
     EXPECT_TRUE(second.Terminated(0));
     EXPECT_FALSE(second.Terminated(1));
     EXPECT_EQ(second.StartListen(), 0);
@@ -210,12 +210,12 @@ TEST(ServerSocket, AnAddressInUseDoesNotDisturbTheOthers) {
     }
     CountDownTimer const pause(40ULL);
     second.throws = 1;
-    EXPECT_FALSE(echoes(second.GetBoundName(1))) << "a handler that fails loses its connection";
+    EXPECT_FALSE(echoes(second.GetBoundName(1))) << "a failing handler loses its connection";
     EXPECT_TRUE(echoes(second.GetBoundName(1)) && pause.Expired());
     EXPECT_TRUE(echoes(taken));
 }
 
-TEST(ServerSocket, AStopWaitsNoLongerThanToldForABusyHandler) {
+TEST(ServerSocket, StopTimesOutOnABusyHandler) {
     EchoServer server;
     server.AddBind("127.0.0.1|0");
     ASSERT_EQ(server.StartListen(), 1);

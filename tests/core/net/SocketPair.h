@@ -12,7 +12,7 @@ struct SocketPair {
 
     SocketPair() {
         core::Socket listener(core::SocketDomain::IPv4, core::SocketType::stream);
-        // Without a type, the address is found once for each: the first that serves is taken.
+        // Without a type, the chain has an entry for each type: Bind uses the first possible one.
         EXPECT_EQ(listener.Bind(core::Address::GetInfo("127.0.0.1|0", core::SocketDomain::IPv4,
                                                        core::SocketType::unspecified, true)),
                   0u);

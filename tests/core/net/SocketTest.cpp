@@ -14,7 +14,7 @@ namespace {
 
 using namespace core;
 
-TEST(Socket, RecvUntilWaitsAsLongAsBytesKeepComing) {
+TEST(Socket, RecvUntilRestartsItsTimeoutAtEachByte) {
     SocketPair pair;
     std::jthread const peer([&] {
         for (char const c : std::string("12345678")) {
@@ -24,12 +24,12 @@ TEST(Socket, RecvUntilWaitsAsLongAsBytesKeepComing) {
     });
     char buffer[9] = {};
     EXPECT_EQ(pair.near.RecvUntil(buffer, 0, 1'000'000), 0);
-    EXPECT_EQ(pair.near.RecvUntil(buffer, 8, 600), 8) << "longer in all, but never in silence";
+    EXPECT_EQ(pair.near.RecvUntil(buffer, 8, 600), 8) << "longer in total, but not between bytes";
     EXPECT_STREQ(buffer, "12345678");
 }
 
-TEST(Socket, RecvUntilReturnsWhatCameWhenTheRestDoesNot) {
-    int const limit = 120;
+TEST(Socket, RecvUntilReturnsAPartialCountAtItsTimeout) {
+    int const timeout = 120;
     char buffer[8];
     for (bool const closes : {false, true}) {
         SocketPair pair;
@@ -37,19 +37,19 @@ TEST(Socket, RecvUntilReturnsWhatCameWhenTheRestDoesNot) {
         if (closes) {
             pair.far->Close();
         }
-        CountDownTimer timer(static_cast<unsigned long long>(limit));
-        EXPECT_EQ(pair.near.RecvUntil(buffer, 8, limit), 3);
-        EXPECT_TRUE(timer.Expired()) << "a peer that has closed does not end the wait";
+        CountDownTimer timer(static_cast<unsigned long long>(timeout));
+        EXPECT_EQ(pair.near.RecvUntil(buffer, 8, timeout), 3);
+        EXPECT_TRUE(timer.Expired()) << "end of stream does not end the wait";
     }
     SocketPair pair;
     pair.far->Abort();
-    // Wine tells a reset as an end of the stream.
+    // Wine reports a reset as the end of the stream.
     EXPECT_LT(pair.near.RecvUntil(buffer, 8, 1'000), support::onWindows() ? 1 : 0);
     pair.near.Close();
     EXPECT_EQ(pair.near.RecvUntil(buffer, 8, 20), 0);
 }
 
-TEST(Socket, ReadAndWriteHaveADeadlineForAll) {
+TEST(Socket, ReadAndWriteHaveADeadline) {
     SocketPair pair;
     std::string const text(3'000'000, 'x');
     std::thread writer(
@@ -64,7 +64,7 @@ TEST(Socket, ReadAndWriteHaveADeadlineForAll) {
     pair.near.SetReadTimeout(-1);
     EXPECT_EQ(pair.near.Read(buffer.data(), 1), 0);
 
-    // A peer that reads nothing more, and a socket that blocks before and after.
+    // With a peer that stops reading; the socket is blocking before and after.
     buffer.resize(16'000'000);
     pair.near.SetWriteTimeout(50);
     int const written = pair.near.Write(buffer.data(), 16'000'000);
@@ -86,7 +86,7 @@ TEST(Socket, ReadAndWriteHaveADeadlineForAll) {
     EXPECT_TRUE(pair.near.CanSend(10'000));
     EXPECT_EQ(pair.near.Send("x"), -1);
     EXPECT_FALSE(pair.near.WouldBlock());
-    EXPECT_EQ(pair.near.Send("x"), -1) << "and no signal ends the process";
+    EXPECT_EQ(pair.near.Send("x"), -1) << "without a signal";
     pair.near.Close();
     EXPECT_EQ(pair.near.Write(buffer.data(), 1), -1);
 }
@@ -102,7 +102,7 @@ TEST(Socket, OpensAndCloses) {
     EXPECT_EQ(pair.near.GetPeerName(far, true) + pair.near.GetPeerName(peer), 0u);
     EXPECT_TRUE(far == near && peer.GetComposedAddress() == near);
     EXPECT_STREQ(pair.near.ClassName(), "Socket");
-    EXPECT_TRUE(pair.near.Connect()) << "open already";
+    EXPECT_TRUE(pair.near.Connect()) << "already open";
     EXPECT_TRUE(pair.near.IsConnected());
     char c = 0;
     EXPECT_TRUE(pair.near.ShutdownSend());
@@ -110,7 +110,7 @@ TEST(Socket, OpensAndCloses) {
     EXPECT_EQ(pair.far->Recv(&c, 1), 0);
     EXPECT_FALSE(pair.far->WouldBlock());
     EXPECT_EQ(pair.far->Send("y"), 1);
-    EXPECT_EQ(pair.near.RecvUntil(&c, 1, 10'000), 1) << "only our side is closed";
+    EXPECT_EQ(pair.near.RecvUntil(&c, 1, 10'000), 1) << "only sending is shut down";
     EXPECT_EQ(pair.near.CreateTheSocket(SocketDomain::IPv4, SocketType::stream), 4u);
     EXPECT_EQ(pair.near.Close(), 0u);
     EXPECT_EQ(pair.near.Close(), 4u);
@@ -125,7 +125,7 @@ TEST(Socket, OpensAndCloses) {
     EXPECT_EQ(pair.near.Connect("|"), 12u);
     EXPECT_EQ(pair.near.Bind("|"), 12u);
 
-    // Nobody listens any more: refused, also on the way through the target.
+    // The listener is closed: the connection is refused, also by Connect().
     EXPECT_EQ(pair.near.Connect(near), 26u);
     pair.near.Close();
     EXPECT_FALSE(pair.near.Connect());
@@ -138,16 +138,16 @@ TEST(Socket, OpensAndCloses) {
     gone.far->Close();
     gone.near.Close();
     Socket next(SocketDomain::IPv4, SocketType::stream);
-    EXPECT_EQ(next.Bind(near), 0u) << "the port of a connection that has just ended";
+    EXPECT_EQ(next.Bind(near), 0u) << "the port of a closed connection";
 }
 
-TEST(Socket, Datagrams) {
+TEST(Socket, SendsAndReceivesDatagrams) {
     for (char const* const any : {"127.0.0.1|0", "::1|0"}) {
         auto const domain = any[0] == ':' ? SocketDomain::IPv6 : SocketDomain::IPv4;
         Socket receiver(domain, SocketType::datagram);
         EXPECT_FALSE(receiver.IsBound());
         if (receiver.Bind(any) != 0) {
-            std::puts("this machine has no ::1, its datagrams are not tested");
+            std::puts("::1 is missing: IPv6 datagrams are not tested");
             continue;
         }
         EXPECT_TRUE(receiver.IsBound());
@@ -161,7 +161,7 @@ TEST(Socket, Datagrams) {
         EXPECT_NE(sender.LastError(), 0);
         EXPECT_EQ(sender.SendTo("", 0, to.GetSocketAddress()), 0);
         EXPECT_EQ(sender.LastError(), 0);
-        EXPECT_EQ(sender.SendDatagram("cut short", 9, to), 9);
+        EXPECT_EQ(sender.SendDatagram("truncated", 9, to), 9);
 
         Buffer bytes;
         ClassRef<EndPoint> from;
@@ -188,7 +188,7 @@ TEST(Socket, Datagrams) {
     }
 }
 
-TEST(Socket, OptionsAndReadiness) {
+TEST(Socket, ReportsOptionsAndReadiness) {
     SocketPair pair;
     for (bool const on : {true, false, true}) {
         EXPECT_TRUE(pair.near.setTCPNoDelay(on) && pair.near.setBroadcast(on));
@@ -196,8 +196,8 @@ TEST(Socket, OptionsAndReadiness) {
         EXPECT_EQ(pair.near.getBroadcast(), on);
     }
     pair.near.FlushSent();
-    EXPECT_TRUE(pair.near.getTCPNoDelay()) << "nothing is held back, nothing is switched";
-    EXPECT_FALSE(pair.near.setMulticastTTL(7)) << "a stream has one peer";
+    EXPECT_TRUE(pair.near.getTCPNoDelay()) << "unchanged: nothing is delayed";
+    EXPECT_FALSE(pair.near.setMulticastTTL(7)) << "not for streams";
     Socket datagrams(SocketDomain::IPv4, SocketType::datagram);
     EXPECT_TRUE(datagrams.setMulticastTTL(7));
     EXPECT_EQ(datagrams.getMulticastTTL(), 7);
@@ -221,7 +221,7 @@ TEST(Socket, OptionsAndReadiness) {
     EXPECT_LT(pair.near.GetRecvTimeout(), 0);
 }
 
-TEST(SocketResult, Mappings) {
+TEST(SocketResult, MapsErrors) {
     int const from14[] = {ENOTCONN,     EACCES,      EADDRINUSE,   EADDRNOTAVAIL, ELOOP,
                           ENAMETOOLONG, ENOENT,      ENOTDIR,      EROFS,         EPERM,
                           EAFNOSUPPORT, EALREADY,    ECONNREFUSED, EINPROGRESS,   EINTR,

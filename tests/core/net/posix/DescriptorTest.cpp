@@ -16,11 +16,11 @@
 
 namespace {
 
-TEST(Descriptors, OfMoreThan1024Work) {
+TEST(Descriptors, Above1024Work) {
     rlimit limit{};
     ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &limit), 0);
     if (limit.rlim_max < 1200) {
-        GTEST_SKIP() << "the system allows only " << limit.rlim_max << " descriptors";
+        GTEST_SKIP() << "the limit is " << limit.rlim_max << " descriptors";
     }
     limit.rlim_cur = 1200;
     ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &limit), 0);
@@ -41,12 +41,12 @@ TEST(Descriptors, OfMoreThan1024Work) {
     }
 }
 
-TEST(Descriptors, AServerReportsWhatItLacks) {
+TEST(Descriptors, ServerReportsMissingResources) {
     struct Server : public core::ServerSocket {
         Server() : ServerSocket(core::SocketType::stream) { AddBind("127.0.0.1|0"); }
         void HandleConnection(core::ClassRef<core::Socket>&, core::String const&, int) override {}
     } server;
-    // Once as usual: a sanitizer needs descriptors to check a type for the first time.
+    // Start once without limits: a sanitizer needs descriptors for the first check of a type.
     ASSERT_EQ(server.StartListen(), 1);
     server.StopListen(-1);
     rlimit limit{};
@@ -58,20 +58,20 @@ TEST(Descriptors, AServerReportsWhatItLacks) {
     EXPECT_EQ(server.LastError(), EMFILE);
     ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &limit), 0);
 
-    pthread_attr_t usual;
-    pthread_attr_t endless;
-    pthread_getattr_default_np(&usual);
-    pthread_attr_init(&endless);
-    pthread_attr_setstacksize(&endless, std::size_t{1} << 50);
-    ASSERT_EQ(pthread_setattr_default_np(&endless), 0);
+    pthread_attr_t standard;
+    pthread_attr_t oversized;
+    pthread_getattr_default_np(&standard);
+    pthread_attr_init(&oversized);
+    pthread_attr_setstacksize(&oversized, std::size_t{1} << 50);
+    ASSERT_EQ(pthread_setattr_default_np(&oversized), 0);
     EXPECT_EQ(server.StartListen(), -1);
     EXPECT_EQ(server.LastError(), EAGAIN) << "no thread";
     EXPECT_TRUE(!server.IsListening() && server.GetBoundName(0).IsEmpty());
-    ASSERT_EQ(pthread_setattr_default_np(&usual), 0);
+    ASSERT_EQ(pthread_setattr_default_np(&standard), 0);
     EXPECT_EQ(server.StartListen(), 1);
     EXPECT_EQ(server.LastError(), 0);
 
-    // Neither a connection that cannot be accepted nor a wait that fails keeps a processor busy.
+    // Neither a failing accept nor a failing wait spins.
     core::Socket client(core::SocketDomain::IPv4, core::SocketType::stream);
     EXPECT_EQ(setrlimit(RLIMIT_NOFILE, &none), 0);
     EXPECT_EQ(client.Connect(server.GetBoundName(0)), 0u);
@@ -86,7 +86,7 @@ TEST(Descriptors, AServerReportsWhatItLacks) {
     ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &limit), 0);
 }
 
-TEST(Descriptors, SocketsKeepOffTheStandardStreams) {
+TEST(Descriptors, SocketsAvoidTheStandardStreams) {
     int const kept = dup(0);
     close(0);
     {
@@ -112,7 +112,7 @@ TEST(Signals, DoNotEndAWait) {
     setitimer(ITIMER_REAL, &never, nullptr);
 }
 
-TEST(SocketResult, OfTheResolverAndOfWaits) {
+TEST(SocketResult, MapsResolverAndWaitErrors) {
     int const resolver[] = {0, 0, EAI_AGAIN, EAI_BADFLAGS, EAI_FAIL, EAI_FAMILY, EAI_MEMORY};
     for (unsigned code = 2; code < std::size(resolver); ++code) {
         EXPECT_EQ(core::SocketResultFrom_EAI(resolver[code]), code);
