@@ -6,9 +6,9 @@
 namespace core {
 
 void Buffer::Set(void const* data, int size) {
-    Buffer fresh;
-    fresh.Append(data, size);
-    bytes_.swap(fresh.bytes_);
+    Buffer replaced;
+    replaced.Append(data, size);
+    bytes_.swap(replaced.bytes_);
 }
 
 void Buffer::Append(void const* data, int size) {
@@ -16,11 +16,11 @@ void Buffer::Append(void const* data, int size) {
         return;
     }
     auto const* const first = static_cast<unsigned char const*>(data);
-    std::size_t const room = static_cast<std::size_t>(INT_MAX) - bytes_.size();
-    std::size_t const count = std::min(static_cast<std::size_t>(size), room);
-    // A copy first: data may lie within this buffer.
-    std::vector<unsigned char> const piece(first, first + count);
-    bytes_.insert(bytes_.end(), piece.begin(), piece.end());
+    std::size_t const space = static_cast<std::size_t>(INT_MAX) - bytes_.size();
+    std::size_t const count = std::min(static_cast<std::size_t>(size), space);
+    // Copy first: data may point into this buffer.
+    std::vector<unsigned char> const copy(first, first + count);
+    bytes_.insert(bytes_.end(), copy.begin(), copy.end());
 }
 
 void Buffer::Append(Buffer const& other) {

@@ -6,9 +6,9 @@
 
 namespace core {
 
-/// A short tag (a file's magic, a record's kind) kept and compared as one integer: character i is
-/// byte i in memory, on any machine. A tag of fewer characters ends with NUL bytes, of a longer
-/// text only the front is taken. MChar4 holds 4 characters, MChar8 holds 8.
+/// A short tag, such as a file's magic, stored and compared as one integer: MChar4 has 4
+/// characters, MChar8 has 8. Character i is byte i in memory, whatever the byte order. Shorter
+/// strings are padded with NUL, longer ones truncated.
 template <class Word>
 class MChar {
 public:
@@ -17,14 +17,14 @@ public:
     MChar() = default;
     template <std::integral Value>
     MChar(Value value) : value_(static_cast<Word>(value)) {}
-    /// Null counts as the empty text.
-    MChar(char const* text) { set(text != nullptr ? text : ""); }
-    MChar(String const& text) { set(text.View()); }
+    /// Null is an empty string.
+    MChar(char const* text) { Set(text != nullptr ? text : ""); }
+    MChar(String const& text) { Set(text.View()); }
 
-    /// The Size bytes, without a NUL behind them.
+    /// Returns the Size bytes, without a terminating NUL.
     char const* ptr() const { return reinterpret_cast<char const*>(&value_); }
     operator Word() const { return value_; }
-    /// The characters up to the first NUL.
+    /// Returns the characters up to the first NUL.
     operator String() const { return String(ptr(), Size); }
 
     bool operator==(MChar const& other) const { return value_ == other.value_; }
@@ -35,12 +35,12 @@ public:
     bool operator==(String const& text) const { return *this == MChar(text); }
     bool operator==(char const* text) const { return *this == MChar(text); }
 
-    /// For logs: always Size characters, "?" for each byte outside 0x20..0x7F. DEL is shown as it
-    /// is, as it always was in our logs.
+    /// Returns Size characters for logs, with "?" for each byte outside 0x20 to 0x7F. DEL stays:
+    /// tools that read the logs expect it.
     String SafeDump() const;
 
 private:
-    void set(std::string_view text) {
+    void Set(std::string_view text) {
         text = text.substr(0, sizeof value_);
         std::memcpy(&value_, text.data(), text.size());
     }

@@ -18,16 +18,16 @@ String::Align alignOfNumber(String::Align align) {
 NumberText::NumberText(long long value, int width, int base, String::Align align, char fill)
     : padded_{{}, {}, width, alignOfNumber(align), fill} {
     if (base == 10) {
-        setDecimal(value);
+        SetDecimal(value);
     } else {
-        setUnsigned(static_cast<unsigned long long>(value), base);
+        SetUnsigned(static_cast<unsigned long long>(value), base);
     }
 }
 
 NumberText::NumberText(unsigned long long value, int width, int base, String::Align align,
                        char fill)
     : padded_{{}, {}, width, alignOfNumber(align), fill} {
-    setUnsigned(value, base);
+    SetUnsigned(value, base);
 }
 
 NumberText::NumberText(double value, int width, char format, int precision, String::Align align,
@@ -45,7 +45,7 @@ NumberText::NumberText(double value, int width, char format, int precision, Stri
     padded_.text = {digits_, static_cast<std::size_t>(std::max(length, 0))};
 }
 
-void NumberText::setUnsigned(unsigned long long value, int base) {
+void NumberText::SetUnsigned(unsigned long long value, int base) {
     valid_ = base >= 2 && base <= 36;
     if (!valid_) {
         return;
@@ -58,11 +58,11 @@ void NumberText::setUnsigned(unsigned long long value, int base) {
     }
 }
 
-void NumberText::setDecimal(long long value) {
+void NumberText::SetDecimal(long long value) {
     char* const end = std::to_chars(digits_, digits_ + sizeof digits_, value).ptr;
     padded_.text = {digits_, static_cast<std::size_t>(end - digits_)};
-    bool const signInFront = padded_.fill != '\0' && padded_.fill != ' ';
-    if (value < 0 && signInFront) {
+    bool const signFirst = padded_.fill != '\0' && padded_.fill != ' ';
+    if (value < 0 && signFirst) {
         padded_.sign = padded_.text.substr(0, 1);
         padded_.text.remove_prefix(1);
     }

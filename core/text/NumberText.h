@@ -6,7 +6,8 @@
 
 namespace core {
 
-/// A value on its way into a template: text padded to width, behind a sign that is not counted.
+/// A value to insert into a template: a sign, which does not count towards width, then text padded
+/// to width.
 struct PaddedText {
     std::string_view sign;
     std::string_view text;
@@ -14,11 +15,11 @@ struct PaddedText {
     String::Align align = String::AlignDefault;
     char fill = '\0';
 
-    /// Nothing stands around the text.
+    /// Whether text is to be inserted unchanged.
     bool IsPlain() const { return sign.empty() && width <= static_cast<int>(text.size()); }
 };
 
-/// A number written out in room of its own, and how it is to be padded.
+/// A formatted number, in a buffer of its own, and its padding.
 class NumberText {
 public:
     NumberText(long long value, int width, int base, String::Align align, char fill);
@@ -27,16 +28,16 @@ public:
     NumberText(NumberText const&) = delete;
     NumberText& operator=(NumberText const&) = delete;
 
-    /// False for a base outside 2..36.
+    /// Whether the base is from 2 to 36.
     bool IsValid() const { return valid_; }
-    /// Valid as long as this object.
+    /// Returns the formatted number; valid as long as this object.
     PaddedText const& Padded() const { return padded_; }
 
 private:
-    void setUnsigned(unsigned long long value, int base);
-    void setDecimal(long long value);
+    void SetUnsigned(unsigned long long value, int base);
+    void SetDecimal(long long value);
 
-    // The largest double has 309 digits before the point; sign, point and NUL come on top.
+    // The largest double has 309 digits before the dot, plus sign, dot and NUL.
     char digits_[309 + String::MaxPrecision + 3];
     PaddedText padded_;
     bool valid_ = true;

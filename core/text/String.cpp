@@ -15,13 +15,13 @@ void String::SetString(char const* text, int length) {
         return;
     }
     if (length < 0) {
-        setPieces(text);
+        SetParts(text);
         return;
     }
     auto const* const end =
         static_cast<char const*>(std::memchr(text, '\0', static_cast<std::size_t>(length)));
-    setPieces({text, end != nullptr ? static_cast<std::size_t>(end - text)
-                                    : static_cast<std::size_t>(length)});
+    SetParts({text, end != nullptr ? static_cast<std::size_t>(end - text)
+                                   : static_cast<std::size_t>(length)});
 }
 
 void String::SetString(char c, int count) {
@@ -60,11 +60,11 @@ void String::CopyOnWrite(int newLength) {
         return;
     }
 
-    std::unique_ptr<char[]> room(new char[length + 1]);
+    std::unique_ptr<char[]> resized(new char[length + 1]);
     std::size_t const kept = std::min(length, before.size());
-    std::memcpy(room.get(), before.data(), kept);
-    std::memset(room.get() + kept, 0, length + 1 - kept);
-    adopt(room.release());
+    std::memcpy(resized.get(), before.data(), kept);
+    std::memset(resized.get() + kept, 0, length + 1 - kept);
+    Adopt(resized.release());
 }
 
 char* String::GetBuffer(int length) {
@@ -79,7 +79,7 @@ void String::freeBlock(StringData* data) {
     StringPool::Instance().Release(data);
 }
 
-void String::setPieces(std::string_view first, std::string_view second, std::string_view third) {
+void String::SetParts(std::string_view first, std::string_view second, std::string_view third) {
     std::size_t length = first.size() + second.size() + third.size();
     if (length == 0) {
         Clear();
@@ -96,22 +96,21 @@ void String::setPieces(std::string_view first, std::string_view second, std::str
     second.copy(text + first.size(), second.size());
     third.copy(text + first.size() + second.size(), third.size());
     text[length] = '\0';
-    adopt(text);
+    Adopt(text);
 }
 
-String String::joined(std::string_view first, std::string_view second,
-                      std::string_view third) const {
+String String::Join(std::string_view first, std::string_view second, std::string_view third) const {
     std::string_view const text = View();
     if (text.size() == first.size() + second.size() + third.size() && text.starts_with(first) &&
         text.substr(first.size()).starts_with(second) && text.ends_with(third)) {
         return *this;
     }
     String result;
-    result.setPieces(first, second, third);
+    result.SetParts(first, second, third);
     return result;
 }
 
-void String::adopt(char* buffer) {
+void String::Adopt(char* buffer) {
     if (data_ != nullptr && data_->count == 1) {
         delete[] std::exchange(data_->buffer, buffer);
         return;

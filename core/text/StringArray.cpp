@@ -10,7 +10,7 @@ namespace core {
 StringArray::StringArray(int step) : step_(std::clamp(step, 1, MaxStep)) {}
 
 StringArray::StringArray(StringArray const& other)
-    : ReferenceCounted(other), BasicClass(other), step_(other.step_), separator_(other.separator_) {
+    : ReferenceCounted(other), BasicClass(other), step_(other.step_) {
     Add(other);
 }
 
@@ -18,7 +18,6 @@ StringArray& StringArray::operator=(StringArray const& other) {
     if (this != &other) {
         Clear();
         step_ = other.step_;
-        separator_ = other.separator_;
         Add(other);
     }
     return *this;
@@ -36,15 +35,15 @@ void StringArray::Clear() {
 }
 
 int StringArray::Add(String const& text) {
-    return append(std::make_unique<String>(text));
+    return Append(std::make_unique<String>(text));
 }
 
 int StringArray::Add(String const& name, String const& value) {
     TextBuilder pair;
     pair.Append(name.View());
-    pair.Append(separator_.View());
+    pair.Append(Separator);
     pair.Append(value.View());
-    return append(std::make_unique<String>(pair.AsString()));
+    return Append(std::make_unique<String>(pair.AsString()));
 }
 
 void StringArray::Add(StringArray const& other) {
@@ -55,7 +54,7 @@ void StringArray::Add(StringArray const& other) {
 }
 
 void StringArray::Delete(int index) {
-    if (has(index)) {
+    if (Has(index)) {
         entries_.erase(entries_.begin() + index);
     }
 }
@@ -79,17 +78,13 @@ int StringArray::IndexOfName(String const& name, int start) const {
     return -1;
 }
 
-void StringArray::SetSeparator(String const& separator) {
-    separator_ = separator.IsEmpty() ? String("=") : separator;
-}
-
 String StringArray::GetNameByIndex(int index) const {
-    return has(index) ? Get(index).LeftOf(separator_) : String();
+    return Has(index) ? Get(index).LeftOf(Separator) : String();
 }
 
 String StringArray::GetValueByIndex(int index) const {
-    bool const pair = has(index) && Get(index).Find(separator_) > 0;
-    return pair ? Get(index).RightOf(separator_) : String();
+    bool const pair = Has(index) && Get(index).Find(Separator) > 0;
+    return pair ? Get(index).RightOf(Separator) : String();
 }
 
 String StringArray::GetValueByName(String const& name) const {
@@ -98,14 +93,14 @@ String StringArray::GetValueByName(String const& name) const {
 }
 
 void StringArray::SetNameByIndex(int index, String const& name) {
-    if (has(index)) {
-        Get(index) = name + separator_ + GetValueByIndex(index);
+    if (Has(index)) {
+        Get(index) = name + Separator + GetValueByIndex(index);
     }
 }
 
 void StringArray::SetValueByIndex(int index, String const& value) {
-    if (has(index)) {
-        Get(index) = GetNameByIndex(index) + separator_ + value;
+    if (Has(index)) {
+        Get(index) = GetNameByIndex(index) + Separator + value;
     }
 }
 
@@ -127,7 +122,7 @@ String StringArray::AsString() const {
     return result.AsString();
 }
 
-int StringArray::append(std::unique_ptr<String> entry) {
+int StringArray::Append(std::unique_ptr<String> entry) {
     bool const full = Count() == capacity_;
     if (full && capacity_ > MaxCapacity - step_) {
         throw std::bad_alloc();

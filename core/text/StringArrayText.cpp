@@ -1,6 +1,5 @@
 #include <algorithm>
 #include <utility>
-#include <vector>
 
 #include "core/object/IStream.h"
 #include "core/text/StringArray.h"
@@ -64,17 +63,17 @@ bool readLines(IStream* stream, StringArray& lines) {
         return false;
     }
     LineSplitter splitter(lines);
-    char piece[4096];
+    char chunk[4096];
     for (;;) {
-        int const got = stream->Read(piece, static_cast<int>(sizeof piece));
-        if (got < 0) {
+        int const received = stream->Read(chunk, static_cast<int>(sizeof chunk));
+        if (received < 0) {
             return false;
         }
-        if (got == 0) {
+        if (received == 0) {
             splitter.Finish();
             return true;
         }
-        splitter.Feed({piece, static_cast<std::size_t>(got)});
+        splitter.Feed({chunk, static_cast<std::size_t>(received)});
     }
 }
 
@@ -89,39 +88,15 @@ bool writeAll(IStream& stream, std::string_view data) {
     return true;
 }
 
-/// The entry "name.count" of a counted list.
-String countName(String const& name) {
-    return String::format("%1.count").argi(1, name);
-}
-
-/// The entry "name[i]". The number goes in first: the name may hold a placeholder itself.
-String itemName(String const& name, int index) {
-    return String::format("%1[%2]").argi(2, index).argi(1, name);
-}
-
-/// The index of the first pair of each name from name[0] to name[count - 1], or -1. Reads the list
-/// once, because a search for each item would make long lists slow.
-std::vector<int> itemIndexes(StringArray const& list, String const& name, int count) {
-    std::vector<int> indexes(static_cast<std::size_t>(count), -1);
-    for (int i = list.Count() - 1; i >= 0; --i) {
-        String const pair = list.GetNameByIndex(i);
-        int const item = pair.RightBy('[').ToDecimal32(-1);
-        if (item >= 0 && item < count && pair.CompareIC(itemName(name, item)) == 0) {
-            indexes[static_cast<std::size_t>(item)] = i;
-        }
-    }
-    return indexes;
-}
-
 }  // namespace
 
 void StringArray::LoadFrom(String const& text) {
-    // A list of its own first: the text may be an entry of this one.
+    // Collect the lines in another array: the text may be an entry of this one.
     StringArray lines(step_);
     LineSplitter splitter(lines);
     splitter.Feed(text.View());
     splitter.Finish();
-    takeEntries(lines);
+    SwapEntries(lines);
 }
 
 bool StringArray::LoadFrom(IStream* stream) {
@@ -129,14 +104,14 @@ bool StringArray::LoadFrom(IStream* stream) {
     if (!readLines(stream, lines)) {
         return false;
     }
-    takeEntries(lines);
+    SwapEntries(lines);
     return true;
 }
 
 void StringArray::LoadAsConfFileFrom(String const& text) {
     StringArray lines(step_);
     lines.LoadFrom(text);
-    takeConfLines(lines);
+    SetConfLines(lines);
 }
 
 bool StringArray::LoadAsConfFileFrom(IStream* stream) {
@@ -144,24 +119,24 @@ bool StringArray::LoadAsConfFileFrom(IStream* stream) {
     if (!lines.LoadFrom(stream)) {
         return false;
     }
-    takeConfLines(lines);
+    SetConfLines(lines);
     return true;
 }
 
-void StringArray::takeEntries(StringArray& other) {
+void StringArray::SwapEntries(StringArray& other) {
     std::swap(entries_, other.entries_);
     std::swap(capacity_, other.capacity_);
 }
 
-void StringArray::takeConfLines(StringArray const& lines) {
+void StringArray::SetConfLines(StringArray const& lines) {
     Clear();
     for (int i = 0; i < lines.Count(); ++i) {
         String const line = lines[i].Trim();
         if (line.IsEmpty() || line.IsDelimiter("#;", 0)) {
             continue;
         }
-        if (line.Find(separator_) > 0) {
-            Add(line.LeftOf(separator_).TrimRight(), line.RightOf(separator_).TrimLeft());
+        if (line.Find(Separator) > 0) {
+            Add(line.LeftOf(Separator).TrimRight(), line.RightOf(Separator).TrimLeft());
         } else {
             Add(line);
         }
@@ -180,44 +155,20 @@ bool StringArray::SaveTo(IStream* stream) const {
     return true;
 }
 
-int StringArray::GetCountedList(String const& name, StringArray& list) const {
-    // Each item needs an entry, so a count above the number of entries is false.
-    int const count = std::clamp(GetValueByName(countName(name)).ToDecimal32(), 0, Count());
-    for (int const index : itemIndexes(*this, name, count)) {
-        list.Add(GetValueByIndex(index));
-    }
-    return count;
-}
-
-void StringArray::SetCountedList(String const& name, StringArray const& list) {
-    // The list may be this array, which grows: only the items that it has now count.
-    int const count = list.Count();
-    std::vector<int> const indexes = itemIndexes(*this, name, count);
-    SetValueByName(countName(name), String::format("%1").argi(1, count));
-    for (int i = 0; i < count; ++i) {
-        int const index = indexes[static_cast<std::size_t>(i)];
-        if (index >= 0) {
-            SetValueByIndex(index, list[i]);
-        } else {
-            Add(itemName(name, i), list[i]);
-        }
-    }
-}
-
 StringPCharList StringArray::AsPCharList(StringPCharList::ListType type) const {
-    StringArray texts(step_);
+    StringArray strings(step_);
     for (int i = 0; i < Count(); ++i) {
-        texts.Add(type == StringPCharList::Names    ? GetNameByIndex(i)
-                  : type == StringPCharList::Values ? GetValueByIndex(i)
-                                                    : Get(i));
+        strings.Add(type == StringPCharList::Names    ? GetNameByIndex(i)
+                    : type == StringPCharList::Values ? GetValueByIndex(i)
+                                                      : Get(i));
     }
-    return StringPCharList(texts);
+    return StringPCharList(strings);
 }
 
-StringPCharList::StringPCharList(StringArray const& texts) {
-    for (int i = 0; i < texts.Count(); ++i) {
-        texts_.push_back(texts[i]);
-        pointers_.push_back(texts_.back().getCString());
+StringPCharList::StringPCharList(StringArray const& strings) {
+    for (int i = 0; i < strings.Count(); ++i) {
+        strings_.push_back(strings[i]);
+        pointers_.push_back(strings_.back().getCString());
     }
     pointers_.push_back(nullptr);
 }

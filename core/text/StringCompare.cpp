@@ -2,7 +2,7 @@
 #include <cstring>
 
 #include "core/text/String.h"
-#include "core/text/mapped.h"
+#include "core/text/mapCharacters.h"
 
 namespace core {
 
@@ -66,16 +66,16 @@ bool String::EndsWithIC(String const& suffix) const {
 }
 
 String String::UpperCase() const {
-    return mapped(*this, ToUpper);
+    return mapCharacters(*this, ToUpper);
 }
 
 String String::LowerCase() const {
-    return mapped(*this, ToLower);
+    return mapCharacters(*this, ToLower);
 }
 
 String String::CapitalCase() const {
     bool first = true;
-    return mapped(*this, [&first](char c) {
+    return mapCharacters(*this, [&first](char c) {
         char const result = first ? ToUpper(c) : ToLower(c);
         first = IsWhiteSpace(c);
         return result;

@@ -7,13 +7,13 @@ namespace core {
 
 namespace {
 
-/// The clipping rule of all positions and counts.
-std::string_view piece(std::string_view text, int start, int count) {
+/// Returns the substring of text at start, with start and count clamped to it.
+std::string_view substring(std::string_view text, int start, int count) {
     std::size_t const from = std::min(static_cast<std::size_t>(std::max(start, 0)), text.size());
     return text.substr(from, count < 0 ? std::string_view::npos : static_cast<std::size_t>(count));
 }
 
-/// The length of pattern's occurrence when there is one.
+/// Returns the length of an occurrence of pattern.
 int lengthOf(char) {
     return 1;
 }
@@ -27,19 +27,19 @@ String before(String const& text, int found) {
 }
 
 template <class Pattern>
-String behind(String const& text, int found, Pattern const& pattern) {
+String after(String const& text, int found, Pattern const& pattern) {
     return found >= 0 ? text.Copy(found + lengthOf(pattern)) : String();
 }
 
 }  // namespace
 
 String String::Copy(int start, int count) const {
-    return joined(piece(View(), start, count));
+    return Join(substring(View(), start, count));
 }
 
 String String::Copy(int start, int count, int secondStart, int secondCount) const {
     std::string_view const text = View();
-    return joined(piece(text, start, count), piece(text, secondStart, secondCount));
+    return Join(substring(text, start, count), substring(text, secondStart, secondCount));
 }
 
 String String::CopyRange(int from, int to, bool inclusive) const {
@@ -70,35 +70,35 @@ String String::LeftOfIC(String const& pattern) const {
 }
 
 String String::RightOf(char c) const {
-    return behind(*this, Find(c), c);
+    return after(*this, Find(c), c);
 }
 
 String String::RightOf(String const& pattern) const {
-    return behind(*this, Find(pattern), pattern);
+    return after(*this, Find(pattern), pattern);
 }
 
 String String::RightOfIC(char c) const {
-    return behind(*this, FindIC(c), c);
+    return after(*this, FindIC(c), c);
 }
 
 String String::RightOfIC(String const& pattern) const {
-    return behind(*this, FindIC(pattern), pattern);
+    return after(*this, FindIC(pattern), pattern);
 }
 
 String String::RightBy(char c) const {
-    return behind(*this, RFind(c), c);
+    return after(*this, RFind(c), c);
 }
 
 String String::RightBy(String const& pattern) const {
-    return behind(*this, RFind(pattern), pattern);
+    return after(*this, RFind(pattern), pattern);
 }
 
 String String::RightByIC(char c) const {
-    return behind(*this, RFindIC(c), c);
+    return after(*this, RFindIC(c), c);
 }
 
 String String::RightByIC(String const& pattern) const {
-    return behind(*this, RFindIC(pattern), pattern);
+    return after(*this, RFindIC(pattern), pattern);
 }
 
 char String::GetChar(int index) const {
@@ -127,18 +127,18 @@ void String::SetChar(int index, char c) {
 
 void String::Insert(String const& text, int position) {
     std::string_view const whole = View();
-    std::string_view const front = whole.substr(0, static_cast<std::size_t>(std::max(position, 0)));
-    setPieces(front, text.View(), whole.substr(front.size()));
+    std::string_view const head = whole.substr(0, static_cast<std::size_t>(std::max(position, 0)));
+    SetParts(head, text.View(), whole.substr(head.size()));
 }
 
 void String::Delete(int start, int count) {
     std::string_view const text = View();
-    std::string_view const gone = piece(text, start, count);
-    if (gone.empty()) {
+    std::string_view const removed = substring(text, start, count);
+    if (removed.empty()) {
         return;
     }
-    auto const from = static_cast<std::size_t>(gone.data() - text.data());
-    setPieces(text.substr(0, from), text.substr(from + gone.size()));
+    auto const from = static_cast<std::size_t>(removed.data() - text.data());
+    SetParts(text.substr(0, from), text.substr(from + removed.size()));
 }
 
 void String::DeleteFromRight(int count) {
@@ -155,15 +155,15 @@ void String::Append(String const& text) {
 }
 
 void String::Append(char const* text) {
-    // Nothing to append keeps the record, which may be shared.
+    // Keep a shared record if nothing is appended.
     if (text != nullptr && *text != '\0') {
-        setPieces(View(), text);
+        SetParts(View(), text);
     }
 }
 
 void String::Append(char c) {
     if (c != '\0') {
-        setPieces(View(), {&c, 1});
+        SetParts(View(), {&c, 1});
     }
 }
 
@@ -180,11 +180,6 @@ String& String::operator+=(String const& text) {
 
 String& String::operator+=(char const* text) {
     Append(text);
-    return *this;
-}
-
-String& String::operator+=(char c) {
-    Append(c);
     return *this;
 }
 

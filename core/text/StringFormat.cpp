@@ -13,7 +13,7 @@ namespace core {
 namespace {
 
 constexpr std::size_t npos = std::string_view::npos;
-constexpr int largestIndex = 99999999;
+constexpr int maxIndex = 99999999;
 
 struct Placeholder {
     int index = 0;
@@ -21,22 +21,22 @@ struct Placeholder {
     std::size_t length = 0;
 };
 
-/// The next numbered placeholder of text at or after start, whichever number it has.
+/// Returns the first numbered placeholder at or after start.
 inline Placeholder nextNumbered(std::string_view text, std::size_t start) {
     for (std::size_t at = text.find('%', start); at != npos; at = text.find('%', start)) {
         int index = 0;
         for (start = at + 1; start < text.size() && String::IsNumeric(text[start]); ++start) {
-            // Stays above the limit once it is there.
-            index = index > largestIndex ? index : index * 10 + (text[start] - '0');
+            // Avoid an overflow: once above the limit, the index stays there.
+            index = index > maxIndex ? index : index * 10 + (text[start] - '0');
         }
-        if (start > at + 1 && index <= largestIndex) {
+        if (start > at + 1 && index <= maxIndex) {
             return {index, at, start - at};
         }
     }
     return {};
 }
 
-/// The first placeholder with that number.
+/// Returns the first placeholder at or after start with that number.
 Placeholder findNumber(std::string_view text, int number, std::size_t start) {
     for (;;) {
         Placeholder const each = nextNumbered(text, start);
@@ -47,7 +47,7 @@ Placeholder findNumber(std::string_view text, int number, std::size_t start) {
     }
 }
 
-/// The first of those that have the lowest number there is.
+/// Returns the first placeholder at or after start with the lowest number in text.
 Placeholder findLowest(std::string_view text, std::size_t start) {
     Placeholder lowest = nextNumbered(text, start);
     for (Placeholder each = lowest; each.position != npos;
@@ -79,29 +79,29 @@ String pointerText(void const* value) {
 
 String errnoText(bool withText) {
     int const number = errno;
-    String shown = String::format("%1").argi(1, number);
+    String result = String::format("%1").argi(1, number);
     if (!withText) {
-        return shown;
+        return result;
     }
-    return shown + ": " + (number == 0 ? String("OK") : errnoDescription(number));
+    return result + ": " + (number == 0 ? String("OK") : errnoDescription(number));
 }
 
 }  // namespace
 
-/// find(from) gives the placeholder to fill at or after from.
+/// find(text, from) returns the placeholder to replace at or after from.
 template <class Finder>
-void String::substitute(PaddedText const& value, Finder find) {
+void String::Substitute(PaddedText const& value, Finder find) {
     std::string_view const text = View();
-    Placeholder place = find(text, 0);
-    if (place.position == npos) {
+    Placeholder found = find(text, 0);
+    if (found.position == npos) {
         return;
     }
-    std::size_t done = place.position + place.length;
-    std::string_view before = text.substr(0, place.position);
-    place = find(text, done);
-    if (place.position == npos && value.IsPlain()) {
-        // Nearly every call; it needs no collecting.
-        setPieces(before, value.text, text.substr(done));
+    std::size_t done = found.position + found.length;
+    std::string_view before = text.substr(0, found.position);
+    found = find(text, done);
+    if (found.position == npos && value.IsPlain()) {
+        // Nearly every call ends here, without a TextBuilder.
+        SetParts(before, value.text, text.substr(done));
         return;
     }
     TextBuilder result;
@@ -109,60 +109,60 @@ void String::substitute(PaddedText const& value, Finder find) {
         result.Append(before);
         result.Append(value.sign);
         result.AppendAligned(value.text, value.width, value.align, value.fill);
-        if (place.position == npos) {
+        if (found.position == npos) {
             break;
         }
-        before = text.substr(done, place.position - done);
-        done = place.position + place.length;
-        place = find(text, done);
+        before = text.substr(done, found.position - done);
+        done = found.position + found.length;
+        found = find(text, done);
     }
-    setPieces(result.View(), text.substr(done));
+    SetParts(result.View(), text.substr(done));
 }
 
-void String::fillIn(int index, PaddedText const& value) {
-    // With 0 or below, the lowest number is chosen once, for all its occurrences.
+void String::FillIn(int index, PaddedText const& value) {
+    // An index of 0 or below selects the lowest number once, for all its occurrences.
     int const number = index > 0 ? index : findLowest(View(), 0).index;
-    substitute(value, [number](std::string_view text, std::size_t from) {
+    Substitute(value, [number](std::string_view text, std::size_t from) {
         return findNumber(text, number, from);
     });
 }
 
-void String::fillIn(String const& name, PaddedText const& value) {
-    // A copy of its own: the name may be this text.
-    substitute(value, [wanted = name](std::string_view text, std::size_t from) {
+void String::FillIn(String const& name, PaddedText const& value) {
+    // Copy the name: it may be this string.
+    Substitute(value, [wanted = name](std::string_view text, std::size_t from) {
         return findNamed(text, wanted, from);
     });
 }
 
 template <class Key>
-void String::fillInNumber(Key const& key, NumberText const& number) {
+void String::FillInNumber(Key const& key, NumberText const& number) {
     if (number.IsValid()) {
-        fillIn(key, number.Padded());
+        FillIn(key, number.Padded());
     } else {
         SetString("*ERR*");
     }
 }
 
 template <class Key, class Value>
-void String::fillInInteger(Key const& key, Value value, int width, int base, Align align,
+void String::FillInInteger(Key const& key, Value value, int width, int base, Align align,
                            char fill) {
-    fillInNumber(key, NumberText(value, width, base, align, fill));
+    FillInNumber(key, NumberText(value, width, base, align, fill));
 }
 
-template void String::fillInInteger(int const&, long long, int, int, Align, char);
-template void String::fillInInteger(int const&, unsigned long long, int, int, Align, char);
-template void String::fillInInteger(String const&, long long, int, int, Align, char);
-template void String::fillInInteger(String const&, unsigned long long, int, int, Align, char);
+template void String::FillInInteger(int const&, long long, int, int, Align, char);
+template void String::FillInInteger(int const&, unsigned long long, int, int, Align, char);
+template void String::FillInInteger(String const&, long long, int, int, Align, char);
+template void String::FillInInteger(String const&, unsigned long long, int, int, Align, char);
 
 String String::argi(int index, char const* value, int width, Align align, char fill) && {
-    fillIn(index, PaddedText{{}, value != nullptr ? value : "", width, align, fill});
+    FillIn(index, PaddedText{{}, value != nullptr ? value : "", width, align, fill});
     return std::move(*this);
 }
 
 String String::argi(int index, double value, int width, char format, int precision, Align align,
                     char fill) const {
     String result(*this);
-    result.fillInNumber(index, NumberText(value, width, format, precision, align, fill));
+    result.FillInNumber(index, NumberText(value, width, format, precision, align, fill));
     return result;
 }
 
@@ -187,14 +187,14 @@ String String::argn(String const& name, String const& value, int width, Align al
 String String::argn(String const& name, char const* value, int width, Align align,
                     char fill) const {
     String result(*this);
-    result.fillIn(name, PaddedText{{}, value != nullptr ? value : "", width, align, fill});
+    result.FillIn(name, PaddedText{{}, value != nullptr ? value : "", width, align, fill});
     return result;
 }
 
 String String::argn(String const& name, double value, int width, char format, int precision,
                     Align align, char fill) const {
     String result(*this);
-    result.fillInNumber(name, NumberText(value, width, format, precision, align, fill));
+    result.FillInNumber(name, NumberText(value, width, format, precision, align, fill));
     return result;
 }
 
@@ -245,16 +245,16 @@ String String::vsprintf(char const* format, va_list args) {
     char text[512];
     va_list again;
     va_copy(again, args);
-    // The checker does not see that the caller started args.
+    // clang-analyzer does not see that the caller started args.
     // NOLINTNEXTLINE(clang-analyzer-valist.Uninitialized)
     int const length = std::vsnprintf(text, sizeof text, format, args);
     String result;
     if (length < static_cast<int>(sizeof text)) {
         result.SetString(text, std::max(length, 0));
     } else {
-        int const room = std::min(length, MaxLength);
-        char* const buffer = result.GetBuffer(room);
-        std::vsnprintf(buffer, static_cast<std::size_t>(room) + 1, format, again);
+        int const kept = std::min(length, MaxLength);
+        char* const buffer = result.GetBuffer(kept);
+        std::vsnprintf(buffer, static_cast<std::size_t>(kept) + 1, format, again);
     }
     va_end(again);
     return result;
@@ -277,7 +277,7 @@ String String::FormatByteSize(long long bytes, bool roundUp) {
     double const scaled = value / unit->bytes;
     char text[64];
     if (roundUp) {
-        // Not std::ceil: it alone would load the mathematical library at each start.
+        // Do not use std::ceil: it alone would make every start load the mathematical library.
         auto const whole = static_cast<long long>(scaled);
         int const rest = static_cast<double>(whole) < scaled ? 1 : 0;
         std::snprintf(text, sizeof text, "%lli %s", whole + rest, unit->name);

@@ -9,8 +9,8 @@ namespace core {
 
 namespace {
 
-constexpr auto largest32 = static_cast<unsigned long long>(std::numeric_limits<int>::max());
-constexpr auto largest64 = static_cast<unsigned long long>(std::numeric_limits<long long>::max());
+constexpr auto max32 = static_cast<unsigned long long>(std::numeric_limits<int>::max());
+constexpr auto max64 = static_cast<unsigned long long>(std::numeric_limits<long long>::max());
 
 void report(int* errorPosition, std::size_t length, std::string_view text) {
     if (errorPosition != nullptr) {
@@ -18,8 +18,8 @@ void report(int* errorPosition, std::size_t length, std::string_view text) {
     }
 }
 
-long long readSigned(std::string_view text, int base, unsigned long long largest,
-                     int* errorPosition, long long defaultValue) {
+long long parseSigned(std::string_view text, int base, unsigned long long largest,
+                      int* errorPosition, long long defaultValue) {
     ParsedNumber const number = parseNumber(text, base, Sign::allowed, largest);
     if (number.length == 0) {
         return defaultValue;
@@ -28,8 +28,8 @@ long long readSigned(std::string_view text, int base, unsigned long long largest
     return signedValue(number);
 }
 
-unsigned long long readHex(std::string_view text, unsigned long long largest, int* errorPosition,
-                           unsigned long long defaultValue) {
+unsigned long long parseHex(std::string_view text, unsigned long long largest, int* errorPosition,
+                            unsigned long long defaultValue) {
     ParsedNumber const number = parseNumber(text, 16, Sign::rejected, largest);
     if (number.length == 0) {
         return defaultValue;
@@ -42,9 +42,9 @@ bool isWhole(std::string_view text, ParsedNumber const& number) {
     return number.length > 0 && number.length == text.size() && !number.clamped;
 }
 
-/// The number behind a prefix that has only white space before it; length counts from the start
-/// of text.
-ParsedNumber readPrefixed(String const& text, unsigned long long largest) {
+/// Parses a number after a prefix that only white space precedes; length counts from the start of
+/// text.
+ParsedNumber parsePrefixed(String const& text, unsigned long long largest) {
     struct Prefix {
         char const* text;
         int base;
@@ -59,18 +59,18 @@ ParsedNumber readPrefixed(String const& text, unsigned long long largest) {
             continue;
         }
         std::size_t const digits = start + std::string_view(prefix.text).size();
-        // A blank behind the prefix would be skipped like one in front of a number.
-        bool const blank = digits < whole.size() && String::IsWhiteSpace(whole[digits]);
+        // parseNumber would skip white space between the prefix and the digits.
+        bool const spaced = digits < whole.size() && String::IsWhiteSpace(whole[digits]);
         ParsedNumber number =
             parseNumber(whole.substr(digits), prefix.base, Sign::rejected, largest);
-        number.length = number.length > 0 && !blank ? number.length + digits : 0;
+        number.length = number.length > 0 && !spaced ? number.length + digits : 0;
         return number;
     }
     return {};
 }
 
-/// The general reader: words, a whole decimal number, or a prefix. Length 0 when it failed.
-ParsedNumber readGeneral(String const& text, unsigned long long largest) {
+/// Parses "min", "max", a whole decimal number or a prefixed one; length is 0 on failure.
+ParsedNumber parseGeneral(String const& text, unsigned long long largest) {
     std::size_t const size = text.View().size();
     String const word = text.Trim();
     if (word.CompareIC("max") == 0) {
@@ -80,12 +80,12 @@ ParsedNumber readGeneral(String const& text, unsigned long long largest) {
         return {largest + 1, true, false, size};
     }
     ParsedNumber const decimal = parseNumber(text.View(), 10, Sign::allowed, largest);
-    return decimal.length > 0 && decimal.length == size ? decimal : readPrefixed(text, largest);
+    return decimal.length > 0 && decimal.length == size ? decimal : parsePrefixed(text, largest);
 }
 
-long long readGeneral(String const& text, unsigned long long largest, int* errorPosition,
-                      long long defaultValue) {
-    ParsedNumber const number = readGeneral(text, largest);
+long long parseGeneral(String const& text, unsigned long long largest, int* errorPosition,
+                       long long defaultValue) {
+    ParsedNumber const number = parseGeneral(text, largest);
     if (number.length == 0) {
         return defaultValue;
     }
@@ -96,33 +96,33 @@ long long readGeneral(String const& text, unsigned long long largest, int* error
 }  // namespace
 
 int String::ToDecimal32(int* errorPosition, int defaultValue) const {
-    return static_cast<int>(readSigned(View(), 10, largest32, errorPosition, defaultValue));
+    return static_cast<int>(parseSigned(View(), 10, max32, errorPosition, defaultValue));
 }
 
 long long String::ToDecimal64(int* errorPosition, long long defaultValue) const {
-    return readSigned(View(), 10, largest64, errorPosition, defaultValue);
+    return parseSigned(View(), 10, max64, errorPosition, defaultValue);
 }
 
 unsigned String::ToHex32(int* errorPosition, unsigned defaultValue) const {
     constexpr unsigned long long largest = std::numeric_limits<unsigned>::max();
-    return static_cast<unsigned>(readHex(View(), largest, errorPosition, defaultValue));
+    return static_cast<unsigned>(parseHex(View(), largest, errorPosition, defaultValue));
 }
 
 unsigned long long String::ToHex64(int* errorPosition, unsigned long long defaultValue) const {
     constexpr unsigned long long largest = std::numeric_limits<unsigned long long>::max();
-    return readHex(View(), largest, errorPosition, defaultValue);
+    return parseHex(View(), largest, errorPosition, defaultValue);
 }
 
 long long String::ToCustom(int base, int* errorPosition, long long defaultValue) const {
-    return readSigned(View(), base, largest64, errorPosition, defaultValue);
+    return parseSigned(View(), base, max64, errorPosition, defaultValue);
 }
 
 int String::ToInt32(int* errorPosition, int defaultValue) const {
-    return static_cast<int>(readGeneral(*this, largest32, errorPosition, defaultValue));
+    return static_cast<int>(parseGeneral(*this, max32, errorPosition, defaultValue));
 }
 
 long long String::ToInt64(int* errorPosition, long long defaultValue) const {
-    return readGeneral(*this, largest64, errorPosition, defaultValue);
+    return parseGeneral(*this, max64, errorPosition, defaultValue);
 }
 
 double String::ToFloat(int* errorPosition, double defaultValue) const {
@@ -147,7 +147,7 @@ bool String::ToBool(bool defaultValue) const {
     static constexpr Word words[] = {{"true", true},   {"yes", true}, {"on", true},
                                      {"false", false}, {"no", false}, {"off", false}};
 
-    ParsedNumber const number = parseNumber(View(), 10, Sign::allowed, largest64);
+    ParsedNumber const number = parseNumber(View(), 10, Sign::allowed, max64);
     if (number.length > 0 && number.length == View().size()) {
         return number.magnitude != 0;
     }
@@ -160,11 +160,11 @@ bool String::ToBool(bool defaultValue) const {
 }
 
 bool String::IsDecimal32() const {
-    return isWhole(View(), parseNumber(View(), 10, Sign::allowed, largest32));
+    return isWhole(View(), parseNumber(View(), 10, Sign::allowed, max32));
 }
 
 bool String::IsDecimal64() const {
-    return isWhole(View(), parseNumber(View(), 10, Sign::allowed, largest64));
+    return isWhole(View(), parseNumber(View(), 10, Sign::allowed, max64));
 }
 
 bool String::IsFloat() const {
@@ -179,11 +179,11 @@ bool String::IsHex() const {
 }
 
 bool String::IsInt32() const {
-    return isWhole(View(), readGeneral(*this, largest32));
+    return isWhole(View(), parseGeneral(*this, max32));
 }
 
 bool String::IsInt64() const {
-    return isWhole(View(), readGeneral(*this, largest64));
+    return isWhole(View(), parseGeneral(*this, max64));
 }
 
 }  // namespace core

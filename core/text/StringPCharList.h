@@ -8,21 +8,21 @@ namespace core {
 
 class StringArray;
 
-/// A list of C strings with a null pointer behind the last one, as C interfaces take it. It owns
-/// the texts: the pointers are valid as long as the list.
+/// A null-terminated list of C strings for C interfaces. It owns the strings: the pointers are
+/// valid as long as the list.
 class StringPCharList {
 public:
-    /// What of a StringArray goes into the list: its entries, or one part of each pair.
+    /// The part of a StringArray to list: its entries, or the names or values of its pairs.
     enum ListType { Entries, Names, Values };
 
-    explicit StringPCharList(StringArray const& texts);
+    explicit StringPCharList(StringArray const& strings);
 
-    int Count() const { return static_cast<int>(texts_.size()); }
-    /// Count() pointers and a null pointer.
+    int Count() const { return static_cast<int>(strings_.size()); }
+    /// Returns Count() pointers and a null pointer.
     char const* const* GetList() const { return pointers_.data(); }
 
 private:
-    std::vector<String> texts_;
+    std::vector<String> strings_;
     std::vector<char const*> pointers_;
 };
 

@@ -2,7 +2,7 @@
 
 #include "core/text/String.h"
 #include "core/text/TextBuilder.h"
-#include "core/text/mapped.h"
+#include "core/text/mapCharacters.h"
 
 namespace core {
 
@@ -14,7 +14,7 @@ bool isDelimiter(char c, sys::PathStyle const& style) {
     return std::string_view(style.delimiters).find(c) != npos;
 }
 
-/// The part in front that belongs to no folder: "/", "C:", "C:\".
+/// Returns the length of the root: "/", "C:" or "C:\".
 std::size_t rootLength(std::string_view path, sys::PathStyle const& style) {
     bool const drive =
         style.hasDrives && path.size() >= 2 && String::IsAlphabetic(path[0]) && path[1] == ':';
@@ -27,11 +27,11 @@ std::size_t nameStart(std::string_view path, sys::PathStyle const& style) {
     return std::max(last == npos ? 0 : last + 1, rootLength(path, style));
 }
 
-/// Where the extension of a file name begins; its size when there is none.
+/// Returns where the extension of a file name begins; its size if there is none.
 std::size_t extStart(std::string_view name) {
-    std::size_t const point = name.rfind('.');
+    std::size_t const dot = name.rfind('.');
     std::size_t const first = name.find_first_not_of('.');
-    return point == npos || first == npos || first > point ? name.size() : point;
+    return dot == npos || first == npos || first > dot ? name.size() : dot;
 }
 
 std::string_view withoutLeading(std::string_view path, sys::PathStyle const& style) {
@@ -53,7 +53,8 @@ String String::PathDelimiters(sys::PathStyle const& style) {
 }
 
 String String::EnsurePlatformPathDelimiters(sys::PathStyle const& style) const {
-    return mapped(*this, [&](char c) { return c == '/' || c == '\\' ? style.delimiter : c; });
+    return mapCharacters(*this,
+                         [&](char c) { return c == '/' || c == '\\' ? style.delimiter : c; });
 }
 
 String String::GetFileName(sys::PathStyle const& style) const {
@@ -62,8 +63,9 @@ String String::GetFileName(sys::PathStyle const& style) const {
 
 String String::GetFilePath(sys::PathStyle const& style) const {
     std::string_view const path = View();
-    std::string_view const folder = withoutTrailing(path.substr(0, nameStart(path, style)), style);
-    return Left(static_cast<int>(std::max(folder.size(), rootLength(path, style))));
+    std::string_view const directory =
+        withoutTrailing(path.substr(0, nameStart(path, style)), style);
+    return Left(static_cast<int>(std::max(directory.size(), rootLength(path, style))));
 }
 
 String String::GetFileExt(sys::PathStyle const& style) const {
@@ -79,9 +81,9 @@ String String::GetFileNameWithoutExt(sys::PathStyle const& style) const {
 String String::ReplaceFileExt(String const& ext, sys::PathStyle const& style) const {
     std::string_view const path = View();
     std::size_t const start = nameStart(path, style);
-    std::string_view const front = path.substr(0, start + extStart(path.substr(start)));
-    bool const needsPoint = !ext.IsEmpty() && ext.FirstChar() != '.';
-    return joined(front, needsPoint ? "." : "", ext.View());
+    std::string_view const stem = path.substr(0, start + extStart(path.substr(start)));
+    bool const needsDot = !ext.IsEmpty() && ext.FirstChar() != '.';
+    return Join(stem, needsDot ? "." : "", ext.View());
 }
 
 void String::AppendPath(String const& part, sys::PathStyle const& style) {
@@ -92,8 +94,8 @@ String String::AppendNewPath(String const& part, sys::PathStyle const& style) co
     if (IsEmpty() || part.IsEmpty()) {
         return AppendNew(part);
     }
-    return joined(withoutTrailing(View(), style), {&style.delimiter, 1},
-                  withoutLeading(part.View(), style));
+    return Join(withoutTrailing(View(), style), {&style.delimiter, 1},
+                withoutLeading(part.View(), style));
 }
 
 bool String::IsPathDelimiter(int index, sys::PathStyle const& style) const {
@@ -137,13 +139,14 @@ String String::RemoveDuplicatedPathDelimiters(sys::PathStyle const& style) const
     std::string_view const path = View();
     TextBuilder result;
     for (std::size_t i = 0; i < path.size(); ++i) {
-        bool const again = i > 0 && isDelimiter(path[i], style) && isDelimiter(path[i - 1], style);
+        bool const repeated =
+            i > 0 && isDelimiter(path[i], style) && isDelimiter(path[i - 1], style);
         bool const networkPath = style.hasDrives && i == 1;
-        if (!again || networkPath) {
+        if (!repeated || networkPath) {
             result.Append(path[i]);
         }
     }
-    return joined(result.View());
+    return Join(result.View());
 }
 
 String operator/(char const* left, String const& right) {

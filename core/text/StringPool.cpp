@@ -15,7 +15,7 @@ String::StringData* StringPool::Take() {
     if (record != nullptr) {
         firstFree_ = record->nextFree;
     } else {
-        record = takeFresh();
+        record = TakeUnused();
     }
     ++used_;
     record->count = 0;
@@ -29,7 +29,7 @@ void StringPool::Release(String::StringData* record) {
     record->nextFree = firstFree_;
     firstFree_ = record;
     if (--used_ == 0) {
-        deleteChunks();
+        DeleteChunks();
     }
 }
 
@@ -38,26 +38,26 @@ int StringPool::ChunkCount() {
     return chunkCount_;
 }
 
-/// The records of a new chunk are not linked up front: a lone text would pay for all of them.
-String::StringData* StringPool::takeFresh() {
-    if (fresh_ == RecordsPerChunk) {
+/// Does not link the records of a new chunk: a single string would pay for all of them.
+String::StringData* StringPool::TakeUnused() {
+    if (firstUnused_ == RecordsPerChunk) {
         auto* const chunk = new Chunk;
         chunk->next = chunks_;
         chunks_ = chunk;
         ++chunkCount_;
-        fresh_ = 0;
+        firstUnused_ = 0;
     }
-    return &chunks_->records[fresh_++];
+    return &chunks_->records[firstUnused_++];
 }
 
-void StringPool::deleteChunks() {
+void StringPool::DeleteChunks() {
     while (chunks_ != nullptr) {
         Chunk* const chunk = chunks_;
         chunks_ = chunk->next;
         delete chunk;
         --chunkCount_;
     }
-    fresh_ = RecordsPerChunk;
+    firstUnused_ = RecordsPerChunk;
     firstFree_ = nullptr;
 }
 

@@ -7,22 +7,22 @@
 
 namespace core {
 
-/// The records of all texts of the process, handed out from chunks, so that a short-lived text
-/// costs no allocation for its record. One lock guards it; it gives all memory back when the last
-/// text is gone.
+/// Allocates the records of all strings in chunks, so that a short-lived string needs no allocation
+/// for its record. Thread-safe. Frees all memory with the last string.
 class StringPool {
 public:
     static constexpr int RecordsPerChunk = 128;
 
-    /// The one pool. It is never destroyed: static texts may outlive anything.
+    /// Returns the process-wide pool, which is never destroyed: static strings are released at
+    /// exit.
     static StringPool& Instance();
 
-    /// A record with count 0 and no buffer.
+    /// Returns a record with count 0 and no buffer.
     String::StringData* Take();
-    /// Frees the record's buffer (new char[]) and takes the record back.
+    /// Frees the record and its buffer (new char[]).
     void Release(String::StringData* record);
 
-    /// Chunks held now: 0 while there is no text.
+    /// Returns the number of chunks: 0 while there is no string.
     int ChunkCount();
 
 private:
@@ -32,17 +32,17 @@ private:
     };
 
     StringPool() { lock_.init(); }
-    String::StringData* takeFresh();
-    void deleteChunks();
+    String::StringData* TakeUnused();
+    void DeleteChunks();
 
-    // Made once and never torn down: another thread could be waiting for it at that moment.
+    // Never destroyed with the last string: another thread could be waiting for the lock.
     sys::locker lock_;
-    /// The newest chunk; its records from fresh_ on were never handed out.
+    /// The newest chunk; its records from firstUnused_ on have never been taken.
     Chunk* chunks_ = nullptr;
-    int fresh_ = RecordsPerChunk;
+    int firstUnused_ = RecordsPerChunk;
     int chunkCount_ = 0;
     String::StringData* firstFree_ = nullptr;
-    /// Records handed out and not yet taken back.
+    /// Records taken and not yet released.
     std::size_t used_ = 0;
 };
 

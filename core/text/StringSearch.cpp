@@ -7,11 +7,11 @@ namespace core {
 
 namespace {
 
-int position(std::size_t found) {
+int toPosition(std::size_t found) {
     return found != std::string_view::npos ? static_cast<int>(found) : -1;
 }
 
-std::size_t clipped(int start) {
+std::size_t toIndex(int start) {
     return static_cast<std::size_t>(std::max(start, 0));
 }
 
@@ -76,35 +76,35 @@ String replace(String const& text, std::string_view pattern, std::string_view wi
 }  // namespace
 
 int String::Find(char c, int start) const {
-    return position(View().find(c, clipped(start)));
+    return toPosition(View().find(c, toIndex(start)));
 }
 
 int String::Find(String const& pattern, int start) const {
-    return position(findText(View(), pattern.View(), clipped(start)));
+    return toPosition(findText(View(), pattern.View(), toIndex(start)));
 }
 
 int String::FindIC(char c, int start) const {
-    return position(findTextIC(View(), {&c, 1}, clipped(start)));
+    return toPosition(findTextIC(View(), {&c, 1}, toIndex(start)));
 }
 
 int String::FindIC(String const& pattern, int start) const {
-    return position(findTextIC(View(), pattern.View(), clipped(start)));
+    return toPosition(findTextIC(View(), pattern.View(), toIndex(start)));
 }
 
 int String::RFind(char c, int start) const {
-    return start < 0 ? -1 : position(View().rfind(c, clipped(start)));
+    return start < 0 ? -1 : toPosition(View().rfind(c, toIndex(start)));
 }
 
 int String::RFind(String const& pattern, int start) const {
-    return start < 0 ? -1 : position(View().rfind(pattern.View(), clipped(start)));
+    return start < 0 ? -1 : toPosition(View().rfind(pattern.View(), toIndex(start)));
 }
 
 int String::RFindIC(char c, int start) const {
-    return start < 0 ? -1 : position(rfindTextIC(View(), {&c, 1}, clipped(start)));
+    return start < 0 ? -1 : toPosition(rfindTextIC(View(), {&c, 1}, toIndex(start)));
 }
 
 int String::RFindIC(String const& pattern, int start) const {
-    return start < 0 ? -1 : position(rfindTextIC(View(), pattern.View(), clipped(start)));
+    return start < 0 ? -1 : toPosition(rfindTextIC(View(), pattern.View(), toIndex(start)));
 }
 
 int String::CountChars(char c) const {
@@ -118,19 +118,19 @@ bool String::IsDelimiter(String const& set, int index) const {
 }
 
 int String::FindDelimiter(String const& set, int start) const {
-    return position(View().find_first_of(set.View(), clipped(start)));
+    return toPosition(View().find_first_of(set.View(), toIndex(start)));
 }
 
 int String::FindNotDelimiter(String const& set, int start) const {
-    return position(View().find_first_not_of(set.View(), clipped(start)));
+    return toPosition(View().find_first_not_of(set.View(), toIndex(start)));
 }
 
 int String::LastDelimiter(String const& set) const {
-    return position(View().find_last_of(set.View()));
+    return toPosition(View().find_last_of(set.View()));
 }
 
 int String::LastNotDelimiter(String const& set) const {
-    return position(View().find_last_not_of(set.View()));
+    return toPosition(View().find_last_not_of(set.View()));
 }
 
 bool String::HasTrailingDelimiter(String const& set) const {
@@ -156,7 +156,7 @@ String String::ReplaceNewLine(String const& with) const {
         std::size_t const line = rest.find_first_of("\r\n");
         result.Append(rest.substr(0, line));
         if (line == std::string_view::npos) {
-            return joined(result.View());
+            return Join(result.View());
         }
         result.Append(with.View());
         rest.remove_prefix(line + (rest.substr(line).starts_with("\r\n") ? 2 : 1));
@@ -168,7 +168,7 @@ String String::FilterNewLineChar(char c) const {
     for (char each : View()) {
         result.Append(IsNewLine(each) ? c : each);
     }
-    return joined(result.View());
+    return Join(result.View());
 }
 
 }  // namespace core

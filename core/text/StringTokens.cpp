@@ -7,8 +7,8 @@ namespace core {
 
 namespace {
 
-/// Cuts text in two around the delimiter at found; the part to keep goes back into text.
-String cut(String& text, int found, bool keepLeft) {
+/// Splits text at the delimiter at found; keeps one part in text and returns the other.
+String split(String& text, int found, bool keepLeft) {
     if (found < 0) {
         return std::exchange(text, String());
     }
@@ -18,28 +18,28 @@ String cut(String& text, int found, bool keepLeft) {
     return keepLeft ? right : left;
 }
 
-constexpr std::string_view blank = " \t\r\n";
-constexpr std::string_view betweenProperties = " \t\r\n,;";
+constexpr std::string_view whiteSpace = " \t\r\n";
+constexpr std::string_view propertySeparators = " \t\r\n,;";
 
-std::string_view withoutFront(std::string_view text, std::string_view set) {
+std::string_view withoutLeading(std::string_view text, std::string_view set) {
     return text.substr(std::min(text.find_first_not_of(set), text.size()));
 }
 
-/// Takes the characters before the first of set away from text.
-std::string_view take(std::string_view& text, std::string_view set) {
-    std::string_view const taken = text.substr(0, text.find_first_of(set));
-    text.remove_prefix(taken.size());
-    return taken;
+/// Removes the characters before the first one in set from text and returns them.
+std::string_view extract(std::string_view& text, std::string_view set) {
+    std::string_view const result = text.substr(0, text.find_first_of(set));
+    text.remove_prefix(result.size());
+    return result;
 }
 
-/// Takes a value, and the quotes around it, away from text.
-std::string_view takeValue(std::string_view& text) {
+/// Removes a value and its quotes from text and returns the value.
+std::string_view extractValue(std::string_view& text) {
     if (!text.starts_with('"') && !text.starts_with('\'')) {
-        return take(text, betweenProperties);
+        return extract(text, propertySeparators);
     }
     std::string_view const quote = text.substr(0, 1);
     text.remove_prefix(1);
-    std::string_view const value = take(text, quote);
+    std::string_view const value = extract(text, quote);
     text.remove_prefix(std::min<std::size_t>(1, text.size()));
     return value;
 }
@@ -47,11 +47,11 @@ std::string_view takeValue(std::string_view& text) {
 }  // namespace
 
 int String::Split(StringArray& out, String const& delimiters) const {
-    // Both texts may be entries of out: adding leaves them where they are.
+    // Both strings may be entries of out: adding entries does not move them.
     for (std::string_view rest = View(); !rest.empty();) {
-        std::string_view const piece = rest.substr(0, rest.find_first_of(delimiters.View()));
-        out.Add(String(piece));
-        rest.remove_prefix(std::min(piece.size() + 1, rest.size()));
+        std::string_view const part = rest.substr(0, rest.find_first_of(delimiters.View()));
+        out.Add(String(part));
+        rest.remove_prefix(std::min(part.size() + 1, rest.size()));
     }
     return out.Count();
 }
@@ -61,11 +61,11 @@ int String::Split(StringArray& out, char delimiter) const {
 }
 
 String String::ExtractNextToken(String const& delimiters) {
-    return cut(*this, FindDelimiter(delimiters), false);
+    return split(*this, FindDelimiter(delimiters), false);
 }
 
 String String::ExtractNextToken(char delimiter) {
-    return cut(*this, Find(delimiter), false);
+    return split(*this, Find(delimiter), false);
 }
 
 String String::ExtractNextToken(String const& delimiters, String const& quotes) {
@@ -77,23 +77,23 @@ String String::ExtractNextToken(String const& delimiters, String const& quotes) 
         } else if (quotes.Find(text[i]) >= 0) {
             open = text[i];
         } else if (delimiters.Find(text[i]) >= 0) {
-            return cut(*this, static_cast<int>(i), false);
+            return split(*this, static_cast<int>(i), false);
         }
     }
-    return cut(*this, -1, false);
+    return split(*this, -1, false);
 }
 
 String String::ExtractLastToken(String const& delimiters) {
-    return cut(*this, LastDelimiter(delimiters), true);
+    return split(*this, LastDelimiter(delimiters), true);
 }
 
 String String::ExtractLastToken(char delimiter) {
-    return cut(*this, RFind(delimiter), true);
+    return split(*this, RFind(delimiter), true);
 }
 
 String String::Quote(char quote) const {
-    std::string_view const mark(&quote, quote != '\0' ? 1 : 0);
-    return joined(mark, View(), mark);
+    std::string_view const quotes(&quote, quote != '\0' ? 1 : 0);
+    return Join(quotes, View(), quotes);
 }
 
 String String::Unquote(char quote) const {
@@ -101,24 +101,24 @@ String String::Unquote(char quote) const {
     if (text.size() < 2 || text.front() != quote || text.back() != quote) {
         return *this;
     }
-    return joined(text.substr(1, text.size() - 2));
+    return Join(text.substr(1, text.size() - 2));
 }
 
 String String::GetProperty(String const& name, int start) const {
     std::string_view rest = View();
     rest.remove_prefix(std::min(static_cast<std::size_t>(std::max(start, 0)), rest.size()));
     for (;;) {
-        rest = withoutFront(rest, betweenProperties);
+        rest = withoutLeading(rest, propertySeparators);
         if (rest.empty()) {
             return {};
         }
-        String const found(take(rest, " \t\r\n,;="));
-        std::string_view behind = withoutFront(rest, blank);
-        if (!behind.starts_with('=')) {
+        String const found(extract(rest, " \t\r\n,;="));
+        std::string_view const next = withoutLeading(rest, whiteSpace);
+        if (!next.starts_with('=')) {
             continue;
         }
-        rest = withoutFront(behind.substr(1), blank);
-        String value(takeValue(rest));
+        rest = withoutLeading(next.substr(1), whiteSpace);
+        String value(extractValue(rest));
         if (!found.IsEmpty() && found.CompareIC(name) == 0) {
             return value;
         }

@@ -6,7 +6,7 @@
 namespace core {
 
 template <class Unit>
-void String::setUnits(Unit const* units, int length) {
+void String::SetUnits(Unit const* units, int length) {
     Clear();
     if (units == nullptr) {
         return;
@@ -23,7 +23,7 @@ void String::setUnits(Unit const* units, int length) {
 }
 
 template <class Unit>
-int String::getUnits(Unit* out, int size) const {
+int String::GetUnits(Unit* out, int size) const {
     if (out == nullptr || size < 1) {
         return 0;
     }
@@ -34,31 +34,31 @@ int String::getUnits(Unit* out, int size) const {
 }
 
 template <class Unit>
-Buffer String::getUnitBuffer() const {
+Buffer String::GetUnitBuffer() const {
     int const length = GetLength();
     std::vector<Unit> units(static_cast<std::size_t>(length) + 1);
-    getUnits(units.data(), length + 1);
+    GetUnits(units.data(), length + 1);
     return Buffer(units.data(), length * static_cast<int>(sizeof(Unit)));
 }
 
 void String::SetString(unsigned short const* units, int length) {
-    setUnits(units, length);
+    SetUnits(units, length);
 }
 
 void String::SetString(unsigned int const* units, int length) {
-    setUnits(units, length);
+    SetUnits(units, length);
 }
 
 int String::GetString(char* out, int size) const {
-    return getUnits(out, size);
+    return GetUnits(out, size);
 }
 
 int String::GetString(unsigned short* out, int size) const {
-    return getUnits(out, size);
+    return GetUnits(out, size);
 }
 
 int String::GetString(unsigned int* out, int size) const {
-    return getUnits(out, size);
+    return GetUnits(out, size);
 }
 
 Buffer String::GetRawBuffer() const {
@@ -70,11 +70,11 @@ Buffer String::GetAnsiBuffer() const {
 }
 
 Buffer String::GetUnicode16Buffer() const {
-    return getUnitBuffer<unsigned short>();
+    return GetUnitBuffer<unsigned short>();
 }
 
 Buffer String::GetUnicode32Buffer() const {
-    return getUnitBuffer<unsigned int>();
+    return GetUnitBuffer<unsigned int>();
 }
 
 }  // namespace core

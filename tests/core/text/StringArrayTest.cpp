@@ -31,14 +31,13 @@ TEST(StringArray, GrowsByItsStepAndKeepsEntriesInPlace) {
 
 TEST(StringArray, CopiesDeeply) {
     StringArray list(2);
-    list.SetSeparator(":");
     list.Add("a", "1");
     list.Add("b", "2");
     StringArray copy(list);
     copy[0] = "changed";
-    EXPECT_EQ(copy.GetValueByName("B"), "2") << "the separator is copied too";
+    EXPECT_EQ(joined(copy), "changed|b=2|");
     list.Add(list);
-    EXPECT_EQ(list.AsString(), "a:1\r\nb:2\r\na:1\r\nb:2\r\n");
+    EXPECT_EQ(list.AsString(), "a=1\r\nb=2\r\na=1\r\nb=2\r\n");
     copy = list;
     ClassRef<StringArray> const held(new StringArray(copy));
     EXPECT_STREQ(held->ClassName(), "StringArray");
@@ -76,11 +75,7 @@ TEST(StringArray, HoldsPairs) {
     list.SetNameByIndex(3, "name");
     EXPECT_EQ(joined(list), "Bad address=new|=x|n=b=c|name=|");
     EXPECT_EQ(list.IndexOfName("N", 2) * 10 + list.IndexOfName("N", 3), 19);
-    list.SetSeparator("");
-    EXPECT_EQ(list.GetSeparator(), "=");
-    list.SetSeparator("::");
-    list.Add("long", "separator");
-    EXPECT_EQ(list.GetValueByName("long"), "separator");
+    EXPECT_EQ(list.GetValueByName("NAME") + list.GetValueByName("n"), "b=c");
 }
 
 TEST(StringArray, BecomesCStrings) {
@@ -122,34 +117,6 @@ TEST(StringArrayText, ReadsConfigurationFiles) {
         "# comment\n\n  ; comment = too\n\t name \t=  a value = with blanks \r\n"
         "plain line \nempty =\n = no name\nurl=a#b;c\n");
     EXPECT_EQ(joined(list), "name=a value = with blanks|plain line|empty=|= no name|url=a#b;c|");
-}
-
-TEST(StringArrayText, KeepsCountedLists) {
-    StringArray list;
-    String("one,two").Split(list, ",");
-    StringArray conf;
-    conf.SetCountedList("%2", list);
-    EXPECT_EQ(joined(conf), "%2.count=2|%2[0]=one|%2[1]=two|");
-    EXPECT_EQ(conf.GetCountedList("%2", list), 2);
-    EXPECT_EQ(joined(list), "one|two|one|two|");
-    conf.SetValueByName("lie.count", "2000000000");
-    EXPECT_EQ(conf.GetCountedList("lie", list), conf.Count());
-    conf.SetCountedList("%2", conf);
-    EXPECT_EQ(conf.GetValueByName("%2[3]"), "lie.count=2000000000") << "a list into itself";
-    conf.LoadFrom("l.count=3\nL[1]=first\nl[2]\nl[02]=x\nl[1]=second\nl[3]=x\nm[0]=x");
-    list.Clear();
-    EXPECT_EQ(conf.GetCountedList("l", list) + conf.GetCountedList("m", list), 3);
-    EXPECT_EQ(joined(list), "|first||");
-}
-
-TEST(StringArrayText, HoldsLongLists) {
-    int const count = 500'000;
-    StringArray list;
-    EXPECT_EQ(String::OfChar(',', count).Split(list, ','), count);
-    StringArray conf;
-    conf.SetCountedList("list", list);
-    conf.LoadAsConfFileFrom(conf.AsString());
-    EXPECT_EQ(conf.GetCountedList("list", list), count);
 }
 
 }  // namespace

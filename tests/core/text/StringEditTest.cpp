@@ -64,7 +64,7 @@ TEST(String, EditsItself) {
     text.DeleteFromRight(INT_MAX);
     EXPECT_TRUE(text.SameRef(String()));
 
-    text += 'c';
+    text.Append('c');
     text.Append('\0');
     text.Append(static_cast<char const*>(nullptr));
     text.Append(core::Buffer("d\0e", 3));

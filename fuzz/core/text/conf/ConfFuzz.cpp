@@ -45,16 +45,16 @@ bool same(StringArray const& one, StringArray const& other) {
     return one.Count() == other.Count() && one.AsString() == other.AsString();
 }
 
-/// A list is saved as one text, or not at all if the stream is full before its end.
-void requireSaves(StringArray const& list, int chunkSize) {
-    std::string const text(list.AsString().View());
+/// An array is saved completely, or SaveTo returns false if the stream is full before its end.
+void requireSaves(StringArray const& array, int chunkSize) {
+    std::string const text(array.AsString().View());
     Chunks stream(text, chunkSize);
-    require(list.SaveTo(&stream) && stream.IsAtEnd());
+    require(array.SaveTo(&stream) && stream.IsAtEnd());
     Chunks full(text.substr(0, text.size() / 2), chunkSize, static_cast<int>(text.size() % 2) - 1);
-    require(text.empty() || !list.SaveTo(&full));
+    require(text.empty() || !array.SaveTo(&full));
 }
 
-/// The lines of a text are the same however it comes.
+/// The lines of a text do not depend on the size of its chunks.
 void requireSameLines(std::string const& bytes, int chunkSize) {
     StringArray fromStream;
     Chunks chunks(bytes, chunkSize);
@@ -69,8 +69,8 @@ void requireSameLines(std::string const& bytes, int chunkSize) {
     require(fromText.AsString().ReplaceNewLine("") == String(bytes.c_str()).ReplaceNewLine(""));
 }
 
-/// What is true of each entry of a configuration, and of all of them.
-void requireSense(StringArray const& conf) {
+/// Requires that entries are trimmed, without comments, and stay the same when loaded again.
+void requireValid(StringArray const& conf) {
     for (int i = 0; i < conf.Count(); ++i) {
         String const entry = conf[i];
         require(!entry.IsEmpty() && entry == entry.Trim());
@@ -85,38 +85,23 @@ void requireSense(StringArray const& conf) {
     require(same(again, conf));
 }
 
-void requireCountedList(StringArray const& conf, String const& name) {
-    StringArray list;
-    int const count = conf.GetCountedList(name, list);
-    require(count == list.Count() && count <= conf.Count());
-    if (name.Find('=') >= 0) {
-        return;
-    }
-    StringArray changed(conf);
-    changed.SetCountedList(name, conf);
-    StringArray read;
-    require(changed.GetCountedList(name, read) == conf.Count() && same(read, conf));
-}
-
 }  // namespace
 
-/// The size of the chunks, a line with the name of a list, then the configuration.
+/// The chunk size, then the configuration.
 extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {
     Input input(data, size);
     int const chunkSize = 1 + input.Byte();
-    String const name(input.Line().c_str());
     std::string const bytes = input.Rest();
 
     StringArray fromStream;
     Chunks chunks(bytes, chunkSize);
     require(fromStream.LoadAsConfFileFrom(&chunks));
-    requireSense(fromStream);
+    requireValid(fromStream);
     if (bytes.find('\0') == std::string::npos) {
         StringArray fromText;
         fromText.LoadAsConfFileFrom(String(bytes.c_str()));
         require(same(fromText, fromStream));
         requireSameLines(bytes, chunkSize);
     }
-    requireCountedList(fromStream, name);
     return 0;
 }
