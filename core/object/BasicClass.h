@@ -4,15 +4,15 @@
 
 namespace core {
 
-/// Base of the library's shared objects: a class name and, through ReferenceCounted, holders.
+/// Base of the library's shared objects: a class name and a reference count.
 class BasicClass : public virtual ReferenceCounted {
 public:
-    /// The bare name of the class; a constant text that nobody frees.
+    /// Returns the unqualified class name, a static string.
     virtual char const* ClassName() const;
     ~BasicClass() override;
 };
 
-/// Deletes the object at once (nothing is deferred in this system); null is ignored.
+/// Deletes the object at once, despite the name; ignores null.
 void _deferDeletion(BasicClass* object);
 
 }  // namespace core

@@ -4,8 +4,8 @@
 
 namespace core {
 
-/// A counted reference to a T (a ReferenceCounted created with new), or an empty one.
-/// The object lives as long as one reference holds it.
+/// A counted reference to a T, a ReferenceCounted created with new, or an empty reference. Deletes
+/// the object with the last reference to it.
 template <class T>
 class ClassRef : public BasicClass {
 public:
@@ -25,9 +25,9 @@ public:
 
     char const* ClassName() const override { return "ClassRef"; }
 
-    /// Holds object (null: none) instead of the current one. Adds a reference to the new object,
-    /// releases the current one, which is still held meanwhile, then holds the new one. So setting
-    /// the object already held is safe.
+    /// Replaces the referenced object; null makes the reference empty. Adds a reference to the new
+    /// object before it releases the current one, so that setting the current object is safe. While
+    /// the current one is released, Get() still returns it.
     void Set(T* object) {
         if (object != nullptr) {
             object->_addRef();
@@ -38,7 +38,7 @@ public:
         object_ = object;
     }
 
-    /// The object held, still owned by the references; null when empty.
+    /// Returns the object, owned by its references, or null if empty.
     T* Get() const { return object_; }
     T* operator->() const { return object_; }
     T& operator*() const { return *object_; }

@@ -18,7 +18,7 @@ struct ReferenceLock {
     ReferenceLock() { guard.init(true); }
 };
 
-/// Never destroyed: static objects may count references until the very end of the process.
+/// Returns the lock, which is never destroyed: static objects may change references at exit.
 ReferenceLock& referenceLock() {
     static auto& lock = *new ReferenceLock;
     return lock;
@@ -66,19 +66,19 @@ int ReferenceCounted::_addRef() {
 }
 
 int ReferenceCounted::_release() {
-    int left = 0;
+    int count = 0;
     {
         std::lock_guard guarded(referenceLock().counts);
         if (count_ < 1) {
             return 0;
         }
-        left = --count_;
-        _releaseCalled(left);
+        count = --count_;
+        _releaseCalled(count);
     }
-    if (left == 0) {
+    if (count == 0) {
         delete this;
     }
-    return left;
+    return count;
 }
 
 int ReferenceCounted::_getRefCount() const {
@@ -86,9 +86,9 @@ int ReferenceCounted::_getRefCount() const {
     return count_;
 }
 
-void ReferenceCounted::_addRefCalled(int) {}
+void ReferenceCounted::_addRefCalled(int /*count*/) {}
 
-void ReferenceCounted::_releaseCalled(int) {}
+void ReferenceCounted::_releaseCalled(int /*count*/) {}
 
 void _deferDeletion(ReferenceCounted* object) {
     delete object;

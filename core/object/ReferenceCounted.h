@@ -2,27 +2,28 @@
 
 namespace core {
 
-/// An object that counts its holders and deletes itself when the last one lets go.
-/// One created with new starts at 0; the first ClassRef raises it to 1. Objects on the stack or
-/// embedded as members are never handed to a ClassRef. Counts may change on any thread: one
-/// process-wide recursive lock serialises them all.
+/// A reference-counted object, deleted when its last reference is released. The count starts at 0;
+/// the first ClassRef raises it to 1. Create objects for a ClassRef with new, never on the stack or
+/// as members. Thread-safe: a process-wide recursive lock guards all counts.
 class ReferenceCounted {
 public:
     ReferenceCounted();
-    /// A copy is an object of its own: it starts without holders.
+    /// A copy starts without references.
     ReferenceCounted(ReferenceCounted const& other);
-    /// Assigning changes nobody's holders.
+    /// Assignment keeps the references to either object.
     ReferenceCounted& operator=(ReferenceCounted const& other);
     virtual ~ReferenceCounted();
 
-    /// Adds a holder; returns the new count.
+    /// Adds a reference. Returns the new count.
     virtual int _addRef();
-    /// Takes a holder away and deletes the object with the last one; returns the new count.
-    /// An object without holders stays as it is: the result is 0.
+    /// Releases a reference, deleting the object with the last one. Returns the new count; without
+    /// references, does nothing and returns 0.
     virtual int _release();
+    /// Returns the number of references.
     virtual int _getRefCount() const;
 
-    /// Told the new count, inside the lock: must not block.
+    /// Called with the new count after a reference is added or released. Must not block: the lock
+    /// is held.
     virtual void _addRefCalled(int count);
     virtual void _releaseCalled(int count);
 
@@ -30,12 +31,12 @@ private:
     int count_ = 0;
 };
 
-/// Add or drop a user of the reference lock, which exists while there is one. Every
-/// ReferenceCounted is a user.
+/// Adds or removes a user of the reference lock, which exists while it has users. Every
+/// ReferenceCounted is one.
 void _initReferenceMutex();
 void _doneReferenceMutex();
 
-/// Deletes the object at once (nothing is deferred in this system); null is ignored.
+/// Deletes the object at once, despite the name; ignores null.
 void _deferDeletion(ReferenceCounted* object);
 
 }  // namespace core

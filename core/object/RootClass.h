@@ -2,10 +2,10 @@
 
 namespace core {
 
-/// The light base of small owned objects that have a name and are never shared.
+/// Base of small objects that have a class name and are never shared.
 class RootClass {
 public:
-    /// The bare name of the class; a constant text that nobody frees.
+    /// Returns the unqualified class name, a static string.
     virtual char const* ClassName() const;
     virtual ~RootClass();
 };

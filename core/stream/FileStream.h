@@ -10,9 +10,8 @@ class FileStream : public HandleStream {
 public:
     char const* ClassName() const override;
 
-    /// Opens path; mode holds bits of sys::platform::FileMode (0x100 read, 0x200 write, ...).
-    /// A file opened before is closed first. Returns 0, or a negative error code; a folder is no
-    /// file (-EISDIR).
+    /// Closes the current file, if any, and opens path; mode is a combination of
+    /// sys::platform::FileMode bits. Returns 0 or a negative errno value: -EISDIR for a directory.
     int Open(String const& path, unsigned mode);
 };
 

@@ -5,7 +5,7 @@
 
 namespace core {
 
-/// A stream over an open file of the platform, which it owns and closes.
+/// A stream of an open file, which it owns and closes.
 class HandleStream : public Stream {
 public:
     HandleStream() = default;
@@ -20,19 +20,20 @@ public:
     long long Seek(long long offset, SeekOrigin origin = SeekOrigin::begin) override;
     long long Size() override;
     int Sync() override;
-    /// Drops what lies behind size bytes: 0, or a negative error code.
+    /// Sets the size of the file. Returns 0 or a negative errno value.
     int Truncate(long long size);
 
-    /// The status of the open file: 0, or a negative error code.
+    /// Stores the status of the open file. Returns 0 or a negative errno value.
     int Stat(sys::platform::FileStatus& status) const;
-    /// Closes the file: 0, or a negative error code. Without an open file nothing happens.
+    /// Closes the file, if one is open. Returns 0 or a negative errno value.
     int Close();
     bool IsOpened() const;
-    /// Gives the open file the access rights of other's, as far as its file system knows any.
+    /// Sets the permissions of the open file to those of other's, where the file system supports
+    /// them. Errors are ignored.
     void CopyPermissionsFrom(HandleStream const& other);
 
 protected:
-    /// Takes over a handle in the place of the one held so far, which is closed.
+    /// Closes the current handle and takes ownership of this one.
     void Adopt(sys::platform::FileHandle handle);
 
 private:

@@ -13,14 +13,14 @@ char const* MemoryStream::ClassName() const {
 }
 
 int MemoryStream::Read(void* buffer, int count) {
-    long long const left = content_.GetSize() - position_;
-    if (count < 1 || left < 1) {
+    long long const available = content_.GetSize() - position_;
+    if (count < 1 || available < 1) {
         return 0;
     }
-    int const got = static_cast<int>(std::min<long long>(count, left));
-    std::memcpy(buffer, content_.GetData() + position_, static_cast<std::size_t>(got));
-    position_ += got;
-    return got;
+    int const copied = static_cast<int>(std::min<long long>(count, available));
+    std::memcpy(buffer, content_.GetData() + position_, static_cast<std::size_t>(copied));
+    position_ += copied;
+    return copied;
 }
 
 int MemoryStream::Write(void const* data, int count) {
@@ -31,23 +31,23 @@ int MemoryStream::Write(void const* data, int count) {
         return -EFBIG;
     }
     int const start = static_cast<int>(position_);
-    int const taken = std::min(count, INT_MAX - start);
+    int const written = std::min(count, INT_MAX - start);
     try {
-        content_.SetSize(std::max(content_.GetSize(), start + taken));
+        content_.SetSize(std::max(content_.GetSize(), start + written));
     } catch (std::bad_alloc const&) {
         return -ENOMEM;
     }
-    std::memcpy(content_.GetData() + start, data, static_cast<std::size_t>(taken));
-    position_ += taken;
-    return taken;
+    std::memcpy(content_.GetData() + start, data, static_cast<std::size_t>(written));
+    position_ += written;
+    return written;
 }
 
 long long MemoryStream::Seek(long long offset, SeekOrigin origin) {
-    long long const found = seekPosition(offset, origin, position_, content_.GetSize());
-    if (found >= 0) {
-        position_ = found;
+    long long const target = seekPosition(offset, origin, position_, content_.GetSize());
+    if (target >= 0) {
+        position_ = target;
     }
-    return found;
+    return target;
 }
 
 long long MemoryStream::Size() {

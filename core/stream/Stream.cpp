@@ -10,34 +10,34 @@ namespace core {
 
 namespace {
 
-int const copyPieceSize = 0x10000;
+int const copyChunkSize = 0x10000;
 
-bool isBlank(char const* piece, int count) {
-    return piece[0] == '\0' &&
-           std::memcmp(piece, piece + 1, static_cast<std::size_t>(count - 1)) == 0;
+bool isAllNul(char const* chunk, int count) {
+    return chunk[0] == '\0' &&
+           std::memcmp(chunk, chunk + 1, static_cast<std::size_t>(count - 1)) == 0;
 }
 
-/// Takes the pieces of a copy: writes them, or skips the blank ones where holes are wanted.
-class PieceWriter {
+/// Writes the chunks of a copy, or seeks over those of NUL if sparse.
+class ChunkWriter {
 public:
-    PieceWriter(Stream& target, bool sparse) : target_(target), sparse_(sparse) {}
+    ChunkWriter(Stream& target, bool sparse) : target_(target), sparse_(sparse) {}
 
-    int Take(char const* piece, int count) {
-        endsInHole_ = sparse_ && isBlank(piece, count);
-        return endsInHole_ ? seek(count) : target_.WriteAll(piece, count);
+    int Write(char const* chunk, int count) {
+        endsInHole_ = sparse_ && isAllNul(chunk, count);
+        return endsInHole_ ? Skip(count) : target_.WriteAll(chunk, count);
     }
 
-    /// A hole at the end is no part of a file until something stands behind it.
+    /// Writes the last byte if the copy ends in a hole: seeking alone does not extend a file.
     int Finish() {
         if (!endsInHole_) {
             return 0;
         }
-        int const result = seek(-1);
+        int const result = Skip(-1);
         return result == 0 ? target_.WriteAll("", 1) : result;
     }
 
 private:
-    int seek(int offset) {
+    int Skip(int offset) {
         long long const position = target_.Seek(offset, Stream::SeekOrigin::current);
         return position < 0 ? static_cast<int>(position) : 0;
     }
@@ -47,8 +47,8 @@ private:
     bool endsInHole_ = false;
 };
 
-/// The bytes between the position and the end; -1 when the stream does not know.
-long long bytesLeft(Stream& stream) {
+/// Returns the number of bytes after the position, or -1 if it is unknown.
+long long remainingBytes(Stream& stream) {
     long long const size = stream.Size();
     long long const position = stream.Tell();
     return size < 0 || position < 0 ? -1 : std::max(size - position, 0LL);
@@ -77,7 +77,7 @@ int Stream::WriteAll(void const* data, int count) {
     for (int done = 0; done < count;) {
         int const written = Write(bytes + done, count - done);
         if (written < 1) {
-            // A file that takes nothing and names no reason would keep us here for ever.
+            // Do not retry a write of 0 bytes without an error: that could loop forever.
             return written < 0 ? written : -EIO;
         }
         done += written;
@@ -86,27 +86,27 @@ int Stream::WriteAll(void const* data, int count) {
 }
 
 long long Stream::CopyTo(Stream& target, bool sparse, bool sync, ICopyCallback* callback) {
-    long long const total = callback != nullptr ? bytesLeft(*this) : -1;
-    std::vector<char> piece(copyPieceSize);
-    PieceWriter writer(target, sparse);
+    long long const total = callback != nullptr ? remainingBytes(*this) : -1;
+    std::vector<char> chunk(copyChunkSize);
+    ChunkWriter writer(target, sparse);
     for (long long done = 0;;) {
         if (callback != nullptr && !callback->Copied(done, total)) {
             return -ECANCELED;
         }
-        int const got = Read(piece.data(), copyPieceSize);
-        if (got < 0) {
-            return got;
+        int const received = Read(chunk.data(), copyChunkSize);
+        if (received < 0) {
+            return received;
         }
-        if (got == 0) {
+        if (received == 0) {
             int const finished = writer.Finish();
             int const result = finished == 0 && sync ? target.Sync() : finished;
             return result == 0 ? done : result;
         }
-        int const result = writer.Take(piece.data(), got);
+        int const result = writer.Write(chunk.data(), received);
         if (result != 0) {
             return result;
         }
-        done += got;
+        done += received;
     }
 }
 

@@ -7,40 +7,39 @@
 
 namespace core {
 
-/// Base of the library's own streams: a shared object that bytes are read from or written to.
-/// Failures are negative error codes: an errno value with its sign changed. Positions and sizes are
-/// in bytes; a stream that knows none of them, like a pipe, answers -ESPIPE.
+/// Base of the library's streams: shared objects with a position. Failures are negative errno
+/// values. Positions and sizes are in bytes; streams without them, such as pipes, return -ESPIPE.
 class Stream : public BasicClass, public IStream {
 public:
     using SeekOrigin = sys::platform::SeekOrigin;
 
     char const* ClassName() const override;
 
-    /// Moves the position of the next read or write, also past the end: a write there fills what
-    /// lies between with NUL. Returns the new position, counted from the start; -EINVAL for one
-    /// before the start, and then nothing moves.
+    /// Sets the position of the next read or write, which may be after the end: a write there fills
+    /// the gap with NUL. Returns the new position; -EINVAL for one before the start, leaving the
+    /// position unchanged.
     virtual long long Seek(long long offset, SeekOrigin origin = SeekOrigin::begin);
-    /// The present position.
+    /// Returns the position.
     long long Tell() { return Seek(0, SeekOrigin::current); }
+    /// Returns the size.
     virtual long long Size();
-    /// Waits until all that was written is where it lasts; 0 on success.
+    /// Flushes written data to stable storage; returns 0 on success.
     virtual int Sync();
 
-    /// Writes all count bytes, in as many writes as it takes. Returns 0, or the negative error code
-    /// of the write that failed.
+    /// Writes all count bytes. Returns 0 or the negative errno value of the failed write.
     int WriteAll(void const* data, int count);
 
-    /// Copies what is left of this stream to target, in pieces, and returns the number of bytes
-    /// copied; on failure the negative error code of the step that failed, -ECANCELED when the
-    /// callback (null: nobody) said so. What was copied until then stays in target.
-    /// - sparse: pieces of nothing but NUL are not written but skipped, so that a file gets holes
-    ///   there. Target must then be able to seek and hold nothing from its position on.
-    /// - sync: ends with target's Sync.
+    /// Copies the rest of this stream to target. Returns the number of bytes copied or the negative
+    /// errno value of the failed step: -ECANCELED if callback (null: none) cancels the copy. A
+    /// failed copy leaves data in target.
+    /// - sparse: seeks over chunks of NUL instead of writing them, which creates holes in a file.
+    ///   Target must be seekable and contain nothing from its position on.
+    /// - sync: finally calls target's Sync.
     long long CopyTo(Stream& target, bool sparse, bool sync, ICopyCallback* callback);
 };
 
-/// The position that a Seek of a stream with a known position and size leads to, or the negative
-/// error code for one that there is not: see Stream::Seek.
+/// Returns the new position of a stream for Stream::Seek, given its position and size: a negative
+/// errno value if the new one would be out of range.
 long long seekPosition(long long offset, sys::platform::SeekOrigin origin, long long position,
                        long long size);
 
