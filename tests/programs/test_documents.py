@@ -43,6 +43,7 @@ WAYS = (
     (r'rrors\.Add\("([^"]+)", shown', r"\1: ..."),
     (r'(?:QuitWithError|rrors_?\.Add|\bfault)\(\s*"([^"]+)",[^";]*"([^"]+)"', r"\1: \2"),
     (r'"([A-Z>][^"=%]*)=([^"]+)"', r"\1: \2"),
+    (r'DeviceStatus::\w+,\s*"([^"]+)",\s*"([^"]+)"', r"\1: \2"),
     (r'fileFault\("([^"]+)"', r"\1: `...`: ..."),
     (r'"((?:it (?!changed)|a |another )[^"]+)"', r"File not unpacked: file[...], `...`: \1"),
     (r'(?:Wrong\(step \+ ":",[^";]*|(?="%1 [a-z]+ ))"([^"]+)"', r"Bad scenario: ...: \1"),
@@ -218,7 +219,8 @@ def test_numbers_of_the_protocol_agree():
         assert numbers(document, section, "\n#") == expected != {}
         assert numbers(dissector, table, "\n}") == expected
     limits = {}
-    for name, value in re.findall(r"int (\w+) = (.+);", source("update/SessionLimits.h")):
+    for name, value in re.findall(
+            r"int (\w+) = (.+);", part(source("update/session/Session.h"), "struct SessionT", "};")):
         limits[name] = eval(value.replace("'", ""), {}, limits)
     minutes = limits.pop("completionMinutes")
     assert numbers(document, "### Time limits", "\n#") == limits

@@ -108,18 +108,18 @@ protected:
     /// that is to run out is short, so that no slow machine runs into another.
     Lines RunSession(device::Behaviour& scenario, std::string const& end,
                      bool answersHeader = false) {
-        TestedUpdater::Instance().UseProductLimits();
-        update::SessionLimits& limits = TestedUpdater::Instance().limits;
+        TestedUpdater::Instance().UseProductTimeouts();
+        update::SessionTimeouts& timeouts = TestedUpdater::Instance().timeouts;
         if (end == noAnswer) {
-            limits.requestAnswer = 150;
+            timeouts.requestAnswer = 150;
         } else if (end == stalled) {
-            limits.transferStall = 300;
+            timeouts.transferStall = 300;
         } else if (end == tired) {
-            limits.completion = 400;
-            limits.notification = 100;
+            timeouts.completion = 400;
+            timeouts.notification = 100;
         }
         if (answersHeader) {
-            limits.headerAnswer = update::SessionLimits().headerAnswer;
+            timeouts.headerAnswer = update::SessionTimeouts().headerAnswer;
         }
         // A transfer fails only with more than a system takes while the device reads nothing.
         bool const large = end == stalled || end == notSent;
@@ -262,7 +262,7 @@ TEST_F(FaultMatrixTest, EveryExampleEndsAsItSays) {
         for (auto& [step, actions] : scenario.steps) {
             for (device::Action& action : actions) {
                 // Seconds that an updater bears; what it does not bear stays longer than its
-                // limits.
+                // timeouts.
                 action.numbers[0] /=
                     action.type == device::ActionType::wait && end == updated ? 100 : 1;
             }

@@ -11,7 +11,7 @@
 #include "tests/support/TemporaryDirectory.h"
 #include "tests/support/system.h"
 #include "tests/update/TestedUpdater.h"
-#include "update/UpdateSession.h"
+#include "update/session/exchange.h"
 
 namespace {
 
@@ -27,7 +27,7 @@ std::string contentOf(std::size_t size) {
 
 class SessionTest : public testing::Test {
 protected:
-    SessionTest() { TestedUpdater::Instance().UseProductLimits(); }
+    SessionTest() { TestedUpdater::Instance().UseProductTimeouts(); }
 
     static Lines RunSession(ScenarioDevice const& device, std::string const& path) {
         return TestedUpdater::Instance().RunSession(path, device.Address());
@@ -59,7 +59,7 @@ TEST_F(SessionTest, CompleteUpdates) {
 
 TEST_F(SessionTest, ASlowDeviceIsNoStall) {
     // Longer in all than the stall limit, but never as long between two pieces.
-    TestedUpdater::Instance().limits.transferStall = 1000;
+    TestedUpdater::Instance().timeouts.transferStall = 1000;
     ScenarioDevice device("data = slow 16384 2");
     std::string const content = contentOf(16'000'000);
     EXPECT_EQ(RunSession(device, directory_.Write("update.rvl", content)).back(), updated);
@@ -74,7 +74,7 @@ TEST(SendAll, SleepsWhileADeviceTakesNothing) {
     core::CountDownTimer stall(500ULL);
     std::clock_t const start = std::clock();
     EXPECT_EQ(update::sendAll(pair.near, data.data(), 16'000'000, stall),
-              update::SendOutcome::stalled);
+              update::SendResult::stalled);
     EXPECT_TRUE(support::onWindows() || std::clock() - start < CLOCKS_PER_SEC / 4);
 }
 

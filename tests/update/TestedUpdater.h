@@ -19,12 +19,12 @@ public:
         return updater;
     }
 
-    /// Sets the limits that a user meets, but for a short wait behind the header. A test shortens
+    /// Sets the timeouts that a user meets, but for a short wait behind the header. A test shortens
     /// the one that it waits for, so that no slow machine runs into another.
-    void UseProductLimits() {
-        limits = {};
+    void UseProductTimeouts() {
+        timeouts = {};
         // Honest devices are silent here, so it only costs time.
-        limits.headerAnswer = 20;
+        timeouts.headerAnswer = 20;
     }
 
     /// Runs one session as "ravelink -o path -a address"; what it prints, line by line.
@@ -37,7 +37,7 @@ public:
 
     using UpdateApplication::AdjustAndCheckResponse;
     using UpdateApplication::errors;
-    using UpdateApplication::limits;
+    using UpdateApplication::timeouts;
 
 private:
     TestedUpdater() = default;

@@ -159,11 +159,11 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size
     static support::TemporaryDirectory const folder;
     static std::string const path = folder.Write("update", file);
     TestedUpdater& updater = TestedUpdater::Instance();
-    updater.limits.requestAnswer = 3;
-    updater.limits.headerAnswer = 2;
-    updater.limits.transferStall = 50;
-    updater.limits.completion = 8;
-    updater.limits.notification = 3;
+    updater.timeouts.requestAnswer = 3;
+    updater.timeouts.headerAnswer = 2;
+    updater.timeouts.transferStall = 50;
+    updater.timeouts.completion = 8;
+    updater.timeouts.notification = 3;
 
     Script const script(Input(data, size));
     Device device(script);

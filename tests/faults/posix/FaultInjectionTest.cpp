@@ -59,7 +59,7 @@ protected:
         }
         Run("f0", RAVELINK_PACK " -b @m.conf -o @a.rvl");
         directory_.Write("tail.rvl", contentOf(directory_.PathOf("a.rvl")) + "tail");
-        TestedUpdater::Instance().UseProductLimits();
+        TestedUpdater::Instance().UseProductTimeouts();
     }
 
     void Prepare() {
@@ -167,11 +167,11 @@ TEST_P(FaultInjection, NoLieAndNothingHalfDone) {
     ASSERT_TRUE(sound.claims) << sound.output;
     // What must succeed goes wrong in many places at once.
     bool const patient = mode == "s" || mode == "i";
-    update::SessionLimits const usual = TestedUpdater::Instance().limits;
-    update::SessionLimits limits = usual;
+    update::SessionTimeouts const usual = TestedUpdater::Instance().timeouts;
+    update::SessionTimeouts timeouts = usual;
     if (!patient) {
-        limits.requestAnswer = limits.completion = 150;
-        limits.notification = 50;
+        timeouts.requestAnswer = timeouts.completion = 150;
+        timeouts.notification = 50;
     }
     std::optional<support::SmallDisk> disk;
     if (mode == "d" && !disk.emplace(directory_.PathOf("work")).IsMounted()) {
@@ -188,13 +188,13 @@ TEST_P(FaultInjection, NoLieAndNothingHalfDone) {
             before_["filler"] = std::string(static_cast<std::size_t>(number) * 4096, 'x');
         }
         Prepare();
-        TestedUpdater::Instance().limits = limits;
+        TestedUpdater::Instance().timeouts = timeouts;
         RunResult const ran = Run(mode + (disk ? "0" : std::to_string(number)), scenario_.command);
         SCOPED_TRACE(mode + std::to_string(number) + " " + ran.fault + "\n" + ran.output);
         if (mode == "k") {
             ExpectWholeFiles(ran, sound, "\\.copy-|\\.unpacking-|Vorx-|status$");
             // The next one is not troubled by what the killed one left.
-            TestedUpdater::Instance().limits = usual;
+            TestedUpdater::Instance().timeouts = usual;
             RunResult const next = Run("k0", scenario_.command);
             EXPECT_TRUE(next.claims) << next.output;
             ExpectTruth(next, sound);

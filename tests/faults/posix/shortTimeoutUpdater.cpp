@@ -7,8 +7,8 @@ namespace {
 class ShortTimeoutUpdater : public update::UpdateApplication {
 public:
     ShortTimeoutUpdater() {
-        limits.headerAnswer = 20;
-        limits.notification = 200;
+        timeouts.headerAnswer = 20;
+        timeouts.notification = 200;
     }
 };
 

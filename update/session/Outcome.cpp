@@ -1,0 +1,88 @@
+#include "update/session/Outcome.h"
+
+#include "update/protocol/records.h"
+
+namespace update {
+
+namespace {
+
+/// Whether the device rejected the moment or the connection, not the update or itself. It cannot be
+/// asked about the others again without a person who has removed the cause.
+bool isTransient(std::uint32_t status) {
+    switch (DeviceStatus{status}) {
+        case DeviceStatus::SystemBusy:
+        case DeviceStatus::InvalidPassword:
+        case DeviceStatus::Timeout:
+            return true;
+        default:
+            return false;
+    }
+}
+
+template <class Enumeration, std::size_t count>
+char const* nameIn(char const* const (&names)[count], Enumeration value) {
+    return names[static_cast<std::size_t>(value)];
+}
+
+}  // namespace
+
+Delivered Failure::GetDelivered() const {
+    switch (phase) {
+        case Phase::start:
+        case Phase::connection:
+            return Delivered::nothing;
+        case Phase::request:
+        case Phase::header:
+            return Delivered::request;
+        case Phase::transfer:
+            return Delivered::partOfFile;
+        case Phase::trailer:
+        case Phase::completion:
+            break;
+    }
+    return Delivered::perhapsAll;
+}
+
+Retry Failure::GetRetry() const {
+    // Not even an error of the device proves that it has stopped installing.
+    if (GetDelivered() == Delivered::perhapsAll) {
+        return Retry::checkFirst;
+    }
+    switch (kind) {
+        case Kind::connection:
+        case Kind::lost:
+        case Kind::timeout:
+            return Retry::safe;
+        case Kind::rejected:
+            return status && isTransient(*status) ? Retry::safe : Retry::never;
+        case Kind::input:
+        case Kind::system:
+        case Kind::protocol:
+            break;
+    }
+    return Retry::never;
+}
+
+char const* nameOf(Phase phase) {
+    static constexpr char const* names[] = {"start",    "connection", "request",   "header",
+                                            "transfer", "trailer",    "completion"};
+    return nameIn(names, phase);
+}
+
+char const* nameOf(Delivered delivered) {
+    static constexpr char const* names[] = {"nothing", "request", "partOfFile", "perhapsAll"};
+    return nameIn(names, delivered);
+}
+
+char const* nameOf(Retry retry) {
+    static constexpr char const* names[] = {"never", "safe", "checkFirst"};
+    return nameIn(names, retry);
+}
+
+char const* nameOf(Failure::Kind kind) {
+    static constexpr char const* names[] = {"input",   "system",   "connection", "lost",
+                                            "timeout", "protocol", "rejected"};
+    return nameIn(names, kind);
+}
+
+}  // namespace update

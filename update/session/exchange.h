@@ -1,0 +1,38 @@
+#pragma once
+
+#include <optional>
+
+#include "core/net/Socket.h"
+#include "core/runtime/CountDownTimer.h"
+#include "update/protocol/records.h"
+#include "update/session/Outcome.h"
+
+/// Bytes and records of a session, each within its timeout. The phase of a Failure is the caller's.
+namespace update {
+
+/// Initialises the socket library. Returns nothing, and the caller owes a core::Socket::done(), or
+/// returns the failure.
+[[nodiscard]] std::optional<Failure> initSockets();
+
+/// The result of an attempt to send a number of bytes.
+enum class SendResult { sent, failed, stalled };
+
+/// Sends all bytes through a non-blocking socket: a blocking send to a peer that stops reading
+/// could exceed every timeout. Each accepted byte restarts the stall timer.
+[[nodiscard]] SendResult sendAll(core::Socket& socket, void const* data, int length,
+                                 core::CountDownTimer& stall);
+
+/// Returns the error of a response that did not arrive in time.
+[[nodiscard]] core::Fault timeoutFault();
+
+/// Receives a record and checks it. Returns nothing and leaves the record in host byte order, or
+/// returns the failure: of Kind::timeout if the connection ended or no byte arrived for ms
+/// milliseconds, otherwise that of checkResponse.
+[[nodiscard]] std::optional<Failure> receiveResponse(core::Socket& socket,
+                                                     UpdateNotification& response, int ms);
+
+/// Converts a received record to host byte order, valid or not. Returns the failure if its magic or
+/// CRC is wrong or if it reports an error.
+[[nodiscard]] std::optional<Failure> checkResponse(UpdateNotification& response);
+
+}  // namespace update
