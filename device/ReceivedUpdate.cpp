@@ -37,20 +37,11 @@ ReceivedUpdate::ReceivedUpdate(UpdatePolicy const& policy, String const& device)
     : policy_(policy), device_(device) {}
 
 int ReceivedUpdate::Open() {
-    if (file_ != nullptr) {
+    if (file_.IsOpened()) {
         return 0;
     }
     path_ = Stores() ? freePath(policy_.folder.c_str(), device_) : sys::file::getTempPath();
-    int const result = Stores() ? stored_.Create(path_) : temporary_.Create();
-    if (result != 0) {
-        return result;
-    }
-    if (Stores()) {
-        file_ = &stored_;
-    } else {
-        file_ = &temporary_;
-    }
-    return 0;
+    return Stores() ? file_.Create(path_) : file_.CreateNameless();
 }
 
 int ReceivedUpdate::Append(void const* bytes, int length) {
@@ -58,16 +49,15 @@ int ReceivedUpdate::Append(void const* bytes, int length) {
         return 0;
     }
     int const result = Open();
-    return result == 0 ? file_->WriteAll(bytes, length) : result;
+    return result == 0 ? file_.WriteAll(bytes, length) : result;
 }
 
 int ReceivedUpdate::Store() {
-    int result = Open();
-    if (result == 0) {
-        result = stored_.Sync();
-    }
+    int const result = Open();
     // Another device may have taken the name meanwhile; its file is not to be lost.
-    return result == 0 ? stored_.TakeOver(false) : result;
+    return result == 0
+               ? file_.Commit(sys::AtomicFile::Existing::keep, sys::AtomicFile::Durable::yes)
+               : result;
 }
 
 }  // namespace device

@@ -2,8 +2,7 @@
 
 #include "core/text/String.h"
 #include "device/UpdatePolicy.h"
-#include "sys/ReplacementFile.h"
-#include "sys/TemporaryFile.h"
+#include "sys/AtomicFile.h"
 
 namespace device {
 
@@ -25,7 +24,7 @@ public:
     /// files. Empty before Open.
     core::String const& Path() const { return path_; }
     /// The open file; null before Open has returned 0.
-    core::Stream* File() const { return file_; }
+    core::Stream* File() { return file_.IsOpened() ? &file_ : nullptr; }
 
     /// Keeps length more bytes where they are needed: 0 or a negative errno value.
     int Append(void const* bytes, int length);
@@ -37,9 +36,7 @@ private:
     UpdatePolicy const& policy_;
     core::String const device_;
     core::String path_;
-    sys::ReplacementFile stored_;         ///< the file where updates are stored
-    sys::TemporaryFile temporary_;        ///< the file where they are not
-    core::HandleStream* file_ = nullptr;  ///< the one in use, once it is open
+    sys::AtomicFile file_;
 };
 
 }  // namespace device

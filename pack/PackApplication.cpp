@@ -9,7 +9,7 @@
 #include "pack/faults.h"
 #include "pack/usage.h"
 #include "pack/verdict.h"
-#include "sys/ReplacementFile.h"
+#include "sys/AtomicFile.h"
 #include "sys/file.h"
 #include "sys/openRegular.h"
 
@@ -103,7 +103,7 @@ void PackApplication::WriteArchive(StreamSequencerBuilder& builder, String const
     if (RefuseSourceAsTarget(builder, manifest, path)) {
         return;
     }
-    sys::ReplacementFile target;
+    sys::AtomicFile target;
     int result = target.Create(path);
     if (result != 0) {
         errors_.push_back(fileFault("Archive not writable", path, result));
@@ -125,10 +125,7 @@ void PackApplication::WriteArchive(StreamSequencerBuilder& builder, String const
     if (recipe.Open(manifest, sys::platform::openRead) == 0) {
         target.CopyPermissionsFrom(recipe);
     }
-    result = target.Sync();
-    if (result == 0) {
-        result = target.TakeOver(true);
-    }
+    result = target.Commit(sys::AtomicFile::Existing::replace, sys::AtomicFile::Durable::yes);
     if (result != 0) {
         errors_.push_back(fileFault("Archive not writable", path, result));
         return;

@@ -7,7 +7,7 @@
 #include "core/text/unicode.h"
 #include "pack/faults.h"
 #include "pack/unpackPath.h"
-#include "sys/FileBelow.h"
+#include "sys/AtomicFile.h"
 #include "sys/dir.h"
 
 namespace pack {
@@ -179,8 +179,9 @@ void Unpacker::RefuseTaken(ConfinedDirectory const& directory, bool replace) {
 
 int Unpacker::Write(std::size_t index, ConfinedDirectory const& directory, bool replace,
                     core::ICopyCallback& progress) {
-    sys::FileBelow target(directory);
-    int const result = target.Create(paths_[index]);
+    using sys::AtomicFile;
+    AtomicFile target;
+    int const result = target.CreateConfined(directory, paths_[index]);
     if (result != 0) {
         return result;
     }
@@ -191,7 +192,11 @@ int Unpacker::Write(std::size_t index, ConfinedDirectory const& directory, bool 
         return -ECANCELED;  // an empty file is copied without a report
     }
     long long const copied = data ? data->CopyTo(target, false, false, &all) : -EIO;
-    return copied < 0 ? static_cast<int>(copied) : target.TakeOver(replace);
+    // Not durable: there can be thousands of files.
+    return copied < 0
+               ? static_cast<int>(copied)
+               : target.Commit(replace ? AtomicFile::Existing::replace : AtomicFile::Existing::keep,
+                               AtomicFile::Durable::no);
 }
 
 void Unpacker::Refuse(std::size_t index, String const& why) {

@@ -1,6 +1,6 @@
 #include <cerrno>
 
-#include "sys/ReplacementFile.h"
+#include "sys/AtomicFile.h"
 #include "sys/file.h"
 #include "sys/openRegular.h"
 
@@ -12,7 +12,7 @@ namespace {
 /// code.
 int copyInto(core::String const& to, bool replace, core::FileStream& source, bool sparse, bool sync,
              core::ICopyCallback* callback) {
-    ReplacementFile target;
+    AtomicFile target;
     int const created = target.Create(to);
     if (created != 0) {
         return created;
@@ -23,7 +23,8 @@ int copyInto(core::String const& to, bool replace, core::FileStream& source, boo
     }
     target.CopyPermissionsFrom(source);
     source.Close();  // which may be what is replaced, and some systems replace no open file
-    return target.TakeOver(replace);
+    return target.Commit(replace ? AtomicFile::Existing::replace : AtomicFile::Existing::keep,
+                         AtomicFile::Durable::no);  // unless sync is set, and then CopyTo did
 }
 
 /// Moves a regular file to another file system.

@@ -6,6 +6,12 @@
 
 namespace sys::platform {
 
+/// The permissions of a new file.
+enum class PartPermissions {
+    ownerOnly,  ///< as far as the file itself has permissions
+    ofTarget,  ///< those of the existing regular file that it is to replace, or else the usual ones
+};
+
 /// A directory in which files are reached by paths from an untrusted source. It is opened once and
 /// held: renaming it, or putting a link in its place, does not redirect later calls.
 ///
@@ -28,15 +34,18 @@ public:
     bool AllowsName(std::string_view name) const;
     /// Stores the status of the entry at path itself, which may be a link.
     int Stat(char const* path, FileStatus& status) const;
-    /// Creates a new file (-EEXIST if path exists), and the missing directories of path, and opens
-    /// it for writing. If a regular file called like is in the same directory, the new file has its
-    /// permissions from the start, as far as the system keeps them in the file.
-    int Create(char const* path, char const* like, FileHandle& opened) const;
-    /// Renames the file at path within its directory. An existing regular file or link called name
-    /// is replaced if replace is set, otherwise it is an error (-EEXIST).
-    int Rename(char const* path, char const* name, bool replace) const;
-    /// Deletes the file at path, or a link and not its target.
-    int Remove(char const* path) const;
+    // A part is the temporary file of a target: it is in the target's directory, under the name
+    // part, which the caller chooses and which no untrusted source may predict.
+
+    /// Creates the part of the target at path (-EEXIST if it exists), and the missing directories
+    /// of path, and opens it for reading and writing.
+    int CreatePart(char const* path, char const* part, PartPermissions permissions,
+                   FileHandle& opened) const;
+    /// Renames a part to its target; permissions are those that it was created with. An existing
+    /// regular file or link is replaced if replace is set, otherwise it is an error (-EEXIST).
+    int RenamePart(char const* path, char const* part, PartPermissions permissions,
+                   bool replace) const;
+    int RemovePart(char const* path, char const* part) const;
 
 private:
     void Close() {

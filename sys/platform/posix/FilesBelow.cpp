@@ -83,12 +83,13 @@ int inParent(FileHandle directory, char const* path, bool create, Call call) {
     return result == 0 ? call(descent.At(), names.back().c_str()) : result;
 }
 
-/// The permissions of a regular file, or fallback.
-mode_t permissionsOf(int parent, char const* name, mode_t fallback) {
+/// Stores the permissions of a regular file. Returns false if name is something else.
+bool readPermissions(int parent, char const* name, mode_t& permissions) {
     struct stat found {};
     bool const regular =
         fstatat(parent, name, &found, AT_SYMLINK_NOFOLLOW) == 0 && S_ISREG(found.st_mode);
-    return regular ? found.st_mode & 0777 : fallback;
+    permissions = regular ? found.st_mode & 0777 : permissions;
+    return regular;
 }
 
 }  // namespace
@@ -112,33 +113,33 @@ int ConfinedDirectory::Stat(char const* path, FileStatus& status) const {
     });
 }
 
-int ConfinedDirectory::Create(char const* path, char const* like, FileHandle& opened) const {
+int ConfinedDirectory::CreatePart(char const* path, char const* part, PartPermissions permissions,
+                                  FileHandle& opened) const {
     return inParent(directory_, path, true, [&](int parent, char const* name) {
-        mode_t const none = ~mode_t{0};
-        mode_t const kept = permissionsOf(parent, like, none);
-        int const flags = O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC;
-        int const file = withoutInterruption(
-            [&] { return openat(parent, name, flags, kept != none ? kept : 0666); });
-        if (file >= 0 && kept != none) {
+        mode_t mode = permissions == PartPermissions::ownerOnly ? 0600 : 0666;
+        bool const kept =
+            permissions == PartPermissions::ofTarget && readPermissions(parent, name, mode);
+        int const flags = O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC;
+        int const file = withoutInterruption([&] { return openat(parent, part, flags, mode); });
+        if (file >= 0 && kept) {
             // What the umask took away. A file system without permissions rejects it.
-            (void)fchmod(file, kept);
+            (void)fchmod(file, mode);
         }
         opened = file >= 0 ? file : noFile;
         return std::min(file, 0);
     });
 }
 
-int ConfinedDirectory::Rename(char const* path, char const* name, bool replace) const {
-    return inParent(directory_, path, false, [&](int parent, char const* from) {
-        std::vector<std::string> names;
-        bool const plain = splitPlainPath(name, "", names) && names.size() == 1;
-        return plain ? renameFrom(parent, from, name, replace) : -EINVAL;
+int ConfinedDirectory::RenamePart(char const* path, char const* part, PartPermissions,
+                                  bool replace) const {
+    return inParent(directory_, path, false, [&](int parent, char const* name) {
+        return renameFrom(parent, part, name, replace);
     });
 }
 
-int ConfinedDirectory::Remove(char const* path) const {
-    return inParent(directory_, path, false, [](int parent, char const* name) {
-        return negativeErrno(unlinkat(parent, name, 0));
+int ConfinedDirectory::RemovePart(char const* path, char const* part) const {
+    return inParent(directory_, path, false, [&](int parent, char const*) {
+        return negativeErrno(unlinkat(parent, part, 0));
     });
 }
 

@@ -84,7 +84,7 @@ private:
     std::vector<FileHandle> held_;
 };
 
-/// Calls call(descent, entry) with the path of the entry at path below directory.
+/// Calls call(descent, name) in the parent directory of path with the last name of path.
 template <class Call>
 int inParent(FileHandle directory, char const* path, bool create, Call call) {
     std::vector<std::string> names;
@@ -93,7 +93,7 @@ int inParent(FileHandle directory, char const* path, bool create, Call call) {
     }
     Descent descent;
     int const result = descent.GoToParent(directory, names, create);
-    return result == 0 ? call(descent, descent.PathOf(names.back())) : result;
+    return result == 0 ? call(descent, names.back()) : result;
 }
 
 /// Gives the file at from the name of the file at to, which keeps its permissions.
@@ -122,40 +122,40 @@ bool ConfinedDirectory::AllowsName(std::string_view name) const {
 }
 
 int ConfinedDirectory::Stat(char const* path, FileStatus& status) const {
-    return inParent(directory_, path, false, [&](Descent const&, std::string const& entry) {
-        return statEntry(entry.c_str(), status);
+    return inParent(directory_, path, false, [&](Descent const& descent, std::string const& name) {
+        return statEntry(descent.PathOf(name).c_str(), status);
     });
 }
 
-int ConfinedDirectory::Create(char const* path, char const*, FileHandle& opened) const {
-    return inParent(directory_, path, true, [&](Descent const&, std::string const& entry) {
-        HANDLE const file =
-            CreateFileW(systemPath(entry.c_str()).c_str(), GENERIC_WRITE,
-                        FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr, CREATE_NEW,
-                        FILE_ATTRIBUTE_NORMAL | FILE_FLAG_OPEN_REPARSE_POINT, nullptr);
+int ConfinedDirectory::CreatePart(char const* path, char const* part, PartPermissions,
+                                  FileHandle& opened) const {
+    // Access is controlled by the directory, whose permissions the file inherits.
+    return inParent(directory_, path, true, [&](Descent const& descent, std::string const&) {
+        HANDLE const file = CreateFileW(
+            systemPath(descent.PathOf(part).c_str()).c_str(), GENERIC_READ | GENERIC_WRITE,
+            FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr, CREATE_NEW,
+            FILE_ATTRIBUTE_NORMAL | FILE_FLAG_OPEN_REPARSE_POINT, nullptr);
         opened = file != INVALID_HANDLE_VALUE ? reinterpret_cast<FileHandle>(file) : noFile;
         return file != INVALID_HANDLE_VALUE ? 0 : negativeLastError();
     });
 }
 
-int ConfinedDirectory::Rename(char const* path, char const* name, bool replace) const {
-    return inParent(directory_, path, false, [&](Descent const& descent, std::string const& entry) {
-        std::vector<std::string> names;
-        if (!splitPlainPath(name, reserved, names) || names.size() != 1) {
-            return -EINVAL;
-        }
+int ConfinedDirectory::RenamePart(char const* path, char const* part, PartPermissions permissions,
+                                  bool replace) const {
+    return inParent(directory_, path, false, [&](Descent const& descent, std::string const& name) {
+        std::string const from = descent.PathOf(part);
         std::string const to = descent.PathOf(name);
         FileStatus status;
-        bool const keeps =
-            replace && statEntry(to.c_str(), status) == 0 && status.type == FileType::regular;
-        return keeps ? replaceFile(entry.c_str(), to.c_str())
-                     : renameFile(entry.c_str(), to.c_str(), replace);
+        bool const keeps = replace && permissions == PartPermissions::ofTarget &&
+                           statEntry(to.c_str(), status) == 0 && status.type == FileType::regular;
+        return keeps ? replaceFile(from.c_str(), to.c_str())
+                     : renameFile(from.c_str(), to.c_str(), replace);
     });
 }
 
-int ConfinedDirectory::Remove(char const* path) const {
-    return inParent(directory_, path, false, [](Descent const&, std::string const& entry) {
-        return removeFile(entry.c_str());
+int ConfinedDirectory::RemovePart(char const* path, char const* part) const {
+    return inParent(directory_, path, false, [&](Descent const& descent, std::string const&) {
+        return removeFile(descent.PathOf(part).c_str());
     });
 }
 

@@ -192,7 +192,7 @@ TEST_P(FaultInjection, NoLieAndNothingHalfDone) {
         RunResult const ran = Run(mode + (disk ? "0" : std::to_string(number)), scenario_.command);
         SCOPED_TRACE(mode + std::to_string(number) + " " + ran.fault + "\n" + ran.output);
         if (mode == "k") {
-            ExpectWholeFiles(ran, sound, "\\.copy-|\\.unpacking-|Vorx-|status$");
+            ExpectWholeFiles(ran, sound, "\\.part-|status$");
             // The next one is not troubled by what the killed one left.
             TestedUpdater::Instance().timeouts = usual;
             RunResult const next = Run("k0", scenario_.command);

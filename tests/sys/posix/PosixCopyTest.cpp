@@ -5,7 +5,7 @@
 #include <climits>
 #include <filesystem>
 
-#include "sys/ReplacementFile.h"
+#include "sys/AtomicFile.h"
 #include "sys/file.h"
 #include "tests/support/CopyWatcher.h"
 #include "tests/support/PrintText.h"
@@ -92,10 +92,11 @@ TEST_F(PosixCopyTest, LinksLeadToWhatIsReplaced) {
     EXPECT_EQ(file::getFileContents(Path("real")), "new");
     EXPECT_EQ(file::getFileContents(Path("dangling")), "new");
     {
-        sys::ReplacementFile replacement;
+        sys::AtomicFile replacement;
         EXPECT_EQ(replacement.Create(Path(".")), -EISDIR);
         ASSERT_EQ(replacement.Create(Path("link")), 0);
-        EXPECT_EQ(replacement.TakeOver(false), -EEXIST);
+        EXPECT_EQ(replacement.Commit(sys::AtomicFile::Existing::keep, sys::AtomicFile::Durable::no),
+                  -EEXIST);
     }
     EXPECT_EQ(Names(), "dangling from link real ");
 }
