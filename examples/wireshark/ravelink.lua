@@ -1,23 +1,24 @@
--- Shows ravelink's update protocol (docs/protocol.md) in Wireshark, 3.6 or later.
+-- Dissects ravelink's update protocol (docs/protocol.md) in Wireshark 3.6 or later and tshark.
 --
--- Install: copy this file to the personal Lua plugins (Help > About > Folders tells where), or try
--- it once with "wireshark -X lua_script:ravelink.lua capture.pcapng"; the same goes for tshark.
+-- Install: copy this file to the directory of personal Lua plugins (see Help > About > Folders). To use
+-- it once: "wireshark -X lua_script:ravelink.lua capture.pcapng", or tshark with the same option.
 --
--- It takes TCP port 3007. Others: Preferences > Protocols > RAVELINK ("-o ravelink.ports:4711"), or
--- "Decode As..." ("-d tcp.port==4711,ravelink"). What is worth a look in a capture:
+-- The TCP port is 3007. For others, use Preferences > Protocols > RAVELINK ("-o ravelink.ports:4711")
+-- or "Decode As..." ("-d tcp.port==4711,ravelink"). Useful display filters:
 --
---   ravelink.notification.code    what the device said
---   ravelink.notification.status  why it refused
---   ravelink.data.offset          how far the file was
---   _ws.expert && ravelink        what is wrong
+--   ravelink.notification.code    the notifications of the device
+--   ravelink.notification.status  the errors that it reports
+--   ravelink.data.offset          the offsets of the file data
+--   _ws.expert && ravelink        all problems
 --
--- Where a byte stands in its connection says what it means, so lost, repeated and swapped segments
--- do no harm to the others. It needs the request in the capture to know where the file ends.
+-- The position of a byte in its connection determines its meaning, so lost, repeated and reordered
+-- segments do not affect the dissection of others. The end of the file is known only if the capture
+-- contains the request.
 
 local ravelink = Proto("ravelink", "Ravelink Update Protocol")
 
 local record_size = 16
-local data_start = 2 * record_size -- behind request and transfer header
+local data_start = 2 * record_size -- after request and transfer header
 local magic = 0xE8B47CC3
 local magic_complement = 0x174B833C
 local header_constant = 0x00010000
@@ -56,7 +57,7 @@ local status_names = {
     [15] = "InvalidTarget",
 }
 
--- The four words of each record, in their order on the wire: name, title and how to show it.
+-- The four fields of each record in wire order: name, title, display and names of values.
 local records = {
     request = {
         title = "Request",
@@ -101,8 +102,8 @@ local fields = {
     data_length = number("data.length", "Length", base.DEC),
     data_progress = ProtoField.float("ravelink.data.progress", "Progress (%)"),
     fragment = ProtoField.bytes("ravelink.fragment", "Part of a record"),
-    surplus = ProtoField.bytes("ravelink.surplus", "Bytes behind the trailer"),
-    unknown = ProtoField.bytes("ravelink.unknown", "Bytes of an unknown place"),
+    surplus = ProtoField.bytes("ravelink.surplus", "Bytes after the trailer"),
+    unknown = ProtoField.bytes("ravelink.unknown", "Bytes at an unknown position"),
 }
 local all_fields = {}
 for kind, record in pairs(records) do
@@ -124,12 +125,12 @@ end
 local experts = {
     wrong_magic = finding("wrong_magic", "Wrong magic or constant", "PROTOCOL", "ERROR"),
     wrong_crc = finding("wrong_crc", "Wrong CRC", "CHECKSUM", "ERROR"),
-    mismatch = finding("mismatch", "Not what was agreed upon", "PROTOCOL", "ERROR"),
+    mismatch = finding("mismatch", "Contradicts an earlier record", "PROTOCOL", "ERROR"),
     error = finding("error", "The device reports an error", "RESPONSE_CODE", "WARN"),
     unknown_code = finding("unknown_code", "Unknown code", "PROTOCOL", "WARN"),
-    fragment = finding("incomplete", "The record is not whole here", "REASSEMBLE", "WARN"),
-    surplus = finding("behind_trailer", "Nothing belongs behind the trailer", "PROTOCOL", "WARN"),
-    unknown = finding("no_beginning", "The connection's beginning is missing", "SEQUENCE", "NOTE"),
+    fragment = finding("incomplete", "Incomplete record", "REASSEMBLE", "WARN"),
+    surplus = finding("trailing_data", "Data after the trailer", "PROTOCOL", "WARN"),
+    unknown = finding("no_beginning", "The start of the connection is missing", "SEQUENCE", "NOTE"),
 }
 ravelink.experts = experts
 
@@ -139,7 +140,7 @@ local tcp_seq_raw = Field.new("tcp.seq_raw")
 local tcp_len = Field.new("tcp.len")
 local tcp_completeness = Field.new("tcp.completeness")
 
--- Exclusive or without the operators that differ from one version of Lua to the next.
+-- Bitwise exclusive or, without operators that only some versions of Lua have.
 local function xor(a, b)
     local result, bit = 0, 1
     while a > 0 or b > 0 do
@@ -174,16 +175,16 @@ local function hex(number)
     return string.format("0x%08X", number)
 end
 
--- What is known of each connection, by the number of its stream: which end is the device, the size
--- and CRC of the file, the token, and where the record begins that goes on in a later segment.
-local conversations = {}
--- Where the bytes of each call stand, by frame and offset in the frame: frames are dissected again
--- in any order, and then everything has to look as it did the first time.
-local places = {}
+-- The state of each connection, by its stream number: the end that is the updater, the size and CRC
+-- of the file, the token, and the position of a record that continues in a later segment.
+local connections = {}
+-- The location of the bytes of each call, by frame and offset in the frame: frames are dissected
+-- again in any order, with the same result.
+local locations = {}
 
 function ravelink.init()
-    conversations = {}
-    places = {}
+    connections = {}
+    locations = {}
 end
 
 local function is_request(tvb)
@@ -192,42 +193,42 @@ local function is_request(tvb)
         and tvb(12, 4):uint() == magic_complement
 end
 
-local function is_from_updater(conversation, tvb, pinfo)
+local function is_from_updater(connection, tvb, pinfo)
     local source = tostring(pinfo.src) .. " " .. pinfo.src_port
-    if not conversation.updater then
-        -- By the port, unless it is a request all the same: with "Decode As..." the port may be the
-        -- updater's. When the port says nothing, the updater is the one who speaks first.
+    if not connection.updater then
+        -- The end with the dissected port is the device, unless it sends a request: with "Decode
+        -- As..." the port may be the updater's. If the port does not decide, the updater sends first.
         local target = tostring(pinfo.dst) .. " " .. pinfo.dst_port
         local by_port = pinfo.match_uint == pinfo.src_port and pinfo.src_port ~= pinfo.dst_port
-        conversation.updater = by_port and not is_request(tvb) and target or source
+        connection.updater = by_port and not is_request(tvb) and target or source
     end
-    return conversation.updater == source
+    return connection.updater == source
 end
 
--- Whether these bytes can be the beginning of what the updater or the device sends.
+-- Whether these bytes can be the first that the updater or the device sends.
 local function is_beginning(tvb)
     return tvb:len() < 4 or tvb(0, 4):uint() == magic
 end
 
--- The place of the bytes of this call: who sent them, and at which position of the connection.
-local function place_of(tvb, pinfo)
-    local frame = places[pinfo.number] or {}
-    places[pinfo.number] = frame
-    -- Bytes that were put together of several segments are no part of the frame: their offset is 0.
+-- Returns the location of the bytes of this call: their sender and position in the connection.
+local function location_of(tvb, pinfo)
+    local frame = locations[pinfo.number] or {}
+    locations[pinfo.number] = frame
+    -- Bytes reassembled from several segments are not part of the frame: their offset is 0.
     local offset = tvb:offset()
     if frame[offset] then
         return frame[offset]
     end
     local stream = tcp_stream().value
-    local conversation = conversations[stream] or { updater_side = {}, device_side = {} }
-    conversations[stream] = conversation
-    local from_updater = is_from_updater(conversation, tvb, pinfo)
-    local side = from_updater and conversation.updater_side or conversation.device_side
+    local connection = connections[stream] or { updater_side = {}, device_side = {} }
+    connections[stream] = connection
+    local from_updater = is_from_updater(connection, tvb, pinfo)
+    local side = from_updater and connection.updater_side or connection.device_side
     if not side.base then
         local sequence = tcp_seq().value
         local relative = sequence ~= tcp_seq_raw().value
         side.base = relative and 1 or sequence
-        -- The two lowest bits: the handshake was seen.
+        -- The two lowest bits: the capture contains the handshake.
         local completeness = tcp_completeness()
         local opened = completeness and completeness.value % 4 > 0
         side.known = opened or is_beginning(tvb)
@@ -238,7 +239,7 @@ local function place_of(tvb, pinfo)
         position = (sequence - side.base) % 0x100000000
     end
     frame[offset] = {
-        conversation = conversation,
+        connection = connection,
         from_updater = from_updater,
         side = side,
         position = position,
@@ -246,16 +247,16 @@ local function place_of(tvb, pinfo)
     return frame[offset]
 end
 
--- What stands at a position, and where that begins and ends.
-local function piece_at(place, position)
-    if not place.side.known then
+-- Returns the kind of data at a position, and the positions where it begins and ends.
+local function part_at(location, position)
+    if not location.side.known then
         return "unknown", position, math.huge
     end
-    if not place.from_updater then
+    if not location.from_updater then
         local start = position - position % record_size
         return "notification", start, start + record_size
     end
-    local data_end = place.file_size and data_start + place.file_size or math.huge
+    local data_end = location.file_size and data_start + location.file_size or math.huge
     if position < record_size then
         return "request", 0, record_size
     elseif position < data_start then
@@ -268,9 +269,9 @@ local function piece_at(place, position)
     return "surplus", data_end + record_size, math.huge
 end
 
--- The rules of the words that have a right value: the value where it is known, what it is when it
--- has another, and what is said then.
-local function rule_of(kind, name, range, conversation)
+-- For a field with a required value, returns that value, if known, and the expert information and
+-- its text for any other.
+local function rule_of(kind, name, range, connection)
     if name == "magic" then
         return magic, experts.wrong_magic, "The magic should be "
     elseif name == "magic_complement" then
@@ -280,15 +281,15 @@ local function rule_of(kind, name, range, conversation)
     elseif name == "crc" then
         return crc32(range(0, 12)), experts.wrong_crc, "The CRC should be "
     elseif name == "accept_token" then
-        return conversation.token, experts.mismatch, "The device gave the token "
+        return connection.token, experts.mismatch, "The device sent the token "
     elseif name == "file_size" and kind ~= "request" then
-        return conversation.file_size, experts.mismatch, "The request said "
+        return connection.file_size, experts.mismatch, "The request has "
     elseif name == "file_crc" and kind ~= "request" then
-        return conversation.file_crc, experts.mismatch, "The request said "
+        return connection.file_crc, experts.mismatch, "The request has "
     end
 end
 
--- What the value of a notification means, by its code; the text about it.
+-- Adds the value of a notification by its code, and returns the description of the notification.
 local function show_notification(item, range, values)
     local code, value = values.code, values.value
     local value_range = range(8, 4)
@@ -312,18 +313,18 @@ local function show_notification(item, range, values)
     return text
 end
 
-local function show_record(kind, place, range, pinfo, tree)
-    local record, conversation = records[kind], place.conversation
+local function show_record(kind, location, range, pinfo, tree)
+    local record, connection = records[kind], location.connection
     local item = tree:add(ravelink, range)
-    local values, sound = {}, true
+    local values, valid = {}, true
     for i, word in ipairs(record) do
         local name, word_range = word[1], range(4 * (i - 1), 4)
         local value = word_range:uint()
         local word_item = item:add(word.field, word_range)
-        local right, expert_info, text = rule_of(kind, name, range, conversation)
-        if right and value ~= right then
-            sound = false
-            text = text .. (name == "file_size" and right or hex(right))
+        local required, expert_info, text = rule_of(kind, name, range, connection)
+        if required and value ~= required then
+            valid = false
+            text = text .. (name == "file_size" and required or hex(required))
             word_item:add_proto_expert_info(expert_info, text)
         end
         values[name] = value
@@ -331,14 +332,14 @@ local function show_record(kind, place, range, pinfo, tree)
     local text = record.title
     if kind == "notification" then
         text = show_notification(item, range, values)
-        if code_names[values.code] == "Accepted" and sound and not pinfo.visited then
-            conversation.token = conversation.token or values.value
+        if code_names[values.code] == "Accepted" and valid and not pinfo.visited then
+            connection.token = connection.token or values.value
         end
     elseif kind == "request" then
         text = text .. ": " .. values.file_size .. " bytes, CRC-32 " .. hex(values.file_crc)
         if not pinfo.visited then
-            conversation.file_size, conversation.file_crc = values.file_size, values.file_crc
-            place.file_size = values.file_size
+            connection.file_size, connection.file_crc = values.file_size, values.file_crc
+            location.file_size = values.file_size
         end
     else
         text = text .. ", token " .. hex(values.accept_token)
@@ -347,27 +348,27 @@ local function show_record(kind, place, range, pinfo, tree)
     return text
 end
 
-local function show_data(place, range, position, length, tree)
+local function show_data(location, range, position, length, tree)
     local offset = position - data_start
     local text = string.format("Data %d to %d", offset, offset + length)
     local item = tree:add(ravelink, range)
     item:add(fields.data, range)
     item:add(fields.data_offset, offset):set_generated()
     item:add(fields.data_length, length):set_generated()
-    if place.file_size then
-        local progress = (offset + length) * 100 / place.file_size
+    if location.file_size then
+        local progress = (offset + length) * 100 / location.file_size
         item:add(fields.data_progress, progress):set_generated()
-        text = string.format("%s of %d (%d %%)", text, place.file_size, math.floor(progress))
+        text = string.format("%s of %d (%d %%)", text, location.file_size, math.floor(progress))
     end
     item:set_text("Ravelink Update Protocol, " .. text)
     return text
 end
 
-local function show_odd(kind, range, tree)
+local function show_other(kind, range, tree)
     local titles = {
         fragment = "Part of a record",
-        surplus = "Behind the trailer",
-        unknown = "Unknown place",
+        surplus = "After the trailer",
+        unknown = "Unknown position",
     }
     local item = tree:add(ravelink, range, "Ravelink Update Protocol, " .. titles[kind])
     item:add(fields[kind], range):add_proto_expert_info(experts[kind])
@@ -379,33 +380,33 @@ function ravelink.dissector(tvb, pinfo, tree)
         return 0
     end
     local first_of_frame = tvb:offset() == 0 or tvb:reported_len() == tcp_len().value
-    local place = place_of(tvb, pinfo)
+    local location = location_of(tvb, pinfo)
     if not pinfo.visited then
-        place.file_size = place.conversation.file_size
+        location.file_size = location.connection.file_size
     end
     local texts = {}
     local offset = 0
     while offset < tvb:len() do
-        local position = place.position + offset
-        local kind, start, stop = piece_at(place, position)
+        local position = location.position + offset
+        local kind, start, stop = part_at(location, position)
         local length = math.min(stop - position, tvb:reported_len() - offset)
         local range = tvb(offset, math.min(length, tvb:len() - offset))
         local is_record = records[kind] ~= nil
-        local goes_on = is_record and position == start and position + length < stop
-        if goes_on and pinfo.can_desegment > 0 then
+        local continues = is_record and position == start and position + length < stop
+        if continues and pinfo.can_desegment > 0 then
             pinfo.desegment_offset = offset
             pinfo.desegment_len = stop - position - length
             if not pinfo.visited then
-                place.side.pending = position
+                location.side.pending = position
             end
             break
         end
         if is_record and range:len() == record_size then
-            table.insert(texts, show_record(kind, place, range, pinfo, tree))
+            table.insert(texts, show_record(kind, location, range, pinfo, tree))
         elseif kind == "data" then
-            table.insert(texts, show_data(place, range, position, length, tree))
+            table.insert(texts, show_data(location, range, position, length, tree))
         else
-            table.insert(texts, show_odd(is_record and "fragment" or kind, range, tree))
+            table.insert(texts, show_other(is_record and "fragment" or kind, range, tree))
         end
         offset = offset + length
     end

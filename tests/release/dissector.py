@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
-"""dissector.py BIN: captures sessions of the programs in the folder BIN and compares what the
-dissector of examples/wireshark shows with what was sent. It needs tshark, and unshare and ip for a
-network of its own, where no port is taken and nothing else travels."""
+"""dissector.py BIN: captures sessions of the programs in the directory BIN and compares the output
+of the dissector in examples/wireshark with the data sent. It needs tshark, and unshare and ip for
+a network namespace without other traffic."""
 
 import os
 import pathlib
@@ -13,13 +13,12 @@ import time
 import zlib
 
 SOURCE = pathlib.Path(__file__).resolve().parents[2]
-PATIENCE = 60  # seconds for what takes some at most
+TIMEOUT = 60  # seconds for steps that take a few
 
 CONTENT = bytes(i * i // 251 % 256 for i in range(300_001))
 COMPLETE = ['0x00000001', '0x00000002', '0x00000003', '0x00000004', '0x00000005']
-# Of each session, which is a connection: the scenario, the file, the codes of the notifications and
-# what else is seen. Behind a record that the updater does not like, the device may or may not get a
-# word in.
+# Of each session, which is one connection: the scenario, the file, the codes of the notifications
+# and other fields. After a record that the updater rejects, the device may or may not send more.
 SESSIONS = [
     (None, CONTENT, COMPLETE, {'notification.restart': ['1']}),
     ('drip', CONTENT[:500], COMPLETE, {'notification.restart': ['1']}),
@@ -30,16 +29,16 @@ SESSIONS = [
     ('wrong-magic', b'x', COMPLETE[:1], {'wrong_magic': ['1']}),
     ('wrong-crc', CONTENT, COMPLETE[:2], {'wrong_crc': ['1']}),
 ]
-NOT_ALWAYS = ['notification.restart', 'notification.status', 'wrong_magic', 'wrong_crc', 'mismatch',
-              'error', 'unknown_code', 'incomplete', 'behind_trailer', 'no_beginning']
+OPTIONAL = ['notification.restart', 'notification.status', 'wrong_magic', 'wrong_crc', 'mismatch',
+              'error', 'unknown_code', 'incomplete', 'trailing_data', 'no_beginning']
 COLUMNS = ['request.file_size', 'request.file_crc', 'header.accept_token', 'header.file_size',
            'data', 'data.offset', 'data.length', 'data.progress', 'trailer.file_size',
            'trailer.file_crc', 'trailer.accept_token', 'notification.code',
-           'notification.accept_token'] + NOT_ALWAYS
+           'notification.accept_token'] + OPTIONAL
 
 
 def send_byte_by_byte(content, address):
-    """An updater whose segments hold a byte each, which the real one cannot be made to do."""
+    """An updater that sends each byte in a segment of its own, which the real one cannot do."""
     size, crc = len(content).to_bytes(4, 'big'), zlib.crc32(content).to_bytes(4, 'big')
     magic, complement = bytes.fromhex('E8B47CC3'), bytes.fromhex('174B833C')
     with socket.create_connection((address, 3007)) as connection:
@@ -56,7 +55,7 @@ def send_byte_by_byte(content, address):
             connection.recv(16, socket.MSG_WAITALL)
 
 
-def converse(programs, folder, address, scenario, content):
+def run_session(programs, directory, address, scenario, content):
     options = ['-s', SOURCE / f'examples/scenarios/{scenario}.conf'] if scenario else []
     with subprocess.Popen([programs / 'ravelink-device', '--once', '-b', f'{address}:3007',
                            *options], stdout=subprocess.PIPE, text=True) as device:
@@ -65,26 +64,27 @@ def converse(programs, folder, address, scenario, content):
             if scenario == 'drip':
                 send_byte_by_byte(content, address)
             else:
-                (folder / 'update.rvl').write_bytes(content)
-                subprocess.run([programs / 'ravelink', '-o', folder / 'update.rvl', '-a', address],
-                               stdout=subprocess.DEVNULL, timeout=PATIENCE, check=True)
-            device.communicate(timeout=PATIENCE)
+                update = directory / 'update.rvl'
+                update.write_bytes(content)
+                subprocess.run([programs / 'ravelink', '-o', update, '-a', address],
+                               stdout=subprocess.DEVNULL, timeout=TIMEOUT, check=True)
+            device.communicate(timeout=TIMEOUT)
         finally:
             device.kill()
 
 
-def capture_sessions(programs, folder, capture):
+def capture_sessions(programs, directory, capture):
     with subprocess.Popen(['dumpcap', '-q', '-i', 'lo', '-w', capture], stderr=subprocess.PIPE,
                           text=True) as dumpcap:
         try:
-            # It names the file once it captures.
+            # dumpcap prints the name of the file when the capture has started.
             next(line for line in dumpcap.stderr if line.startswith('File:'))
             for number, (scenario, content, *_) in enumerate(SESSIONS, 1):
-                converse(programs, folder, f'127.0.0.{number}', scenario, content)
-            end = b'behind the last session'
+                run_session(programs, directory, f'127.0.0.{number}', scenario, content)
+            end = b'after the last session'
             with socket.socket(type=socket.SOCK_DGRAM) as marker:
                 marker.sendto(end, ('127.0.0.1', 9))
-            give_up = time.monotonic() + PATIENCE
+            give_up = time.monotonic() + TIMEOUT
             while end not in capture.read_bytes():
                 if time.monotonic() > give_up:
                     sys.exit('*** The last packets are missing')
@@ -95,26 +95,27 @@ def capture_sessions(programs, folder, capture):
 
 def tshark(capture, *arguments):
     dissector = SOURCE / 'examples/wireshark/ravelink.lua'
-    ran = subprocess.run(['tshark', '-X', f'lua_script:{dissector}', '-r', capture, *arguments],
+    result = subprocess.run(['tshark', '-X', f'lua_script:{dissector}', '-r', capture, *arguments],
                          capture_output=True, text=True, check=False)
-    faults = [line for line in (ran.stderr + ran.stdout).splitlines() if 'lua' in line.lower()]
-    if ran.returncode != 0 or faults:
-        sys.exit('\n'.join([f'*** tshark {" ".join(arguments)}', ran.stderr, *faults[:4]]))
-    return ran.stdout.splitlines()
+    output = result.stderr + result.stdout
+    errors = [line for line in output.splitlines() if 'lua' in line.lower()]
+    if result.returncode != 0 or errors:
+        sys.exit('\n'.join([f'*** tshark {" ".join(arguments)}', result.stderr, *errors[:4]]))
+    return result.stdout.splitlines()
 
 
 def check(capture, *passes):
-    """Every value of each column, in their order, by the connection."""
+    """Compares the values of all columns, in order, with those of each session."""
     found = [{name: [] for name in COLUMNS} for _ in SESSIONS]
-    words = [word for name in COLUMNS for word in ('-e', f'ravelink.{name}')]
+    options = [word for name in COLUMNS for word in ('-e', f'ravelink.{name}')]
     for line in tshark(capture, *passes, '-Y', 'ravelink', '-T', 'fields', '-e', 'tcp.stream',
-                       *words):
+                       *options):
         stream, *values = line.split('\t')
         for name, value in zip(COLUMNS, values):
             found[int(stream)][name] += value.split(',') if value else []
     for (scenario, content, codes, more), seen in zip(SESSIONS, found):
         size, crc, token = [str(len(content))], [f'0x{zlib.crc32(content):08x}'], ['0x00000001']
-        expected = dict.fromkeys(NOT_ALWAYS, []) | more
+        expected = dict.fromkeys(OPTIONAL, []) | more
         expected |= {'request.file_size': size, 'request.file_crc': crc, 'notification.code': codes}
         seen['notification.code'] = seen['notification.code'][:len(codes)]
         if len(codes) > 1:
@@ -132,20 +133,20 @@ def check(capture, *passes):
 
 def main(programs):
     with tempfile.TemporaryDirectory() as name:
-        folder = pathlib.Path(name)
-        capture, damaged = folder / 'sessions.pcapng', folder / 'damaged.pcapng'
-        capture_sessions(programs, folder, capture)
-        # Once as frames come, and once as they are shown again.
+        directory = pathlib.Path(name)
+        capture, damaged = directory / 'sessions.pcapng', directory / 'damaged.pcapng'
+        capture_sessions(programs, directory, capture)
+        # In one pass, and in two.
         check(capture)
         check(capture, '-2')
-        # Cut frames, wrong bytes, and a capture that was started too late.
+        # Truncated frames, wrong bytes, and a capture without the start.
         for options, dropped in (['-s', '75'], []), (['-s', '90'], []), ([], ['1-50']), \
                 (['-E', '0.002', '--seed', '1'], []), (['-E', '0.02', '--seed', '2'], []):
             subprocess.run(['editcap', *options, capture, damaged, *dropped], check=True,
                            stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
             if not any('Ravelink' in line for line in tshark(damaged, '-2', '-V')):
-                sys.exit(f'*** Nothing is left after editcap {" ".join(options + dropped)}')
-    print(f'{len(SESSIONS)} sessions, all shown as they were')
+                sys.exit(f'*** Nothing dissected after editcap {" ".join(options + dropped)}')
+    print(f'{len(SESSIONS)} sessions dissected correctly')
 
 
 if __name__ == '__main__':
