@@ -1,5 +1,5 @@
-"""picture.py BIN PICTURE: runs an update with the programs in the folder BIN, in a terminal, and
-draws what the terminal shows as an SVG."""
+"""screenshot.py BIN FILE: runs an update with the programs in the directory BIN in a terminal and
+draws the terminal as an SVG."""
 
 import io
 import pathlib
@@ -15,7 +15,7 @@ from rich.text import Text
 ADDRESS = "10.0.0.7:3007"
 COLUMNS = 80
 
-# Run in a network of its own, where the address is free and nobody else can be reached.
+# Run in a network namespace: the address is free, and no other host is reachable.
 SESSION = """
 set -e
 ip link set lo up
@@ -31,7 +31,7 @@ tmux -S tmux.sock kill-server
 wait
 """
 
-# Of the library's frame, without the fonts that it would fetch from elsewhere.
+# The library's format without its web fonts.
 FRAME = """<svg viewBox="0 0 {width} {height}" xmlns="http://www.w3.org/2000/svg" xml:space="preserve">
 <style>
 .{unique_id}-matrix {{ font-family: monospace; font-size: {char_height}px;
@@ -57,33 +57,33 @@ FRAME = """<svg viewBox="0 0 {width} {height}" xmlns="http://www.w3.org/2000/svg
 
 
 def screen(binaries):
-    """What the terminal shows after an update, with its colours as escape sequences."""
+    """Returns the content of the terminal after an update, with colours as escape sequences."""
     examples = pathlib.Path(__file__).parent.parent / "examples" / "packing"
-    with tempfile.TemporaryDirectory() as folder:
+    with tempfile.TemporaryDirectory() as directory:
         for file in examples.iterdir():
-            pathlib.Path(folder, file.name).write_bytes(file.read_bytes())
-        # The same bytes each time, or the picture would change.
-        pathlib.Path(folder, "firmware.bin").write_bytes(bytes(3_000_000))
+            pathlib.Path(directory, file.name).write_bytes(file.read_bytes())
+        # The same bytes each time, so that the screenshot does not change.
+        pathlib.Path(directory, "firmware.bin").write_bytes(bytes(3_000_000))
         subprocess.run([binaries / "ravelink-pack", "-b", "update.conf", "-o", "update.rvl"],
-                       cwd=folder, check=True, stdout=subprocess.DEVNULL)
+                       cwd=directory, check=True, stdout=subprocess.DEVNULL)
         environment = {"BIN": str(binaries), "ADDRESS": ADDRESS, "COLUMNS": str(COLUMNS),
                        "PATH": "/usr/sbin:/usr/bin:/sbin:/bin", "LC_ALL": "C.UTF-8",
                        "TERM": "xterm-256color"}
-        ran = subprocess.run(["unshare", "--map-root-user", "--net", "sh", "-c", SESSION],
-                             cwd=folder, env=environment, check=True,
-                             stdout=subprocess.PIPE, text=True, timeout=60)
-        return ran.stdout.rstrip()
+        result = subprocess.run(["unshare", "--map-root-user", "--net", "sh", "-c", SESSION],
+                                cwd=directory, env=environment, check=True,
+                                stdout=subprocess.PIPE, text=True, timeout=60)
+        return result.stdout.rstrip()
 
 
 def main():
-    binaries, picture = pathlib.Path(sys.argv[1]).resolve(), sys.argv[2]
+    binaries, file = pathlib.Path(sys.argv[1]).resolve(), sys.argv[2]
     shown = screen(binaries)
     last = "The device is updated and it will restart itself if needed."
     if last not in re.sub(r"\x1b\[[0-9;]*m", "", shown):
-        sys.exit(f"The update was not completed:\n{shown}")
+        sys.exit(f"The update failed:\n{shown}")
     console = Console(record=True, width=COLUMNS, file=io.StringIO())
     console.print(Text.from_ansi(shown))
-    console.save_svg(picture, title="ravelink", theme=MONOKAI, code_format=FRAME,
+    console.save_svg(file, title="ravelink", theme=MONOKAI, code_format=FRAME,
                      unique_id="ravelink")
 
 
