@@ -1,7 +1,7 @@
-"""The programs under test, and what their tests share.
+"""The programs under test, and the fixtures of their tests.
 
-RAVELINK_BIN is the directory of the built programs. RAVELINK_EMULATOR runs them if they are Windows
-programs; RAVELINK_UPDATER and RAVELINK_SIMULATED_DEVICE are other commands for these two.
+RAVELINK_BIN is the directory of the built programs. RAVELINK_EMULATOR is the command that runs Windows
+programs. RAVELINK_UPDATER and RAVELINK_SIMULATED_DEVICE replace the commands of these two programs.
 """
 
 import os
@@ -36,7 +36,7 @@ def source(path):
 
 
 def golden(name):
-    """A file of expected output or of input."""
+    """Returns the content of a file of expected output, or of input."""
     return source(f"tests/programs/golden/{name}")
 
 
@@ -46,7 +46,7 @@ class Result(NamedTuple):
 
 
 def run(command, timeout=120, **options):
-    """Runs a command, a list or a shell's line, and returns the lines of its output."""
+    """Runs a command, a list or a shell command line, and returns its output and exit status."""
     ended = subprocess.run(command, stdout=subprocess.PIPE, shell=isinstance(command, str),
                            timeout=timeout, check=False, **options)
     assert ended.stdout[-1:] in (b"", b"\n")
@@ -63,7 +63,7 @@ def wait_until(condition):
 
 
 class Directory:
-    """A fresh directory, called "@" in arguments and lines: "@@" is its path, "@a" a file in it."""
+    """A new directory. In arguments and lines "@@" is its path, and "@a" the file "a" in it."""
 
     def __init__(self, path):
         self.path = path
@@ -84,7 +84,7 @@ class Directory:
         return (self.path / name).read_bytes()
 
     def files(self, below=""):
-        """The sorted paths of all entries that are not directories."""
+        """Returns the sorted paths of all entries except directories."""
         top = self.path / below
         return sorted(entry.relative_to(top).as_posix() for entry in top.rglob("*")
                       if entry.is_symlink() or not entry.is_dir())
@@ -96,7 +96,7 @@ def directory(tmp_path):
 
 
 class Device:
-    """ravelink-device with these options, which ends after one update on each address."""
+    """ravelink-device with these options. It exits after one update on each address."""
 
     def __init__(self, log, options, count, prefix, **started):
         self.log = log
@@ -119,13 +119,13 @@ class Device:
         return self.addresses[0]
 
     def wait(self):
-        """Waits for its end and returns the exit status."""
+        """Waits for the device to exit and returns its exit status."""
         return self.process.wait(60)
 
 
 @pytest.fixture
 def device(tmp_path_factory):
-    """Starts devices, which are ended after the test at the latest."""
+    """Starts devices. Those still running after the test are killed."""
     started = []
 
     def start(*options, count=1, prefix=(), **how):
@@ -146,7 +146,7 @@ def ravelink():
 
 
 class Pack:
-    """ravelink-pack in a fresh directory."""
+    """ravelink-pack in a new directory."""
 
     banner = f"ravelink-pack {VERSION} (Halvoren) - Update Archives"
 
@@ -155,7 +155,7 @@ class Pack:
         self.command = built("pack_program")
 
     def __call__(self, arguments, status=0):
-        """Runs it, checks its exit status, and returns the lines after the banner."""
+        """Runs ravelink-pack, checks its exit status, and returns the lines after the banner."""
         words = [self.directory.at(word) for word in shlex.split(arguments)]
         result = run(self.command + words)
         assert result.status == status, (arguments, result)
@@ -163,13 +163,13 @@ class Pack:
         return lines[1:] if lines[:1] == [self.banner] else lines
 
     def errors(self, arguments):
-        """The lines of a failing run, without "*** " and the empty line that ends them."""
+        """Returns the lines of a failing run, without "*** " and without the final empty line."""
         *lines, end = self(arguments, 1)
         assert end == "" and all(line.startswith("*** ") for line in lines)
         return [line[4:] for line in lines]
 
     def golden(self, name, *words):
-        """Writes an archive that the library's own code has no part in, and returns its bytes."""
+        """Writes an archive with an independent encoder, and returns its bytes."""
         path = self.directory.at("@" + name)
         subprocess.run(built("write_golden") + [path, *words], check=True)
         return self.directory.read(name)

@@ -1,4 +1,4 @@
-"""The documents, compared with the code and with what the programs do."""
+"""The documents, compared with the sources and with the behaviour of the programs."""
 
 import re
 
@@ -6,18 +6,18 @@ import pytest
 
 from conftest import SOURCE, built, run, source
 
-PROGRAMS = ("ravelink", "ravelink-pack", "ravelink-device")
-DIRECTORIES = {"ravelink": "update", "ravelink-pack": "pack", "ravelink-device": "device"}
+PROGRAMS = re.search(r"^set\(programs (.*)\)$", source("CMakeLists.txt"), re.M)[1].split()
+DIRECTORIES = {name: name.partition("-")[2] or "update" for name in PROGRAMS}
 
 
 def blocks(text, kind):
-    """The lines of all blocks between "```kind" and "```"."""
+    """Returns the lines of all blocks between "```kind" and "```"."""
     return "".join(re.findall(rf"^```{re.escape(kind)}\n(.*?)^```", text, re.M | re.S))
 
 
 def dumped(dump):
-    """The bytes of a dump: an offset, then up to 16 bytes, their characters after "|"; "*" repeats
-    the line before it up to the next offset."""
+    """Returns the bytes of a hex dump. A line is an offset, up to 16 bytes, and "|" with their
+    characters; "*" repeats the line before it up to the next offset."""
     data = b""
     for line in dump.splitlines():
         if line == "*":
@@ -37,8 +37,9 @@ def part(text, begin, end):
 # Errors
 
 
-# The ways to report: their look in a source, with ` for a quote within a text, and their line. Any
-# other text must be documented too, except steps, progress, names of programs and single words.
+# The ways to report an error: a pattern of the source, in which ` is a quote within a string, and the
+# line printed. Other strings must be documented, too, except those that UNDOCUMENTED matches: steps,
+# progress, names of programs and single words.
 WAYS = (
     (r'rrors\.Add\("([^"]+)", shown', r"\1: ..."),
     (r'(?:QuitWithError|rrors_?\.Add|\bfault)\(\s*"([^"]+)",[^";]*"([^"]+)"', r"\1: \2"),
@@ -68,7 +69,7 @@ def as_line(text):
 
 
 def errors_of(program):
-    """The error lines of a program's sources, and the rest of their texts."""
+    """Returns the error lines of a program's sources, and their other strings."""
     code = code_of(program)
     conf = {"ravelink-pack": "manifest", "ravelink-device": "scenario"}.get(program, "")
     lines = set()
@@ -90,7 +91,7 @@ def test_each_error_is_documented_once_and_nothing_else():
     for scenario in (SOURCE / "examples/scenarios").iterdir():
         for end in re.findall(r"\*{3} (.*)", scenario.read_text()):
             assert re.sub(r"FILE|5(?= min)", "...", end) in errors_of("ravelink")[0], scenario
-    # Users next to a device need all of these, for every line.
+    # Every entry needs all of these.
     count = sections["ravelink"].count("\n`*** ")
     for label in ("Means", "Step", "Next", "Switch off"):
         assert sections["ravelink"].count(f"\n- {label}: ") == count, label
@@ -100,13 +101,13 @@ def test_each_error_is_documented_once_and_nothing_else():
 
 
 def names(text, pattern):
-    """The two parts of each match as "a|b", with a "=" if the third part matched."""
+    """Returns the first two groups of each match as "a|b", with a "=" if the third matched."""
     return {f"{found[1]}|{found[2]}" + ("=" if found.lastindex == 3 else "")
             for found in re.finditer(pattern, text)}
 
 
 def offered(*words, cwd=None):
-    """What bash completes the last of the words with."""
+    """Returns the completions that bash offers for the last argument."""
     script = """source "$0/completions/ravelink.bash"; known=($(complete -p $1))
 COMP_WORDS=("$@") COMP_CWORD=$(($# - 1)) last=${!#}; ${known[2]} $1 "${last#=}"
 IFS=,; echo "${COMPREPLY[*]}\""""
@@ -177,14 +178,14 @@ def test_the_example_archive_is_what_its_manifest_gives(pack, directory):
 
 
 def traffic(lines, arrow):
-    """The records that a device logs in hexadecimal, received ("<") or sent (">")."""
+    """Returns the records in a device's log, received ("<") or sent (">")."""
     return [bytes.fromhex(found[1]) for line in lines
             if (found := re.fullmatch(rf" *[0-9.]+ s {arrow}((?: [0-9A-F]{{8}})+)", line))]
 
 
 def test_the_examples_of_the_protocol_are_the_traffic(device, directory, ravelink):
-    """Updater and device share the records and would share a fault in them: the document pins the
-    bytes."""
+    """Updater and device share the code of the records, and so its faults. The document is
+    independent."""
     text = source("docs/protocol.md")
     update = directory.write("update.rvl", "123456789")
     served = device("-v", "-d", str(directory.path))
@@ -202,7 +203,7 @@ def test_the_examples_of_the_protocol_are_the_traffic(device, directory, ravelin
 
 
 def numbers(text, begin, end):
-    """The names and numbers that lines begin with, whichever comes first, from begin to end."""
+    """Returns the names and numbers at the start of lines, in either order, from begin to end."""
     rows = re.findall(r"^\W*(?:(\d\w*)\W+([A-Za-z]\w*)|([A-Za-z]\w*)\W+(\d\w*))",
                       part(text, begin, end), re.M)
     return {first or second: int(one or other, 0) for one, first, second, other in rows}
@@ -231,13 +232,12 @@ def test_numbers_of_the_protocol_agree():
 
 
 def anchors(document):
-    """What a "#" in a link to the document may be followed by: its headings as readers make anchors
-    of them."""
+    """Returns the anchors of a document's headings, as in links after "#"."""
     headings = re.findall(r"^#+ (.*)", document.read_text(), re.M)
     return {re.sub(r"[^\w -]", "", heading).replace(" ", "-").lower() for heading in headings}
 
 
-def test_links_lead_somewhere():
+def test_links_are_valid():
     checked = 0
     for document in [SOURCE / "README.md", SOURCE / "CHANGELOG.md", *(SOURCE / "docs").iterdir()]:
         for path, anchor in re.findall(r"\]\(([^):#]*)#?([^):]*)\)", document.read_text()):

@@ -6,7 +6,7 @@
 
 namespace support {
 
-/// Keeps the last progress of a copy and cancels it once more than most bytes are done.
+/// Records the last progress of a copy and cancels it after more than most bytes.
 struct CopyWatcher : core::ICopyCallback {
     bool Copied(long long nowDone, long long nowTotal) override {
         done = nowDone;

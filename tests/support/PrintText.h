@@ -6,7 +6,7 @@
 
 namespace core {
 
-/// Lets a failed comparison show the text instead of its bytes.
+/// Makes a failed comparison print the string instead of its bytes.
 inline void PrintTo(String const& text, std::ostream* out) {
     *out << '"' << text.getCString() << '"';
 }

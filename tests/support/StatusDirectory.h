@@ -5,8 +5,8 @@
 
 namespace support {
 
-/// Keeps the status file of an application that is constructed after it out of the system's folder:
-/// a base class or a member that stands before the application.
+/// A new directory for the status file of every application constructed later. Use it as the first
+/// base class, or as a member before the application.
 struct StatusDirectory : TemporaryDirectory {
     StatusDirectory() { core::AppStatus::SetDirectory(Path().c_str()); }
 };

@@ -1,13 +1,17 @@
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include <filesystem>
 #include <fstream>
 #include <random>
 #include <string>
 
+#include "core/text/String.h"
+
 namespace support {
 
-/// A fresh folder that is removed with all it holds.
+/// A new directory, removed with its content by the destructor.
 class TemporaryDirectory {
 public:
     TemporaryDirectory() {
@@ -26,7 +30,7 @@ public:
 
     std::string Path() const { return path_.string(); }
     std::string PathOf(std::string const& name) const { return (path_ / name).string(); }
-    /// Makes a file and returns its path.
+    /// Creates a file and returns its path.
     std::string Write(std::string const& name, std::string const& content) const {
         std::string path = PathOf(name);
         std::ofstream(path, std::ios::binary) << content;
@@ -35,6 +39,14 @@ public:
 
 private:
     std::filesystem::path path_;
+};
+
+/// A test with a new directory, which contains its paths.
+class DirectoryTest : public testing::Test {
+protected:
+    core::String Path(std::string const& name) const { return directory_.PathOf(name).c_str(); }
+
+    TemporaryDirectory directory_;
 };
 
 }  // namespace support

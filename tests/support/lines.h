@@ -11,7 +11,7 @@
 
 namespace support {
 
-/// Splits at line feeds; what follows the last one counts as a line when it is not empty.
+/// Splits at line feeds. Text after the last one is a line if it is not empty.
 inline std::vector<std::string> linesOf(std::string const& text) {
     std::vector<std::string> lines;
     std::istringstream stream(text);
@@ -21,20 +21,20 @@ inline std::vector<std::string> linesOf(std::string const& text) {
     return lines;
 }
 
-/// The bytes of a file; none when it cannot be read.
+/// Returns the content of a file, or an empty string if it cannot be read.
 inline std::string contentOf(std::string const& path) {
     std::ifstream file(path, std::ios::binary);
     return {std::istreambuf_iterator<char>(file), {}};
 }
 
-/// What action writes to standard output.
+/// Returns the standard output of action.
 inline std::string outputOf(std::function<void()> const& action) {
     testing::internal::CaptureStdout();
     action();
     return testing::internal::GetCapturedStdout();
 }
 
-/// Every occurrence of find in text replaced.
+/// Returns text with every occurrence of find replaced.
 inline std::string replaced(std::string text, std::string const& find, std::string const& with) {
     for (auto at = text.find(find); at != std::string::npos;
          at = text.find(find, at + with.size())) {

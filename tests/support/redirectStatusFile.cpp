@@ -2,7 +2,7 @@
 
 namespace {
 
-// Linked into a program, it keeps the program's status file out of the system's folder.
-support::StatusDirectory const elsewhere;
+// Linked into a program, redirects its status file to a temporary directory.
+support::StatusDirectory const directory;
 
 }  // namespace

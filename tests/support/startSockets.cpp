@@ -2,7 +2,7 @@
 
 namespace {
 
-// Linked into a test program, it does what a program does before its first socket.
+// Linked into a test program, initialises the socket library.
 bool const started = sys::platform::startSockets();
 
 }  // namespace

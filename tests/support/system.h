@@ -5,21 +5,20 @@
 
 #include "sys/platform/PathStyle.h"
 
-// The system that the tests run on, where it shows.
-
 namespace support {
 
 inline bool onWindows() {
     return sys::pathStyle().hasDrives;
 }
 
-/// Sets a variable of the process's environment; null removes it. False when the system refuses.
+/// Sets an environment variable; a null value removes it. Returns false on failure.
 bool setVariable(char const* name, char const* value);
 
-/// How many files, sockets and the like this process has open; 0 where the system does not tell.
+/// Returns the number of open descriptors or handles of the process, or 0 if unknown.
 long openDescriptors();
 
-/// A pipe that a shell command line writes to; closing it waits for the command's exit status.
+/// Starts a shell command line and returns a pipe to read its output from. closePipe waits for the
+/// command and returns its exit status.
 std::FILE* openPipe(std::string const& command);
 int closePipe(std::FILE* pipe);
 

@@ -3,7 +3,7 @@
 #include "sys/AtomicFile.h"
 #include "sys/dir.h"
 #include "sys/file.h"
-#include "tests/support/DirectoryTest.h"
+#include "tests/support/TemporaryDirectory.h"
 #include "tests/support/PrintText.h"
 
 namespace {

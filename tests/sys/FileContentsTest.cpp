@@ -6,8 +6,8 @@
 #include <vector>
 
 #include "sys/file.h"
-#include "tests/support/DirectoryTest.h"
 #include "tests/support/PrintText.h"
+#include "tests/support/TemporaryDirectory.h"
 #include "tests/support/system.h"
 
 namespace {

@@ -5,8 +5,8 @@
 
 #include "core/crc/crc32.h"
 #include "sys/file.h"
-#include "tests/support/DirectoryTest.h"
 #include "tests/support/PrintText.h"
+#include "tests/support/TemporaryDirectory.h"
 #include "tests/support/system.h"
 
 namespace {

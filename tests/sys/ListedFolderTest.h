@@ -1,7 +1,7 @@
 #pragma once
 
 #include "sys/file.h"
-#include "tests/support/DirectoryTest.h"
+#include "tests/support/TemporaryDirectory.h"
 
 /// A test with a fresh folder of which it sees all names.
 class ListedFolderTest : public support::DirectoryTest {

@@ -3,7 +3,7 @@
 #include <cerrno>
 
 #include "core/stream/FileStream.h"
-#include "tests/support/DirectoryTest.h"
+#include "tests/support/TemporaryDirectory.h"
 #include "tests/support/system.h"
 
 namespace {

@@ -7,14 +7,14 @@
 
 namespace support {
 
-/// A disk of 64 KiB on a folder, which only this process sees, and only as long as this lives.
+/// Mounts a disk of 64 KiB on a directory while alive, visible to this process only.
 class SmallDisk {
 public:
-    explicit SmallDisk(std::string const& folder)
-        : directory_(folder),
+    explicit SmallDisk(std::string const& directory)
+        : directory_(directory),
           mounted_(unshare(CLONE_NEWNS) == 0 &&
                    mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0 &&
-                   mount("disk", folder.c_str(), "tmpfs", 0, "size=64k") == 0) {}
+                   mount("disk", directory.c_str(), "tmpfs", 0, "size=64k") == 0) {}
     SmallDisk(SmallDisk const&) = delete;
     ~SmallDisk() {
         if (mounted_) {
@@ -22,7 +22,7 @@ public:
         }
     }
 
-    /// False when it is not allowed.
+    /// False if mounting is not permitted.
     bool IsMounted() const { return mounted_; }
 
 private:

@@ -5,7 +5,7 @@
 
 namespace support {
 
-/// Takes root's powers away from the process for a while, so that access rights count.
+/// Runs the process without root's privileges while alive, so that permissions apply.
 class Unprivileged {
 public:
     Unprivileged() { EXPECT_EQ(seteuid(getuid() == 0 ? 65534 : getuid()), 0); }

@@ -6,8 +6,8 @@
 
 #include "sys/dir.h"
 #include "sys/file.h"
-#include "tests/support/DirectoryTest.h"
 #include "tests/support/PrintText.h"
+#include "tests/support/TemporaryDirectory.h"
 #include "tests/support/posix/Unprivileged.h"
 #include "tests/sys/expectPaths.h"
 
