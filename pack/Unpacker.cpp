@@ -191,7 +191,7 @@ int Unpacker::Write(std::size_t index, ConfinedDirectory const& directory, bool 
     if (!all.Copied(0, 0)) {
         return -ECANCELED;  // an empty file is copied without a report
     }
-    long long const copied = data ? data->CopyTo(target, false, false, &all) : -EIO;
+    long long const copied = data ? data->CopyTo(target, {.callback = &all}) : -EIO;
     // Not durable: there can be thousands of files.
     return copied < 0
                ? static_cast<int>(copied)

@@ -17,7 +17,8 @@ int copyInto(core::String const& to, bool replace, core::FileStream& source, boo
     if (created != 0) {
         return created;
     }
-    long long const copied = source.CopyTo(target, sparse, sync, callback);
+    long long const copied =
+        source.CopyTo(target, {.sparse = sparse, .sync = sync, .callback = callback});
     if (copied < 0) {
         return static_cast<int>(copied);
     }

@@ -27,7 +27,7 @@ int readRegular(core::MemoryStream& memory, core::String const& path) {
     if (file.Size() > INT_MAX) {
         return -EFBIG;
     }
-    long long const copied = file.CopyTo(memory, false, false, nullptr);
+    long long const copied = file.CopyTo(memory);
     if (copied < 0) {
         return static_cast<int>(copied);
     }

@@ -85,10 +85,11 @@ int Stream::WriteAll(void const* data, int count) {
     return 0;
 }
 
-long long Stream::CopyTo(Stream& target, bool sparse, bool sync, ICopyCallback* callback) {
+long long Stream::CopyTo(Stream& target, CopyOptions const& options) {
+    ICopyCallback* const callback = options.callback;
     long long const total = callback != nullptr ? remainingBytes(*this) : -1;
     std::vector<char> chunk(copyChunkSize);
-    ChunkWriter writer(target, sparse);
+    ChunkWriter writer(target, options.sparse);
     for (long long done = 0;;) {
         if (callback != nullptr && !callback->Copied(done, total)) {
             return -ECANCELED;
@@ -99,7 +100,7 @@ long long Stream::CopyTo(Stream& target, bool sparse, bool sync, ICopyCallback* 
         }
         if (received == 0) {
             int const finished = writer.Finish();
-            int const result = finished == 0 && sync ? target.Sync() : finished;
+            int const result = finished == 0 && options.sync ? target.Sync() : finished;
             return result == 0 ? done : result;
         }
         int const result = writer.Write(chunk.data(), received);

@@ -7,6 +7,16 @@
 
 namespace core {
 
+struct CopyOptions {
+    /// Seek over chunks of NUL instead of writing them, which creates holes in a file. The target
+    /// must be seekable and contain nothing from its position on.
+    bool sparse = false;
+    /// Finally call the target's Sync.
+    bool sync = false;
+    /// Receives the progress; null: none.
+    ICopyCallback* callback = nullptr;
+};
+
 /// Base of the library's streams: shared objects with a position. Failures are negative errno
 /// values. Positions and sizes are in bytes; streams without them, such as pipes, return -ESPIPE.
 class Stream : public BasicClass, public IStream {
@@ -30,12 +40,9 @@ public:
     int WriteAll(void const* data, int count);
 
     /// Copies the rest of this stream to target. Returns the number of bytes copied or the negative
-    /// errno value of the failed step: -ECANCELED if callback (null: none) cancels the copy. A
-    /// failed copy leaves data in target.
-    /// - sparse: seeks over chunks of NUL instead of writing them, which creates holes in a file.
-    ///   Target must be seekable and contain nothing from its position on.
-    /// - sync: finally calls target's Sync.
-    long long CopyTo(Stream& target, bool sparse, bool sync, ICopyCallback* callback);
+    /// errno value of the failed step: -ECANCELED if the callback cancels the copy. A failed copy
+    /// leaves data in target.
+    long long CopyTo(Stream& target, CopyOptions const& options = {});
 };
 
 /// Returns the new position of a stream for Stream::Seek, given its position and size: a negative

@@ -49,7 +49,7 @@ TEST(Copy, IsTheSourceToTheByteWithHolesAndWithout) {
                 MemoryStream source(content);
                 MemoryStream target;
                 CopyWatcher watcher;
-                EXPECT_EQ(source.CopyTo(target, sparse, true, &watcher), size);
+                EXPECT_EQ(source.CopyTo(target, {sparse, true, &watcher}), size);
                 EXPECT_EQ(target.Content(), content) << size << ", blank from " << blankFrom;
                 EXPECT_EQ(watcher.done, size);
                 EXPECT_EQ(watcher.total, size);
@@ -63,24 +63,25 @@ TEST(Copy, ReturnsTheErrorOfTheStepThatFailed) {
     for (int const failure : {-ENOSPC, 0}) {
         FrailStream full(3500, failure);
         source.Seek(0);
-        EXPECT_EQ(source.CopyTo(full, false, false, nullptr), failure == 0 ? -EIO : failure);
+        EXPECT_EQ(source.CopyTo(full), failure == 0 ? -EIO : failure);
         EXPECT_EQ(full.Content(), bytes(3500));
         EXPECT_EQ(source.WriteTo(full), failure == 0 ? -1 : failure);
     }
     FrailStream unsafe(INT_MAX, 0);
     FileStream closed;
-    EXPECT_EQ(closed.WriteTo(unsafe) + closed.CopyTo(unsafe, true, true, nullptr), -2 * EBADF);
+    EXPECT_EQ(closed.WriteTo(unsafe) + closed.CopyTo(unsafe, {.sparse = true, .sync = true}),
+              -2 * EBADF);
     source.Seek(0);
     EXPECT_EQ(source.WriteTo(unsafe), 2 * piece);
     EXPECT_EQ(unsafe.Content(), source.Content());
     source.Seek(0);
-    EXPECT_EQ(source.CopyTo(unsafe, false, true, nullptr), -EIO) << "its Sync fails";
+    EXPECT_EQ(source.CopyTo(unsafe, {.sync = true}), -EIO) << "its Sync fails";
     for (long long const most : {-1, 0, piece}) {
         MemoryStream target;
         CopyWatcher watcher;
         watcher.most = most;
         source.Seek(0);
-        EXPECT_EQ(source.CopyTo(target, false, false, &watcher), -ECANCELED);
+        EXPECT_EQ(source.CopyTo(target, {.callback = &watcher}), -ECANCELED);
         EXPECT_EQ(target.Size(), watcher.done);
     }
 }

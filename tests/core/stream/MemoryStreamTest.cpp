@@ -19,7 +19,7 @@ class Pipe : public Stream {
 TEST(MemoryStream, IsASeekableStream) {
     Pipe pipe;
     EXPECT_EQ(pipe.Seek(0) + pipe.Size() + pipe.Sync(), -2 * ESPIPE);
-    EXPECT_EQ(MemoryStream(Buffer("\0", 1)).CopyTo(pipe, true, false, nullptr), -ESPIPE);
+    EXPECT_EQ(MemoryStream(Buffer("\0", 1)).CopyTo(pipe, {.sparse = true}), -ESPIPE);
     EXPECT_EQ(std::string(pipe.ClassName()) + MemoryStream().ClassName(), "StreamMemoryStream");
 }
 
