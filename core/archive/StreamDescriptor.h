@@ -8,13 +8,13 @@ namespace core {
 
 class StreamSequencer;
 
-/// What an archive says of one of its files. Texts are UTF-8.
+/// The metadata of one file of an archive. Texts are UTF-8.
 class StreamDescriptor {
 public:
     enum class Text { name, destination, owner, group, commandLine };
     static constexpr int textCount = 5;
 
-    /// A file of the archive owner, which must outlive it.
+    /// Belongs to the archive owner, which must outlive it.
     explicit StreamDescriptor(StreamSequencer const& owner) : owner_(owner) {}
 
     String const& GetText(Text which) const { return texts_[static_cast<std::size_t>(which)]; }
@@ -22,19 +22,19 @@ public:
     String const& GetName() const { return GetText(Text::name); }
     String const& GetDestination() const { return GetText(Text::destination); }
 
-    /// Where the file was taken from; an archive does not keep it.
+    /// The path of the file that is archived. An archive does not store it.
     String const& GetOriginalPath() const { return originalPath_; }
     void SetOriginalPath(String const& path) { originalPath_ = path; }
 
-    /// See archive::FileFlag; the other bits are for the tools that install the archive.
+    /// Bits of archive::FileFlag, and bits for the program that installs the archive.
     unsigned GetFlags() const { return flags_; }
     void SetFlags(unsigned flags) { flags_ = flags; }
-    /// The permission bits.
+    /// Permission bits, such as 0755.
     unsigned GetAttributes() const { return attributes_; }
     void SetAttributes(unsigned attributes) { attributes_ = attributes; }
 
-    /// Where its data begin, counted from the start of all data, and their number, in bytes. Of an
-    /// archive that was read they are what it claims.
+    /// Offset of the data from the start of all data, and their size, in bytes. Those of an archive
+    /// read from a stream are not validated: see StreamSequencerReader::FindMisplacedFile.
     unsigned long long GetOffset() const { return offset_; }
     unsigned long long GetSize() const { return size_; }
     void SetExtent(unsigned long long offset, unsigned long long size) {
@@ -42,11 +42,11 @@ public:
         size_ = size;
     }
 
-    /// Whether its flags or the archive's mode ask for scrambled data. In mode None the data are
-    /// plain all the same, because the archive carries no key.
+    /// Whether the flags or the archive's mode require scrambled data. In mode None data are plain
+    /// even then, because the archive has no key.
     bool IsCryptEnabled() const;
-    /// Scrambles or unscrambles, which is the same, length bytes of its data from position on.
-    /// Does nothing in mode None or unless IsCryptEnabled.
+    /// Scrambles or unscrambles (the same operation) length bytes of the data, which start at
+    /// position. Does nothing in mode None or unless IsCryptEnabled.
     void CryptBlock(void* data, int length, unsigned long long position) const;
 
 private:

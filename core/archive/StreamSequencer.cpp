@@ -71,7 +71,7 @@ void StreamSequencer::UpdateCRC(void const* data, int length) {
 void StreamSequencer::CryptBlock(void* data, int length, unsigned long long position) const {
     unsigned char key[keySize];
     archive::putWord<std::uint32_t>(GetCryptKey(), key);
-    // The key as it lies over data, repeated to the width of a word.
+    // The key, aligned with data and repeated to the width of a word.
     unsigned char pattern[2 * keySize];
     for (unsigned i = 0; i < sizeof pattern; ++i) {
         pattern[i] = key[(position + i) % keySize];

@@ -10,14 +10,14 @@
 
 namespace core {
 
-/// An archive (a stream sequence) in memory: what it says of itself and of each of its files, the
-/// CRC of its stream and the scrambling. The files' data stay where they are. Texts are UTF-8.
+/// The metadata of an archive (a stream sequence) and of its files, the CRC of its stream and the
+/// scrambling. It does not contain the data of the files. Texts are UTF-8.
 class StreamSequencer : public BasicClass {
 public:
-    /// What stands scrambled. A file's own flags may ask for another treatment of its data.
+    /// The scrambled parts. The flags of a file may override the mode for its data.
     enum class CryptMode { None = 0, Headers = 1, Data = 2, All = 3 };
 
-    /// Calls core::crc::init, so that programs without an Application may use archives too.
+    /// Calls core::crc::init, so that programs without an Application can use archives.
     StreamSequencer();
     StreamSequencer(StreamSequencer const&) = delete;
     StreamSequencer& operator=(StreamSequencer const&) = delete;
@@ -33,39 +33,40 @@ public:
     bool IsCryptHeadersEnabled() const;
     bool IsCryptDataEnabled() const;
 
-    /// The key as the stream carries it: bit 31 - i of the key is bit 2i + 1 of the block, the
-    /// other bits mean nothing.
+    /// The key as stored in the stream: bit 31 - i of the key is bit 2i + 1 of the block. The other
+    /// bits are filler.
     unsigned long long GetCryptKeyBlock() const { return keyBlock_; }
     void SetCryptKeyBlock(unsigned long long block) { keyBlock_ = block; }
-    /// Sets a block whose meaningless bits are 0.
+    /// Sets a block with this key, filled with 0 bits.
     void SetCryptKey(unsigned key);
-    /// The key of the block, also in mode None, in which the stream carries no key.
+    /// Returns the key in the block, even in mode None, in which the stream has no key.
     unsigned GetCryptKey() const;
 
-    /// Each may be missing; an empty text is there.
+    // Each may be missing, which differs from an empty text.
     std::optional<unsigned long long> uniqueId;
     std::optional<String> sourceId;
     std::optional<String> targetId;
 
-    /// Texts "name=value" that concern the whole archive.
+    /// Texts "name=value" that apply to the whole archive.
     StringArray const& Attributes() const { return attributes_; }
     void AddAttribute(String const& text) { attributes_.Add(text); }
     void AddAttribute(String const& name, String const& value) { attributes_.Add(name, value); }
 
     int FileCount() const { return static_cast<int>(files_.size()); }
-    /// A file stays where it is in memory; index must be valid.
+    /// The index must be valid. References remain valid when files are added.
     StreamDescriptor& File(int index) { return files_[static_cast<std::size_t>(index)]; }
     StreamDescriptor const& File(int index) const {
         return files_[static_cast<std::size_t>(index)];
     }
 
-    /// The CRC-32 of the stream so far.
+    // The CRC-32 of the stream so far.
+
     void ResetCRC() { crc_ = 0; }
     void UpdateCRC(void const* data, int length);
     unsigned GetCRC() const { return crc_; }
 
-    /// Combines the length bytes at position (in bytes) of a scrambled region with the key by
-    /// exclusive or, whatever the mode: the caller decides. The two are the same operation.
+    /// Combines length bytes of a scrambled region, which start at position, with the key by
+    /// exclusive or. Both functions do the same; neither regards the mode.
     void CryptBlock(void* data, int length, unsigned long long position) const;
     void UncryptBlock(void* data, int length, unsigned long long position) const {
         CryptBlock(data, length, position);
@@ -73,7 +74,7 @@ public:
 
 protected:
     StreamDescriptor& AppendFile() { return files_.emplace_back(*this); }
-    /// Forgets all but the files.
+    /// Resets everything except the files.
     void ClearHeaders();
 
 private:

@@ -70,7 +70,7 @@ ClassRef<Stream> StreamSequencerBuilder::OpenData(int index, int& result) {
     return result == 0 ? file.Get() : nullptr;
 }
 
-/// The sizes stand in front of the data, so each file is asked for its own before any is read.
+/// Opens every file for its size, because all sizes precede the data of the first file.
 int StreamSequencerBuilder::AssignOffsets() {
     dataSize_ = 0;
     for (int i = 0; i < FileCount(); ++i) {
@@ -93,7 +93,7 @@ int StreamSequencerBuilder::AssignOffsets() {
     return 0;
 }
 
-/// Without a target nothing but the texts is checked.
+/// Checks the texts only, if target is null.
 int StreamSequencerBuilder::WriteHeaders(Stream* target) {
     ResetCRC();
     unsigned char header[archive::headerSize];
@@ -166,7 +166,7 @@ int StreamSequencerBuilder::CopyFile(int index, Stream& source, Stream& target,
                                      std::vector<char>& chunk, ICopyCallback* callback) {
     StreamDescriptor const& file = File(index);
     for (unsigned long long position = 0;;) {
-        // Up to a multiple of the piece in the target: a file takes whole pages faster.
+        // Write whole chunks of the target: whole pages are written faster to a file.
         int const got =
             source.Read(chunk.data(), copyChunkSize - static_cast<int>(written_ % copyChunkSize));
         if (got < 0) {

@@ -9,42 +9,46 @@
 
 namespace core {
 
-/// Writes an archive: files are added with all that the archive is to say of them, then their data
-/// run from their files into the stream, never held as a whole. What is written depends on nothing
-/// else, so the same archive comes out on any machine.
+/// Writes an archive from added files and their metadata, streaming the file data without holding
+/// it as a whole. The output depends on nothing else and is the same on every machine.
 class StreamSequencerBuilder : public StreamSequencer {
 public:
-    /// What an archive could not be written for.
+    /// The part of the archive that made Write fail.
     enum class Cause { none, version, attributeCount, attribute, sourceId, targetId, file, target };
 
     struct Failure {
         Cause cause = Cause::none;
         int index = 0;  ///< of the attribute or the file
-        /// The text of a file that is at fault; none: its data are.
+        /// The text that does not fit, for Cause::file; without one, the file's data failed.
         std::optional<StreamDescriptor::Text> text;
     };
 
     char const* ClassName() const override;
 
-    /// Adds a file whose data are those of originalPath.
+    /// Adds a file with the data of the file originalPath, which Write reads. Returns its metadata.
     StreamDescriptor& AddFile(String const& originalPath);
 
-    /// A key made from any number; none of its bytes is 0, which would leave bytes plain.
+    /// Returns a key derived from number. None of its bytes is 0, which would leave data unchanged.
     static unsigned CalculateCryptKey(unsigned number);
 
-    /// Writes the archive from target's position on, which need not be able to seek. Sets the
-    /// place of each file. 0, or a negative error code (an errno value with its sign changed):
-    /// -EINVAL the version, -E2BIG too many attributes, -ENAMETOOLONG a text that its slot has no
-    /// room for, -EILSEQ a text that is not UTF-8, -EBUSY a file that changed its size while it
-    /// was read, -ECANCELED the callback (null: nobody) said so; otherwise what opening or
-    /// reading a file or writing target gave. Texts are looked at before the first byte goes out.
+    /// Writes the archive to target, which need not be able to seek, from its position on. Sets the
+    /// offset and size of each file. Checks all texts before writing the first byte. A null
+    /// callback is not called. Returns 0 or a negative errno value, that of opening or reading a
+    /// file or of writing target, or
+    /// - -EINVAL: unknown version,
+    /// - -E2BIG: too many attributes,
+    /// - -ENAMETOOLONG: a text does not fit into its slot,
+    /// - -EILSEQ: a text is not UTF-8,
+    /// - -EFBIG: the sizes of all files exceed 64 bits,
+    /// - -EBUSY: a file changed its size meanwhile,
+    /// - -ECANCELED: the callback cancelled.
     int Write(Stream& target, ICopyCallback* callback);
-    /// What was wrong when the last Write failed.
+    /// Returns the cause of the last Write's failure; Cause::none if it succeeded or was cancelled.
     Failure const& GetFailure() const { return failure_; }
 
 protected:
-    /// Opens the data of a file, by default its original path; empty with a negative error code in
-    /// result. The stream must know its size.
+    /// Opens the data of a file, by default those of its original path. Returns null and stores a
+    /// negative errno value in result on failure. The stream must know its size.
     virtual ClassRef<Stream> OpenData(int index, int& result);
 
 private:
@@ -65,7 +69,7 @@ private:
 
     Failure failure_;
     long long dataSize_ = 0;
-    long long written_ = 0;  ///< bytes of the archive so far
+    long long written_ = 0;  ///< number of bytes of the archive so far
 };
 
 }  // namespace core

@@ -188,7 +188,7 @@ int StreamSequencerReader::ReadIdentity() {
         if (!ReadBytes(word, archive::wordSize)) {
             return truncated;
         }
-        // The one piece that is never scrambled: it holds the key.
+        // Not scrambled: it contains the key.
         UpdateCRC(word, archive::wordSize);
         SetCryptKeyBlock(archive::getWord<std::uint64_t>(word));
     }
@@ -224,7 +224,7 @@ int StreamSequencerReader::ReadFiles() {
     if (!ReadHeaderSection(Section::fileCount, word, archive::wordSize)) {
         return truncated;
     }
-    // Only the low half counts; a count that is a lie ends with the stream, not with the memory.
+    // Only the low half is used; a false count hits end of stream, not memory.
     auto const count = static_cast<std::int32_t>(archive::getWord<std::uint32_t>(word));
     unsigned char record[archive::largestDescriptorSize];
     for (int i = 0; i < count; ++i) {
@@ -341,12 +341,13 @@ ClassRef<Stream> StreamSequencerReader::OpenData(int index) {
         return {};
     }
     StreamDescriptor const& file = File(index);
-    auto const there = static_cast<unsigned long long>(dataSize_);
-    bool const inside = file.GetOffset() <= there && file.GetSize() <= there - file.GetOffset();
+    auto const total = static_cast<unsigned long long>(dataSize_);
+    bool const inside = file.GetOffset() <= total && file.GetSize() <= total - file.GetOffset();
     if (!inside) {
         return {};
     }
     auto const at = static_cast<std::size_t>(index);
+    // A misplaced file has no CRC of its own to compare with.
     std::optional<RunningCrc> expected;
     if (file.GetOffset() == dataEnds_[at].offset) {
         expected = {dataEnds_[at].crc, dataEnds_[at + 1].crc};

@@ -9,16 +9,17 @@
 
 namespace core {
 
-/// Reads an archive: takes in all that it says, runs through the data of its files for the CRC, and
-/// gives each file's data as a stream. An archive is taken in once; of a bad one the reader keeps
-/// what came before the fault.
+/// Reads and checks an archive. Reads the metadata and, for the CRC, all data, then opens the data
+/// of each file as a stream. An archive with files can be read once. After a failure the reader
+/// keeps the metadata read before.
 class StreamSequencerReader : public StreamSequencer {
 public:
+    /// The results of Read and Check.
     enum Result : int {
         valid = 0,
-        alreadyRead = -999,  ///< the reader holds files
+        alreadyRead = -999,  ///< the reader contains files
         noStream = -1,
-        truncated = -2,  ///< the stream ends, or a read fails, within a piece
+        truncated = -2,  ///< the stream ends, or a read fails, within a section
         notAnArchive = -3,
         versionTooOld = -4,
         versionTooNew = -5,
@@ -26,7 +27,7 @@ public:
         wrongTrailer = -7,
     };
 
-    /// The pieces of an archive, in the order of the stream.
+    /// The sections of an archive, in the order of the stream.
     enum class Section {
         header,
         keyBlock,
@@ -40,54 +41,53 @@ public:
         trailer
     };
 
-    /// Where reading stands, or stopped.
+    /// The section being read, or in which reading stopped.
     struct ReadPosition {
         Section section = Section::header;
         int index = 0;                ///< of the attribute, the descriptor or the file's data
-        long long begin = 0;          ///< offset of the piece in the stream
-        long long end = 0;            ///< offset up to which the stream was read
-        unsigned long long size = 0;  ///< of the piece
+        long long begin = 0;          ///< offset of the section in the stream
+        long long end = 0;            ///< offset of the first unread byte
+        unsigned long long size = 0;  ///< of the section
     };
 
     char const* ClassName() const override;
 
-    /// The stream to read, which must be able to seek. It is used, not owned, also by the streams
-    /// of OpenData. Null: none.
+    /// The stream to read, which must be able to seek. It is not owned, and must outlive the
+    /// streams of OpenData. Null: no stream.
     void SetStream(Stream* stream) { stream_ = stream; }
-    /// Receives the number of bytes read and the size of the stream; it can cancel Read, which is a
-    /// read error of -ECANCELED. Null: no callback.
+    /// Receives the number of bytes read and the size of the stream. Cancelling makes the read fail
+    /// with -ECANCELED. Null: no callback.
     void SetProgress(ICopyCallback* progress) { progress_ = progress; }
 
-    /// Reads the stream from its start: the first Result that applies. What comes behind the
-    /// trailer is not looked at.
+    /// Reads the stream from its start to the trailer; ignores data after it. Returns the first
+    /// Result that applies.
     int Read();
-    /// The same, but keeps of each file only its number, offset and size, and no attributes: a mere
-    /// check must not need memory for all texts of an archive. OpenData then returns nothing.
+    /// Same as Read, but stores only the number, offsets and sizes of the files, so that a check
+    /// needs little memory. OpenData then returns null.
     int Check();
 
-    /// Where Read stopped: the faulty piece, or the trailer of a sound archive.
+    /// Returns the faulty section, or the trailer of a valid archive.
     ReadPosition const& GetReadPosition() const { return position_; }
-    /// The negative error code of the read that failed, where it was not the stream that ended; 0
-    /// when none did.
+    /// Returns the negative errno value of the read that failed; 0 if none did, even if the stream
+    /// ended early.
     int GetReadError() const { return readError_; }
-    /// The CRC in the trailer; GetCRC is that of the stream.
+    /// Returns the CRC in the trailer. GetCRC returns the one calculated from the stream.
     unsigned GetTrailerCRC() const { return trailerCrc_; }
 
-    /// Offset of the first byte behind the last descriptor, where the files' data start.
+    /// Returns the offset of the first byte after the last descriptor, where file data begin.
     long long GetDataStart() const { return dataStart_; }
-    /// The bytes of all files' data, which were really there.
+    /// Returns the number of bytes of all files' data, as read from the stream.
     long long GetDataSize() const { return dataSize_; }
-    /// The first file that does not begin where the one before it ends, as its offset has it; -1
-    /// when all do. Reading does not mind, but somebody who installs by offset would get other
-    /// data than the CRC has seen.
+    /// Returns the first file whose offset is not the end of the previous file, or -1. Read accepts
+    /// such an archive; but an installer that uses the offset would read other data than the CRC
+    /// covers.
     int FindMisplacedFile() const;
 
-    /// The data of a file, unscrambled, as a stream that can be read and can seek. Empty when there
-    /// is no such file, when Read did not find the archive valid, or when the data that its
-    /// descriptor claims lie outside those of the archive.
-    /// Several streams may be read alternately; each read moves the position of the archive's
-    /// stream. Read from start to end, a stream compares its bytes with those that Read found: if
-    /// they differ, its last read returns -EBUSY.
+    /// Opens the unscrambled data of a file as a read-only stream. Returns null if index is
+    /// invalid, if Read has not found the archive valid, or if the file's extent is outside the
+    /// data. Several streams can be read alternately; each read moves the position of the archive's
+    /// stream. If data read from start to end differ from those that Read checked, the last read
+    /// returns -EBUSY.
     ClassRef<Stream> OpenData(int index);
 
 private:
@@ -111,12 +111,12 @@ private:
     bool isValid_ = false;
     unsigned headerFlags_ = 0;
     unsigned trailerCrc_ = 0;
-    /// Where the data of a file end, counted from the start of all data, and the CRC up to there.
+    /// The end of a file's data, from the start of all data, and the CRC up to there.
     struct DataEnd {
         unsigned long long offset;
         unsigned crc;
     };
-    std::vector<DataEnd> dataEnds_;  ///< the first is that of no file
+    std::vector<DataEnd> dataEnds_;  ///< preceded by the start of all data
     long long dataStart_ = 0;
     long long dataSize_ = 0;
 };

@@ -21,11 +21,11 @@ constexpr DescriptorSlot olderSlots[] = {
     {Text::destination, 768, 1536},
 };
 
-int const sizeAt = 8;
-int const flagsAt = 16;
-int const attributesAt = 20;
+int const sizeOffset = 8;
+int const flagsOffset = 16;
+int const attributesOffset = 20;
 
-DescriptorSlot const* slotOf(Text text, unsigned version) {
+DescriptorSlot const* findSlot(Text text, unsigned version) {
     for (DescriptorSlot const& slot : descriptorSlots(version)) {
         if (slot.text == text) {
             return &slot;
@@ -44,13 +44,13 @@ std::span<DescriptorSlot const> descriptorSlots(unsigned version) {
 }
 
 void readExtent(unsigned char const* record, StreamDescriptor& file) {
-    file.SetExtent(getWord<std::uint64_t>(record), getWord<std::uint64_t>(record + sizeAt));
+    file.SetExtent(getWord<std::uint64_t>(record), getWord<std::uint64_t>(record + sizeOffset));
 }
 
 void readDescriptor(unsigned char const* record, unsigned version, StreamDescriptor& file) {
     readExtent(record, file);
-    file.SetFlags(getWord<std::uint32_t>(record + flagsAt));
-    file.SetAttributes(getWord<std::uint32_t>(record + attributesAt));
+    file.SetFlags(getWord<std::uint32_t>(record + flagsOffset));
+    file.SetAttributes(getWord<std::uint32_t>(record + attributesOffset));
     for (DescriptorSlot const& slot : descriptorSlots(version)) {
         file.SetText(slot.text, readTextSlot(record + slot.offset, slot.units));
     }
@@ -60,17 +60,19 @@ SlotResult writeDescriptor(StreamDescriptor const& file, unsigned version, unsig
                            Text& faulty) {
     std::memset(record, 0, static_cast<std::size_t>(descriptorSize(version)));
     putWord<std::uint64_t>(file.GetOffset(), record);
-    putWord<std::uint64_t>(file.GetSize(), record + sizeAt);
-    putWord<std::uint32_t>(file.GetFlags(), record + flagsAt);
-    putWord<std::uint32_t>(file.GetAttributes(), record + attributesAt);
+    putWord<std::uint64_t>(file.GetSize(), record + sizeOffset);
+    putWord<std::uint32_t>(file.GetFlags(), record + flagsOffset);
+    putWord<std::uint32_t>(file.GetAttributes(), record + attributesOffset);
     for (int i = 0; i < StreamDescriptor::textCount; ++i) {
         faulty = static_cast<Text>(i);
-        DescriptorSlot const* const slot = slotOf(faulty, version);
+        DescriptorSlot const* const slot = findSlot(faulty, version);
+        if (slot == nullptr && file.GetText(faulty).IsEmpty()) {
+            continue;
+        }
         SlotResult const result =
             slot != nullptr
                 ? writeTextSlot(file.GetText(faulty), record + slot->offset, slot->units)
-            : file.GetText(faulty).IsEmpty() ? SlotResult::written
-                                             : SlotResult::tooLong;
+                : SlotResult::tooLong;
         if (result != SlotResult::written) {
             return result;
         }

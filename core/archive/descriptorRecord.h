@@ -7,22 +7,22 @@
 
 namespace core::archive {
 
-/// A text in the record of a descriptor.
+/// The position of a text in the record of a descriptor.
 struct DescriptorSlot {
     StreamDescriptor::Text text;
-    int offset;
-    int units;
+    int offset;  ///< in bytes
+    int units;   ///< capacity in UTF-16 units
 };
 
-/// The texts that a descriptor has room for.
+/// Returns the slots of a descriptor in this format version.
 std::span<DescriptorSlot const> descriptorSlots(unsigned version);
 
-/// Reads only offset and size into file.
+/// Reads the offset and size of the data from a record into file.
 void readExtent(unsigned char const* record, StreamDescriptor& file);
-/// Fills file from a record of descriptorSize(version) bytes.
+/// Reads all of file from a record of descriptorSize(version) bytes.
 void readDescriptor(unsigned char const* record, unsigned version, StreamDescriptor& file);
-/// Fills the record. Unless every text fits, the result says what is wrong with the first that does
-/// not, which is stored in faulty; a text that the version has no slot for is too long.
+/// Fills a record of descriptorSize(version) bytes. If a text does not fit, stores the first such
+/// text in faulty and returns its result, which is tooLong if the version has no slot for it.
 [[nodiscard]] SlotResult writeDescriptor(StreamDescriptor const& file, unsigned version,
                                          unsigned char* record, StreamDescriptor::Text& faulty);
 

@@ -3,30 +3,30 @@
 #include "core/text/Buffer.h"
 #include "core/text/String.h"
 
-/// The CRC-16 of XMODEM: polynomial 0x1021, most significant bit first, without inversions. It is
-/// worked out bit by bit and meant for short records.
+/// The CRC-16 of XMODEM: polynomial 0x1021, most significant bit first, without inversions. For
+/// short records: it is calculated bit by bit.
 namespace core::crc16 {
 
-/// Sets the running value to its start, 0.
+/// Sets crc to the start value 0.
 void Start(unsigned short& crc);
 
-/// The CRC of the data behind crc, continued over length bytes; crc itself when length is below 1.
+/// Returns crc continued over length bytes; crc itself if length is below 1.
 unsigned short xmodem_update(unsigned char const* data, int length, unsigned short crc);
-/// The same over one byte.
+/// Returns crc continued over one byte.
 unsigned short xmodem_update(unsigned char byte, unsigned short crc);
 
 }  // namespace core::crc16
 
 namespace core {
 
-/// A CRC-16 and its running value; in the header of the functions for the reason that Crc32 gives.
+/// A running CRC-16.
 class Crc16 {
 public:
     explicit Crc16(unsigned short start = 0) : value_(start) {}
 
     void Update(void const* data, int length);
     void Update(Buffer const& bytes);
-    /// The characters without the terminator.
+    /// Adds the characters without the terminating NUL.
     void Update(String const& text);
     void Update(unsigned char byte);
 

@@ -11,22 +11,22 @@ int init();
 
 }  // namespace core::crc
 
-/// The CRC-32 of IEEE 802.3 (zlib, PNG, Ethernet): reflected polynomial 0xEDB88320.
-/// The value carried from call to call is the finished CRC of the data so far; it starts at 0, so
-/// data may be split over any number of calls.
+/// The CRC-32 of IEEE 802.3 (zlib, PNG, Ethernet): reflected polynomial 0xEDB88320. The running
+/// value is the finished CRC of the data so far and starts at 0: data can be split over any number
+/// of calls. Thread-safe.
 namespace core::crc32 {
 
 /// Same as core::crc::init.
 int init();
 
-/// Sets the running value to its start, 0.
+/// Sets crc to the start value 0.
 void Start(unsigned int& crc);
 
-/// The CRC of the data behind crc, continued over length bytes; crc itself when length is below 1.
+/// Returns crc continued over length bytes; crc itself if length is below 1.
 unsigned int update(void const* data, int length, unsigned int crc);
-/// The same over one byte.
+/// Returns crc continued over one byte.
 unsigned int update(unsigned char byte, unsigned int crc);
-/// The same over the four bytes of value, least or most significant first.
+/// Returns crc continued over the four bytes of value, least or most significant byte first.
 unsigned int updatele(unsigned int value, unsigned int crc);
 unsigned int updatebe(unsigned int value, unsigned int crc);
 
@@ -34,20 +34,19 @@ unsigned int updatebe(unsigned int value, unsigned int crc);
 
 namespace core {
 
-/// A CRC-32 and its running value. It shares the header of the functions because file names that
-/// differ only in case are one file on Windows.
+/// A running CRC-32. In this header because Crc32.h and crc32.h are one file on Windows.
 class Crc32 {
 public:
     explicit Crc32(unsigned int start = 0) : value_(start) {}
 
     void Update(void const* data, int length);
     void Update(Buffer const& bytes);
-    /// The characters without the terminator.
+    /// Adds the characters without the terminating NUL.
     void Update(String const& text);
     void Update(unsigned char byte);
-    /// The four bytes of value, least significant first.
+    /// Adds the four bytes of value, least significant byte first.
     void Update(unsigned int value);
-    /// The four bytes of value, most significant first.
+    /// Adds the four bytes of value, most significant byte first.
     void UpdateInvertByteOrder(unsigned int value);
 
     unsigned int Get() const { return value_; }

@@ -9,7 +9,7 @@ namespace {
 constexpr std::size_t tableCount = 8;
 using Tables = std::array<std::array<std::uint32_t, 256>, tableCount>;
 
-/// Table 0 carries one byte through the polynomial; table k carries a byte that k more follow.
+/// Table 0 maps a byte to its remainder; table k does so for a byte that k others follow.
 constexpr Tables makeTables() {
     Tables tables{};
     for (std::uint32_t i = 0; i < 256; ++i) {
@@ -38,7 +38,7 @@ constexpr std::uint32_t littleEndian(unsigned char const* bytes) {
 }  // namespace
 
 std::uint32_t updateWithTables(unsigned char const* bytes, std::size_t size, std::uint32_t c) {
-    // The eight look-ups of a group do not wait for one another.
+    // The eight look-ups of a group are independent, so that the CPU runs them in parallel.
     for (; size >= tableCount; size -= tableCount, bytes += tableCount) {
         c ^= littleEndian(bytes);
         c = tables[7][c & 0xFF] ^ tables[6][(c >> 8) & 0xFF] ^ tables[5][(c >> 16) & 0xFF] ^

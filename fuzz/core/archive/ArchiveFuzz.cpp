@@ -7,8 +7,8 @@ namespace {
 
 using core::StreamSequencerReader;
 
-/// What can be said of any archive that was read, sound or not.
-void requireSense(StreamSequencerReader& reader, int result, std::size_t size) {
+/// Requires a consistent reader after any input, valid or not.
+void requireConsistent(StreamSequencerReader& reader, int result, std::size_t size) {
     require(result <= 0 && result >= StreamSequencerReader::wrongTrailer);
     require(reader.GetReadPosition().end >= 0 &&
             static_cast<std::size_t>(reader.GetReadPosition().end) <= size);
@@ -23,7 +23,7 @@ void requireSense(StreamSequencerReader& reader, int result, std::size_t size) {
     }
 }
 
-/// A sound archive can be written again, and reads back as what it was.
+/// Requires that a valid archive can be rebuilt and reads back the same.
 void requireRewritable(StreamSequencerReader& reader) {
     int result = 1;
     std::string const bytes = support::rewritten(reader, result);
@@ -43,7 +43,7 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size
     StreamSequencerReader reader;
     reader.SetStream(stream.Get());
     int const result = reader.Read();
-    requireSense(reader, result, size);
+    requireConsistent(reader, result, size);
     if (result == 0 && reader.FindMisplacedFile() < 0) {
         requireRewritable(reader);
     }

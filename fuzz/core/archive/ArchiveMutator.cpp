@@ -4,11 +4,11 @@
 #include "core/archive/archiveFormat.h"
 #include "core/crc/crc32.h"
 
-extern "C" std::size_t LLVMFuzzerMutate(std::uint8_t* data, std::size_t size, std::size_t room);
+extern "C" std::size_t LLVMFuzzerMutate(std::uint8_t* data, std::size_t size, std::size_t capacity);
 
 namespace {
 
-/// Makes the last bytes a trailer that is right for what stands before them.
+/// Replaces the last bytes by the trailer that matches the bytes before.
 void repairTrailer(std::uint8_t* data, std::size_t size) {
     std::uint8_t* const trailer = data + size - core::archive::trailerSize;
     unsigned const crc =
@@ -20,10 +20,10 @@ void repairTrailer(std::uint8_t* data, std::size_t size) {
 
 }  // namespace
 
-/// A CRC at the end stops a fuzzer dead: three of four inputs get the right one.
+/// Corrects the CRC of three inputs in four, because no mutation would match it by chance.
 extern "C" std::size_t LLVMFuzzerCustomMutator(std::uint8_t* data, std::size_t size,
-                                               std::size_t room, unsigned seed) {
-    std::size_t const mutated = LLVMFuzzerMutate(data, size, room);
+                                               std::size_t capacity, unsigned seed) {
+    std::size_t const mutated = LLVMFuzzerMutate(data, size, capacity);
     if (seed % 4 != 0 && mutated >= core::archive::trailerSize) {
         repairTrailer(data, mutated);
     }

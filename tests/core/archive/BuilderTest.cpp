@@ -17,7 +17,7 @@ using support::MemoryBuilder;
 using Cause = StreamSequencerBuilder::Cause;
 using Text = core::StreamDescriptor::Text;
 
-TEST(TextSlot, IsReadUpToItsZeroOrItsEndAndLoneSurrogatesAreReplaced) {
+TEST(TextSlot, EndsAtAZeroUnitAndReplacesUnpairedSurrogates) {
     std::string const odd = "\uFFFD";
     std::pair<std::u16string, std::string> const rows[] = {
         {u"", ""},
@@ -38,8 +38,8 @@ TEST(TextSlot, IsReadUpToItsZeroOrItsEndAndLoneSurrogatesAreReplaced) {
     }
 }
 
-TEST(TextSlot, TakesSoundUtf8ThatFits) {
-    // Of the bad ones: a surrogate, overlong forms, a start in the middle, a cut, past the last.
+TEST(TextSlot, AcceptsValidUtf8ThatFits) {
+    // Invalid: a surrogate, overlong forms, stray and missing continuation bytes, above 0x10FFFF.
     std::pair<SlotResult, std::vector<char const*>> const rows[] = {
         {SlotResult::written,
          {"", "abcd", "ab\U0001F680", "\uD7FF\uE000\uFFFF", "\U0010FFFF\uFFFD\u00FF"}},
@@ -58,8 +58,8 @@ TEST(TextSlot, TakesSoundUtf8ThatFits) {
     }
 }
 
-/// Writing it must fail with nothing written, or not, and name the cause.
-void expectWritten(MemoryBuilder& builder, int expected, Cause cause, int index) {
+/// Expects this result of writing, the failure in question, and no output if it failed.
+void expectResult(MemoryBuilder& builder, int expected, Cause cause, int index) {
     int result = 1;
     std::string const bytes = builder.Written(result);
     EXPECT_EQ(result, expected);
@@ -68,9 +68,9 @@ void expectWritten(MemoryBuilder& builder, int expected, Cause cause, int index)
     EXPECT_EQ(builder.GetFailure().index, index);
 }
 
-TEST(Builder, WritesNothingUnlessEveryTextOfAFileFits) {
+TEST(Builder, WritesNothingUnlessAllTextsOfAFileFit) {
     using Row = std::tuple<unsigned, Text, int>;
-    for (auto const& [version, text, room] :
+    for (auto const& [version, text, capacity] :
          {Row{0x20000, Text::name, 256}, Row{0x20000, Text::destination, 1536},
           Row{0x20000, Text::owner, 64}, Row{0x20000, Text::group, 64},
           Row{0x20000, Text::commandLine, 64}, Row{0x10000, Text::name, 256},
@@ -80,36 +80,36 @@ TEST(Builder, WritesNothingUnlessEveryTextOfAFileFits) {
             MemoryBuilder builder([](int) { return new core::MemoryStream; });
             builder.SetVersion(version);
             builder.AddFile("");
-            builder.AddFile("").SetText(text, core::String::OfChar('x', room + more));
-            expectWritten(builder, more == 0 ? 0 : -ENAMETOOLONG,
-                          more == 0 ? Cause::none : Cause::file, more);
+            builder.AddFile("").SetText(text, core::String::OfChar('x', capacity + more));
+            expectResult(builder, more == 0 ? 0 : -ENAMETOOLONG,
+                         more == 0 ? Cause::none : Cause::file, more);
         }
     }
 }
 
-TEST(Builder, WritesNothingUnlessAllOfTheArchiveFits) {
+TEST(Builder, WritesNothingUnlessTheMetadataFit) {
     MemoryBuilder builder([](int) { return nullptr; });
     for (unsigned const version : {0xFFFFu, 0x20001u}) {
         builder.SetVersion(version);
-        expectWritten(builder, -EINVAL, Cause::version, 0);
+        expectResult(builder, -EINVAL, Cause::version, 0);
     }
     builder.SetVersion(0x20000);
     builder.sourceId = "\xFF";
-    expectWritten(builder, -EILSEQ, Cause::sourceId, 0);
+    expectResult(builder, -EILSEQ, Cause::sourceId, 0);
     builder.sourceId = "";
     for (int i = 0; i < 1023; ++i) {
         builder.AddAttribute("a", "b");
     }
-    expectWritten(builder, 0, Cause::none, 0);
+    expectResult(builder, 0, Cause::none, 0);
     builder.AddAttribute("a", "b");
-    expectWritten(builder, -E2BIG, Cause::attributeCount, 0);
+    expectResult(builder, -E2BIG, Cause::attributeCount, 0);
 }
 
-/// A stream that says another size than it has, gives its data byte by byte (none above a size of
-/// 5), and takes nothing.
-class LyingStream : public core::MemoryStream {
+/// A stream that returns a false size, is read byte by byte, and fails to write. If the size is
+/// above 5, it fails to read, too.
+class FaultyStream : public core::MemoryStream {
 public:
-    explicit LyingStream(long long size) : MemoryStream(memory("data")->Content()), size_(size) {}
+    explicit FaultyStream(long long size) : MemoryStream(memory("data")->Content()), size_(size) {}
     long long Size() override { return size_; }
     int Read(void* buffer, int) override {
         return size_ > 5 ? -EIO : MemoryStream::Read(buffer, 1);
@@ -120,13 +120,13 @@ private:
     long long const size_;
 };
 
-TEST(Builder, NamesTheFileOrTheTargetThatFails) {
+TEST(Builder, ReportsTheFileOrTargetThatFails) {
     std::size_t const headers = 16 + 8 + 2 * 4096;
     using Row = std::tuple<long long, int, std::size_t>;
     for (auto const& [size, expected, written] :
          {Row{-ESPIPE, -ESPIPE, 0}, Row{3, -EBUSY, headers + 3}, Row{5, -EBUSY, headers + 4},
           Row{4, -ECANCELED, headers + 6}, Row{6, -EIO, headers}, Row{LLONG_MAX, -EFBIG, 0}}) {
-        MemoryBuilder builder([claimed = size](int) { return new LyingStream(claimed); });
+        MemoryBuilder builder([falseSize = size](int) { return new FaultyStream(falseSize); });
         builder.AddFile("");
         builder.AddFile("");
         int result = 1;
@@ -138,14 +138,14 @@ TEST(Builder, NamesTheFileOrTheTargetThatFails) {
         EXPECT_FALSE(builder.GetFailure().text);
     }
     StreamSequencerBuilder builder;
-    LyingStream full(0);
+    FaultyStream full(0);
     EXPECT_EQ(builder.Write(full, nullptr), -ENOSPC);
     EXPECT_EQ(builder.GetFailure().cause, Cause::target);
     builder.AddFile("no/such/file");
     EXPECT_EQ(builder.Write(full, nullptr), -ENOENT);
 }
 
-TEST(Builder, KeysLeaveNoByteAsItIsAndComeBackFromTheirBlock) {
+TEST(Builder, KeysChangeEveryByteAndAreRestoredFromTheirBlock) {
     StreamSequencerBuilder builder;
     EXPECT_STREQ(builder.ClassName(), "StreamSequencerBuilder");
     EXPECT_STREQ(core::StreamSequencer().ClassName(), "StreamSequencer");
@@ -159,7 +159,7 @@ TEST(Builder, KeysLeaveNoByteAsItIsAndComeBackFromTheirBlock) {
     builder.SetCryptKey(0x04030201);
     char block[] = "aaaaaaaaaaa";
     builder.CryptBlock(block, 11, 7);
-    EXPECT_STREQ(block, "e`cbe`cbe`c") << "whatever the mode";
+    EXPECT_STREQ(block, "e`cbe`cbe`c") << "in mode None, too";
 }
 
 }  // namespace

@@ -9,29 +9,29 @@
 
 namespace support {
 
-/// A stream in memory with these bytes.
+/// Returns a stream in memory with these bytes.
 inline core::ClassRef<core::MemoryStream> memory(std::string const& bytes) {
     core::Buffer const content(bytes.data(), static_cast<int>(bytes.size()));
     return new core::MemoryStream(content);
 }
 
-/// All that is left of a stream.
+/// Reads the rest of a stream.
 inline std::string rest(core::Stream& stream) {
     std::string bytes;
-    char piece[999];
-    for (int got = 0; (got = stream.Read(piece, sizeof piece)) > 0;) {
-        bytes.append(piece, static_cast<std::size_t>(got));
+    char chunk[999];
+    for (int got = 0; (got = stream.Read(chunk, sizeof chunk)) > 0;) {
+        bytes.append(chunk, static_cast<std::size_t>(got));
     }
     return bytes;
 }
 
-/// Takes its data from anywhere but files.
+/// Builds archives in memory.
 class MemoryBuilder : public core::StreamSequencerBuilder {
 public:
     using Opener = std::function<core::ClassRef<core::Stream>(int)>;
     explicit MemoryBuilder(Opener opener) : opener_(std::move(opener)) {}
 
-    /// The bytes of the archive, and the result of writing them.
+    /// Returns the bytes of the archive and stores the result of Write.
     std::string Written(int& result, core::ICopyCallback* callback = nullptr) {
         core::MemoryStream target;
         result = Write(target, callback);
@@ -50,8 +50,8 @@ private:
     Opener const opener_;
 };
 
-/// The bytes of an archive that says and holds all that a sound one does, and the result of writing
-/// them.
+/// Builds an archive with the content of a valid one. Returns its bytes and stores the result of
+/// Write.
 inline std::string rewritten(core::StreamSequencerReader& from, int& result) {
     MemoryBuilder builder([&](int index) { return from.OpenData(index); });
     builder.SetVersion(from.GetVersion());

@@ -15,7 +15,7 @@ using golden::sample;
 using support::memory;
 using support::rest;
 
-/// A reader on bytes, and what it says of them.
+/// A reader of bytes and its result.
 struct Reading {
     explicit Reading(std::string const& bytes) : stream(memory(bytes)) {
         reader.SetStream(stream.Get());
@@ -26,17 +26,13 @@ struct Reading {
     int code;
 };
 
-TEST(Reader, TakesInGoldenArchivesAndTheyAreRewrittenToTheByte) {
+TEST(Reader, ReadsGoldenArchivesThatTheBuilderReproduces) {
     for (unsigned const version : {0x00010000u, 0x00010001u, 0x0001FFFFu, 0x00020000u}) {
         for (unsigned const crypt : {0u, 1u, 2u, 3u}) {
-            for (bool const bare : {false, true}) {
-                golden::Archive archive = sample(version, crypt);
-                if (bare) {
-                    archive.uniqueId.reset();
-                    archive.sourceId.reset();
-                    archive.targetId.reset();
-                    archive.attributes.clear();
-                }
+            golden::Archive const full = sample(version, crypt);
+            golden::Archive const bare{version, crypt, full.keyBlock, full.key, {}, {},
+                                       {},      {},    full.files};
+            for (golden::Archive const& archive : {full, bare}) {
                 std::string const bytes = bytesOf(archive);
                 Reading read(bytes);
                 ASSERT_EQ(read.code, 0) << version << ", " << crypt;
@@ -56,13 +52,13 @@ TEST(Reader, TakesInGoldenArchivesAndTheyAreRewrittenToTheByte) {
                 EXPECT_EQ(check.Check(), 0);
                 EXPECT_EQ(check.FindMisplacedFile(), -1);
                 EXPECT_TRUE(check.File(0).GetName().IsEmpty() && check.Attributes().Count() == 0);
-                EXPECT_FALSE(check.OpenData(0)) << "a check keeps nothing to compare with";
+                EXPECT_FALSE(check.OpenData(0)) << "a check stores no CRC to compare with";
             }
         }
     }
 }
 
-TEST(Reader, GivesStreamsThatKeepTheirPlace) {
+TEST(Reader, OpensIndependentStreams) {
     Reading read(bytesOf(sample(0x00020000, 3)));
     auto const data = read.reader.OpenData(0);
     auto const other = read.reader.OpenData(2);
@@ -82,7 +78,7 @@ TEST(Reader, GivesStreamsThatKeepTheirPlace) {
     EXPECT_EQ(odd->Read(bytes, 1), 1);
     EXPECT_EQ(odd->Read(bytes, 2) + odd->Read(bytes, 2), -2 * EBUSY) << "and again";
     read.stream->Clear();
-    EXPECT_EQ(other->Read(bytes, 1), -EIO) << "the archive was cut meanwhile";
+    EXPECT_EQ(other->Read(bytes, 1), -EIO) << "the archive was truncated meanwhile";
     core::FileStream closed;
     read.reader.SetStream(&closed);
     EXPECT_EQ(read.reader.OpenData(0)->Read(bytes, 1), -EBADF);
@@ -95,7 +91,7 @@ TEST(Reader, GivesStreamsThatKeepTheirPlace) {
     EXPECT_STREQ(unreadable.ClassName(), "StreamSequencerReader");
 }
 
-TEST(Reader, TellsTruncatedAndChangedArchives) {
+TEST(Reader, RejectsTruncatedAndChangedArchives) {
     for (unsigned const crypt : {0u, 3u}) {
         golden::Archive archive = sample(0x00020000, crypt);
         archive.files.resize(1);
@@ -113,19 +109,17 @@ TEST(Reader, TellsTruncatedAndChangedArchives) {
                 std::string changed = bytes;
                 changed[at] = static_cast<char>(changed[at] ^ change);
                 int const code = Reading(changed).code;
-                if (at < 8) {
-                    ASSERT_EQ(code, -3) << at;
-                } else if (at < trailer) {
-                    ASSERT_TRUE(code <= -2 && code >= -7) << at << " gave " << code;
-                } else {
-                    ASSERT_EQ(code, at < trailer + 4 ? 0 : at < trailer + 8 ? -6 : -7) << at;
-                }
+                ASSERT_TRUE(at < 8             ? code == -3
+                            : at < trailer     ? code <= -2 && code >= -7
+                            : at < trailer + 4 ? code == 0
+                                               : code == (at < trailer + 8 ? -6 : -7))
+                    << at << " gave " << code;
             }
         }
     }
 }
 
-TEST(Reader, IsNotLedAstrayByNumbersThatLie) {
+TEST(Reader, HandlesFalseCountsAndSizes) {
     golden::Archive archive;
     archive.files = {{u"a", u"", u"", u"", u"", 0, 0, "first"},
                      {u"b", u"", u"", u"", u"", 0, 0, "second"}};
@@ -138,11 +132,11 @@ TEST(Reader, IsNotLedAstrayByNumbersThatLie) {
         unsigned size;
         std::uint64_t value;
         int code;
-        int misplaced;          ///< of a sound archive: the first file whose offset is wrong
-        char const* data = "";  ///< of the second file, if it can be opened all the same
+        int misplaced;          ///< expected of a valid archive: the first file with a wrong offset
+        char const* data = "";  ///< expected of the second file; empty if it cannot be opened
     };
-    // Bits that mean nothing; a count of -1 and less: no files, a trailer in the first one; a count
-    // whose high half means nothing; sizes past the end; offsets past the end and over the first.
+    // In this order: versions; flags; file counts, which are negative, too high or have an ignored
+    // high half; sizes beyond the end; offsets beyond the data and into the first file.
     for (Row const& row :
          {Row{8, 4, 0x0000FFFF, -4, 0}, Row{8, 4, 0x00020001, -5, 0}, Row{12, 4, 0x3FF, -2, 0},
           Row{12, 4, 0x13FFFC00, 0, -1, "second"}, Row{count, 8, all, -6, 0},
@@ -164,12 +158,12 @@ TEST(Reader, IsNotLedAstrayByNumbersThatLie) {
 
     archive = sample(0x00010000, 3);
     archive.files.clear();
-    Reading again(bytesOf(archive) + "what follows the trailer");
+    Reading again(bytesOf(archive) + "after the trailer");
     support::CopyWatcher watcher;
     again.reader.SetProgress(&watcher);
-    EXPECT_EQ(again.reader.Read(), 0) << "without files it may be read twice";
+    EXPECT_EQ(again.reader.Read(), 0) << "an archive without files can be read again";
     EXPECT_EQ(again.reader.Attributes().Count(), 2);
-    EXPECT_EQ(watcher.total - watcher.done, 24);
+    EXPECT_EQ(watcher.total - watcher.done, 17);
     watcher.most = 15;
     EXPECT_EQ(again.reader.Read(), -2);
     EXPECT_EQ(again.reader.GetReadError(), -ECANCELED);

@@ -47,13 +47,12 @@ std::string bytesOf(Archive const& archive) {
         flags |= 0x80000000;
         headers.push_back(number(*archive.uniqueId, 8));
     }
-    if (archive.sourceId) {
-        flags |= 0x40000000;
-        headers.push_back(slot(*archive.sourceId, 128));
-    }
-    if (archive.targetId) {
-        flags |= 0x20000000;
-        headers.push_back(slot(*archive.targetId, 128));
+    for (auto const& [id, flag] :
+         {std::pair(archive.sourceId, 0x40000000u), std::pair(archive.targetId, 0x20000000u)}) {
+        if (id) {
+            flags |= flag;
+            headers.push_back(slot(*id, 128));
+        }
     }
     for (auto const& attribute : archive.attributes) {
         ++flags;
@@ -86,11 +85,10 @@ std::string bytesOf(Archive const& archive) {
 }
 
 Archive sample(unsigned version, unsigned crypt) {
-    bool const newest = version == 0x00020000;
     Archive archive;
     archive.version = version;
     archive.crypt = crypt;
-    // Key bits 31, 28, 4 and 0 in stored bits 1, 7, 55 and 63; all other odd bits 0, some filler.
+    // Key bits 31, 28, 4 and 0 are stored bits 1, 7, 55 and 63. The second number is filler.
     archive.keyBlock = crypt != 0 ? 0x8080000000000082 | 0x5040000000001501 : 0;
     archive.key = crypt != 0 ? 0x90000011 : 0;
     archive.uniqueId = 0xFEDCBA9876543210;
@@ -104,11 +102,6 @@ Archive sample(unsigned version, unsigned crypt) {
         {u"caf\u00E9-\U0001F4E6", u"", u"o", u"g", u"c", 0x20, 0777, std::string(30000, 'x')},
         {u"", u"always", u"", u"", u"", 0x10, 0, "odd"},
     };
-    for (File& file : archive.files) {
-        if (!newest) {
-            file.owner = file.group = file.command = u"";
-        }
-    }
     return archive;
 }
 

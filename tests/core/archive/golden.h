@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-/// Archives put together from the byte table alone, without a line of the library.
+/// Archives built from the documented layout, without the library.
 namespace golden {
 
 struct File {
@@ -17,9 +17,9 @@ struct File {
 
 struct Archive {
     unsigned version = 0x00020000;
-    unsigned crypt = 0;  ///< 1 headers, 2 data, 3 both
+    unsigned crypt = 0;  ///< 1: headers, 2: data, 3: both
     std::uint64_t keyBlock = 0;
-    std::uint32_t key = 0;  ///< the one that keyBlock carries
+    std::uint32_t key = 0;  ///< must be that of keyBlock
     std::optional<std::uint64_t> uniqueId;
     std::optional<std::u16string> sourceId, targetId;
     std::vector<std::u16string> attributes;
@@ -27,14 +27,14 @@ struct Archive {
 };
 
 std::string bytesOf(Archive const& archive);
-/// The same with a closing CRC that is right for what stands before it.
+/// Returns bytes with the trailer's CRC corrected.
 std::string withValidCrc(std::string bytes);
-/// A number, least significant byte first.
+/// Returns value in size bytes, least significant byte first.
 std::string number(std::uint64_t value, unsigned size);
-/// A text slot of size bytes.
+/// Returns a text slot of size bytes.
 std::string slot(std::u16string const& text, unsigned size);
 
-/// Three files and all the headers there are, texts beyond ASCII included.
+/// Returns an archive with four files, every optional section and non-ASCII texts.
 Archive sample(unsigned version, unsigned crypt);
 
 }  // namespace golden

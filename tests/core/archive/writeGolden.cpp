@@ -6,9 +6,10 @@
 #include "sys/platform/Arguments.h"
 #include "tests/core/archive/golden.h"
 
-// Writes a golden archive for the tests of whole programs: PATH sample VERSION CRYPT, with a key
-// block as the builder writes it; PATH hostile, with texts that must not reach a terminal; PATH
-// files DESTINATION..., where each file contains its destination.
+// Writes a golden archive for the tests of whole programs:
+//   PATH sample VERSION CRYPT       the sample, with the key block that the builder writes
+//   PATH hostile                    with texts that must not reach a terminal
+//   PATH files DESTINATION...       each file contains its destination
 
 int main(int argc, char** argv) {
     sys::platform::Arguments const arguments(argc, argv);

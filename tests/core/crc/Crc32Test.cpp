@@ -14,7 +14,7 @@ namespace {
 
 namespace crc32 = core::crc32;
 
-TEST(Crc32, KnownValues) {
+TEST(Crc32, ReturnsKnownValues) {
     EXPECT_EQ(core::crc::init(), 0);
     EXPECT_EQ(core::crc::init(), 0);
     unsigned int start = 1;
@@ -49,17 +49,17 @@ TEST(Crc32, AgreesWithZlibForEveryLengthAlignmentAndSplit) {
     }
 }
 
-TEST(RunningCrcs, TakeTextsBuffersBytesAndWords) {
+TEST(RunningCrcs, AcceptTextsBuffersBytesAndWords) {
     unsigned const whole = crc32::update("1234567\x01\x02\x03\x04\x04\x03\x02\x01", 15, 0);
-    core::Crc32 pieces(7);
-    pieces.Restart();
-    pieces.Update(core::String("123"));
-    pieces.Update(core::Buffer("456", 3));
-    pieces.Update(core::Buffer());
-    pieces.Update(static_cast<unsigned char>('7'));
-    pieces.Update(0x04030201u);
-    pieces.UpdateInvertByteOrder(0x04030201u);
-    EXPECT_EQ(pieces.Get(), whole);
+    core::Crc32 crc32(7);
+    crc32.Restart();
+    crc32.Update(core::String("123"));
+    crc32.Update(core::Buffer("456", 3));
+    crc32.Update(core::Buffer());
+    crc32.Update(static_cast<unsigned char>('7'));
+    crc32.Update(0x04030201u);
+    crc32.UpdateInvertByteOrder(0x04030201u);
+    EXPECT_EQ(crc32.Get(), whole);
 
     EXPECT_EQ(core::crc16::xmodem_update(nullptr, -1, 0x1234), 0x1234);
     unsigned short start = 1;
