@@ -1,19 +1,19 @@
 # Completes the command lines of ravelink, ravelink-pack and ravelink-device in bash.
 
-# The options of each program, and what the value of one is that takes any: a file so named, a folder
-# or a text.
+# The options of each program, as short:long:value. The value is "rvl" or "conf" for files with that
+# extension, "directory", "text", or empty for none.
 declare -gA _ravelink_options=(
   [ravelink]='-o:--origin:rvl -a:--address:text -h:--help:'
   [ravelink-pack]='-b:--build:conf -o:--output:rvl -l:--list:rvl -j:--json: -c:--check:rvl
-    -x:--extract:rvl -d:--directory:folder -f:--force: -h:--help:'
+    -x:--extract:rvl -d:--directory:directory -f:--force: -h:--help:'
   [ravelink-device]='-b:--bind:text -n:--count:text -s:--scenario:conf -c:--check:
-    -d:--directory:folder -1:--once: -v:--verbose: -h:--help:'
+    -d:--directory:directory -1:--once: -v:--verbose: -h:--help:'
 )
 
-# Bash calls it with the command and the word to be completed, which begins behind a "=".
+# Completes the last argument. Bash passes the command and the text to complete, which begins after "=".
 _ravelink() {
   local program=${1##*/} word=$2 before=$((COMP_CWORD - 1)) entry short long value names=() kind=
-  # In COMP_WORDS a "=" is a word by itself, and so is the ":" of an address.
+  # Bash splits "=" and ":" into elements of their own in COMP_WORDS.
   [[ ${COMP_WORDS[COMP_CWORD]} != = ]] || before=$COMP_CWORD
   [[ ${COMP_WORDS[before]} != = ]] || before=$((before - 1))
   [[ ${COMP_WORDS[COMP_CWORD]} != : && ${COMP_WORDS[before]} != : ]] || return 0
@@ -27,13 +27,13 @@ _ravelink() {
   done
   case $kind in
     '') mapfile -t COMPREPLY < <(compgen -W "${names[*]}" -- "$word") ;;
-    folder) mapfile -t COMPREPLY < <(compgen -d -- "$word") ;;
+    directory) mapfile -t COMPREPLY < <(compgen -d -- "$word") ;;
     rvl | conf)
       mapfile -t COMPREPLY < <(compgen -d -- "$word"; compgen -f -X "!*.$kind" -- "$word")
       ;;
   esac
-  # A name gets a backslash before its blanks, a folder a "/"; there is nobody to tell in a test.
+  # Makes bash quote spaces and append "/" to directories. Fails outside of a completion, as in tests.
   [[ -z $kind ]] || compopt -o filenames 2>/dev/null
 }
 
-complete -F _ravelink ravelink ravelink-pack ravelink-device
+complete -F _ravelink "${!_ravelink_options[@]}"

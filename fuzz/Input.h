@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-/// Takes an input apart from its front on. Past its end there are zeros and empty texts.
+/// Splits an input from its start. After its end, bytes are 0 and strings empty.
 class Input {
 public:
     Input(std::uint8_t const* data, std::size_t size)
@@ -16,14 +16,14 @@ public:
         std::string const byte = Bytes(1);
         return byte.empty() ? 0 : static_cast<unsigned char>(byte.front());
     }
-    /// Fewer at the end.
+    /// Returns count bytes, or fewer at the end.
     std::string Bytes(std::size_t count) {
         std::string const bytes(rest_.substr(0, count));
         rest_.remove_prefix(bytes.size());
         return bytes;
     }
     std::string Rest() { return Bytes(rest_.size()); }
-    /// Up to a line feed or a NUL, which is taken as well: a text as a C string holds it.
+    /// Returns the text up to a line feed or NUL, which is consumed as well.
     std::string Line() {
         std::size_t const length =
             std::min(rest_.find_first_of(std::string_view("\n", 2)), rest_.size());

@@ -25,19 +25,19 @@ enum class Peer { none, device, updater };
 
 struct Scenario {
     std::string name;
-    std::string command;  ///< "@" stands for the folder, "ADDRESS" for the device's
+    std::string command;  ///< "@" is the directory, "ADDRESS" that of the device
     std::string modes;    ///< see faultInjection.cpp; d: the disk is full
     Peer peer = Peer::none;
-    std::vector<std::string> old = {};  ///< files in work/ that are to be replaced
+    std::vector<std::string> old = {};  ///< files in work/ to be replaced
 };
 
 struct RunResult {
     std::string output;
     int status = 0;
-    std::string fault;  ///< the call that went wrong, or how many could have
-    Files files;        ///< what lies in work/ then
-    bool claims = false;
-    bool peerClaims = false;
+    std::string fault;       ///< the call that failed, or the number of calls that can
+    Files files;             ///< in work/ afterwards
+    bool succeeded = false;  ///< by its own report
+    bool peerSucceeded = false;
 };
 
 bool contains(std::string const& text, std::string const& part) {
@@ -83,74 +83,75 @@ protected:
         int const before = completed_;
         std::FILE* const pipe =
             support::openPipe(support::replaced(command, "@", directory_.Path() + "/"));
-        RunResult ran;
+        RunResult result;
         char text[4096];
         while (std::fgets(text, sizeof text, pipe) != nullptr) {
             std::string const line(text);
             if (line.starts_with("- Listening on: ") && contains(line, "127.")) {
-                // A device without memory drops a connection, and waits for the next.
-                for (int i = fault[0] == 'm' ? 0 : 1; i < 2 && !ran.peerClaims; ++i) {
-                    ran.peerClaims =
+                // A device without memory drops the connection and waits for the next.
+                for (int i = fault[0] == 'm' ? 0 : 1; i < 2 && !result.peerSucceeded; ++i) {
+                    result.peerSucceeded =
                         TestedUpdater::Instance()
                             .RunSession(directory_.PathOf("a.rvl"), line.substr(line.find("127.")))
                             .back() == updated;
                 }
             }
-            ran.output += line.starts_with("  System is still updating.") ? "" : line;
+            result.output += line.starts_with("  System is still updating.") ? "" : line;
         }
         std::regex const port("(..ffff.)?127.0.0.1[:-][0-9]+");
-        ran.output = std::regex_replace(ran.output, port, "PORT");
-        ran.status = support::closePipe(pipe);
-        ran.fault = contentOf(report);
+        result.output = std::regex_replace(result.output, port, "PORT");
+        result.status = support::closePipe(pipe);
+        result.fault = contentOf(report);
         for (auto const& entry : fs::recursive_directory_iterator(directory_.PathOf("work"))) {
             if (entry.is_regular_file()) {
                 std::string const name =
                     entry.path().lexically_relative(directory_.PathOf("work")).string();
-                ran.files[std::regex_replace(name, port, "PORT")] = contentOf(entry.path());
+                result.files[std::regex_replace(name, port, "PORT")] = contentOf(entry.path());
             }
         }
-        ran.claims =
-            scenario_.peer == Peer::device ? contains(ran.output, updated) : ran.status == 0;
-        ran.peerClaims = ran.peerClaims || completed_ > before;
-        return ran;
+        result.succeeded =
+            scenario_.peer == Peer::device ? contains(result.output, updated) : result.status == 0;
+        result.peerSucceeded = result.peerSucceeded || completed_ > before;
+        return result;
     }
 
-    /// Nothing but what was there or is to be there may lie under a final name.
-    void ExpectWholeFiles(RunResult const& ran, RunResult const& sound,
+    /// A file with a final name must have its old or its new content.
+    void ExpectWholeFiles(RunResult const& result, RunResult const& expected,
                           std::string const& temporary) {
-        for (auto const& file : ran.files) {
+        for (auto const& file : result.files) {
             EXPECT_TRUE(std::count(before_.begin(), before_.end(), file) > 0 ||
-                        std::count(sound.files.begin(), sound.files.end(), file) > 0 ||
+                        std::count(expected.files.begin(), expected.files.end(), file) > 0 ||
                         std::regex_search(file.first, std::regex(temporary)))
                 << file.first;
         }
     }
 
-    void ExpectTruth(RunResult const& ran, RunResult const& sound) {
+    void ExpectTruth(RunResult const& result, RunResult const& expected) {
         char const mode = GetParam().second;
-        EXPECT_TRUE(ran.status == 0 || (ran.status == 1 && scenario_.peer != Peer::device));
-        if (!ran.claims) {
-            EXPECT_TRUE(contains(ran.output, "*** ") || contains(ran.output, "\"error\":{"));
-            // A file that could not be read is no bad file.
-            EXPECT_FALSE(std::regex_search(ran.output, std::regex("cut short|your math")));
-            // Without memory the device may fail after it has sent that all is done.
-            EXPECT_FALSE(ran.peerClaims && scenario_.peer == Peer::updater && mode != 'm');
+        EXPECT_TRUE(result.status == 0 || (result.status == 1 && scenario_.peer != Peer::device));
+        if (!result.succeeded) {
+            EXPECT_TRUE(contains(result.output, "*** ") || contains(result.output, "\"error\":{"));
+            // A read error must not be reported as an invalid file.
+            EXPECT_FALSE(std::regex_search(result.output, std::regex("cut short|your math")));
+            // Without memory the device may fail after sending Complete.
+            EXPECT_FALSE(result.peerSucceeded && scenario_.peer == Peer::updater && mode != 'm');
         } else if (scenario_.peer == Peer::none) {
-            EXPECT_EQ(ran.output, sound.output);
+            EXPECT_EQ(result.output, expected.output);
         } else if (scenario_.peer == Peer::device) {
-            EXPECT_TRUE(ran.peerClaims);
+            EXPECT_TRUE(result.peerSucceeded);
         } else {
-            EXPECT_TRUE(contains(ran.output, "- Archive: sound, files in it: 2"));
+            EXPECT_TRUE(contains(result.output, "- Archive: sound, files in it: 2"));
         }
-        EXPECT_TRUE(!ran.claims || std::includes(ran.files.begin(), ran.files.end(),
-                                                 sound.files.begin(), sound.files.end()));
+        EXPECT_TRUE(!result.succeeded ||
+                    std::includes(result.files.begin(), result.files.end(), expected.files.begin(),
+                                  expected.files.end()));
     }
 
     Scenario const& scenario_ = GetParam().first;
-    Files before_;  ///< what lies in work/ when the program starts
+    Files before_;  ///< in work/ when the program starts
     support::TemporaryDirectory directory_;
     std::atomic<int> completed_ = 0;
-    /// It takes nothing but sound archives, so that what it completes it has received.
+    /// Accepts only valid archives, so that a completed update is one received intact.
     ScenarioDevice device_{
         [this](device::StepContext const& context, device::DeviceConnection& connection) {
             completed_ += context.step == device::Step::complete ? 1 : 0;
@@ -160,55 +161,56 @@ protected:
         {true, {}}};
 };
 
-TEST_P(FaultInjection, NoLieAndNothingHalfDone) {
+TEST_P(FaultInjection, ReportsTheTruthAndLeavesNoPartialFiles) {
     std::string const mode(1, GetParam().second);
     Prepare();
-    RunResult const sound = Run(mode + "0", scenario_.command);
-    ASSERT_TRUE(sound.claims) << sound.output;
-    // What must succeed goes wrong in many places at once.
-    bool const patient = mode == "s" || mode == "i";
-    update::SessionTimeouts const usual = TestedUpdater::Instance().timeouts;
-    update::SessionTimeouts timeouts = usual;
-    if (!patient) {
+    RunResult const expected = Run(mode + "0", scenario_.command);
+    ASSERT_TRUE(expected.succeeded) << expected.output;
+    // Partial transfers and interruptions must not change the result; they occur in many calls.
+    bool const mustSucceed = mode == "s" || mode == "i";
+    update::SessionTimeouts const defaults = TestedUpdater::Instance().timeouts;
+    update::SessionTimeouts timeouts = defaults;
+    if (!mustSucceed) {
         timeouts.requestAnswer = timeouts.completion = 150;
         timeouts.notification = 50;
     }
     std::optional<support::SmallDisk> disk;
     if (mode == "d" && !disk.emplace(directory_.PathOf("work")).IsMounted()) {
-        GTEST_SKIP() << "only root may mount a small disk";
+        GTEST_SKIP() << "mounting a disk needs root";
     }
-    long const last = disk ? 14 : patient ? 7 : std::atol(sound.fault.c_str());
+    long const last = disk ? 14 : mustSucceed ? 7 : std::atol(expected.fault.c_str());
     if (mode == "m" && last == 0) {
-        GTEST_SKIP() << "a sanitizer has an allocator of its own";
+        GTEST_SKIP() << "sanitizers replace the allocator";
     }
     ASSERT_GT(last, 0);
-    // A device allocates hundreds of times.
+    // A device allocates hundreds of times: test every fifth.
     for (long number = 1; number <= last; number += mode == "m" ? 5 : 1) {
         if (disk) {
             before_["filler"] = std::string(static_cast<std::size_t>(number) * 4096, 'x');
         }
         Prepare();
         TestedUpdater::Instance().timeouts = timeouts;
-        RunResult const ran = Run(mode + (disk ? "0" : std::to_string(number)), scenario_.command);
-        SCOPED_TRACE(mode + std::to_string(number) + " " + ran.fault + "\n" + ran.output);
+        RunResult const result =
+            Run(mode + (disk ? "0" : std::to_string(number)), scenario_.command);
+        SCOPED_TRACE(mode + std::to_string(number) + " " + result.fault + "\n" + result.output);
         if (mode == "k") {
-            ExpectWholeFiles(ran, sound, "\\.part-|status$");
-            // The next one is not troubled by what the killed one left.
-            TestedUpdater::Instance().timeouts = usual;
+            ExpectWholeFiles(result, expected, "\\.part-|status$");
+            // Files left by the killed process must not affect the next.
+            TestedUpdater::Instance().timeouts = defaults;
             RunResult const next = Run("k0", scenario_.command);
-            EXPECT_TRUE(next.claims) << next.output;
-            ExpectTruth(next, sound);
+            EXPECT_TRUE(next.succeeded) << next.output;
+            ExpectTruth(next, expected);
             continue;
         }
-        ExpectWholeFiles(ran, sound, ran.fault.starts_with("unlink") ? "" : "^$");
+        ExpectWholeFiles(result, expected, result.fault.starts_with("unlink") ? "" : "^$");
         if (mode == "w") {
-            // Only a list is nothing but its output.
-            EXPECT_EQ(ran.claims, scenario_.name != "List");
+            // Only a list has no result besides its output.
+            EXPECT_EQ(result.succeeded, scenario_.name != "List");
             continue;
         }
-        ExpectTruth(ran, sound);
-        EXPECT_TRUE(!patient || (ran.claims && ran.output == sound.output));
-        EXPECT_FALSE(disk && number == last && ran.claims) << "there was no room";
+        ExpectTruth(result, expected);
+        EXPECT_TRUE(!mustSucceed || (result.succeeded && result.output == expected.output));
+        EXPECT_FALSE(disk && number == last && result.succeeded) << "the disk was full";
     }
 }
 
@@ -216,7 +218,7 @@ std::vector<std::pair<Scenario, char>> cases() {
     std::string const build = RAVELINK_PACK " -b @m.conf -o @work/a.rvl";
     std::string const unpack = RAVELINK_PACK " -x @a.rvl -d @work";
     std::vector<std::pair<Scenario, char>> all;
-    // The slowest first, so that they run beside the others.
+    // The slowest first, so that they run in parallel with the others.
     for (Scenario const& scenario : {
              Scenario{"Store", RAVELINK_DEVICE " --once -c -d @work -b 127.0.0.1:0", "fsikdm",
                       Peer::updater},

@@ -1,13 +1,13 @@
-// Preloaded into a program, this library lets one of the calls go wrong that the program makes of
-// files and sockets inside main. FAULT says which: the mode's letter and the number of the call.
-//   f  it fails, if it is no write to the console
-//   w  it fails, if it is one
-//   s  it moves a single byte, and so does every seventh call behind it
-//   i  a signal interrupts it and every seventh call behind it
-//   k  the process is killed in its place
-//   m  it is an allocation, and fails
-// The number 0 lets nothing go wrong. FAULT_REPORT is a file that takes the name of the call at
-// fault, or behind main the number of calls that can go wrong in this way.
+// LD_PRELOAD library that makes one file or socket call inside main fail. FAULT is the letter of a
+// mode and the number of the call among those that the mode applies to:
+//   f  the call fails; applies to all but writes to the console
+//   w  the call fails; applies to writes to the console
+//   s  the call, and every seventh one after it, transfers a single byte
+//   i  a signal interrupts the call, and every seventh one after it
+//   k  the process is killed instead of the call
+//   m  the call is an allocation, and fails
+// The number 0 injects no fault. FAULT_REPORT is a file to which the name of the failing call is
+// appended, and after main the number of calls that the mode applied to.
 #include <dlfcn.h>
 #include <fcntl.h>
 #include <netdb.h>
@@ -20,15 +20,15 @@
 
 namespace {
 
-/// A call's arguments and results pass through as the machine's words, whatever they mean.
+/// Arguments and results pass through as machine words of any type.
 using Word = long;
 using Words = Word (&)[7];
 using Function = Word(Word, Word, Word, Word, Word, Word, Word);
 using Main = int(int, char**, char**);
 using Start = int(Main*, int, char**, void (*)(), void (*)(), void (*)(), void*);
 
-/// What a call is like: moves counts bytes by its third argument, takesPlace is done even when it
-/// fails, waits may be interrupted.
+/// The properties of a call. moves: its third argument is a number of bytes. takesPlace: it has its
+/// effect even when it fails. waits: a signal can interrupt it.
 enum Kind : unsigned { plain = 0, moves = 1, takesPlace = 2, waits = 4 };
 
 char mode = 0;
@@ -95,7 +95,7 @@ extern "C" int __libc_start_main(Main* main, int argc, char** argv, void (*init)
     return original<Start>("__libc_start_main")(&faultyMain, argc, argv, init, fini, loader, stack);
 }
 
-/// Counts in its own mode only: most calls allocate, and dlsym may.
+/// Counts in its own mode only: other calls allocate, and so may dlsym.
 extern "C" void* __libc_malloc(size_t size);
 extern "C" void* malloc(size_t size) {
     bool const fails = mode == 'm' && inMain && isDue(++calls);
@@ -103,7 +103,7 @@ extern "C" void* malloc(size_t size) {
     return fails ? nullptr : __libc_malloc(size);
 }
 
-// Under names of their own, which the system's headers have nothing against.
+// Other C++ names, because the system's headers declare these functions with their own types.
 #define CALL(name, kind, failure, error)                                         \
     extern "C" Function faulty_##name __asm__(#name);                            \
     Word faulty_##name(Word a, Word b, Word c, Word d, Word e, Word f, Word g) { \
@@ -111,7 +111,7 @@ extern "C" void* malloc(size_t size) {
         return pass(#name, kind, failure, error, words);                         \
     }
 
-// An interrupted connect goes on by itself.
+// An interrupted connect continues in the background.
 CALL(connect, mode == 'i' ? takesPlace | waits : plain, -1, ECONNREFUSED)
 
 // clang-format off

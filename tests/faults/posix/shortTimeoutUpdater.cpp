@@ -3,7 +3,7 @@
 
 namespace {
 
-/// The updater as it is, but for waits that are too long for hundreds of sessions.
+/// The updater, with timeouts short enough for hundreds of sessions.
 class ShortTimeoutUpdater : public update::UpdateApplication {
 public:
     ShortTimeoutUpdater() {
