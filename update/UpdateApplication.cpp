@@ -4,34 +4,30 @@
 #include "update/ConsoleReporter.h"
 #include "update/print.h"
 #include "update/session/exchange.h"
-#include "update/usage.h"
 
 namespace update {
 
 using core::String;
 
-UpdateApplication::UpdateApplication() : core::Application("ravelink") {
+namespace {
+
+/// -t and -i have no effect and are not on the usage screen: scripts in the field still pass them.
+char const optionGrammar[] = "h|help=0>o|origin=1>a|address=1>t|type=1>i|id=1";
+
+}  // namespace
+
+UpdateApplication::UpdateApplication()
+    : Program({"ravelink", "Ethernet Updater\n", optionGrammar, showUsage}) {
     // Closing a window must not leave a device half updated.
     sys::platform::outliveTerminal();
-    setVersionModelName("Halvoren");
-    setVersionNumber(RAVELINK_VERSION_MAJOR, RAVELINK_VERSION_MINOR);
-    setDevStage(core::version::CEDevStage::release);
-    setDescription("Ethernet Updater\n");
 }
 
-void UpdateApplication::Main(int argc, char const* const* argv) {
-    println(getVersionLong(true), true);
-    CommandLinePrepare(argc, argv, optionGrammar, errors);
-    if (errors.Count() > 0) {
-        showErrors();
-        showUsage();
-        return;
+void UpdateApplication::ShowUsageErrors(std::vector<core::Fault> const& faults) {
+    for (core::Fault const& fault : faults) {
+        AddError(fault);
     }
-    if (FindOption("h")) {
-        showUsage();
-        return;
-    }
-    Run();
+    showErrors();
+    showUsage();
 }
 
 bool UpdateApplication::Init() {

@@ -1,9 +1,9 @@
 #pragma once
 
 #include "core/net/Socket.h"
-#include "core/runtime/Application.h"
 #include "core/text/String.h"
 #include "core/text/StringArray.h"
+#include "program/Program.h"
 #include "update/session/Session.h"
 
 namespace update {
@@ -11,13 +11,9 @@ namespace update {
 /// The updater: runs one session as its command line asks and prints its events. Every failure is
 /// added to the errors as title and message, requests termination and is printed; the exit status
 /// stays 0, so scripts read the "***" lines.
-class UpdateApplication : public core::Application {
+class UpdateApplication : public program::Program {
 public:
     UpdateApplication();
-
-    /// Runs the program: prints the banner, then either the errors of the command line and the
-    /// usage screen, or the usage screen alone, or runs a session.
-    void Main(int argc, char const* const* argv);
 
 protected:
     /// Checks the options and runs the session. Always requests termination. Returns whether the
@@ -41,6 +37,8 @@ protected:
 
     core::StringArray errors{16};  ///< entries of title "=" message
     SessionTimeouts timeouts;
+
+    void ShowUsageErrors(std::vector<core::Fault> const& faults) override;
 
 private:
     bool ReadTask(Task& task);

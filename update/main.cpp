@@ -1,7 +1,8 @@
-#include "core/runtime/runProgram.h"
+#include "program/Program.h"
 #include "update/UpdateApplication.h"
 
 int main(int argc, char** argv) {
-    // 0 as after every failure: scripts in the field rely on it.
-    return core::runProgram<update::UpdateApplication>(argc, argv, 0);
+    program::run<update::UpdateApplication>(argc, argv);
+    // Not the result: scripts in the field rely on 0 and read the output.
+    return 0;
 }

@@ -2,6 +2,7 @@
 
 #include "core/console/lines.h"
 #include "core/text/message.h"
+#include "program/usage.h"
 
 namespace update {
 
@@ -29,6 +30,22 @@ void println(int indent, String const& text, bool lineEnd) {
 
 String errorLine(String const& entry) {
     return core::message("*** %1", entry.Replace("=", ": "));
+}
+
+void showUsage() {
+    using program::usage::heading;
+    using program::usage::literal;
+    using program::usage::optional;
+    program::usage::print({
+        {heading("Usage:")},
+        {"\t" + literal("ravelink") + optional(" [OPTIONS]") + literal(" -o") + " originFile" +
+         literal(" -a") + " ipAddress"},
+        {heading("where:")},
+        {"-o, --origin *", "The update archive file name"},
+        {"-a, --address *", "The IPv4 address in the form AAA.BBB.CCC.DDD:Port"},
+        {heading("and options:")},
+        {"-h, --help", "Show this screen"},
+    });
 }
 
 }  // namespace update

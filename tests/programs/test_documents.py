@@ -53,14 +53,19 @@ WAYS = (
 UNDOCUMENTED = re.compile(r"(- | |>  ).*|.*\\n|((?![A-Za-z] [A-Za-z]).)*", re.S)
 
 
+def sources(program, look=r".*\.(cpp|h)"):
+    """All sources of a program's directory whose names match."""
+    files = (SOURCE / DIRECTORIES[program]).rglob("*")
+    return "".join(file.read_text() for file in sorted(files) if re.fullmatch(look, file.name))
+
+
 def code_of(program):
-    files = [file for file in (SOURCE / DIRECTORIES[program]).rglob("*")
-             if re.fullmatch(r"(?!usage|Listing).*\.(cpp|h)", file.name)]
     shared = ["core/runtime/ApplicationOptions.cpp", "core/runtime/runProgram.cpp",
               "program/Program.cpp"]
     if program != "ravelink":
         shared += ["sys/ConfFile.cpp", "core/text/message.cpp"]
-    text = "".join(file.read_text() for file in sorted(files)) + "".join(map(source, shared))
+    text = sources(program, r"(?!usage|Listing).*\.(cpp|h)") + "".join(map(source, shared))
+    text = re.sub(r"^void showUsage\(\) \{.*?^\}", "", text, flags=re.M | re.S)
     return re.sub(r"//.*|#include.*|'\"'|\"\s*\"", "", text.replace('\\"', "`"))
 
 
@@ -116,16 +121,15 @@ IFS=,; echo "${COMPREPLY[*]}\""""
 
 @pytest.mark.parametrize("program", PROGRAMS)
 def test_option_descriptions_agree(program):
-    directory = DIRECTORIES[program]
     page = source(f"docs/{program}.md")
-    grammar = re.search(r'optionGrammar\[\] =\s*"([^"]*)"', source(f"{directory}/usage.cpp"))[1]
+    grammar = re.search(r'optionGrammar\[\] =\s*"([^"]*)"', sources(program))[1]
     assert names(page, r"`-(.)`, `--(\w+)`( \*[A-Z]+\*|,| and)?") == names(
         grammar, r"(.)\|(\w+)=(?:0|(1))")
     zsh = part(source("completions/_ravelink"), program + ")", ";;")
     assert names(zsh, r"\{-(.)(?=,--\w+\}|=,.+=\})=?,--(\w+)(=)?\}") == names(
         page, r"\n\| `-(.)`, `--(\w+)`( \*[A-Z]+\*)? \|")
     shown = names(page, r"\n\| `-(.)`, `--(\w+)`")
-    screen = "\n".join(run(built(directory + "_program") + ["-h"]).lines)
+    screen = "\n".join(run(built(DIRECTORIES[program] + "_program") + ["-h"]).lines)
     assert names(screen, r"\n\t-(.), --(\w+) ") == shown
     all_words = offered(program, "-")
     assert names(all_words, r"-(.),--(\w+)") == shown

@@ -1,4 +1,4 @@
-#include "core/runtime/runProgram.h"
+#include "program/Program.h"
 #include "update/UpdateApplication.h"
 
 namespace {
@@ -15,5 +15,6 @@ public:
 }  // namespace
 
 int main(int argc, char** argv) {
-    return core::runProgram<ShortTimeoutUpdater>(argc, argv, 0);
+    program::run<ShortTimeoutUpdater>(argc, argv);
+    return 0;
 }
