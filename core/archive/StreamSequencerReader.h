@@ -79,8 +79,7 @@ public:
     /// Returns the number of bytes of all files' data, as read from the stream.
     long long GetDataSize() const { return dataSize_; }
     /// Returns the first file whose offset is not the end of the previous file, or -1. Read accepts
-    /// such an archive; but an installer that uses the offset would read other data than the CRC
-    /// covers.
+    /// such an archive, but an installer that uses the offsets would install wrong data.
     int FindMisplacedFile() const;
 
     /// Opens the unscrambled data of a file as a read-only stream. Returns null if index is

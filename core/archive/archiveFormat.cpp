@@ -13,11 +13,11 @@ constexpr char32_t firstLow = 0xDC00;
 constexpr char32_t lastLow = 0xDFFF;
 constexpr char32_t beyondOneUnit = 0x10000;
 
-bool isHigh(char32_t unit) {
+bool isHighSurrogate(char32_t unit) {
     return unit >= firstHigh && unit < firstLow;
 }
 
-bool isLow(char32_t unit) {
+bool isLowSurrogate(char32_t unit) {
     return unit >= firstLow && unit <= lastLow;
 }
 
@@ -49,10 +49,10 @@ String readTextSlot(unsigned char const* slot, int units) {
     TextBuilder text;
     for (std::size_t i = 0; i < count && unitAt(slot, i) != 0; ++i) {
         char32_t point = unitAt(slot, i);
-        if (isHigh(point) && i + 1 < count && isLow(unitAt(slot, i + 1))) {
+        if (isHighSurrogate(point) && i + 1 < count && isLowSurrogate(unitAt(slot, i + 1))) {
             ++i;
             point = beyondOneUnit + ((point - firstHigh) << 10) + (unitAt(slot, i) - firstLow);
-        } else if (isHigh(point) || isLow(point)) {
+        } else if (isHighSurrogate(point) || isLowSurrogate(point)) {
             point = unicode::replacement;
         }
         unicode::appendCodePoint(point, text);

@@ -16,7 +16,8 @@ using calendar::floorDivide;
 using calendar::floorRemainder;
 
 constexpr long long msPerSecond = 1000;
-constexpr long long msPerDay = 86400 * msPerSecond;
+constexpr long long secondsPerDay = 86400;
+constexpr long long msPerDay = secondsPerDay * msPerSecond;
 // 1970-01-01 00:00 in Julian and in modified Julian days.
 constexpr double epochJulian = 2440587.5;
 constexpr double epochJulianModified = 40587;
@@ -80,17 +81,17 @@ std::tm Time::TM() const {
 }
 
 std::tm Time::gmtime(long long seconds) {
-    // Not by way of a Time, whose range is smaller.
-    long long const days = floorDivide(seconds, 86400);
-    auto const ofDay = static_cast<int>(floorRemainder(seconds, 86400));
+    // Do not convert to a Time, whose range is smaller.
+    long long const days = floorDivide(seconds, secondsPerDay);
+    auto const secondOfDay = static_cast<int>(floorRemainder(seconds, secondsPerDay));
     Date const date = calendar::dateFromDays(days);
     std::tm result{};
     result.tm_year = static_cast<int>(std::clamp<long long>(date.year - 1900, INT_MIN, INT_MAX));
     result.tm_mon = date.month - 1;
     result.tm_mday = date.day;
-    result.tm_hour = ofDay / 3600;
-    result.tm_min = ofDay / 60 % 60;
-    result.tm_sec = ofDay % 60;
+    result.tm_hour = secondOfDay / 3600;
+    result.tm_min = secondOfDay / 60 % 60;
+    result.tm_sec = secondOfDay % 60;
     // 1970-01-01 was a Thursday.
     result.tm_wday = static_cast<int>(floorRemainder(days + 4, 7));
     result.tm_yday = static_cast<int>(days - calendar::daysFromDate({date.year, 1, 1}));
@@ -100,7 +101,7 @@ std::tm Time::gmtime(long long seconds) {
 long long Time::timegm(std::tm const& fields) {
     long long const days =
         daysFromFields(fields.tm_year + 1900LL, fields.tm_mon + 1LL, fields.tm_mday);
-    return days * 86400 +
+    return days * secondsPerDay +
            msFromFields(fields.tm_hour, fields.tm_min, fields.tm_sec, 0) / msPerSecond;
 }
 
