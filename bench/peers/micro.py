@@ -29,8 +29,6 @@ GROWING = [
     ("core_runtime", "gather option words", "OptionWords"),
     ("core_text", "grow a list", "GrowList"),
     ("core_text", "split into many", "SplitMany"),
-    ("core_text", "store a counted list", "SetCountedList"),
-    ("core_text", "read a counted list", "GetCountedList"),
     ("core_text", "load lines", "LoadLines"),
     ("core_text", "load a configuration", "LoadConfFile"),
 ]

@@ -1,8 +1,7 @@
-// Each operation of a text beside the same work done with the standard library.
+// Operations of String compared with the same work done with the standard library.
 #include <benchmark/benchmark.h>
 
 #include <cmath>
-#include <cstdint>
 #include <cstdio>
 #include <string>
 #include <vector>
@@ -78,11 +77,11 @@ BENCHMARK(Copy<std::string>);
 
 template <class Text>
 void AppendTen(benchmark::State& state) {
-    Text const piece("a piece of text;");
+    Text const part("a part of a text;");
     for (auto _ : state) {
         Text text;
         for (int i = 0; i < 10; ++i) {
-            text += piece;
+            text += part;
         }
         benchmark::DoNotOptimize(text);
     }
@@ -163,35 +162,13 @@ void SplitMany(benchmark::State& state) {
 }
 BENCHMARK(SplitMany)->Arg(many)->Arg(4 * many);
 
-/// The entries of a counted list, "list.count" included.
-core::StringArray countedList(std::int64_t count) {
-    core::StringArray items;
-    String::OfChar(',', static_cast<int>(count)).Split(items, ',');
-    core::StringArray conf;
-    conf.SetCountedList("list", items);
-    return conf;
-}
-
-void SetCountedList(benchmark::State& state) {
-    for (auto _ : state) {
-        core::StringArray conf = countedList(state.range(0));
-        benchmark::DoNotOptimize(conf);
-    }
-}
-BENCHMARK(SetCountedList)->Arg(many)->Arg(4 * many);
-
-void GetCountedList(benchmark::State& state) {
-    core::StringArray const conf = countedList(state.range(0));
-    for (auto _ : state) {
-        core::StringArray list;
-        benchmark::DoNotOptimize(conf.GetCountedList("list", list));
-    }
-}
-BENCHMARK(GetCountedList)->Arg(many)->Arg(4 * many);
-
 template <void (core::StringArray::*Load)(String const&)>
 void LoadText(benchmark::State& state) {
-    String const text = countedList(state.range(0)).AsString();
+    core::StringArray pairs;
+    for (int i = 0; i < state.range(0); ++i) {
+        pairs.Add(String::format("entry[%1]").argi(1, i), "");
+    }
+    String const text = pairs.AsString();
     for (auto _ : state) {
         core::StringArray list;
         (list.*Load)(text);
