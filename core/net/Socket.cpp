@@ -7,7 +7,7 @@ namespace core {
 namespace platform = sys::platform;
 
 bool Socket::init() {
-    return platform::startSockets();
+    return platform::startSockets() == 0;
 }
 
 int Socket::done() {
@@ -47,8 +47,12 @@ SocketResult Socket::CreateTheSocket(SocketDomain domain, SocketType type) {
     if (IsOpen()) {
         return socket_result::wrongState;
     }
-    handle_ = platform::openSocket(domain, type);
-    return IsOpen() ? socket_result::success : Fail();
+    platform::SocketHandle const opened = platform::openSocket(domain, type);
+    if (opened < 0) {
+        return Fail(opened);
+    }
+    handle_ = opened;
+    return socket_result::success;
 }
 
 SocketResult Socket::Close() {
@@ -83,11 +87,11 @@ bool Socket::Abort() {
 }
 
 int Socket::checkRecv(int ms) const {
-    return IsOpen() ? platform::waitReadable(handle_, ms) : 0;
+    return IsOpen() ? SetErrno(platform::waitReadable(handle_, ms)) : 0;
 }
 
 int Socket::checkSend(int ms) const {
-    return platform::waitWritable(handle_, ms);
+    return SetErrno(platform::waitWritable(handle_, ms));
 }
 
 bool Socket::CanRecv(int ms) const {
@@ -110,7 +114,7 @@ Socket::Readiness Socket::fromSelectResult(int result) {
     if (result >= 0) {
         return result > 0 ? Readiness::ready : Readiness::timedOut;
     }
-    switch (platform::lastSocketError()) {
+    switch (errno) {
         case EBADF:
             return Readiness::badHandle;
         case EINTR:
@@ -125,15 +129,28 @@ Socket::Readiness Socket::fromSelectResult(int result) {
 }
 
 bool Socket::setBlocking(bool blocking) {
-    if (!platform::setNonBlocking(handle_, !blocking)) {
+    if (platform::setNonBlocking(handle_, !blocking) != 0) {
         return false;
     }
     blocking_ = blocking;
     return true;
 }
 
-SocketResult Socket::Fail() {
-    lastError_ = platform::lastSocketError();
+int Socket::SetErrno(int result) {
+    if (result >= 0) {
+        return result;
+    }
+    errno = -result;
+    return -1;
+}
+
+int Socket::Remember(int result) {
+    lastError_ = result < 0 ? -result : 0;
+    return SetErrno(result);
+}
+
+SocketResult Socket::Fail(int result) {
+    Remember(result);
     return SocketResultFrom_errno(lastError_, true);
 }
 

@@ -209,10 +209,12 @@ public:
 
 private:
     Socket() = default;
-    SocketResult Fail();
+    /// Returns result, or -1 with errno set if it is a negative errno value.
+    static int SetErrno(int result);
+    int Remember(int result);
+    SocketResult Fail(int result);
     void SetPeer(SocketAddr const& peer);
     SocketResult ConnectOpen(SocketAddr const& address);
-    SocketResult ReadEndPoint(ClassRef<SocketAddr> const& address, EndPoint& endPoint) const;
     int BytesOrNone(int result) const;
     template <class Receive>
     int RecvAll(Buffer& bytes, Receive receive);

@@ -27,14 +27,33 @@ SocketResult firstSuccess(ClassRef<AddressInfo> const& info, Attempt attempt) {
     return result;
 }
 
-ClassRef<SocketAddr> readAddress(AddressCall call, platform::SocketHandle handle) {
+/// Stores the address that call reads; on failure address is unchanged.
+SocketResult readAddress(AddressCall call, platform::SocketHandle handle,
+                         ClassRef<SocketAddr>& address) {
     unsigned char bytes[platform::addressRoom];
     int length = sizeof bytes;
-    return call(handle, bytes, length) == 0 ? new SocketAddr(bytes, length) : nullptr;
+    int const result = call(handle, bytes, length);
+    if (result != 0) {
+        return SocketResultFrom_errno(-result, true);
+    }
+    address = new SocketAddr(bytes, length);
+    return socket_result::success;
 }
 
-SocketResult nameFailure() {
-    return SocketResultFrom_errno(platform::lastSocketError(), true);
+SocketResult readName(AddressCall call, platform::SocketHandle handle, String& name, bool numeric) {
+    ClassRef<SocketAddr> address;
+    SocketResult const result = readAddress(call, handle, address);
+    return result == socket_result::success ? address->GetName(name, numeric) : result;
+}
+
+SocketResult readEndPoint(AddressCall call, platform::SocketHandle handle, SocketType type,
+                          EndPoint& endPoint) {
+    ClassRef<SocketAddr> address;
+    SocketResult const result = readAddress(call, handle, address);
+    if (result == socket_result::success) {
+        endPoint = EndPoint(address, type);
+    }
+    return result;
 }
 
 }  // namespace
@@ -67,10 +86,8 @@ SocketResult Socket::Connect(EndPoint const& endPoint) {
 }
 
 SocketResult Socket::ConnectOpen(SocketAddr const& address) {
-    if (platform::connectSocket(handle_, address.GetBytes(), address.GetSize()) != 0) {
-        return Fail();
-    }
-    return address.GetName(target_, true);
+    int const result = platform::connectSocket(handle_, address.GetBytes(), address.GetSize());
+    return result == 0 ? address.GetName(target_, true) : Fail(result);
 }
 
 bool Socket::Connect() {
@@ -116,12 +133,13 @@ SocketResult Socket::Bind(ClassRef<SocketAddr> const& address) {
     if (!address) {
         return socket_result::failed;
     }
-    bool const bound = platform::bindSocket(handle_, address->GetBytes(), address->GetSize()) == 0;
-    return bound ? socket_result::success : Fail();
+    int const result = platform::bindSocket(handle_, address->GetBytes(), address->GetSize());
+    return result == 0 ? socket_result::success : Fail(result);
 }
 
 SocketResult Socket::Listen() {
-    return platform::listenSocket(handle_, largestBacklog) == 0 ? socket_result::success : Fail();
+    int const result = platform::listenSocket(handle_, largestBacklog);
+    return result == 0 ? socket_result::success : Fail(result);
 }
 
 SocketResult Socket::Accept(ClassRef<Socket>& accepted) {
@@ -129,10 +147,11 @@ SocketResult Socket::Accept(ClassRef<Socket>& accepted) {
     int length = sizeof bytes;
     // Allocate first, so that the accepted handle always has an owner.
     ClassRef<Socket> const next(new Socket);
-    next->handle_ = platform::acceptSocket(handle_, bytes, length);
-    if (next->handle_ == platform::noSocket) {
-        return Fail();
+    platform::SocketHandle const connection = platform::acceptSocket(handle_, bytes, length);
+    if (connection < 0) {
+        return Fail(connection);
     }
+    next->handle_ = connection;
     next->type_ = type_;
     next->SetPeer(SocketAddr(bytes, length));
     accepted = next;
@@ -140,29 +159,19 @@ SocketResult Socket::Accept(ClassRef<Socket>& accepted) {
 }
 
 SocketResult Socket::GetSockName(String& name, bool numeric) const {
-    ClassRef<SocketAddr> const address = readAddress(&platform::localAddress, handle_);
-    return address ? address->GetName(name, numeric) : nameFailure();
+    return readName(&platform::localAddress, handle_, name, numeric);
 }
 
 SocketResult Socket::GetPeerName(String& name, bool numeric) const {
-    ClassRef<SocketAddr> const address = readAddress(&platform::peerAddress, handle_);
-    return address ? address->GetName(name, numeric) : nameFailure();
+    return readName(&platform::peerAddress, handle_, name, numeric);
 }
 
 SocketResult Socket::GetSockName(EndPoint& endPoint) const {
-    return ReadEndPoint(readAddress(&platform::localAddress, handle_), endPoint);
+    return readEndPoint(&platform::localAddress, handle_, type_, endPoint);
 }
 
 SocketResult Socket::GetPeerName(EndPoint& endPoint) const {
-    return ReadEndPoint(readAddress(&platform::peerAddress, handle_), endPoint);
-}
-
-SocketResult Socket::ReadEndPoint(ClassRef<SocketAddr> const& address, EndPoint& endPoint) const {
-    if (!address) {
-        return nameFailure();
-    }
-    endPoint = EndPoint(address, type_);
-    return socket_result::success;
+    return readEndPoint(&platform::peerAddress, handle_, type_, endPoint);
 }
 
 }  // namespace core

@@ -9,9 +9,7 @@ int Socket::SendTo(void const* data, int length, ClassRef<SocketAddr> const& to)
     if (!to) {
         return -1;
     }
-    int const sent = platform::sendDatagram(handle_, data, length, to->GetBytes(), to->GetSize());
-    lastError_ = sent < 0 ? platform::lastSocketError() : 0;
-    return sent;
+    return Remember(platform::sendDatagram(handle_, data, length, to->GetBytes(), to->GetSize()));
 }
 
 int Socket::SendTo(void const* data, int length, EndPoint const& to) {
@@ -41,8 +39,7 @@ int Socket::Broadcast(void const* data, int length, int port) {
 int Socket::RecvFrom(void* buffer, int length, ClassRef<SocketAddr>& from) {
     unsigned char bytes[platform::addressRoom];
     int size = sizeof bytes;
-    int const got = platform::receiveDatagram(handle_, buffer, length, bytes, size);
-    lastError_ = got < 0 ? platform::lastSocketError() : 0;
+    int const got = Remember(platform::receiveDatagram(handle_, buffer, length, bytes, size));
     if (got >= 0) {
         from = new SocketAddr(bytes, size);
     }

@@ -70,7 +70,7 @@ int Socket::GetSendTimeout() const {
 
 int Socket::GetTimeout(SocketTimeout which) const {
     int ms = 0;
-    int const result = platform::getSocketTimeout(handle_, which, ms);
+    int const result = SetErrno(platform::getSocketTimeout(handle_, which, ms));
     return result < 0 ? result : ms;
 }
 

@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <cerrno>
 
 #include "core/net/Socket.h"
 #include "core/runtime/CountDownTimer.h"
@@ -41,9 +42,7 @@ int transferUntil(int length, int timeoutMs, Check check, Move move) {
 }  // namespace
 
 int Socket::Send(void const* data, int length) {
-    int const sent = platform::sendBytes(handle_, data, length);
-    lastError_ = sent < 0 ? platform::lastSocketError() : 0;
-    return sent;
+    return Remember(platform::sendBytes(handle_, data, length));
 }
 
 int Socket::Send(Buffer const& bytes) {
@@ -55,13 +54,11 @@ int Socket::Send(String const& text) {
 }
 
 int Socket::Recv(void* buffer, int length) {
-    int const got = platform::receiveBytes(handle_, buffer, length);
-    lastError_ = got < 0 ? platform::lastSocketError() : 0;
-    return got;
+    return Remember(platform::receiveBytes(handle_, buffer, length));
 }
 
 bool Socket::WouldBlock() const {
-    return platform::wouldBlock(lastError_);
+    return lastError_ == EWOULDBLOCK;
 }
 
 int Socket::RecvUntil(void* buffer, int length, long long timeoutMs) {
@@ -100,7 +97,7 @@ int Socket::_Read(void* buffer, int length, int timeoutMs) {
 
 int Socket::_Write(void const* data, int length, int timeoutMs) {
     // With a peer that stops reading, a blocking send could exceed the deadline.
-    bool const switched = blocking_ && platform::setNonBlocking(handle_, true);
+    bool const switched = blocking_ && platform::setNonBlocking(handle_, true) == 0;
     auto const* const bytes = static_cast<char const*>(data);
     int const written = transferUntil(
         length, timeoutMs, [this](int ms) { return checkSend(ms); },

@@ -9,105 +9,101 @@ inline constexpr SocketHandle noSocket = -1;
 enum class SocketDomain { unspecified = 0, IPv4 = 1, IPv6 = 2 };
 enum class SocketType { unspecified = 0, stream = 1, datagram = 2 };
 
-/// The platform's own numbers for a domain and a type; 0 stands for "any".
+/// Return the platform's number for a domain and a type; 0 means "any".
 int domainNumber(SocketDomain domain);
 int typeNumber(SocketType type);
 int protocolNumber(SocketType type);
 
-/// Starts the socket library; true on success. stopSockets takes one start back.
-bool startSockets();
+// Every operation on sockets returns 0, or the count or handle described, or a negative errno
+// value. An operation that would have to wait returns -EWOULDBLOCK. No operation raises a signal.
+
+/// Initialises the socket library; stopSockets undoes one call.
+int startSockets();
 void stopSockets();
 
-// Calls that fail return -1 and leave the reason in lastSocketError until the thread's next call.
-
-/// The errno value of the calling thread's last failed socket call.
-int lastSocketError();
-/// Whether that value only says that the call would have to wait.
-bool wouldBlock(int error);
-
-/// A new socket, or noSocket. It is never one of the standard streams and is not inherited.
+/// Returns a new socket. It never has the number of a standard stream and is not inherited.
 SocketHandle openSocket(SocketDomain domain, SocketType type);
-/// Closes the socket; its handle is gone in any case.
+/// Closes the socket; the handle is invalid afterwards, even on failure.
 int closeSocket(SocketHandle socket);
-/// The same with a reset of the connection: bytes under way are dropped, at both ends.
+/// Closes the socket with a reset of the connection: data in transit is lost, in both directions.
 int resetSocket(SocketHandle socket);
-/// Ends the sending side (the peer reads the end of the stream), or both.
+/// Shut down sending (the peer reads the end of the stream), or both directions.
 int shutdownSending(SocketHandle socket);
 int shutdownBoth(SocketHandle socket);
 
-/// Connects to an address of length bytes, however long the platform takes; 0 on success.
+/// Connects to an address of length bytes, without a timeout but the platform's.
 int connectSocket(SocketHandle socket, void const* address, int length);
-/// Binds to a local address, 0 on success. A listener may take a port whose last owner has just
-/// gone, but never one that is in use.
+/// Binds to a local address. A listener may use the port of a listener just closed, but not a port
+/// in use.
 int bindSocket(SocketHandle socket, void const* address, int length);
 int listenSocket(SocketHandle socket, int backlog);
-/// The next connection, whose calls block whatever those of the listener do, or noSocket; its peer
-/// is written to address, of which length is the room before and the bytes used after.
+/// Returns the next connection, which blocks even if the listener does not. Stores the address of
+/// the peer; length is the capacity of address before the call and the size used after.
 SocketHandle acceptSocket(SocketHandle socket, void* address, int& length);
 
-/// One send: the bytes taken, which may be fewer. A peer that is gone gives -1, never a signal.
+/// Sends once; returns the number of bytes accepted, which may be less than length.
 int sendBytes(SocketHandle socket, void const* data, int length);
-/// One receive: the bytes that came, 0 when the peer has ended the stream.
+/// Receives once; returns the number of bytes received, 0 at the end of the stream.
 int receiveBytes(SocketHandle socket, void* buffer, int length);
 
-/// One datagram to an address of length bytes: the bytes taken.
+/// Sends one datagram; returns the number of bytes accepted.
 int sendDatagram(SocketHandle socket, void const* data, int length, void const* address,
                  int addressLength);
-/// One datagram: the bytes that fit into buffer; its sender, with room and use of address as for
-/// acceptSocket.
+/// Receives one datagram, truncated to length, and its sender, as acceptSocket does. Returns the
+/// number of bytes stored.
 int receiveDatagram(SocketHandle socket, void* buffer, int length, void* address,
                     int& addressLength);
 
-/// Wait at most ms milliseconds (negative: as 0) until a receive or a send would not block:
-/// 1 ready, 0 time ran out, -1 error. Signals do not end the wait.
+/// Wait up to ms milliseconds (negative: 0) until a receive or a send would not block. Return 1 if
+/// ready, 0 on timeout. Signals do not end the wait.
 int waitReadable(SocketHandle socket, int ms);
 int waitWritable(SocketHandle socket, int ms);
 
-/// Whether calls return at once with wouldBlock instead of waiting; true on success.
-bool setNonBlocking(SocketHandle socket, bool nonBlocking);
+/// Sets whether operations return -EWOULDBLOCK instead of waiting.
+int setNonBlocking(SocketHandle socket, bool nonBlocking);
 
 enum class SocketOption { noDelay, broadcast, multicastLoopback, multicastTtl, receiveBuffer };
-/// Sets or reads a whole number (switches are 0 and 1); 0 on success.
+/// Set or read an option; switches are 0 and 1.
 int setSocketOption(SocketHandle socket, SocketOption option, int value);
 int getSocketOption(SocketHandle socket, SocketOption option, int& value);
 
 enum class SocketTimeout { receive, send };
-/// Sets or reads how long a blocking call waits, in milliseconds, 0 meaning without end; 0 on
-/// success.
+/// Set or read the timeout of a blocking operation in milliseconds; 0 means none.
 int setSocketTimeout(SocketHandle socket, SocketTimeout which, int ms);
 int getSocketTimeout(SocketHandle socket, SocketTimeout which, int& ms);
 
-/// The local and the peer's address; room and use of address as for acceptSocket. 0 on success.
+/// Store the local and the peer's address; length is used as by acceptSocket.
 int localAddress(SocketHandle socket, void* address, int& length);
 int peerAddress(SocketHandle socket, void* address, int& length);
 
-/// Room that any address fits into, in bytes.
+/// The size of the largest address, in bytes.
 inline constexpr int addressRoom = 128;
-/// The domain that an address of length bytes belongs to.
+/// Returns the domain of an address of length bytes.
 SocketDomain domainOf(void const* address, int length);
 
 /// One entry of a resolver's chain.
 struct ResolvedEntry;
 
-/// Resolves host (null: none) and service (null: none). Returns 0 and the chain, to be given back
-/// with freeResolved; else the resolver's own error number.
+/// Resolves host and service, each of which may be null. Returns 0 and stores the chain, to be
+/// released by freeResolved, or returns the resolver's own error number.
 int resolve(char const* host, char const* service, SocketDomain domain, SocketType type,
             ResolvedEntry*& chain);
 void freeResolved(ResolvedEntry* chain);
-/// The parts of an entry; the address lives as long as its chain.
+/// Return the parts of an entry; the address is valid until its chain is released.
 ResolvedEntry* nextResolved(ResolvedEntry const* entry);
 void const* resolvedAddress(ResolvedEntry const* entry, int& length);
 int resolvedFamilyNumber(ResolvedEntry const* entry);
 int resolvedTypeNumber(ResolvedEntry const* entry);
 int resolvedProtocolNumber(ResolvedEntry const* entry);
 
-/// The texts of an address, into buffers of the given sizes; numeric asks no name server for the
-/// host. The service is always a number. 0, or the resolver's own error number.
+/// Stores the names of an address in buffers of the given sizes; the service is always a number.
+/// With numeric, no name server is asked for the host. Returns 0 or the resolver's own error
+/// number.
 int nameOfAddress(void const* address, int length, char* host, int hostSize, char* service,
                   int serviceSize, bool numeric);
 
 enum class ResolverFailure { temporary, badFlags, permanent, family, memory, noName, other };
-/// What an error number of the resolver, which must not be 0, means.
+/// Classifies an error number of the resolver other than 0.
 ResolverFailure resolverFailure(int error);
 
 }  // namespace sys::platform

@@ -3,6 +3,6 @@
 namespace {
 
 // Linked into a test program, initialises the socket library.
-bool const started = sys::platform::startSockets();
+bool const started = sys::platform::startSockets() == 0;
 
 }  // namespace

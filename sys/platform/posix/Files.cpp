@@ -65,7 +65,7 @@ int takeStatus(int result, struct stat const& found, FileStatus& status) {
 }
 
 int openFile(char const* path, unsigned mode, FileHandle& opened) {
-    int const file = withoutInterruption([&] { return open(path, openFlags(mode), 0666); });
+    int const file = retryOnEintr([&] { return open(path, openFlags(mode), 0666); });
     if (file < 0) {
         return file;
     }
@@ -85,7 +85,7 @@ int openFile(char const* path, unsigned mode, FileHandle& opened) {
 int createUniqueFile(char const* prefix, std::string& path, FileHandle& opened) {
     std::string name = prefix;
     name += "XXXXXX";
-    int const file = withoutInterruption([&] { return mkostemp(name.data(), O_CLOEXEC); });
+    int const file = retryOnEintr([&] { return mkostemp(name.data(), O_CLOEXEC); });
     if (file < 0) {
         return file;
     }
@@ -99,7 +99,7 @@ int readFile(FileHandle file, void* buffer, int count) {
     if (count < 1) {
         return 0;
     }
-    return withoutInterruption(
+    return retryOnEintr(
         [&] { return read(descriptor(file), buffer, static_cast<std::size_t>(count)); });
 }
 
@@ -107,7 +107,7 @@ int writeFile(FileHandle file, void const* data, int count) {
     if (count < 1) {
         return 0;
     }
-    return withoutInterruption(
+    return retryOnEintr(
         [&] { return write(descriptor(file), data, static_cast<std::size_t>(count)); });
 }
 
@@ -120,7 +120,7 @@ long long seekFile(FileHandle file, long long offset, SeekOrigin origin) {
 }
 
 int syncFile(FileHandle file) {
-    return withoutInterruption([&] { return fsync(descriptor(file)); });
+    return retryOnEintr([&] { return fsync(descriptor(file)); });
 }
 
 int statFile(FileHandle file, FileStatus& status) {
@@ -129,7 +129,7 @@ int statFile(FileHandle file, FileStatus& status) {
 }
 
 int resizeFile(FileHandle file, long long size) {
-    return withoutInterruption([&] { return ftruncate(descriptor(file), size); });
+    return retryOnEintr([&] { return ftruncate(descriptor(file), size); });
 }
 
 void copyPermissions(FileHandle from, FileHandle to) {

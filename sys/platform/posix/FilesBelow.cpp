@@ -49,7 +49,7 @@ private:
             return -errno;
         }
         int const next =
-            withoutInterruption([&] { return openat(at_, name, directoryFlags | O_NOFOLLOW); });
+            retryOnEintr([&] { return openat(at_, name, directoryFlags | O_NOFOLLOW); });
         if (next < 0) {
             struct stat found {};
             bool const link =
@@ -96,7 +96,7 @@ bool readPermissions(int parent, char const* name, mode_t& permissions) {
 
 int ConfinedDirectory::Open(char const* path) {
     Close();
-    int const opened = withoutInterruption([&] { return open(path, directoryFlags); });
+    int const opened = retryOnEintr([&] { return open(path, directoryFlags); });
     directory_ = opened >= 0 ? opened : noFile;
     return std::min(opened, 0);
 }
@@ -120,7 +120,7 @@ int ConfinedDirectory::CreatePart(char const* path, char const* part, PartPermis
         bool const kept =
             permissions == PartPermissions::ofTarget && readPermissions(parent, name, mode);
         int const flags = O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC;
-        int const file = withoutInterruption([&] { return openat(parent, part, flags, mode); });
+        int const file = retryOnEintr([&] { return openat(parent, part, flags, mode); });
         if (file >= 0 && kept) {
             // What the umask took away. A file system without permissions rejects it.
             (void)fchmod(file, mode);

@@ -13,6 +13,7 @@
 #include <chrono>
 
 #include "sys/platform/commonSockets.inl"
+#include "sys/platform/posix/results.h"
 
 namespace sys::platform {
 
@@ -21,26 +22,26 @@ namespace {
 using std::chrono::milliseconds;
 using std::chrono::steady_clock;
 
+static_assert(EAGAIN == EWOULDBLOCK, "the headers have one name for it");
+
 int const lowestDescriptor = 3;
 
-/// Moves a socket that took the number of a closed standard stream out of the way of it.
+/// Moves a socket out of the numbers of the standard streams, one of which may be closed. Returns
+/// the socket or a negative errno value.
 SocketHandle aboveStandardStreams(int socket) {
     if (socket < 0 || socket >= lowestDescriptor) {
         return socket;
     }
     int const moved = fcntl(socket, F_DUPFD_CLOEXEC, lowestDescriptor);
-    int const error = errno;
+    int const result = moved >= 0 ? moved : -errno;
     close(socket);
-    errno = error;
-    return moved;
+    return result;
 }
 
 /// poll, not select: a descriptor of 1,024 or more would make select write past its set.
 int waitFor(SocketHandle socket, short events, int ms) {
     if (socket == noSocket) {
-        // poll would ignore it and wait.
-        errno = EBADF;
-        return -1;
+        return -EBADF;  // poll would ignore it and wait
     }
     auto const deadline = steady_clock::now() + milliseconds(ms < 0 ? 0 : ms);
     for (;;) {
@@ -51,124 +52,101 @@ int waitFor(SocketHandle socket, short events, int ms) {
             continue;
         }
         if (result > 0 && (waiting.revents & POLLNVAL) != 0) {
-            errno = EBADF;
-            return -1;
+            return -EBADF;
         }
-        return result;
+        return result >= 0 ? result : -errno;
     }
 }
 
-/// After an interrupted connect the attempt goes on by itself; its outcome is waited for.
+/// Waits for the result of a connect that a signal interrupted: the attempt continues.
 int finishConnect(SocketHandle socket) {
     pollfd waiting{socket, POLLOUT, 0};
-    while (poll(&waiting, 1, -1) < 0) {
-        if (errno != EINTR) {
-            return -1;
-        }
+    int const result = retryOnEintr([&] { return poll(&waiting, 1, -1); });
+    if (result < 0) {
+        return result;
     }
     int error = 0;
     socklen_t size = sizeof error;
-    if (getsockopt(socket, SOL_SOCKET, SO_ERROR, &error, &size) != 0) {
-        return -1;
-    }
-    errno = error;
-    return error == 0 ? 0 : -1;
-}
-
-template <class Call>
-int withoutInterruption(Call call) {
-    for (;;) {
-        auto const result = call();
-        if (result >= 0 || errno != EINTR) {
-            return static_cast<int>(result);
-        }
-    }
+    return getsockopt(socket, SOL_SOCKET, SO_ERROR, &error, &size) == 0 ? -error : -errno;
 }
 
 using NameCall = int (*)(int, sockaddr*, socklen_t*);
 
 int readName(NameCall call, SocketHandle socket, void* address, int& length) {
     auto size = static_cast<socklen_t>(length);
-    int const result = call(socket, static_cast<sockaddr*>(address), &size);
+    int const result = negativeErrno(call(socket, static_cast<sockaddr*>(address), &size));
     length = static_cast<int>(size);
     return result;
 }
 
 }  // namespace
 
-bool startSockets() {
-    return true;
+int startSockets() {
+    return 0;
 }
 
 void stopSockets() {}
 
-int lastSocketError() {
-    return errno;
-}
-
-bool wouldBlock(int error) {
-    return error == EAGAIN || error == EWOULDBLOCK;
-}
-
 SocketHandle openSocket(SocketDomain domain, SocketType type) {
-    return aboveStandardStreams(
-        socket(domainNumber(domain), typeNumber(type) | SOCK_CLOEXEC, protocolNumber(type)));
+    return aboveStandardStreams(retryOnEintr([&] {
+        return socket(domainNumber(domain), typeNumber(type) | SOCK_CLOEXEC, protocolNumber(type));
+    }));
 }
 
 int closeSocket(SocketHandle socket) {
-    return close(socket);
+    return closeFile(socket);
 }
 
 int resetSocket(SocketHandle socket) {
-    linger const dropAtOnce{1, 0};
-    setsockopt(socket, SOL_SOCKET, SO_LINGER, &dropAtOnce, sizeof dropAtOnce);
-    return close(socket);
+    linger const noLinger{1, 0};
+    setsockopt(socket, SOL_SOCKET, SO_LINGER, &noLinger, sizeof noLinger);
+    return closeFile(socket);
 }
 
 int shutdownSending(SocketHandle socket) {
-    return shutdown(socket, SHUT_WR);
+    return negativeErrno(shutdown(socket, SHUT_WR));
 }
 
 int shutdownBoth(SocketHandle socket) {
-    return shutdown(socket, SHUT_RDWR);
+    return negativeErrno(shutdown(socket, SHUT_RDWR));
 }
 
 int connectSocket(SocketHandle socket, void const* address, int length) {
-    int const result = connect(socket, asAddress(address), static_cast<socklen_t>(length));
-    return result != 0 && errno == EINTR ? finishConnect(socket) : result;
+    int const result =
+        negativeErrno(connect(socket, asAddress(address), static_cast<socklen_t>(length)));
+    return result == -EINTR ? finishConnect(socket) : result;
 }
 
 int bindSocket(SocketHandle socket, void const* address, int length) {
     int const on = 1;
     setsockopt(socket, SOL_SOCKET, SO_REUSEADDR, &on, sizeof on);
-    return bind(socket, asAddress(address), static_cast<socklen_t>(length));
+    return negativeErrno(bind(socket, asAddress(address), static_cast<socklen_t>(length)));
 }
 
 int listenSocket(SocketHandle socket, int backlog) {
-    return listen(socket, backlog);
+    return negativeErrno(listen(socket, backlog));
 }
 
 SocketHandle acceptSocket(SocketHandle socket, void* address, int& length) {
     auto size = static_cast<socklen_t>(length);
-    int const accepted = withoutInterruption(
+    int const accepted = retryOnEintr(
         [&] { return accept4(socket, static_cast<sockaddr*>(address), &size, SOCK_CLOEXEC); });
     length = static_cast<int>(size);
     return aboveStandardStreams(accepted);
 }
 
 int sendBytes(SocketHandle socket, void const* data, int length) {
-    return withoutInterruption(
+    return retryOnEintr(
         [&] { return send(socket, data, static_cast<std::size_t>(length), MSG_NOSIGNAL); });
 }
 
 int receiveBytes(SocketHandle socket, void* buffer, int length) {
-    return withoutInterruption(
-        [&] { return recv(socket, buffer, static_cast<std::size_t>(length), 0); });
+    return retryOnEintr([&] { return recv(socket, buffer, static_cast<std::size_t>(length), 0); });
 }
 
 int sendDatagram(SocketHandle socket, void const* data, int length, void const* address,
                  int addressLength) {
-    return withoutInterruption([&] {
+    return retryOnEintr([&] {
         return sendto(socket, data, static_cast<std::size_t>(length), MSG_NOSIGNAL,
                       asAddress(address), static_cast<socklen_t>(addressLength));
     });
@@ -177,7 +155,7 @@ int sendDatagram(SocketHandle socket, void const* data, int length, void const* 
 int receiveDatagram(SocketHandle socket, void* buffer, int length, void* address,
                     int& addressLength) {
     auto size = static_cast<socklen_t>(addressLength);
-    int const got = withoutInterruption([&] {
+    int const got = retryOnEintr([&] {
         return recvfrom(socket, buffer, static_cast<std::size_t>(length), 0,
                         static_cast<sockaddr*>(address), &size);
     });
@@ -193,38 +171,38 @@ int waitWritable(SocketHandle socket, int ms) {
     return waitFor(socket, POLLOUT, ms);
 }
 
-bool setNonBlocking(SocketHandle socket, bool nonBlocking) {
+int setNonBlocking(SocketHandle socket, bool nonBlocking) {
     int const flags = fcntl(socket, F_GETFL);
     if (flags < 0) {
-        return false;
+        return -errno;
     }
     int const wanted = nonBlocking ? flags | O_NONBLOCK : flags & ~O_NONBLOCK;
-    return fcntl(socket, F_SETFL, wanted) == 0;
+    return negativeErrno(fcntl(socket, F_SETFL, wanted));
 }
 
 int setSocketOption(SocketHandle socket, SocketOption option, int value) {
     auto const [level, name] = nameOf(option);
-    return setsockopt(socket, level, name, &value, sizeof value);
+    return negativeErrno(setsockopt(socket, level, name, &value, sizeof value));
 }
 
 int getSocketOption(SocketHandle socket, SocketOption option, int& value) {
     auto const [level, name] = nameOf(option);
     int found = 0;
     socklen_t size = sizeof found;
-    int const result = getsockopt(socket, level, name, &found, &size);
+    int const result = negativeErrno(getsockopt(socket, level, name, &found, &size));
     value = found;
     return result;
 }
 
 int setSocketTimeout(SocketHandle socket, SocketTimeout which, int ms) {
     timeval const time{ms / 1000, ms % 1000 * 1000L};
-    return setsockopt(socket, SOL_SOCKET, nameOf(which), &time, sizeof time);
+    return negativeErrno(setsockopt(socket, SOL_SOCKET, nameOf(which), &time, sizeof time));
 }
 
 int getSocketTimeout(SocketHandle socket, SocketTimeout which, int& ms) {
     timeval time{};
     socklen_t size = sizeof time;
-    int const result = getsockopt(socket, SOL_SOCKET, nameOf(which), &time, &size);
+    int const result = negativeErrno(getsockopt(socket, SOL_SOCKET, nameOf(which), &time, &size));
     ms = static_cast<int>(time.tv_sec * 1000 + time.tv_usec / 1000);
     return result;
 }

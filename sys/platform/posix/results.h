@@ -18,9 +18,9 @@ inline int negativeErrno(int result) {
     return result == 0 ? 0 : -errno;
 }
 
-/// Runs a call again for as long as a signal interrupts it; its result or the negative errno.
+/// Retries a call on EINTR. Returns its result or the negative errno value.
 template <class Call>
-int withoutInterruption(Call call) {
+int retryOnEintr(Call call) {
     for (;;) {
         auto const result = call();
         if (result >= 0) {

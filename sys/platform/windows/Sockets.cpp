@@ -14,13 +14,23 @@ namespace sys::platform {
 
 namespace {
 
-/// Handles of the system's objects fit into 32 bits, in 64-bit programs too.
+/// Handles of system objects have at most 32 significant bits, in 64-bit programs too.
 SOCKET asSocket(SocketHandle socket) {
     return static_cast<SOCKET>(socket);
 }
 
-SocketHandle asHandle(SOCKET socket) {
-    return socket == INVALID_SOCKET ? noSocket : static_cast<SocketHandle>(socket);
+/// The negative errno value of the calling thread's last failed socket call.
+int negativeSocketError() {
+    return -errnoOf(static_cast<unsigned long>(WSAGetLastError()));
+}
+
+/// Returns the result of a socket call: a count, or the negative errno value.
+int countOf(int result) {
+    return result >= 0 ? result : negativeSocketError();
+}
+
+SocketHandle handleOf(SOCKET socket) {
+    return socket == INVALID_SOCKET ? negativeSocketError() : static_cast<SocketHandle>(socket);
 }
 
 fd_set setOf(SocketHandle socket) {
@@ -30,23 +40,22 @@ fd_set setOf(SocketHandle socket) {
     return set;
 }
 
-/// One socket a call: a set holds 64 and drops the rest in silence.
+/// One socket per call: a set holds 64 and silently drops the rest.
 int waitFor(SocketHandle socket, bool toRead, int ms) {
     if (socket == noSocket) {
-        WSASetLastError(WSAEBADF);
-        return -1;
+        return -EBADF;
     }
     int const limit = std::max(ms, 0);
     timeval time{limit / 1000, limit % 1000 * 1000};
     fd_set ready = setOf(socket);
-    // A connect that failed shows nowhere else.
+    // A failed connect shows nowhere else.
     fd_set failed = setOf(socket);
     int const result = select(0, toRead ? &ready : nullptr, toRead ? nullptr : &ready,
                               toRead ? nullptr : &failed, &time);
-    return result > 0 ? 1 : result;
+    return result > 0 ? 1 : countOf(result);
 }
 
-/// A datagram that nobody took would otherwise make the next receive fail.
+/// A datagram to a closed port would otherwise make the next receive fail.
 void ignoreUnreachable(SOCKET socket) {
     BOOL report = FALSE;
     DWORD written = 0;
@@ -54,85 +63,80 @@ void ignoreUnreachable(SOCKET socket) {
              nullptr);
 }
 
-/// What a receive returned; a datagram of which only a part fitted came all the same.
+/// Returns the result of a receive: a truncated datagram is not an error.
 int receivedBytes(int result, int length) {
-    return result < 0 && WSAGetLastError() == WSAEMSGSIZE ? length : result;
+    return result < 0 && WSAGetLastError() == WSAEMSGSIZE ? length : countOf(result);
 }
 
 }  // namespace
-bool startSockets() {
+
+int startSockets() {
     WSADATA data;
-    return WSAStartup(MAKEWORD(2, 2), &data) == 0;
+    int const error = WSAStartup(MAKEWORD(2, 2), &data);
+    return error == 0 ? 0 : -errnoOf(static_cast<unsigned long>(error));
 }
 
 void stopSockets() {
     WSACleanup();
 }
 
-int lastSocketError() {
-    return errnoOf(static_cast<unsigned long>(WSAGetLastError()));
-}
-
-bool wouldBlock(int error) {
-    return error == EWOULDBLOCK;
-}
-
 SocketHandle openSocket(SocketDomain domain, SocketType type) {
     SOCKET const socket = WSASocketW(domainNumber(domain), typeNumber(type), protocolNumber(type),
                                      nullptr, 0, WSA_FLAG_OVERLAPPED | WSA_FLAG_NO_HANDLE_INHERIT);
-    if (socket != INVALID_SOCKET && type == SocketType::datagram) {
+    SocketHandle const opened = handleOf(socket);
+    if (opened >= 0 && type == SocketType::datagram) {
         ignoreUnreachable(socket);
     }
-    return asHandle(socket);
+    return opened;
 }
 
 int closeSocket(SocketHandle socket) {
-    return closesocket(asSocket(socket));
+    return countOf(closesocket(asSocket(socket)));
 }
 
 int resetSocket(SocketHandle socket) {
-    linger const dropAtOnce{1, 0};
-    setsockopt(asSocket(socket), SOL_SOCKET, SO_LINGER, reinterpret_cast<char const*>(&dropAtOnce),
-               sizeof dropAtOnce);
+    linger const noLinger{1, 0};
+    setsockopt(asSocket(socket), SOL_SOCKET, SO_LINGER, reinterpret_cast<char const*>(&noLinger),
+               sizeof noLinger);
     return closeSocket(socket);
 }
 
 int shutdownSending(SocketHandle socket) {
-    return shutdown(asSocket(socket), SD_SEND);
+    return countOf(shutdown(asSocket(socket), SD_SEND));
 }
 
 int shutdownBoth(SocketHandle socket) {
-    return shutdown(asSocket(socket), SD_BOTH);
+    return countOf(shutdown(asSocket(socket), SD_BOTH));
 }
 
 int connectSocket(SocketHandle socket, void const* address, int length) {
-    return connect(asSocket(socket), asAddress(address), length);
+    return countOf(connect(asSocket(socket), asAddress(address), length));
 }
 
 int bindSocket(SocketHandle socket, void const* address, int length) {
-    // Any other program could otherwise take the port, in use or not. What SO_REUSEADDR does
-    // elsewhere this system does by itself.
+    // Any other program could otherwise bind to the same port, even while it is in use. The effect
+    // of SO_REUSEADDR on POSIX systems is the default here.
     BOOL const on = TRUE;
     setsockopt(asSocket(socket), SOL_SOCKET, SO_EXCLUSIVEADDRUSE,
                reinterpret_cast<char const*>(&on), sizeof on);
-    return bind(asSocket(socket), asAddress(address), length);
+    return countOf(bind(asSocket(socket), asAddress(address), length));
 }
 
 int listenSocket(SocketHandle socket, int backlog) {
-    return listen(asSocket(socket), backlog);
+    return countOf(listen(asSocket(socket), backlog));
 }
 
 SocketHandle acceptSocket(SocketHandle socket, void* address, int& length) {
     SocketHandle const accepted =
-        asHandle(accept(asSocket(socket), static_cast<sockaddr*>(address), &length));
-    if (accepted != noSocket) {
-        setNonBlocking(accepted, false);  // which it has from its listener
+        handleOf(accept(asSocket(socket), static_cast<sockaddr*>(address), &length));
+    if (accepted >= 0) {
+        setNonBlocking(accepted, false);  // a mode that it inherits from the listener
     }
     return accepted;
 }
 
 int sendBytes(SocketHandle socket, void const* data, int length) {
-    return send(asSocket(socket), static_cast<char const*>(data), length, 0);
+    return countOf(send(asSocket(socket), static_cast<char const*>(data), length, 0));
 }
 
 int receiveBytes(SocketHandle socket, void* buffer, int length) {
@@ -141,8 +145,8 @@ int receiveBytes(SocketHandle socket, void* buffer, int length) {
 
 int sendDatagram(SocketHandle socket, void const* data, int length, void const* address,
                  int addressLength) {
-    return sendto(asSocket(socket), static_cast<char const*>(data), length, 0, asAddress(address),
-                  addressLength);
+    return countOf(sendto(asSocket(socket), static_cast<char const*>(data), length, 0,
+                          asAddress(address), addressLength));
 }
 
 int receiveDatagram(SocketHandle socket, void* buffer, int length, void* address,
@@ -160,16 +164,16 @@ int waitWritable(SocketHandle socket, int ms) {
     return waitFor(socket, false, ms);
 }
 
-bool setNonBlocking(SocketHandle socket, bool nonBlocking) {
+int setNonBlocking(SocketHandle socket, bool nonBlocking) {
     u_long wanted = nonBlocking ? 1 : 0;
-    // The macro of the command is a signed number wider than the call's parameter.
-    return ioctlsocket(asSocket(socket), static_cast<long>(FIONBIO), &wanted) == 0;
+    // The macro of the command has a wider type than the parameter.
+    return countOf(ioctlsocket(asSocket(socket), static_cast<long>(FIONBIO), &wanted));
 }
 
 int setSocketOption(SocketHandle socket, SocketOption option, int value) {
     auto const [level, name] = nameOf(option);
-    return setsockopt(asSocket(socket), level, name, reinterpret_cast<char const*>(&value),
-                      sizeof value);
+    return countOf(setsockopt(asSocket(socket), level, name, reinterpret_cast<char const*>(&value),
+                              sizeof value));
 }
 
 int getSocketOption(SocketHandle socket, SocketOption option, int& value) {
@@ -177,29 +181,29 @@ int getSocketOption(SocketHandle socket, SocketOption option, int& value) {
     int found = 0;
     int size = sizeof found;
     int const result =
-        getsockopt(asSocket(socket), level, name, reinterpret_cast<char*>(&found), &size);
+        countOf(getsockopt(asSocket(socket), level, name, reinterpret_cast<char*>(&found), &size));
     value = found;
     return result;
 }
 
 int setSocketTimeout(SocketHandle socket, SocketTimeout which, int ms) {
-    // The system counts in milliseconds itself, where others take seconds and microseconds.
-    return setsockopt(asSocket(socket), SOL_SOCKET, nameOf(which),
-                      reinterpret_cast<char const*>(&ms), sizeof ms);
+    // In milliseconds, not in a timeval as on POSIX systems.
+    return countOf(setsockopt(asSocket(socket), SOL_SOCKET, nameOf(which),
+                              reinterpret_cast<char const*>(&ms), sizeof ms));
 }
 
 int getSocketTimeout(SocketHandle socket, SocketTimeout which, int& ms) {
     int size = sizeof ms;
-    return getsockopt(asSocket(socket), SOL_SOCKET, nameOf(which), reinterpret_cast<char*>(&ms),
-                      &size);
+    return countOf(getsockopt(asSocket(socket), SOL_SOCKET, nameOf(which),
+                              reinterpret_cast<char*>(&ms), &size));
 }
 
 int localAddress(SocketHandle socket, void* address, int& length) {
-    return getsockname(asSocket(socket), static_cast<sockaddr*>(address), &length);
+    return countOf(getsockname(asSocket(socket), static_cast<sockaddr*>(address), &length));
 }
 
 int peerAddress(SocketHandle socket, void* address, int& length) {
-    return getpeername(asSocket(socket), static_cast<sockaddr*>(address), &length);
+    return countOf(getpeername(asSocket(socket), static_cast<sockaddr*>(address), &length));
 }
 
 }  // namespace sys::platform

@@ -12,7 +12,6 @@ constexpr struct {
     unsigned long system;
     int error;
 } errorTable[] = {
-    {ERROR_SUCCESS, 0},
     {ERROR_FILE_NOT_FOUND, ENOENT},
     {ERROR_PATH_NOT_FOUND, ENOENT},
     {ERROR_INVALID_NAME, ENOENT},
