@@ -1,5 +1,8 @@
 #include <gtest/gtest.h>
 
+#include <tuple>
+#include <vector>
+
 #include "core/net/Address.h"
 #include "core/net/IPv4Address.h"
 #include "core/net/InfoSocketAddr.h"
@@ -10,41 +13,37 @@ using namespace core;
 
 TEST(IPv4Address, ParsesTexts) {
     // Invalid texts set the octets before the first error, and no port.
-    using Row = std::tuple<char const*, bool, char const*>;
-    for (auto const& [text, good, shown] :
-         {Row{"192.168.0.10|5000", true, "192.168.0.10|5000"},
-          Row{"192.168.0.10:5000", false, "192.168.0.0"},
-          Row{" 10.0.0.1 | 80 ", true, "10.0.0.1|80"},
-          Row{"10.0.0.1|", true, "10.0.0.1"},
-          Row{"10.0.0.1", true, "10.0.0.1"},
-          Row{"10.0.0.1|80x", true, "10.0.0.1"},
-          Row{"10.0.0.1|70000", true, "10.0.0.1|70000"},
-          Row{"10.0.0.1|-1", true, "10.0.0.1|-1"},
-          Row{"10.0.0.1|99999999999999999999", true, "10.0.0.1|2147483647"},
-          Row{"10.0.0.1|-9999999999", true, "10.0.0.1|-2147483647"},
-          Row{"10.0.0.1|-2147483649", true, "10.0.0.1|-2147483647"},
-          Row{"10.0.0.1|-2147483648", true, "10.0.0.1"},
-          Row{"10.0.0.1|80|90", true, "10.0.0.1"},
-          Row{"|5000", false, "0.0.0.0"},
-          Row{"", false, "0.0.0.0"},
-          Row{"1.2.3", false, "0.0.0.0"},
-          Row{"1.2.3.4.5", false, "0.0.0.0"},
-          Row{"1.2.3.256", false, "1.2.3.0"},
-          Row{"1.2..3", false, "1.2.0.0"},
-          Row{"1.2.3.-4", false, "1.2.3.0"},
-          Row{"1.2.3.4294967296", false, "1.2.3.0"},
-          Row{"1.2.3.12ab", false, "1.2.3.0"},
-          Row{"1.2.3.0x4", false, "1.2.3.0"},
-          Row{"x.2.3.4", false, "0.0.0.0"},
-          Row{"001.02.3.4", true, "1.2.3.4"},
-          Row{"1.2.3.\xC2\xB2", false, "1.2.3.0"}}) {
-        IPv4Address address;
-        EXPECT_EQ(address.Set(text), good) << text;
-        EXPECT_EQ(address.GetAsString(true), shown) << text;
+    std::tuple<bool, char const*, std::vector<char const*>> const rows[] = {
+        {true, "192.168.0.10|5000", {"192.168.0.10|5000"}},
+        {true, "10.0.0.1|80", {" 10.0.0.1 | 80 ", "010.00.0.1|080"}},
+        {true, "10.0.0.1|70000", {"10.0.0.1|70000"}},
+        {true, "10.0.0.1|-1", {"10.0.0.1|-1"}},
+        {true, "10.0.0.1|2147483647", {"10.0.0.1|2147483648", "10.0.0.1|99999999999999999999"}},
+        {true, "10.0.0.1|-2147483647", {"10.0.0.1|-2147483649", "10.0.0.1|-9999999999"}},
+        {true,
+         "10.0.0.1",
+         {"10.0.0.1|", "10.0.0.1", "10.0.0.1|80x", "10.0.0.1|-2147483648", "10.0.0.1|80|90"}},
+        {true, "255.0.255.0", {"255.0.255.0"}},
+        {false, "192.168.0.0", {"192.168.0.10:5000"}},
+        {false, "0.0.0.0", {"|5000", "", "1.2.3", "1.2.3.4.5", "x.2.3.4", "256.2.3.4"}},
+        {false, "1.2.0.0", {"1.2..3"}},
+        {false,
+         "1.2.3.0",
+         {"1.2.3.256", "1.2.3.-4", "1.2.3.4294967296", "1.2.3.12ab", "1.2.3.0x4",
+          "1.2.3.\xC2\xB2"}},
+    };
+    for (auto const& [valid, shown, texts] : rows) {
+        for (char const* const text : texts) {
+            IPv4Address address;
+            EXPECT_EQ(address.Set(text), valid) << text;
+            EXPECT_EQ(address.GetAsString(true), shown) << text;
+        }
     }
     IPv4Address kept(9, 9, 9, 9, 99);
     EXPECT_FALSE(kept.Set("1.x.3.4|5"));
     EXPECT_EQ(kept.GetAsString(true), "1.9.9.9|99");
+    EXPECT_FALSE(kept.Set("1|5"));
+    EXPECT_EQ(kept.GetAsString(true), "0.0.0.0|99");
 }
 
 TEST(IPv4Address, IsValidIsMoreLenient) {
@@ -82,33 +81,39 @@ TEST(IPv4Address, ConvertsNumbersAndTexts) {
     EXPECT_EQ(address.GetAsString(true), "192.168.0.10|5000");
     EXPECT_EQ(address.GetAsUInt32(), 0xC0A8000Au);
     EXPECT_TRUE(IPv4Address(0, 0, 0, 0, 80).IsNull() && !address.IsNull());
+    EXPECT_EQ(IPv4Address(address, 7).GetAsString(true), "192.168.0.10|7");
     address.SetByte(-1, 7);
     address.SetByte(4, 7);
     EXPECT_TRUE(address.SameAs(IPv4Address(192, 168, 0, 10), false));
     EXPECT_FALSE(address.SameAs(IPv4Address(192, 168, 0, 10), true));
     EXPECT_EQ(IPv4Address::ToString(256 + 1, 2, 3, 4, -5), "1.2.3.4|-5");
+    EXPECT_EQ(IPv4Address::ToString(1, 2, 3, 4), "1.2.3.4");
 }
 
 TEST(Address, FindsTheBestMatch) {
-    auto const info = Address::GetInfo("127.0.0.1|3007", SocketType::stream, true);
-    ASSERT_TRUE(info);
-    EXPECT_FALSE(info->FindBest(SocketDomain::IPv6, SocketType::stream));
-    auto const any =
-        Address::GetInfo("127.0.0.1|3007", SocketDomain::IPv4, SocketType::unspecified, true);
+    IPv4Address const four("127.0.0.1|3007");
+    auto const any = four.GetAddressInfo(SocketDomain::IPv4, SocketType::unspecified, true);
+    ASSERT_TRUE(any);
     if (any->Next()) {  // stream, datagram, others
         EXPECT_TRUE(any->FindBest(SocketDomain::IPv4, SocketType::stream)->Next()->Next());
         EXPECT_FALSE(any->FindBest(SocketDomain::IPv4, SocketType::datagram)->Next()->Next());
+        EXPECT_EQ(any->Next()->Next()->GetRoot().Get(), any.Get());
     }
-    auto const best = info->FindBest(SocketDomain::IPv4, SocketType::stream);
-    ASSERT_TRUE(best);
-    EXPECT_STREQ(best->ClassName(), "AddressInfo");
-    String name("untouched");
-    EXPECT_EQ(SocketAddr().GetName(name, true), 13u);
-    EXPECT_STREQ(name.getCString(), "untouched");
+    auto const info = Address::GetInfo("127.0.0.1|3007", SocketType::stream, true);
+    EXPECT_FALSE(info->FindBest(SocketDomain::IPv6, SocketType::stream));
     EXPECT_TRUE(info->FindBest(SocketDomain::IPv4, SocketType::datagram)) << "no better match";
+    EXPECT_FALSE(Address::GetInfo("|", SocketType::stream, true));
+    EXPECT_EQ(info->GetRoot().Get(), info.Get());
+    EXPECT_STREQ(info->ClassName(), "AddressInfo");
     EXPECT_EQ(GetPosixProtocol(SocketDomain::IPv6, SocketType::stream), 6);
     EXPECT_EQ(GetPosixProtocol(SocketDomain::IPv6, SocketType::datagram), 17);
-    auto const address = best->GetSocketAddress();
+}
+
+TEST(Address, CopiesPlatformAddresses) {
+    String name("unchanged");
+    EXPECT_EQ(SocketAddr().GetName(name, true), 13u);
+    EXPECT_STREQ(name.getCString(), "unchanged");
+    auto const address = IPv4Address("127.0.0.1|3007").GetAddressInfo(true)->GetSocketAddress();
     SocketAddr const negative(address->GetBytes(), -address->GetLength());
     EXPECT_STREQ(address->ClassName(), "InfoSocketAddr");
     EXPECT_STREQ(negative.ClassName(), "SocketAddr");
@@ -122,7 +127,7 @@ TEST(Address, FindsTheBestMatch) {
     for (int const length : {0, 129, -129, -2147483647 - 1}) {
         EXPECT_EQ(SocketAddr(tooLong, length).GetLength(), 0) << length;
     }
-    EXPECT_EQ(SocketAddr(tooLong, -128).GetSize(), 128);
+    EXPECT_EQ(SocketAddr(tooLong, 128).GetSize() + SocketAddr(tooLong, -128).GetSize(), 256);
     EXPECT_EQ(SocketAddr(tooLong, 16).GetName(name, true), 5u) << "unknown family";
 }
 

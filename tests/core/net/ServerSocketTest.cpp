@@ -111,7 +111,8 @@ TEST(ServerSocket, ServesDatagrams) {
     EXPECT_STREQ(none.ServerSocket::ClassName(), "ServerSocket");
     EXPECT_STREQ(worker.ClassName(), "ServerSocketThread");
     EXPECT_STREQ(worker.Thread::ClassName(), "Thread");
-    ASSERT_TRUE(worker.Start() && !worker.Start());
+    ASSERT_TRUE(worker.IsTerminated() && worker.Start() && !worker.Start());
+    EXPECT_EQ(errno, EALREADY);
     for (auto const finish : finishes) {
         EchoServer server(SocketType::datagram);
         server.finish = finish;

@@ -1,15 +1,12 @@
 #include <gtest/gtest.h>
 
-#include <cerrno>
 #include <cstdio>
 #include <cstdlib>
 #include <thread>
 
 #include "core/runtime/Application.h"
 #include "core/runtime/CountDownTimer.h"
-#include "core/runtime/Thread.h"
 #include "sys/platform/Process.h"
-#include "sys/scheduler.h"
 #include "tests/support/StatusDirectory.h"
 #include "tests/support/system.h"
 
@@ -94,11 +91,16 @@ TEST_F(ApplicationRun, AllowsOneApplicationInAProcess) {
         },
         testing::ExitedWithCode(1), "^$");
     expectTrue([] {
-        bool const none = Application::Instance() == nullptr &&
-                          Application::AppName() == "GApplication == nil" &&
-                          Application::MainThreadID() == 0 && !Application::IsADaemon() &&
-                          !Application::IsTerminationRequested();
+        auto const isUnchanged = [](String const& name) {
+            return Application::AppName() == name && !Application::IsTerminationRequested() &&
+                   !Application::IsTerminated() && !Application::IsADaemon() &&
+                   !Application::IsUsingSysLog() && Application::ProcessID() == 0 &&
+                   Application::SessionID() == 0;
+        };
+        bool const none = isUnchanged("GApplication == nil") &&
+                          Application::Instance() == nullptr && Application::MainThreadID() == 0;
         Application::RequestTermination(Application::normalRequest);
+        Application::WakeLoop();
         StringArray grammar(16);
         StringArray errors(16);
         grammar.Add("h|help=0");
@@ -112,13 +114,10 @@ TEST_F(ApplicationRun, AllowsOneApplicationInAProcess) {
                             Application::AddToArguments("g|", "", grammar, errors) == 1 &&
                             Application::AddToArguments("g|", "", grammar, errors) == 1 &&
                             tested.FindOption("help");
-        bool const one = Application::Instance() == &tested && Application::AppName() == "tested" &&
-                         tested.FulfillTerminationRequest() == 0 && !Application::IsTerminated() &&
-                         !Application::IsADaemon() && !Application::IsUsingSysLog() &&
-                         !tested.Daemonize("tested") && tested._addRef() + tested._release() == 0 &&
-                         Application::ProcessID() + Application::SessionID() == 0 &&
-                         Application::MainThreadID() == sys::platform::currentThreadId();
-        return none && onlyChecked && stored && one && !Application::IsTerminationRequested();
+        return none && onlyChecked && stored && isUnchanged("tested") &&
+               Application::Instance() == &tested && tested.FulfillTerminationRequest() == 0 &&
+               !tested.Daemonize("tested") && tested._addRef() + tested._release() == 0 &&
+               Application::MainThreadID() == sys::platform::currentThreadId();
     });
 }
 
@@ -139,25 +138,6 @@ TEST_F(ApplicationRun, TerminationRequestEndsSleepsAndWaits) {
                Application::Sleep(1'000'000, true) == 1 && Application::Sleep(0, false) == 1;
         return good;
     });
-}
-
-TEST(ThreadTest, StartsOnceAndEndsOnRequest) {
-    struct Polling : public Thread {
-        void Execute() override {
-            while (!IsTerminationRequested()) {
-                sys::scheduler::sleepms(1);
-            }
-        }
-    } thread;
-    EXPECT_STREQ(thread.ClassName(), "Thread");
-    EXPECT_TRUE(thread.IsTerminated());
-    EXPECT_TRUE(thread.Start());
-    EXPECT_FALSE(thread.IsTerminated());
-    EXPECT_FALSE(thread.Start());
-    EXPECT_EQ(errno, EALREADY);
-    thread.RequestTermination();
-    thread.Join();
-    EXPECT_TRUE(thread.IsTerminated());
 }
 
 TEST(AppStatus, WritesAndReadsTheNumber) {

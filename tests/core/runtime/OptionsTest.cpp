@@ -59,8 +59,8 @@ TEST(Options, FollowTheGrammar) {
         {" ! Invalid option=-x a|b", {{"-x", "a", "b"}}},
         {" ! Invalid option=--extra 1", {{"--extra=1"}}},
         {" ! Invalid option=-ho f", {{"-ho", "f"}}},
-        {" ! Invalid option= ", {{"-"}, {"--"}}},
-        {" ! Invalid option=-= ", {{"-="}}},
+        {" ! Invalid option= v", {{"-", "v"}, {"--", "v"}}},
+        {" ! Invalid option=-=x ", {{"-=x"}}},
     };
     for (auto const& [expected, commandLines] : rows) {
         for (auto const& words : commandLines) {
@@ -97,6 +97,8 @@ TEST(Options, AreFoundByEitherName) {
     for (char const* const query : {"", "|", "origins", "orig", "a"}) {
         EXPECT_FALSE(application().FindOption(query)) << query;
     }
+    EXPECT_EQ(parsed({"--long"}, "|long=0"), "=");
+    EXPECT_FALSE(application().FindOption("")) << "an empty name is not found";
 }
 
 TEST(Version, ComposesTexts) {
@@ -105,12 +107,14 @@ TEST(Version, ComposesTexts) {
     EXPECT_STREQ(tool.getVersionNumber().getCString(), "in words");
     tool.setVersionNumber(1, 0);
     EXPECT_STREQ(tool.getVersionLong(true).getCString(), "options 1.00");
-    tool.setVersionModelName("Model %1");
+    tool.setVersionModelName("M");
     tool.setDescription("What it does\r\nand more");
-    EXPECT_STREQ(tool.getVersionLong(true).getCString(), "options 1.00 (Model %1) - What it does");
-    tool.setDescription("In one line");
-    EXPECT_STREQ(tool.getVersionLong(true).getCString(), "options 1.00 (Model %1) - In one line");
-    EXPECT_STREQ(tool.getDescription().getCString(), "In one line");
+    EXPECT_STREQ(tool.getVersionLong(true).getCString(), "options 1.00 (M) - What it does");
+    tool.setDescription("\nempty first line");
+    EXPECT_STREQ(tool.getVersionLong(true).getCString(), "options 1.00 (M)");
+    tool.setDescription("In %1 line");
+    EXPECT_STREQ(tool.getVersionLong(true).getCString(), "options 1.00 (M) - In %1 line");
+    EXPECT_STREQ(tool.getDescription().getCString(), "In %1 line");
     tool.setBuildVersion("77");
     EXPECT_STREQ(tool.getBuildVersion().getCString(), "77");
     for (auto const& [stage, word] : {std::pair{25, "development"}, {50, "alpha"}, {75, "beta"}}) {
@@ -118,7 +122,7 @@ TEST(Version, ComposesTexts) {
         EXPECT_EQ(tool.getVersionShort(), "options 1.00 build 77 " + String(word));
     }
     tool.setVersionNumber(12, 345);
-    EXPECT_EQ(tool.getVersionLong(false), "options 12.345 build 77 beta (Model %1)");
+    EXPECT_EQ(tool.getVersionLong(false), "options 12.345 build 77 beta (M)");
     tool.clearBuildVersion();
     EXPECT_STREQ(tool.getVersionBuild().getCString(), "12.345");
     core::version::free();

@@ -54,7 +54,7 @@ TEST_F(TimersTest, CountsDownAndRestarts) {
     timer.WaitForIt();
     EXPECT_TRUE(CountDownTimer().Expired());
     EXPECT_EQ(CountDownTimer().Remaining(100, 1000), 0u);
-    EXPECT_TRUE(CountDownTimer(0ULL).Expired());
+    EXPECT_TRUE(CountDownTimer(0ULL).Expired() && !CountDownTimer(1ULL).Expired());
 }
 
 TEST_F(TimersTest, WaitsUntilTheDeadline) {

@@ -6,9 +6,10 @@
 #include <sys/time.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <ctime>
-#include <vector>
+#include <utility>
 
 #include "core/net/ServerSocket.h"
 #include "sys/scheduler.h"
@@ -16,29 +17,28 @@
 
 namespace {
 
-TEST(Descriptors, Above1024Work) {
+/// Sets the limit of the number of descriptors; returns the previous one.
+rlim_t limitDescriptors(rlim_t count) {
     rlimit limit{};
-    ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &limit), 0);
-    if (limit.rlim_max < 1200) {
-        GTEST_SKIP() << "the limit is " << limit.rlim_max << " descriptors";
+    getrlimit(RLIMIT_NOFILE, &limit);
+    rlim_t const before = std::exchange(limit.rlim_cur, std::min(count, limit.rlim_max));
+    EXPECT_EQ(setrlimit(RLIMIT_NOFILE, &limit), 0);
+    return before;
+}
+
+TEST(Descriptors, Above1024Work) {
+    limitDescriptors(1200);
+    for (int taken = 0; taken < 1030;) {
+        taken = dup(0);
+        if (taken < 0) {
+            GTEST_SKIP() << "the system allows too few descriptors";
+        }
     }
-    limit.rlim_cur = 1200;
-    ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &limit), 0);
-    std::vector<int> taken;
-    while (taken.empty() || taken.back() < 1030) {
-        taken.push_back(dup(0));
-        ASSERT_GE(taken.back(), 0);
-    }
-    {
-        SocketPair pair;
-        EXPECT_TRUE(pair.near.CanSend(1000));
-        EXPECT_EQ(pair.near.Send("12"), 2);
-        char buffer[2];
-        EXPECT_EQ(pair.far->RecvUntil(buffer, 2, 10'000), 2);
-    }
-    for (int const descriptor : taken) {
-        close(descriptor);
-    }
+    SocketPair pair;
+    EXPECT_TRUE(pair.near.CanSend(1000));
+    EXPECT_EQ(pair.near.Send("12"), 2);
+    char buffer[2];
+    EXPECT_EQ(pair.far->RecvUntil(buffer, 2, 10'000), 2);
 }
 
 TEST(Descriptors, ServerReportsMissingResources) {
@@ -49,14 +49,11 @@ TEST(Descriptors, ServerReportsMissingResources) {
     // Start once without limits: a sanitizer needs descriptors for the first check of a type.
     ASSERT_EQ(server.StartListen(), 1);
     server.StopListen(-1);
-    rlimit limit{};
-    ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &limit), 0);
-    rlimit const none{0, limit.rlim_max};
-    ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &none), 0);
+    rlim_t const limit = limitDescriptors(0);
     EXPECT_EQ(server.StartOne(0), 35u);
     EXPECT_EQ(server.StartListen(), -1);
     EXPECT_EQ(server.LastError(), EMFILE);
-    ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &limit), 0);
+    limitDescriptors(limit);
 
     pthread_attr_t standard;
     pthread_attr_t oversized;
@@ -68,22 +65,20 @@ TEST(Descriptors, ServerReportsMissingResources) {
     EXPECT_EQ(server.LastError(), EAGAIN) << "no thread";
     EXPECT_TRUE(!server.IsListening() && server.GetBoundName(0).IsEmpty());
     ASSERT_EQ(pthread_setattr_default_np(&standard), 0);
-    EXPECT_EQ(server.StartListen(), 1);
-    EXPECT_EQ(server.LastError(), 0);
+    EXPECT_TRUE(server.StartListen() == 1 && server.LastError() == 0);
 
     // Neither a failing accept nor a failing wait spins.
     core::Socket client(core::SocketDomain::IPv4, core::SocketType::stream);
-    EXPECT_EQ(setrlimit(RLIMIT_NOFILE, &none), 0);
+    limitDescriptors(0);
     EXPECT_EQ(client.Connect(server.GetBoundName(0)), 0u);
     for (rlim_t const few : {1U, 0U}) {
-        rlimit const descriptors{few, limit.rlim_max};
-        EXPECT_EQ(setrlimit(RLIMIT_NOFILE, &descriptors), 0);
+        limitDescriptors(few);
         std::clock_t const start = std::clock();
         sys::scheduler::sleepms(200);
         EXPECT_LT(std::clock() - start, CLOCKS_PER_SEC / 10) << few;
     }
     server.StopListen(-1);
-    ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &limit), 0);
+    limitDescriptors(limit);
 }
 
 TEST(Descriptors, SocketsAvoidTheStandardStreams) {
