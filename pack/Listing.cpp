@@ -65,9 +65,9 @@ Row rowOf(StreamDescriptor const& file) {
 String lineOf(Row const& row, std::array<int, columnCount> const& widths) {
     String line;
     for (std::size_t i = 0; i < columnCount; ++i) {
-        // Counted in characters: the string's own alignment counts bytes.
-        String const blanks = String::OfChar(' ', widths[i] - characterCount(row[i]));
-        line += columns[i].alignsRight ? blanks + row[i] : row[i] + blanks;
+        // In characters: the alignment of String::format counts bytes.
+        String const padding = String::OfChar(' ', widths[i] - characterCount(row[i]));
+        line += columns[i].alignsRight ? padding + row[i] : row[i] + padding;
         line += "  ";
     }
     return line.TrimRight();

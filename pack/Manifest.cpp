@@ -5,7 +5,7 @@
 
 #include "core/archive/archiveFormat.h"
 #include "core/text/parseNumber.h"
-#include "pack/faults.h"
+#include "pack/errorText.h"
 #include "pack/textNames.h"
 #include "sys/file.h"
 
@@ -20,9 +20,9 @@ namespace {
 using Mode = StreamSequencerBuilder::CryptMode;
 using Text = StreamDescriptor::Text;
 
-unsigned const usualAttributes = 0644;
+unsigned const defaultPermissions = 0644;
 
-/// "2.0" or "0x00020000".
+/// Reads a version such as "2.0" or "0x00020000".
 bool readVersion(String const& text, unsigned& version) {
     unsigned long long major = 0;
     unsigned long long minor = 0;
@@ -51,18 +51,18 @@ bool Manifest::Load(String const& path, StreamSequencerBuilder& builder) {
     std::size_t const before = errors_.size();
     int const result = file_.Load(path);
     if (result != 0) {
-        errors_.push_back(fileFault("Manifest not readable", path, result));
+        errors_.push_back(fileError("Manifest not readable", path, result));
         return false;
     }
-    TakeIdentity(builder);
-    TakeCrypt(builder);
-    TakeAttributes(builder);
-    TakeFiles(path.GetFilePath(), builder);
+    ReadIdentity(builder);
+    ReadCrypt(builder);
+    ReadAttributes(builder);
+    ReadFiles(path.GetFilePath(), builder);
     file_.RefuseTheRest();
     return errors_.size() == before;
 }
 
-void Manifest::TakeIdentity(StreamSequencerBuilder& builder) {
+void Manifest::ReadIdentity(StreamSequencerBuilder& builder) {
     String text;
     if (file_.Take("version", text)) {
         unsigned version = 0;
@@ -84,7 +84,7 @@ void Manifest::TakeIdentity(StreamSequencerBuilder& builder) {
     }
 }
 
-void Manifest::TakeCrypt(StreamSequencerBuilder& builder) {
+void Manifest::ReadCrypt(StreamSequencerBuilder& builder) {
     String text(nameOf(Mode::None));
     file_.Take("crypt", text);
     bool known = false;
@@ -100,7 +100,7 @@ void Manifest::TakeCrypt(StreamSequencerBuilder& builder) {
     unsigned long long key = 0;
     bool const given = file_.TakeNumber("key", 0, UINT32_MAX, key);
     if (known && given && builder.GetCryptMode() == Mode::None) {
-        file_.Wrong("key", "has no use without crypt");
+        file_.Wrong("key", "requires crypt");
     } else if (builder.GetCryptMode() != Mode::None) {
         auto const seed = static_cast<unsigned>(builder.uniqueId.value_or(0));
         builder.SetCryptKey(given ? static_cast<unsigned>(key)
@@ -108,7 +108,7 @@ void Manifest::TakeCrypt(StreamSequencerBuilder& builder) {
     }
 }
 
-void Manifest::TakeAttributes(StreamSequencerBuilder& builder) {
+void Manifest::ReadAttributes(StreamSequencerBuilder& builder) {
     unsigned long long count = 0;
     file_.TakeNumber("attribute.count", 0, core::archive::attributeCountMask, count);
     for (unsigned i = 0; i < count; ++i) {
@@ -119,35 +119,36 @@ void Manifest::TakeAttributes(StreamSequencerBuilder& builder) {
             builder.AddAttribute(text);
             continue;
         }
-        file_.Wrong(name, "must hold a name and a value");
+        file_.Wrong(name, "must be name=value");
         if (!given) {
-            return;  // a count that is too high is reported once
+            return;  // report a count that is too high once
         }
     }
 }
 
-void Manifest::TakeFiles(String const& folder, StreamSequencerBuilder& builder) {
+void Manifest::ReadFiles(String const& directory, StreamSequencerBuilder& builder) {
     unsigned long long count = 0;
     if (!file_.Has("file.count")) {
         file_.Wrong("file.count", "is missing");
     }
     file_.TakeNumber("file.count", 0, INT_MAX, count);
     for (unsigned i = 0; i < count; ++i) {
-        // A count that is too high is reported once.
-        if (!TakeFile(core::message("file[%1]", i), folder, builder)) {
+        // Report a count that is too high once.
+        if (!ReadFile(core::message("file[%1]", i), directory, builder)) {
             return;
         }
     }
 }
 
-bool Manifest::TakeFile(String const& name, String const& folder, StreamSequencerBuilder& builder) {
+bool Manifest::ReadFile(String const& name, String const& directory,
+                        StreamSequencerBuilder& builder) {
     String origin;
     if (!file_.Take(name + ".origin", origin) || origin.IsEmpty()) {
         file_.Wrong(name + ".origin", "is missing");
         return false;
     }
     StreamDescriptor& file =
-        builder.AddFile(isAbsolute(origin) ? origin : folder.AppendNewPath(origin));
+        builder.AddFile(isAbsolute(origin) ? origin : directory.AppendNewPath(origin));
     file.SetText(Text::name, origin.RightBy('/').IsEmpty() ? origin : origin.RightBy('/'));
     for (Text const which : allTexts) {
         String text;
@@ -155,7 +156,7 @@ bool Manifest::TakeFile(String const& name, String const& folder, StreamSequence
             file.SetText(which, text);
         }
     }
-    unsigned long long attributes = usualAttributes;
+    unsigned long long attributes = defaultPermissions;
     file_.TakeNumber(name + ".attributes", 8, UINT32_MAX, attributes);
     file.SetAttributes(static_cast<unsigned>(attributes));
     unsigned long long flags = 0;

@@ -9,24 +9,24 @@
 
 namespace pack {
 
-/// The manifest of an archive, a configuration file: docs/ravelink-pack.md lists its names, which
-/// are case-insensitive.
+/// Reads the manifest of an archive, a configuration file. docs/ravelink-pack.md lists its names.
 class Manifest {
 public:
-    /// Errors in the manifest are added to errors, which must outlive this object.
+    /// Errors are added to errors, which must outlive this object.
     explicit Manifest(std::vector<core::Fault>& errors)
         : errors_(errors), file_("Bad manifest", errors) {}
 
-    /// Reads the file and adds all that it says to the builder; false when anything is wrong with
-    /// it: also a name that means nothing, which would be a misspelt one.
+    /// Reads the manifest at path into the builder. Returns false if it has errors, of which an
+    /// unknown name is one.
     bool Load(core::String const& path, core::StreamSequencerBuilder& builder);
 
 private:
-    void TakeIdentity(core::StreamSequencerBuilder& builder);
-    void TakeCrypt(core::StreamSequencerBuilder& builder);
-    void TakeAttributes(core::StreamSequencerBuilder& builder);
-    void TakeFiles(core::String const& folder, core::StreamSequencerBuilder& builder);
-    bool TakeFile(core::String const& name, core::String const& folder,
+    void ReadIdentity(core::StreamSequencerBuilder& builder);
+    void ReadCrypt(core::StreamSequencerBuilder& builder);
+    void ReadAttributes(core::StreamSequencerBuilder& builder);
+    void ReadFiles(core::String const& directory, core::StreamSequencerBuilder& builder);
+    /// Returns false, with an error, if the file of that name has no origin.
+    bool ReadFile(core::String const& name, core::String const& directory,
                   core::StreamSequencerBuilder& builder);
 
     std::vector<core::Fault>& errors_;

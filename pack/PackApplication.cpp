@@ -2,13 +2,11 @@
 
 #include "core/console/Console.h"
 #include "core/console/lines.h"
+#include "pack/Extractor.h"
 #include "pack/Listing.h"
 #include "pack/Manifest.h"
 #include "pack/PackProgress.h"
-#include "pack/Unpacker.h"
-#include "pack/faults.h"
-#include "pack/usage.h"
-#include "pack/verdict.h"
+#include "pack/errorText.h"
 #include "sys/AtomicFile.h"
 #include "sys/file.h"
 #include "sys/openRegular.h"
@@ -30,12 +28,11 @@ int const doneColor = 10;
 
 }  // namespace
 
-/// An operation, its required option and its optional one.
 struct PackApplication::Command {
     char const* option;
-    char const* needs;
-    char const* takes;
-    void (PackApplication::*work)();
+    char const* required;  ///< another option; empty: none
+    char const* optional;  ///< another option; empty: none
+    void (PackApplication::*run)();
 };
 
 PackApplication::Command const PackApplication::commands[] = {
@@ -58,18 +55,18 @@ void PackApplication::CheckOptions(std::vector<Fault>& errors) {
         }
     }
     if (given != 1) {
-        errors.push_back(
-            core::fault("Nothing to do", "Please provide one of the options -b, -l, -c and -x"));
+        errors.push_back(core::fault("Invalid options", "Give exactly one of -b, -l, -c and -x"));
         return;
     }
     for (char const* const option : {"o", "d", "j", "f"}) {
-        bool const needed = String(command_->needs) == option;
-        bool const allowed = needed || String(command_->takes) == option;
-        if (FindOption(option) ? !allowed : needed) {
-            errors.push_back(needed ? core::fault("Option missing", "Option -%1 needs -%2",
-                                                  command_->option, option)
-                                    : core::fault("Option without use", "Option -%1 takes no -%2",
-                                                  command_->option, option));
+        bool const required = String(command_->required) == option;
+        bool const allowed = required || String(command_->optional) == option;
+        if (required && !FindOption(option)) {
+            errors.push_back(
+                core::fault("Invalid options", "-%1 requires -%2", command_->option, option));
+        } else if (!allowed && FindOption(option)) {
+            errors.push_back(
+                core::fault("Invalid options", "-%1 does not allow -%2", command_->option, option));
         }
     }
     printsJson_ = errors.empty() && FindOption("j");
@@ -77,14 +74,14 @@ void PackApplication::CheckOptions(std::vector<Fault>& errors) {
 
 bool PackApplication::Init() {
     try {
-        (this->*command_->work)();
+        (this->*command_->run)();
     } catch (std::exception const& exception) {
         errors_ = {program::errorFromException(exception)};
     }
-    // An interrupted program ends by its signal, without an error.
+    // An interrupted program ends by its signal, not with an error.
     if (!errors_.empty() && !IsTerminationRequested()) {
         RaiseStatus(ExitStatus::failed);
-        ShowErrors();
+        PrintErrors();
     }
     RequestTermination(normalRequest);
     return true;
@@ -100,41 +97,41 @@ void PackApplication::Build() {
 
 void PackApplication::WriteArchive(StreamSequencerBuilder& builder, String const& manifest) {
     String const path = Value("o");
-    if (RefuseSourceAsTarget(builder, manifest, path)) {
+    if (RejectSourceAsTarget(builder, manifest, path)) {
         return;
     }
     sys::AtomicFile target;
     int result = target.Create(path);
     if (result != 0) {
-        errors_.push_back(fileFault("Archive not writable", path, result));
+        errors_.push_back(fileError("Archive not writable", path, result));
         return;
     }
     PackProgress progress("Packed");
     result = builder.Write(target, &progress);
     if (result != 0) {
-        errors_.push_back(buildFault(builder, path, result));
+        errors_.push_back(buildError(builder, path, result));
         return;
     }
     long long const size = target.Tell();
     if (size < 0) {
-        errors_.push_back(fileFault("Archive not writable", path, static_cast<int>(size)));
+        errors_.push_back(fileError("Archive not writable", path, static_cast<int>(size)));
         return;
     }
     // New files are owner-only; use the manifest's permissions.
-    core::FileStream recipe;
-    if (recipe.Open(manifest, sys::platform::openRead) == 0) {
-        target.CopyPermissionsFrom(recipe);
+    core::FileStream source;
+    if (source.Open(manifest, sys::platform::openRead) == 0) {
+        target.CopyPermissionsFrom(source);
     }
     result = target.Commit(sys::AtomicFile::Existing::replace, sys::AtomicFile::Durable::yes);
     if (result != 0) {
-        errors_.push_back(fileFault("Archive not writable", path, result));
+        errors_.push_back(fileError("Archive not writable", path, result));
         return;
     }
-    printReport(message("- Archive made: %1, %2", fileCount(builder.FileCount()),
+    printReport(message("- Archive built: %1, %2", fileCount(builder.FileCount()),
                         sizeInColor(size, doneColor)));
 }
 
-bool PackApplication::RefuseSourceAsTarget(StreamSequencerBuilder const& builder,
+bool PackApplication::RejectSourceAsTarget(StreamSequencerBuilder const& builder,
                                            String const& manifest, String const& path) {
     sys::file::stats target;
     if (sys::file::stat(path, &target) != 0) {
@@ -145,9 +142,9 @@ bool PackApplication::RefuseSourceAsTarget(StreamSequencerBuilder const& builder
         sys::file::stats status;
         if (sys::file::stat(source, &status) == 0 && status.volume == target.volume &&
             status.number == target.number) {
-            errors_.push_back(core::fault(
-                "Archive not writable", "\"%1\" is the same file as \"%2\", which it is made from",
-                path, source));
+            errors_.push_back(core::fault("Archive not writable",
+                                          "\"%1\" is the same file as its source \"%2\"", path,
+                                          source));
             return true;
         }
     }
@@ -174,18 +171,15 @@ void PackApplication::Check() {
     }
     long long const size = archive_.Size();
     if (size < 0) {
-        errors_.push_back(fileFault("Archive not readable", Value("c"), static_cast<int>(size)));
+        errors_.push_back(fileError("Archive not readable", Value("c"), static_cast<int>(size)));
         return;
     }
-    printReport(message("- The archive is sound: %1, %2, CRC-32 %3", fileCount(reader.FileCount()),
+    printReport(message("- The archive is valid: %1, %2, CRC-32 %3", fileCount(reader.FileCount()),
                         sizeInColor(reader.GetReadPosition().end, doneColor),
                         core::hex(reader.GetCRC(), 8)));
-    long long const behind = size - reader.GetReadPosition().end;
-    if (behind > 0) {
-        printLine(
-            message("- Behind its end at offset %1 are %2 bytes that are no part "
-                    "of it",
-                    reader.GetReadPosition().end, behind));
+    long long const end = reader.GetReadPosition().end;
+    if (size > end) {
+        printLine(message("- Trailing data at offset %1: %2 bytes", end, size - end));
     }
 }
 
@@ -195,9 +189,11 @@ void PackApplication::Extract() {
     if (!ReadArchive(reader, checking)) {
         return;
     }
-    PackProgress progress("Unpacked");
-    if (Unpacker(reader, errors_).Unpack(Value("d"), FindOption("f"), progress)) {
-        printReport(message("- Unpacked: %1", fileCount(reader.FileCount())));
+    PackProgress progress("Extracted");
+    auto const existing =
+        FindOption("f") ? Extractor::Existing::replace : Extractor::Existing::keep;
+    if (Extractor(reader, errors_).Extract(Value("d"), existing, progress)) {
+        printReport(message("- Extracted: %1", fileCount(reader.FileCount())));
     }
 }
 
@@ -205,22 +201,22 @@ bool PackApplication::ReadArchive(StreamSequencerReader& reader, core::ICopyCall
     String const path = Value(command_->option);
     int result = sys::openRegular(archive_, path);
     if (result != 0) {
-        errors_.push_back(fileFault("Archive not readable", path, result));
+        errors_.push_back(fileError("Archive not readable", path, result));
         return false;
     }
     reader.SetStream(&archive_);
     reader.SetProgress(&progress);
     result = FindOption("c") ? reader.Check() : reader.Read();
-    auto const fault = reader.GetReadError() != 0
-                           ? fileFault("Archive not readable", path, reader.GetReadError())
-                           : verdict(reader, result);
-    if (fault) {
-        errors_.push_back(*fault);
+    auto const error = reader.GetReadError() != 0
+                           ? fileError("Archive not readable", path, reader.GetReadError())
+                           : archiveError(reader, result);
+    if (error) {
+        errors_.push_back(*error);
     }
-    return !fault;
+    return !error;
 }
 
-void PackApplication::ShowErrors() const {
+void PackApplication::PrintErrors() const {
     if (printsJson_) {
         printJsonError(Value("l"), errors_[0]);
         return;

@@ -11,16 +11,22 @@
 
 namespace pack {
 
+/// All options, see core::Application::CommandLinePrepare.
+extern char const optionGrammar[];
+/// Prints the usage screen.
+void showUsage();
+
 /// The program that builds, lists, checks or extracts an update archive.
 class PackApplication : public program::Program {
 public:
     PackApplication();
 
 protected:
-    /// Selects the command.
+    /// Selects the command. Adds an error unless there is exactly one, with the options that it
+    /// needs.
     void CheckOptions(std::vector<core::Fault>& errors) override;
     bool HasBanner() const override { return !printsJson_; }
-    /// Does the whole work and requests termination.
+    /// Runs the command and requests termination.
     bool Init() override;
 
 private:
@@ -33,18 +39,18 @@ private:
     void Extract();
 
     void WriteArchive(core::StreamSequencerBuilder& builder, core::String const& manifest);
-    /// Adds an error and returns true if the archive at path would overwrite a file that it is made
-    /// of, also through a link.
-    bool RefuseSourceAsTarget(core::StreamSequencerBuilder const& builder,
+    /// Adds an error and returns true if the archive at path would replace its manifest or a file
+    /// that it contains, also through a link.
+    bool RejectSourceAsTarget(core::StreamSequencerBuilder const& builder,
                               core::String const& manifest, core::String const& path);
-    /// Opens and reads the archive. Adds an error and returns false if it is not valid.
+    /// Opens the archive and reads it. Adds an error and returns false if it is not valid.
     bool ReadArchive(core::StreamSequencerReader& reader, core::ICopyCallback& progress);
-    void ShowErrors() const;
+    void PrintErrors() const;
     core::String Value(char const* option) const;
 
     std::vector<core::Fault> errors_;
     Command const* command_ = nullptr;
-    bool printsJson_ = false;  ///< and nothing else
+    bool printsJson_ = false;  ///< instead of all other output
     core::FileStream archive_;
 };
 

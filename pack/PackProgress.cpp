@@ -12,28 +12,29 @@ using core::String;
 
 namespace {
 
-long long const reportStep = 32LL << 20;  ///< bytes from one report to the next
+long long const reportStep = 32LL << 20;  ///< bytes between reports
 int const runningColor = 11;
 
 }  // namespace
 
 PackProgress::PackProgress(String const& verb) : verb_(verb) {
+    // Its first report must not overwrite the last one of the work before.
     core::endReport();
 }
 
 bool PackProgress::Copied(long long done, long long total) {
-    bool const goesOn = !core::Application::IsTerminationRequested();
+    bool const goOn = !core::Application::IsTerminationRequested();
     if (done < next_) {
-        return goesOn;
+        return goOn;
     }
-    // The first call only sets the pace.
+    // The first call only sets when to report: work of less than a step prints nothing.
     if (next_ > 0 && !verb_.IsEmpty()) {
         core::printReport(core::message(">   %1 by now: %2 of %3", verb_,
                                         sizeInColor(done - done % reportStep, runningColor),
                                         core::FormatByteSize(total, false)));
     }
     next_ = (done / reportStep + 1) * reportStep;
-    return goesOn;
+    return goOn;
 }
 
 String fileCount(int count) {

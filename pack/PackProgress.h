@@ -5,12 +5,11 @@
 
 namespace pack {
 
-/// Reports long work on the console, in a line that is overwritten in place; short work prints
-/// nothing. Cancels the work once the application is requested to terminate.
+/// Prints the progress of long work, in one line that it overwrites. Cancels the work when
+/// termination of the application is requested.
 class PackProgress : public core::ICopyCallback {
 public:
-    /// verb names the work, such as "Packed"; an empty one prints no reports. Its reports begin on
-    /// a line of their own.
+    /// verb names the work, such as "Packed"; if it is empty, nothing is printed.
     explicit PackProgress(core::String const& verb);
 
     bool Copied(long long done, long long total) override;
@@ -20,9 +19,9 @@ private:
     long long next_ = 0;
 };
 
-/// "1 file", "2 files".
+/// Returns "1 file", "2 files" and so on.
 core::String fileCount(int count);
-/// A number of bytes for people, in the colour of a report.
+/// Returns a size such as "1.5 MB" in the colour.
 core::String sizeInColor(long long bytes, int color);
 
 }  // namespace pack

@@ -3,15 +3,9 @@
 #include "core/archive/StreamDescriptor.h"
 #include "core/archive/StreamSequencer.h"
 
-/// The words of manifests, listings and messages for what an archive holds.
+/// The names of texts and crypt modes in manifests, listings and messages.
 namespace pack {
 
-/// "name", "destination", "owner", "group", "command".
-char const* nameOf(core::StreamDescriptor::Text text);
-/// "None", "Headers", "Data", "All".
-char const* nameOf(core::StreamSequencer::CryptMode mode);
-
-/// The texts of a file and the modes, to go through.
 inline constexpr core::StreamDescriptor::Text allTexts[] = {
     core::StreamDescriptor::Text::name,        core::StreamDescriptor::Text::destination,
     core::StreamDescriptor::Text::owner,       core::StreamDescriptor::Text::group,
@@ -23,5 +17,15 @@ inline constexpr core::StreamSequencer::CryptMode allModes[] = {
     core::StreamSequencer::CryptMode::Data,
     core::StreamSequencer::CryptMode::All,
 };
+
+inline char const* nameOf(core::StreamDescriptor::Text text) {
+    static constexpr char const* names[] = {"name", "destination", "owner", "group", "command"};
+    return names[static_cast<int>(text)];
+}
+
+inline char const* nameOf(core::StreamSequencer::CryptMode mode) {
+    static constexpr char const* names[] = {"None", "Headers", "Data", "All"};
+    return names[static_cast<int>(mode)];
+}
 
 }  // namespace pack

@@ -1,6 +1,6 @@
-#include "pack/usage.h"
-
 #include "program/usage.h"
+
+#include "pack/PackApplication.h"
 
 namespace pack {
 
@@ -15,16 +15,16 @@ void showUsage() {
         {program + " -b manifest -o archive"},
         {program + " -l archive" + optional(" [-j]")},
         {program + " -c archive"},
-        {program + " -x archive -d folder" + optional(" [-f]")},
+        {program + " -x archive -d directory" + optional(" [-f]")},
         {heading("where:")},
-        {"-b, --build", "Make an archive as the manifest says"},
-        {"-o, --output", "The archive's file name"},
-        {"-l, --list", "List what an archive holds"},
-        {"-j, --json", "As one line of JSON and nothing else"},
-        {"-c, --check", "Check an archive from its first byte to its last"},
-        {"-x, --extract", "Unpack a sound archive, a bad one not at all"},
-        {"-d, --directory", "The folder to unpack below"},
-        {"-f, --force", "Replace files that are there already"},
+        {"-b, --build", "Build an archive from a manifest"},
+        {"-o, --output", "File name of the archive"},
+        {"-l, --list", "List the content of an archive"},
+        {"-j, --json", "Print only one line of JSON"},
+        {"-c, --check", "Check a whole archive"},
+        {"-x, --extract", "Extract an archive if it is valid"},
+        {"-d, --directory", "Directory to extract into"},
+        {"-f, --force", "Replace existing files"},
         {"-h, --help", "Show this screen"},
     });
 }

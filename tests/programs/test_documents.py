@@ -45,8 +45,8 @@ WAYS = (
     (r'(?:QuitWithError|rrors_?\.Add|\bfault)\(\s*"([^"]+)",[^";]*"([^"]+)"', r"\1: \2"),
     (r'"([A-Z>][^"=%]*)=([^"]+)"', r"\1: \2"),
     (r'DeviceStatus::\w+,\s*"([^"]+)",\s*"([^"]+)"', r"\1: \2"),
-    (r'fileFault\("([^"]+)"', r"\1: `...`: ..."),
-    (r'"((?:it (?!changed)|a |another )[^"]+)"', r"File not unpacked: file[...], `...`: \1"),
+    (r'file(?:Fault|Error)\("([^"]+)"', r"\1: `...`: ..."),
+    (r'"((?:it (?!changed)|a |another )[^"]+)"', r"File not extracted: file[...], `...`: \1"),
     (r'(?:Wrong\(step \+ ":",[^";]*|(?="%1 [a-z]+ ))"([^"]+)"', r"Bad scenario: ...: \1"),
     (r'Wrong\([^;"]*(?:"[^"]+")?,[^";]*"([^"]+)"', r"Bad CONF: ... \1"),
 )
@@ -159,7 +159,7 @@ def test_the_readme_shows_the_usage_screen():
 def test_names_of_manifests_and_scenarios_are_documented():
     table = part(source("docs/ravelink-pack.md"), "\n| Name", "\n\n")
     first = "\n".join(re.findall(r"^\|[^|]+", table, re.M))
-    code = source("pack/Manifest.cpp") + source("pack/textNames.cpp")
+    code = source("pack/Manifest.cpp") + source("pack/textNames.h")
     assert set(re.findall(r"[`\]]\.?([a-z][\w.]*)", first)) == set(
         re.findall(r'[({+,] ?"\.?([a-z][\w.]*)["\[]', code))
     first = "\n".join(re.findall(r"^\|[^|]+", source("docs/rehearsing.md"), re.M))
@@ -177,7 +177,7 @@ def test_the_example_archive_is_what_its_manifest_gives(pack, directory):
     pack("-b @m.conf -o @a.rvl")
     assert directory.read("a.rvl") == dumped(blocks(text, "hexdump"))
     directory.write("example.rvl", dumped(blocks(text, "hexdump")))
-    assert pack("-x @example.rvl -d @out") == ["- Unpacked: 1 file"]
+    assert pack("-x @example.rvl -d @out") == ["- Extracted: 1 file"]
     assert directory.read("out/opt/hello.txt") == b"Hello, device!\n"
 
 

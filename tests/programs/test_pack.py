@@ -12,7 +12,7 @@ from conftest import WINDOWS, golden, run, wait_until
 FILE = "file.count = 1\nfile[0].origin = f\n"
 OTHER = "file.count = 1\nfile[0].origin = "
 RANGE = "version must be from 1.0 to 2.0"
-NOTHING = "Nothing to do: Please provide one of the options -b, -l, -c and -x"
+NO_COMMAND = "Invalid options: Give exactly one of -b, -l, -c and -x"
 
 
 def bad(*messages):
@@ -47,7 +47,7 @@ def test_builds_the_golden_archives_and_extracts_their_files(pack, directory, ve
         directory.write("m.conf", golden_manifest(version, crypt))
         assert len(pack("-b @m.conf -o @a.rvl")) == 1
         assert directory.read("a.rvl") == sample, crypt
-        assert pack("--extract=@a.rvl -d @out -f") == ["- Unpacked: 4 files"]
+        assert pack("--extract=@a.rvl -d @out -f") == ["- Extracted: 4 files"]
         assert directory.files("out") == ["always", "café-\U0001F4E6", "etc/empty",
                                           "opt/app/app.bin"]
         assert directory.read("out/opt/app/app.bin") == files["in/0"]
@@ -65,21 +65,21 @@ def test_builds_the_golden_archives_and_extracts_their_files(pack, directory, ve
     (FILE + "targetId = a\0b", bad("line 3 contains a NUL character")),
     (FILE + "version = 2.1", bad(RANGE)),
     (FILE + "version = 1.", bad(RANGE)),
-    (FILE + "version = 0x1\nkey = 1", bad(RANGE, "key has no use without crypt")),
+    (FILE + "version = 0x1\nkey = 1", bad(RANGE, "key requires crypt")),
     (FILE + "crypt = Some\nkey = 1", bad("crypt must be None, Headers, Data or All")),
     (FILE + "uniqueId = -1", bad("uniqueId must be a number from 0 to 18446744073709551615")),
     (FILE + "crypt = All\nkey = 0x100000000", bad("key must be a number from 0 to 4294967295")),
     (FILE + "attribute.count = 1024", bad("attribute.count must be a number from 0 to 1023")),
     (FILE + "attribute.count = 9\nattribute[0] = =b\nattribute[1] = a=",
-     [f"Bad manifest: attribute[{i}] must hold a name and a value" for i in (0, 2)]),
+     [f"Bad manifest: attribute[{i}] must be name=value" for i in (0, 2)]),
     (FILE + "file[0].attributes = 8",
      bad("file[0].attributes must be an octal number from 0 to 37777777777")),
     (FILE + "file[0].flags = 1 2", bad("file[0].flags must be a number from 0 to 4294967295")),
     (FILE + "version = 1.0\nfile[0].owner = root",
-     ["No room for text: file[0].owner is not part of this format version"]),
-    (FILE + "targetId = " + 65 * "x", ["Text too long: targetId may have 64 UTF-16 units"]),
+     ["Unsupported text: file[0].owner is not part of this format version"]),
+    (FILE + "targetId = " + 65 * "x", ["Text too long: targetId may have up to 64 UTF-16 units"]),
     (FILE + "file[0].name = " + 260 * "x",
-     ["Text too long: file[0].name may have 256 UTF-16 units"]),
+     ["Text too long: file[0].name may have up to 256 UTF-16 units"]),
     (FILE.encode() + b"attribute.count = 1\nattribute[0] = a=\xFF",
      ["Bad text: attribute[0] is not UTF-8"]),
     (OTHER + "none", ['File not readable: "@none": No such file or directory']),
@@ -108,21 +108,20 @@ def test_reports_files_that_cannot_be_used(pack, directory):
     assert pack.errors("-l @none") == [f'Archive not readable: "@none": {missing}']
     os.link(directory.path / "f", directory.path / "hard")
     os.symlink("m.conf", directory.path / "soft")
-    for target, made_of in (("m.conf", "m.conf"), ("f", "f"), ("hard", "f"), ("soft", "m.conf")):
+    for target, made_from in (("m.conf", "m.conf"), ("f", "f"), ("hard", "f"), ("soft", "m.conf")):
         assert pack.errors(f"-b @m.conf -o @{target}") == [
-            f'Archive not writable: "@{target}" is the same file as "@{made_of}", '
-            "which it is made from"]
+            f'Archive not writable: "@{target}" is the same file as its source "@{made_from}"']
     assert directory.read("f") + directory.read("m.conf") == b"data" + FILE.encode()
 
 
 @pytest.mark.parametrize("arguments, error", [
-    ("", NOTHING),
-    ("-j", NOTHING),
-    ("-l a -c a", NOTHING),
-    ("-b m", "Option missing: Option -b needs -o"),
-    ("-x a", "Option missing: Option -x needs -d"),
-    ("-c a -j", "Option without use: Option -c takes no -j"),
-    ("-l a -f", "Option without use: Option -l takes no -f"),
+    ("", NO_COMMAND),
+    ("-j", NO_COMMAND),
+    ("-l a -c a", NO_COMMAND),
+    ("-b m", "Invalid options: -b requires -o"),
+    ("-x a", "Invalid options: -x requires -d"),
+    ("-c a -j", "Invalid options: -c does not allow -j"),
+    ("-l a -f", "Invalid options: -l does not allow -f"),
     ("-z", "Invalid option: -z "),
     ("-c", "Invalid number of arguments: -c "),
 ])
@@ -145,7 +144,7 @@ def test_reports_what_is_wrong_with_an_archive_and_where(pack, directory):
     archives = (changed(4, b"x"), changed(10, b"\0"), changed(8, b"\1"),
                 changed(trailer + 4, b"\xEF\xCD\xAB\0"), changed(trailer + 8, b"x"),
                 with_valid_crc(changed(4120, b"\4")))
-    errors = golden("archive-errors.txt").replace("is CRC", "is " + crc(valid)).splitlines()
+    errors = golden("archive-errors.txt").replace("of CRC", "of " + crc(valid)).splitlines()
     for archive, error in zip(archives, errors, strict=True):
         directory.write("bad.rvl", archive)
         assert pack.errors("-c @bad.rvl") == [error]
@@ -153,8 +152,8 @@ def test_reports_what_is_wrong_with_an_archive_and_where(pack, directory):
         assert not (directory.path / "out").exists(), "a bad archive is not extracted"
     directory.write("a.rvl", valid + b"...")
     assert pack("-c @a.rvl") == [
-        f"- The archive is sound: 2 files, 8.0 KB, CRC-32 {crc(valid)}",
-        "- Behind its end at offset 8243 are 3 bytes that are no part of it"]
+        f"- The archive is valid: 2 files, 8.0 KB, CRC-32 {crc(valid)}",
+        "- Trailing data at offset 8243: 3 bytes"]
 
 
 def test_names_the_section_in_which_an_archive_ends(pack, directory):
@@ -169,8 +168,8 @@ def test_names_the_section_in_which_an_archive_ends(pack, directory):
         end = begin + size - 1
         directory.write("a.rvl", archive[:end])
         assert pack.errors("-c @a.rvl") == [
-            f"Archive cut short: It ends at offset {end}, in {section}, which begins at offset "
-            f"{begin} and has {size} bytes"]
+            f"Archive truncated: It ends at offset {end}, in {section} (offset {begin}, {size} "
+            "bytes)"]
         begin += size
 
 
@@ -182,8 +181,8 @@ def test_lists_as_a_table_and_as_json(pack, directory):
     assert pack("-l @empty.rvl")[-1] == "- Files: 0"
     directory.write("bad.rvl", "no archive at all")
     assert pack("-l @bad.rvl -j", 1) == [
-        '{"archive":"@bad.rvl","error":{"title":"No archive","message":'
-        '"The eight bytes at offset 0 are not \\"QXRB5129\\""}}']
+        '{"archive":"@bad.rvl","error":{"title":"Not an archive","message":'
+        '"No magic \\"QXRB5129\\" at offset 0"}}']
 
 
 def test_reports_long_work(pack, directory):
@@ -191,36 +190,37 @@ def test_reports_long_work(pack, directory):
     os.truncate(directory.path / "big", 70_000_000)
     assert pack("-b @m.conf -o @a.rvl") == [">   Packed by now: 32.0 MB of 66.8 MB",
                                             ">   Packed by now: 64.0 MB of 66.8 MB          ",
-                                            "- Archive made: 1 file, 66.8 MB          "]
-    assert pack("-x @a.rvl -d @out")[-1] == "- Unpacked: 1 file          "
+                                            "- Archive built: 1 file, 66.8 MB          "]
+    assert pack("-x @a.rvl -d @out")[-1] == "- Extracted: 1 file          "
     assert len(pack("-l @a.rvl -j")) == 1
     assert os.path.getsize(directory.path / "out/big") == 70_000_000
 
 
 TOO_LONG = 256 * "n"
-IN_THE_WAY = ": another file stands where it needs a folder"
+PARENT = ": a file has its directory's path"
 
 
 @pytest.mark.parametrize("destinations, errors", [
-    (["good", "../bad"], ['[1], "../bad": it leads upward']),
+    (["good", "../bad"], ['[1], "../bad": it contains ..']),
     (["good", "bad\x85\x1B[2J\u061C:"],
-     ['[1], "bad??[2J?:": a name holds a character that not every system allows']),
+     ['[1], "bad??[2J?:": a name has a non-portable character']),
     (["dir/Ä", "DIR/ä"], ['[1], "DIR/ä": another file has the same path']),
     (["x", "/x"], ['[1], "/x": another file has the same path']),
     # One error a file, also for one below several others.
     (["x/y/z", "X/Y", "x!", "x/y", "X", "x0", "../x"],
-     ['[6], "../x": it leads upward', '[0], "x/y/z"' + IN_THE_WAY, '[1], "X/Y"' + IN_THE_WAY,
-      '[3], "x/y"' + IN_THE_WAY]),
+     ['[6], "../x": it contains ..', '[0], "x/y/z"' + PARENT, '[1], "X/Y"' + PARENT,
+      '[3], "x/y"' + PARENT]),
+    (["x", "xÄ", "X/y"], ['[2], "X/y"' + PARENT]),
     (["good", "new/" + TOO_LONG, "good/" + TOO_LONG],
-     [f'[2], "good/{TOO_LONG}"{IN_THE_WAY}',
+     [f'[2], "good/{TOO_LONG}"{PARENT}',
       f'[1], "new/{TOO_LONG}": a name is too long for the file system']),
-    (["new/good", "there"], ['[1], "there": it is there already']),
+    (["new/good", "there"], ['[1], "there": it already exists']),
     (["good", "there/x"], ['[1], "there/x": Not a directory']),
 ])
 def test_extracts_nothing_if_any_path_is_rejected(pack, directory, destinations, errors):
     directory.write("there", "old")
     pack.golden("a.rvl", "files", *destinations)
-    assert pack.errors("-x @a.rvl -d @@") == ["File not unpacked: file" + error for error in errors]
+    assert pack.errors("-x @a.rvl -d @@") == ["File not extracted: file" + error for error in errors]
     assert sorted(os.listdir(directory.path)) == ["a.rvl", "there"]
     assert directory.read("there") == b"old"
     assert pack("-x @a.rvl -d @none/new", 0 if "there" in destinations[1] else 1)
@@ -229,15 +229,15 @@ def test_extracts_nothing_if_any_path_is_rejected(pack, directory, destinations,
 
 def test_replaces_files_only_with_force_and_never_directories(pack, directory):
     pack.golden("a.rvl", "files", "dir/file", "dir/other")
-    assert pack("-x @a.rvl -d @new/top") == ["- Unpacked: 2 files"]
+    assert pack("-x @a.rvl -d @new/top") == ["- Extracted: 2 files"]
     directory.write("new/top/dir/file", "mine")
     assert len(pack.errors("-x @a.rvl -d @new/top")) == 2
     assert directory.read("new/top/dir/file") == b"mine"
-    assert pack("-x @a.rvl -d @new/top --force") == ["- Unpacked: 2 files"]
+    assert pack("-x @a.rvl -d @new/top --force") == ["- Extracted: 2 files"]
     assert directory.read("new/top/dir/file") == b"dir/file"
     pack.golden("a.rvl", "files", "dir")
     assert pack.errors("-x @a.rvl -d @new/top -f") == [
-        'File not unpacked: file[0], "dir": a folder has its name']
+        'File not extracted: file[0], "dir": a directory has its name']
 
 
 @pytest.mark.skipif(WINDOWS, reason="Wine shows the target in the place of a link")
@@ -251,11 +251,11 @@ def test_follows_and_replaces_no_link(pack, directory):
     for path in ("link/outside", "link/new", "inner/new", "link/a/b"):
         pack.golden("a.rvl", "files", "good", path)
         assert pack.errors("-x @a.rvl -d @out -f") == [
-            f'File not unpacked: file[1], "{path}": a link stands in its way']
+            f'File not extracted: file[1], "{path}": a link is in its path']
     assert directory.files() == ["a.rvl", "out/file", "out/inner", "out/link", "outside"]
     pack.golden("a.rvl", "files", "file")
     assert pack.errors("-x @a.rvl -d @out -f") == [
-        'File not unpacked: file[0], "file": it is there already and is not a regular file']
+        'File not extracted: file[0], "file": it already exists and is not a regular file']
     assert directory.read("outside") == b"mine"
 
 
@@ -266,14 +266,14 @@ def test_keeps_permissions_and_replaces_no_pipe(pack, directory):
     pack.golden("a.rvl", "files", "secret")
     before = os.umask(0o077)
     try:
-        assert pack("-x @a.rvl -d @@ -f") == ["- Unpacked: 1 file"]
+        assert pack("-x @a.rvl -d @@ -f") == ["- Extracted: 1 file"]
     finally:
         os.umask(before)
     assert directory.read("secret") == b"secret"
     assert (directory.path / "secret").stat().st_mode & 0o7777 == 0o640
     pack.golden("a.rvl", "files", "pipe")
     assert pack.errors("-x @a.rvl -d @@ -f") == [
-        'File not unpacked: file[0], "pipe": it is there already and is not a regular file']
+        'File not extracted: file[0], "pipe": it already exists and is not a regular file']
 
 
 @pytest.mark.parametrize("by_terminal", [True, pytest.param(False, marks=pytest.mark.skipif(
@@ -317,11 +317,11 @@ def test_reports_exhausted_resources(pack, directory):
     pack("-b @m.conf -o @a.rvl")
     assert (directory.path / "a.rvl").stat().st_mode & 0o7777 == 0o604
     assert limited("-f 20", "-x @a.rvl -d @@ -f") == (
-        '*** File not unpacked: file[0], "f": File too large')
+        '*** File not extracted: file[0], "f": File too large')
     assert directory.files() == ["a.rvl", "f", "m.conf"]
     pack.golden("many.rvl", "files", *(f"a/{i}/" + 255 * "b" for i in range(30)))
     assert run(f"ulimit -n 20; {' '.join(pack.command)}"
-               + directory.at(" -x @many.rvl -d @a/out")).lines[1:] == ["- Unpacked: 30 files"]
+               + directory.at(" -x @many.rvl -d @a/out")).lines[1:] == ["- Extracted: 30 files"]
     assert run(" ".join(pack.command) + directory.at(" -l @a.rvl -j >/dev/full")).status == 1
     if "RAVELINK_SANITIZERS" not in os.environ:  # they need more memory than any limit
         directory.write("m.conf", "".join(f"name{i} = value\n" for i in range(200_000)))

@@ -1,8 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "core/archive/StreamSequencerBuilder.h"
-#include "pack/Unpacker.h"
-#include "pack/unpackPath.h"
+#include "pack/Extractor.h"
 #include "tests/core/archive/MemoryBuilder.h"
 #include "tests/core/archive/golden.h"
 #include "tests/support/CopyWatcher.h"
@@ -13,9 +12,9 @@ namespace {
 
 using core::StreamDescriptor;
 
-TEST(UnpackPath, IsPlainAndBelowTheFolderOnEverySystemOrRefused) {
+TEST(ExtractionPath, IsPlainAndBelowTheDirectoryOnEveryPlatform) {
     struct Row {
-        char const* verdict;  ///< the path, or "!" and why it is refused
+        char const* result;  ///< the path, or "!" and the error
         std::vector<char const*> destinations;
         char const* name = "name";
     };
@@ -24,14 +23,14 @@ TEST(UnpackPath, IsPlainAndBelowTheFolderOnEverySystemOrRefused) {
              Row{"a", {"a", "/a", "//a"}},
              Row{"a/b/name", {"/a/b/", "a//b/"}},
              Row{"x/y", {""}, "/x/y"},
-             Row{"!it names no file", {"", "a/", "///"}, ""},
-             Row{"!it leads upward", {"..", "../a", "a/../b", "a/..", "/.."}},
-             Row{"!it leads upward", {"", "a/"}, "b/../../c"},
-             Row{"!a name ends with a point or a blank", {".", "./a", "a./b", "a /b", "a..."}},
-             Row{"!a name holds a character that not every system allows",
+             Row{"!it does not name a file", {"", "a/", "///"}, ""},
+             Row{"!it contains ..", {"..", "../a", "a/../b", "a/..", "/.."}},
+             Row{"!it contains ..", {"", "a/"}, "b/../../c"},
+             Row{"!a name ends with a dot or space", {".", "./a", "a./b", "a /b", "a..."}},
+             Row{"!a name has a non-portable character",
                  {"C:", "C:/a", "a:b", "..\\a", "\\\\host\\share", "a\x1Fz", "a\x7F", "a*", "a?",
                   "\"a\"", "<a>", "a|b"}},
-             Row{"!a name belongs to a device",
+             Row{"!a name is reserved",
                  {"CON", "a/nul", "aux.tar.gz", "com1", "LPT9.txt", "com\u00B2", "prn .x", "conin$",
                   "x/con.d/../y"}},
              Row{"com", {"com"}},
@@ -43,14 +42,14 @@ TEST(UnpackPath, IsPlainAndBelowTheFolderOnEverySystemOrRefused) {
             StreamDescriptor& file = archive.AddFile("");
             file.SetText(StreamDescriptor::Text::name, row.name);
             file.SetText(StreamDescriptor::Text::destination, destination);
-            core::String why;
-            core::String const path = pack::unpackPath(file, why);
-            EXPECT_EQ(path.IsEmpty() ? "!" + why : path, row.verdict) << destination;
+            core::String error;
+            core::String const path = pack::extractionPath(file, error);
+            EXPECT_EQ(path.IsEmpty() ? "!" + error : path, row.result) << destination;
         }
     }
 }
 
-TEST(Unpacker, WritesOnlyDataThatWereChecked) {
+TEST(Extractor, WritesOnlyDataThatWasChecked) {
     golden::Archive content;
     for (char const* const data : {"first", "second", "third"}) {
         std::string const text = data;
@@ -64,15 +63,16 @@ TEST(Unpacker, WritesOnlyDataThatWereChecked) {
     support::TemporaryDirectory const folder;
     core::String const path = folder.PathOf("out").c_str();
     std::vector<core::Fault> errors;
+    auto const keep = pack::Extractor::Existing::keep;
     support::CopyWatcher progress;
     progress.most = -1;
-    EXPECT_FALSE(pack::Unpacker(reader, errors).Unpack(path, false, progress));
+    EXPECT_FALSE(pack::Extractor(reader, errors).Extract(path, keep, progress));
     EXPECT_TRUE(std::filesystem::is_empty(path.getCString()));
     archive->Seek(static_cast<long long>(bytes.size()) - 16 - 16);  // the start of "first"
     archive->Write("F", 1);
     errors.clear();
     progress.most = LLONG_MAX;
-    EXPECT_FALSE(pack::Unpacker(reader, errors).Unpack(path, false, progress));
+    EXPECT_FALSE(pack::Extractor(reader, errors).Extract(path, keep, progress));
     ASSERT_EQ(errors.size(), 1u);
     EXPECT_EQ(errors[0].message, "file[0], \"first\": it changed while it was read");
     EXPECT_TRUE(std::filesystem::is_empty(path.getCString()));
