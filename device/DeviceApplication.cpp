@@ -3,35 +3,52 @@
 #include <algorithm>
 #include <cerrno>
 
+#include "core/console/lines.h"
 #include "core/net/Socket.h"
-#include "core/text/StringArray.h"
 #include "core/text/message.h"
 #include "core/text/parseNumber.h"
 #include "core/text/printable.h"
-#include "device/loadScenario.h"
-#include "device/println.h"
-#include "device/usage.h"
+#include "program/usage.h"
 #include "sys/file.h"
-#include "sys/platform/InterruptWatch.h"
 #include "update/protocol/records.h"
 
 namespace device {
 
+using core::fault;
 using core::IPv4Address;
+using core::message;
 using core::String;
-using core::StringArray;
+using program::ExitStatus;
 
 namespace {
 
-/// This machine alone: a rehearsal is not to be seen from outside unless it is asked for.
+/// Loopback: a rehearsal is not reachable from outside unless the user asks for it.
 char const defaultBind[] = "127.0.0.1";
-/// A thread and a socket each: more would only be a slip of the finger.
+/// Each device needs a thread and a socket: a larger number would be a typing error.
 int const largestCount = 1000;
 
-enum ExitStatus { done = 0, failed = 1, wrongUsage = 2 };
+char const optionGrammar[] =
+    "h|help=0>b|bind=1>n|count=1>1|once=0>c|check=0>d|directory=1>s|scenario=1>v|verbose=0";
 
-/// Why an address cannot be used. Not all C libraries have messages for the errors of sockets.
-String reasonOf(int error) {
+void showUsage() {
+    using namespace program::usage;
+    print({
+        {heading("Usage:")},
+        {"\t" + literal("ravelink-device") + optional(" [OPTIONS]")},
+        {heading("where options are:")},
+        {"-b, --bind", "Listen on AAA.BBB.CCC.DDD:Port; port 0 picks a free one (127.0.0.1:3007)"},
+        {"-n, --count", "Run N devices on consecutive ports (1)"},
+        {"-s, --scenario", "Behave as this scenario file specifies"},
+        {"-c, --check", "Accept only valid update archives"},
+        {"-d, --directory", "Store complete updates there, as Address-Port-Number.rvl"},
+        {"-1, --once", "Exit after one update on each device; status 1 if one was not completed"},
+        {"-v, --verbose", "Log all traffic as a timed hex dump"},
+        {"-h, --help", "Show this screen"},
+    });
+}
+
+/// Returns why listening on an address failed. Not every C library describes the errors of sockets.
+String listenError(int error) {
     switch (error) {
         case EADDRINUSE:
             return "already in use";
@@ -44,40 +61,17 @@ String reasonOf(int error) {
 
 }  // namespace
 
-DeviceApplication::DeviceApplication() : core::Application("ravelink-device") {
-    setVersionModelName("Halvoren");
-    setVersionNumber(RAVELINK_VERSION_MAJOR, RAVELINK_VERSION_MINOR);
-    setDevStage(core::version::CEDevStage::release);
-    setDescription("Simulated Device\n");
-}
-
-DeviceApplication::~DeviceApplication() = default;
-
-void DeviceApplication::Main(int argc, char const* const* argv) {
-    println(getVersionLong(true));
-    StringArray entries;
-    CommandLinePrepare(argc, argv, optionGrammar, entries);
-    if (entries.Count() > 0) {
-        Quit(core::faultsFromEntries(entries), wrongUsage);
-        println("");
-        showUsage();
-        return;
-    }
-    if (FindOption("h")) {
-        showUsage();
-        return;
-    }
-    // Whatever has not arrived whole is not to stay in the folder.
-    sys::platform::InterruptWatch const watch([] { RequestTermination(normalRequest); });
-    Run();
-}
+// An interrupted device leaves no partial update in its directory.
+DeviceApplication::DeviceApplication()
+    : Program({"ravelink-device", "Simulated Device\n", optionGrammar, showUsage,
+               program::Interruption::terminate}) {}
 
 bool DeviceApplication::Init() {
     if (!core::Socket::init()) {
-        return Quit({core::fault("Socket init error", "Unable to start the socket library")},
-                    failed);
+        return Quit({fault("Socket init error", "Unable to start the socket library")},
+                    ExitStatus::failed);
     }
-    if (!ReadAddress() || !ReadCount() || !ReadFolder() || !ReadScenario()) {
+    if (!ReadAddress() || !ReadCount() || !ReadDirectory() || !ReadScenario()) {
         return false;
     }
     policy_.archivesOnly = FindOption("c");
@@ -94,21 +88,17 @@ bool DeviceApplication::ReadAddress() {
     String text(defaultBind);
     GetOptionValues("b", text);
     if (!address_.Set(text.Replace(":", "|"))) {
-        return Quit({core::fault("Bad address",
-                                 "The address provided (%1) is not a valid IPv4 address. Please "
-                                 "use the form IP:Port",
-                                 text)},
-                    wrongUsage);
+        return Quit(
+            {fault("Bad address", "\"%1\" is not an IPv4 address in the form IP:Port", text)},
+            ExitStatus::wrongUsage);
     }
     if (address_.Port() == IPv4Address::noPort) {
         address_.SetPortA(update::defaultPort);
     }
     if (address_.Port() < 0 || address_.Port() > update::largestPort) {
-        return Quit({core::fault("Invalid port",
-                                 "The address provided (%1) does not contain a valid port. "
-                                 "Please use a port from 0 to %2",
-                                 text, update::largestPort)},
-                    wrongUsage);
+        return Quit({fault("Invalid port", "The port in \"%1\" must be from 0 to %2", text,
+                           update::largestPort)},
+                    ExitStatus::wrongUsage);
     }
     return true;
 }
@@ -121,24 +111,23 @@ bool DeviceApplication::ReadCount() {
     unsigned long long count = 0;
     int const most = std::min(largestCount, update::largestPort - address_.Port() + 1);
     if (!core::parseWhole(text.View(), 10, static_cast<unsigned>(most), count) || count < 1) {
-        return Quit({core::fault("Bad count", "From here on there can be 1 to %1 devices, not %2",
-                                 most, text)},
-                    wrongUsage);
+        return Quit({fault("Bad count", "-n must be from 1 to %1, not %2", most, text)},
+                    ExitStatus::wrongUsage);
     }
     count_ = static_cast<int>(count);
     return true;
 }
 
-bool DeviceApplication::ReadFolder() {
-    String folder;
-    if (!GetOptionValues("d", folder)) {
+bool DeviceApplication::ReadDirectory() {
+    String directory;
+    if (!GetOptionValues("d", directory)) {
         return true;
     }
-    policy_.folder = folder.View();
-    if (!sys::file::isDirectory(folder)) {
-        return Quit({core::fault("Folder missing",
-                                 "Cannot find the folder \"%1\" to store updates in", folder)},
-                    failed);
+    policy_.directory = directory.View();
+    if (!sys::file::isDirectory(directory)) {
+        return Quit({fault("Directory missing",
+                           "Cannot find the directory \"%1\" to store updates in", directory)},
+                    ExitStatus::failed);
     }
     return true;
 }
@@ -149,11 +138,11 @@ bool DeviceApplication::ReadScenario() {
     if (!GetOptionValues("s", path) || loadScenario(path, scenario_, errors)) {
         return true;
     }
-    return Quit(errors, failed);
+    return Quit(errors, ExitStatus::failed);
 }
 
 bool DeviceApplication::StartDevice(int index) {
-    String const prefix = count_ > 1 ? core::message("[%1] ", index + 1) : String();
+    String const prefix = count_ > 1 ? message("[%1] ", index + 1) : String();
     auto const detail = FindOption("v") ? Reporter::Detail::bytes : Reporter::Detail::steps;
     Device& device = devices_.emplace_back();
     device.reporter =
@@ -166,13 +155,13 @@ bool DeviceApplication::StartDevice(int index) {
     }
     device.server->AddBind(address);
     if (device.server->StartListen() < 1) {
-        return Quit({core::fault("Unable to listen", "The address (%1) cannot be used: %2",
-                                 address.GetAsString(true).Replace("|", ":"),
-                                 reasonOf(device.server->LastError()))},
-                    failed);
+        return Quit({fault("Unable to listen", "The address %1 cannot be used: %2",
+                           address.GetAsString(true).Replace("|", ":"),
+                           listenError(device.server->LastError()))},
+                    ExitStatus::failed);
     }
     String const name = core::printable(device.server->GetBoundName(0).Replace("|", ":"));
-    println(prefix.AppendNew(core::message("- Listening on: %1", name)));
+    core::printLine(prefix.AppendNew(message("- Listening on: %1", name)));
     return true;
 }
 
@@ -180,21 +169,12 @@ void DeviceApplication::Done() {
     bool completed = true;
     for (Device& device : devices_) {
         device.server.reset();
-        completed = completed && device.reporter->Completed();
+        completed = completed && device.reporter->HasCompleted();
     }
     core::Socket::done();
     if (FindOption("once") && !completed) {
-        result_ = std::max<int>(result_, failed);
+        RaiseStatus(ExitStatus::failed);
     }
-}
-
-bool DeviceApplication::Quit(std::vector<core::Fault> const& errors, int result) {
-    for (String const& line : core::faultLines(errors)) {
-        println(line);
-    }
-    result_ = result;
-    RequestTermination(normalRequest);
-    return false;
 }
 
 }  // namespace device

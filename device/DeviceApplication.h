@@ -5,31 +5,23 @@
 #include <vector>
 
 #include "core/net/IPv4Address.h"
-#include "core/runtime/Application.h"
-#include "core/text/String.h"
-#include "core/text/message.h"
 #include "device/DeviceServer.h"
 #include "device/Reporter.h"
 #include "device/Scenario.h"
+#include "program/Program.h"
 
 namespace device {
 
-/// The program around the simulated devices: its usage screen lists what it can be told.
-class DeviceApplication : public core::Application {
+/// The program that runs simulated devices. It fails if it cannot listen or, with --once, if an
+/// update was not completed.
+class DeviceApplication : public program::Program {
 public:
     DeviceApplication();
-    ~DeviceApplication() override;
-
-    /// Banner, command line, and either errors and usage screen, the usage screen alone, or a run.
-    void Main(int argc, char const* const* argv);
-
-    /// 0 done, 1 failed (it could not listen; with --once: an update was not completed), 2 wrong
-    /// usage.
-    int Result() override { return result_; }
 
 protected:
     /// Starts to listen.
     bool Init() override;
+    /// Stops the devices.
     void Done() override;
 
 private:
@@ -38,18 +30,15 @@ private:
         std::unique_ptr<DeviceServer> server;
     };
 
-    // Each reads an option; false when it has quit.
+    // Each reads an option and returns false if it has quit.
     bool ReadAddress();
     bool ReadCount();
-    bool ReadFolder();
+    bool ReadDirectory();
     bool ReadScenario();
 
-    /// Starts the device of that number, from 0 on.
+    /// Starts the device with this index, from 0. Returns false if it has quit.
     bool StartDevice(int index);
-    /// Prints the errors and ends the application with result. Returns false.
-    bool Quit(std::vector<core::Fault> const& errors, int result);
 
-    int result_ = 0;
     core::IPv4Address address_;  ///< of the first device
     int count_ = 1;
     UpdatePolicy policy_;

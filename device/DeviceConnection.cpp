@@ -12,7 +12,7 @@ using update::UpdateNotification;
 
 namespace {
 
-std::uint32_t const slice = 50;  ///< ms between two looks at the stop flag
+std::uint32_t const pollInterval = 50;  ///< ms between two checks of the stop flag
 
 }  // namespace
 
@@ -23,7 +23,7 @@ DeviceConnection::DeviceConnection(core::Socket& socket, DeviceTimeouts const& t
       observer_(observer),
       stop_(stop),
       maxReceiveSize_(std::numeric_limits<int>::max()) {
-    // Each send goes out as it is: a record in pieces is to arrive in pieces.
+    // Send at once: the parts of a record that is sent in parts must arrive separately.
     socket_.setTCPNoDelay(true);
 }
 
@@ -41,7 +41,7 @@ int DeviceConnection::ReceiveWithin(void* buffer, int length, int ms) {
             stopReason_ = UpdateResult::stopped;
             return 0;
         }
-        if (socket_.CanRecv(std::min(ms, static_cast<int>(slice)))) {
+        if (socket_.CanRecv(std::min(ms, static_cast<int>(pollInterval)))) {
             stopReason_ = UpdateResult::ended;
             return std::max(socket_.Recv(buffer, length), 0);
         }
@@ -102,20 +102,19 @@ bool DeviceConnection::Notify(Notification const& notification) {
 }
 
 void DeviceConnection::RecordNotification(Notification const& notification) {
-    hasSentError_ = hasSentError_ || notification.code == UpdateNotification::Error ||
-                    notification.code == UpdateNotification::ErrorAlt;
+    hasSentError_ = hasSentError_ || update::isError(notification.code);
     observer_.OnNotification(notification.code, notification.value);
 }
 
 bool DeviceConnection::Send(void const* bytes, int length) {
-    auto const* const rest = static_cast<char const*>(bytes);
+    auto const* const data = static_cast<char const*>(bytes);
     core::CountDownTimer idle(static_cast<unsigned long long>(timeouts_.idle));
     for (int done = 0; done < length;) {
-        int const taken = socket_._Write(rest + done, length - done, static_cast<int>(slice));
-        if (taken < 0) {
+        int const sent = socket_._Write(data + done, length - done, static_cast<int>(pollInterval));
+        if (sent < 0) {
             return Fail(UpdateResult::ended);
         }
-        done += taken;
+        done += sent;
         if (done < length && stop_) {
             return Fail(UpdateResult::stopped);
         }
@@ -128,11 +127,11 @@ bool DeviceConnection::Send(void const* bytes, int length) {
 }
 
 bool DeviceConnection::Pause(std::uint32_t ms) {
-    for (std::uint32_t left = ms; left > 0; left -= std::min(left, slice)) {
+    for (std::uint32_t left = ms; left > 0; left -= std::min(left, pollInterval)) {
         if (stop_) {
             return Fail(UpdateResult::stopped);
         }
-        sys::scheduler::sleepms(static_cast<int>(std::min(left, slice)));
+        sys::scheduler::sleepms(static_cast<int>(std::min(left, pollInterval)));
     }
     return true;
 }

@@ -4,26 +4,38 @@
 #include <cstdint>
 
 #include "core/net/Socket.h"
-#include "core/object/ClassRef.h"
-#include "device/DeviceTimeouts.h"
-#include "device/Notification.h"
 #include "device/Observer.h"
 #include "update/protocol/records.h"
 
 namespace device {
 
-/// The device's end of one connection.
+/// The timeouts of a device, in milliseconds.
+struct DeviceTimeouts {
+    /// For a record, and for the next bytes of the file. The updater reads its whole file once
+    /// before it sends its request, which takes a while on a slow disk.
+    int idle = 60'000;
+    /// For the updater to close its side after the device has shut down sending.
+    int close = 2'000;
+};
+
+/// The content of a valid notification.
+struct Notification {
+    std::uint32_t code;
+    std::uint32_t value;
+};
+
+/// The device's end of one connection. Receiving and sending fail when the updater disconnects, the
+/// idle timeout expires or the device is stopped: StopReason then returns which.
 class DeviceConnection {
 public:
-    /// Works on socket until stop is set; the records in both directions, and all else that it
-    /// sends, are told to observer. All must outlive it.
+    /// Works on socket until stop is set, and reports received records and sent bytes to observer.
+    /// All arguments must outlive the connection.
     DeviceConnection(core::Socket& socket, DeviceTimeouts const& timeouts, Observer& observer,
                      std::atomic<bool> const& stop);
 
-    /// Receives at least 1 and at most length bytes; their number. 0 when none came: StopReason
-    /// says whether the updater ended the connection, was silent, or the device was told to stop.
+    /// Receives at least 1 and at most length bytes. Returns their number, or 0 on failure.
     int ReceiveSome(void* buffer, int length);
-    /// Receives a whole record, in host order; false when less came, see StopReason.
+    /// Receives a whole record and converts it to host byte order. Returns false on failure.
     template <class Record>
     bool ReceiveRecord(Record& record) {
         if (!ReceiveAll(&record, update::recordSize)) {
@@ -33,36 +45,35 @@ public:
         return true;
     }
     UpdateResult StopReason() const { return stopReason_; }
-    /// Whether a pause or a send failed, for which StopReason says the reason as well.
+    /// Whether a pause or a send has failed.
     bool IsBroken() const { return broken_; }
-    /// Receives and drops what comes until the updater ends the connection, whenever that is, or
-    /// the device is told to stop.
+    /// Receives and discards data, without a timeout, until the updater disconnects or the device
+    /// is stopped.
     void Drain();
 
-    /// From now on receives at most bytes at a time, and then waits for ms milliseconds.
+    /// Waits ms milliseconds before each later receive, and then receives at most bytes.
     void SlowDown(int bytes, std::uint32_t ms);
     /// Sets the approximate receive buffer size.
     void LimitReceiveBuffer(std::uint32_t bytes);
 
-    /// The notification as it travels. A magic of its own gets a CRC that is right for it, but for
-    /// the bits of crcFault, which are turned.
+    /// Returns the notification as a record in wire order. Its CRC matches its magic, except for
+    /// the bits of crcFault, which are flipped.
     static update::UpdateNotification Encode(Notification const& notification,
                                              std::uint32_t magic = update::wireMagic,
                                              std::uint32_t crcFault = 0);
-    /// Sends a sound notification; false when the updater is gone or takes nothing for as long as
-    /// the limit of silence.
+    /// Sends a valid notification. Returns false on failure.
     bool Notify(Notification const& notification);
-    /// Sends bytes as they are; false likewise.
+    /// Sends bytes unchanged. Returns false on failure.
     bool Send(void const* bytes, int length);
-    /// Takes note of a sound notification that was among sent bytes.
+    /// Records that a valid notification was sent, as a part of sent bytes.
     void RecordNotification(Notification const& notification);
-    /// Whether an error was among the notifications.
+    /// Whether an error notification was sent.
     bool HasSentError() const { return hasSentError_; }
-    /// Does nothing for ms milliseconds; false when the device is told to stop meanwhile.
+    /// Waits ms milliseconds. Returns false if the device is stopped meanwhile.
     bool Pause(std::uint32_t ms);
 
-    /// Ends our side, takes what the updater still sends until it ends its own, and closes: a
-    /// connection closed with bytes unread would be reset, and our last record might be lost.
+    /// Shuts down sending, reads until the updater closes, then closes: closing with unread bytes
+    /// would reset the connection and could lose the last record.
     void CloseGracefully();
     /// Closes at once with a reset.
     void Reset();

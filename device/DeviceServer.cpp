@@ -2,9 +2,7 @@
 
 #include <new>
 
-#include "device/DeviceConnection.h"
 #include "device/DeviceSession.h"
-#include "device/ReceivedUpdate.h"
 
 namespace device {
 
@@ -31,7 +29,7 @@ void DeviceServer::HandleConnection(core::ClassRef<core::Socket>& socket, core::
     try {
         result = Serve(*socket, bind);
     } catch (std::bad_alloc const&) {
-        // What the session held is released by now: the device goes on with the next.
+        // The memory of the session is released: continue with the next one.
     }
     observer_.OnEnd(result);
 }
@@ -45,10 +43,10 @@ UpdateResult DeviceServer::Serve(core::Socket& socket, core::String const& bind)
     if (socket.GetSockName(name, true) != core::socket_result::success) {
         name = bind;
     }
-    // A colon, which an IPv6 address has, is no part of a file's name everywhere.
-    ReceivedUpdate received(policy_, name.Replace("|", "-").Replace(":", "."));
-    // The number of the update, from 1 on, serves as its token: a zeroed record never matches.
-    DeviceSession session(connection, behaviour_, observer_, received, ++updates_);
+    // Colons, as in IPv6 addresses, are not portable in file names.
+    ReceivedUpdate receivedUpdate(policy_, name.Replace("|", "-").Replace(":", "."));
+    // The token is the number of the update, from 1, so that a zeroed record never matches.
+    DeviceSession session(connection, behaviour_, observer_, receivedUpdate, ++updates_);
     UpdateResult const result = session.Run();
     connection.CloseGracefully();
     return result;

@@ -5,19 +5,19 @@
 
 #include "core/net/ServerSocket.h"
 #include "device/Behaviour.h"
-#include "device/DeviceTimeouts.h"
 #include "device/Observer.h"
-#include "device/UpdatePolicy.h"
+#include "device/ReceivedUpdate.h"
 
 namespace device {
 
-/// A simulated device: takes one update after another on each of its addresses.
+/// A simulated device. Accepts one update after another on each of its addresses, each address on a
+/// thread of its own.
 class DeviceServer : public core::ServerSocket {
 public:
     /// Behaviour and observer must outlive the server.
     DeviceServer(Behaviour& behaviour, Observer& observer, DeviceTimeouts const& timeouts = {},
                  UpdatePolicy const& policy = {});
-    /// Breaks off what is under way and stops.
+    /// Aborts the updates in progress and stops.
     ~DeviceServer() override;
 
     char const* ClassName() const override;

@@ -13,17 +13,17 @@ using update::UpdateNotification;
 
 namespace {
 
-/// One thing that a record must satisfy, and what the device says when it does not.
+/// A condition of a valid update, and the status to reject the update with otherwise.
 struct Check {
-    bool holds;
-    DeviceStatus otherwise;
+    bool passed;
+    DeviceStatus status;
 };
 
 template <std::size_t count>
-std::optional<DeviceStatus> firstFault(Check const (&checks)[count]) {
+std::optional<DeviceStatus> firstFailure(Check const (&checks)[count]) {
     for (Check const& check : checks) {
-        if (!check.holds) {
-            return check.otherwise;
+        if (!check.passed) {
+            return check.status;
         }
     }
     return {};
@@ -32,11 +32,11 @@ std::optional<DeviceStatus> firstFault(Check const (&checks)[count]) {
 }  // namespace
 
 DeviceSession::DeviceSession(DeviceConnection& connection, Behaviour& behaviour, Observer& observer,
-                             ReceivedUpdate& received, std::uint32_t acceptToken)
+                             ReceivedUpdate& receivedUpdate, std::uint32_t acceptToken)
     : connection_(connection),
       behaviour_(behaviour),
       observer_(observer),
-      received_(received),
+      receivedUpdate_(receivedUpdate),
       acceptToken_(acceptToken) {}
 
 UpdateResult DeviceSession::Run() {
@@ -44,7 +44,7 @@ UpdateResult DeviceSession::Run() {
         ReceiveTrailer() && FinishUpdate()) {
         result_ = UpdateResult::complete;
     }
-    // After an error the updater disconnects, so later steps of the device do not count.
+    // The updater disconnects after an error, so the later steps of the device do not count.
     return connection_.HasSentError() && result_ != UpdateResult::timedOut ? UpdateResult::rejected
                                                                            : result_;
 }
@@ -60,8 +60,8 @@ bool DeviceSession::ReceiveRequest() {
          DeviceStatus::InvalidMagicComplement},
         {request_.fileSize <= update::largestFile, DeviceStatus::DataSizeTooBig},
     };
-    if (auto const fault = firstFault(checks)) {
-        return Reject(Step::request, *fault);
+    if (auto const status = firstFailure(checks)) {
+        return Reject(Step::request, *status);
     }
     return Reply(Step::request, UpdateNotification::Accepted, acceptToken_);
 }
@@ -79,30 +79,30 @@ bool DeviceSession::ReceiveHeader() {
          DeviceStatus::InvalidVersion},
         {header.fileSize == request_.fileSize, DeviceStatus::InvalidDataSize},
     };
-    if (auto const fault = firstFault(checks)) {
-        return Reject(Step::header, *fault);
+    if (auto const status = firstFailure(checks)) {
+        return Reject(Step::header, *status);
     }
-    // The updater takes silence here for consent.
+    // No answer here means consent.
     return RunStep(Step::header, {});
 }
 
 bool DeviceSession::ReceiveFile() {
-    char piece[update::chunkSize];
+    char chunk[update::chunkSize];
     while (bytes_ < request_.fileSize) {
         int const wanted = static_cast<int>(
             std::min<std::uint32_t>(update::chunkSize, request_.fileSize - bytes_));
-        int const got = connection_.ReceiveSome(piece, wanted);
-        if (got == 0) {
+        int const length = connection_.ReceiveSome(chunk, wanted);
+        if (length == 0) {
             return HandleReceiveFailure(Step::data);
         }
-        observer_.OnData(piece, got);
-        crc_ = core::crc32::update(piece, got, crc_);
-        bytes_ += static_cast<std::uint32_t>(got);
-        if (int const error = received_.Append(piece, got); error != 0) {
+        observer_.OnData(chunk, length);
+        crc_ = core::crc32::update(chunk, length, crc_);
+        bytes_ += static_cast<std::uint32_t>(length);
+        if (int const error = receivedUpdate_.Append(chunk, length); error != 0) {
             ReportFileError(error);
             return Reject(Step::data, DeviceStatus::ReadWriteError);
         }
-        if (!RunStep(Step::data, {}, static_cast<std::uint32_t>(got))) {
+        if (!RunStep(Step::data, {}, static_cast<std::uint32_t>(length))) {
             return false;
         }
     }
@@ -122,8 +122,8 @@ bool DeviceSession::ReceiveTrailer() {
         {trailer.fileCrc == request_.fileCrc, DeviceStatus::InvalidCrc},
         {trailer.acceptToken == acceptToken_, DeviceStatus::InvalidPassword},
     };
-    if (auto const fault = firstFault(checks)) {
-        return Reject(Step::trailer, *fault);
+    if (auto const status = firstFailure(checks)) {
+        return Reject(Step::trailer, *status);
     }
     return Reply(Step::trailer, UpdateNotification::Received, 0);
 }
@@ -132,10 +132,10 @@ bool DeviceSession::FinishUpdate() {
     if (crc_ != request_.fileCrc) {
         return Reject(Step::checked, DeviceStatus::WrongFileCrc);
     }
-    if (auto const fault = received_.RequiresArchive() ? CheckArchive() : std::nullopt) {
-        return Reject(Step::checked, *fault);
+    if (auto const status = receivedUpdate_.RequiresArchive() ? CheckArchive() : std::nullopt) {
+        return Reject(Step::checked, *status);
     }
-    if (received_.Stores() && !Store()) {
+    if (receivedUpdate_.Stores() && !Store()) {
         return Reject(Step::checked, DeviceStatus::ReadWriteError);
     }
     return Reply(Step::checked, UpdateNotification::Checked, 0) &&
@@ -146,14 +146,14 @@ bool DeviceSession::FinishUpdate() {
 std::optional<DeviceStatus> DeviceSession::CheckArchive() {
     using Reader = core::StreamSequencerReader;
     Reader reader;
-    int error = received_.Open();
-    reader.SetStream(received_.File());
+    int error = receivedUpdate_.Open();
+    reader.SetStream(receivedUpdate_.File());
     int const result = reader.Check();
     if (error == 0) {
         error = reader.GetReadError();
     }
     if (error != 0) {
-        observer_.OnNotChecked(error, received_.Path());
+        observer_.OnNotChecked(error, receivedUpdate_.Path());
         return DeviceStatus::ReadWriteError;
     }
     observer_.OnArchive(result, reader.FileCount());
@@ -166,30 +166,31 @@ std::optional<DeviceStatus> DeviceSession::CheckArchive() {
         {result == Reader::valid, DeviceStatus::WrongFileCrc},
         {reader.FindMisplacedFile() < 0, DeviceStatus::InvalidDataSize},
     };
-    return firstFault(checks);
+    return firstFailure(checks);
 }
 
 bool DeviceSession::Store() {
-    int const result = received_.Store();
-    observer_.OnStored(result, received_.Path());
+    int const result = receivedUpdate_.Store();
+    observer_.OnStored(result, receivedUpdate_.Path());
     return result == 0;
 }
 
 void DeviceSession::ReportFileError(int error) {
-    if (received_.Stores()) {
-        observer_.OnStored(error, received_.Path());
+    if (receivedUpdate_.Stores()) {
+        observer_.OnStored(error, receivedUpdate_.Path());
     } else {
-        observer_.OnNotChecked(error, received_.Path());
+        observer_.OnNotChecked(error, receivedUpdate_.Path());
     }
 }
 
-bool DeviceSession::RunStep(Step step, std::optional<Notification> answer, std::uint32_t newBytes) {
-    bool const goesOn =
-        behaviour_.OnStep({step, acceptToken_, bytes_ - newBytes, bytes_, answer}, connection_);
-    if (!goesOn && connection_.IsBroken()) {
+bool DeviceSession::RunStep(Step step, std::optional<Notification> defaultReply,
+                            std::uint32_t newBytes) {
+    bool const isContinuing = behaviour_.OnStep(
+        {step, acceptToken_, bytes_ - newBytes, bytes_, defaultReply}, connection_);
+    if (!isContinuing && connection_.IsBroken()) {
         result_ = connection_.StopReason();
     }
-    return goesOn;
+    return isContinuing;
 }
 
 bool DeviceSession::Reply(Step step, std::uint32_t code, std::uint32_t value) {
@@ -204,7 +205,7 @@ bool DeviceSession::Reject(Step step, DeviceStatus status) {
 bool DeviceSession::HandleReceiveFailure(Step step) {
     result_ = connection_.StopReason();
     if (result_ == UpdateResult::timedOut) {
-        Reply(step, UpdateNotification::Error, static_cast<std::uint32_t>(DeviceStatus::Timeout));
+        Reject(step, DeviceStatus::Timeout);
     }
     return false;
 }

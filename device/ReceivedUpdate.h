@@ -1,13 +1,23 @@
 #pragma once
 
+#include <string>
+
 #include "core/text/String.h"
-#include "device/UpdatePolicy.h"
 #include "sys/AtomicFile.h"
 
 namespace device {
 
-/// Keeps an update in a file while it arrives, where it is to be checked as an archive or stored.
-/// Unless it was stored, the file is deleted with this object.
+/// The updates that a device accepts, and where it stores them.
+struct UpdatePolicy {
+    /// Whether to reject any file that is not a valid archive.
+    bool archivesOnly = false;
+    /// The directory to store complete updates in; empty to store none. Not a core::String: devices
+    /// on several threads read it.
+    std::string directory;
+};
+
+/// Holds an incoming update in a file if it is to be checked or stored. The file is deleted with
+/// this object unless it was stored.
 class ReceivedUpdate {
 public:
     /// Names of stored files begin with device. The policy must outlive this object.
@@ -16,20 +26,21 @@ public:
     ReceivedUpdate& operator=(ReceivedUpdate const&) = delete;
 
     bool RequiresArchive() const { return policy_.archivesOnly; }
-    bool Stores() const { return !policy_.folder.empty(); }
+    bool Stores() const { return !policy_.directory.empty(); }
 
-    /// Creates the file unless it is open: 0 or a negative errno value.
+    /// Creates the file unless it is open. Returns 0 or a negative errno value.
     int Open();
-    /// The path of the stored file or, where updates are not stored, the directory of temporary
+    /// The path of the stored file or, if updates are not stored, the directory for temporary
     /// files. Empty before Open.
     core::String const& Path() const { return path_; }
-    /// The open file; null before Open has returned 0.
+    /// The open file, owned by this object; null before Open has returned 0.
     core::Stream* File() { return file_.IsOpened() ? &file_ : nullptr; }
 
-    /// Keeps length more bytes where they are needed: 0 or a negative errno value.
+    /// Appends length bytes if the update is to be checked or stored. Returns 0 or a negative errno
+    /// value.
     int Append(void const* bytes, int length);
-    /// Gives the file its name in the directory, "device-number.rvl": 0 or a negative errno value.
-    /// Until then no file of that name exists.
+    /// Renames the complete file to "device-number.rvl" in the directory. Returns 0 or a negative
+    /// errno value; an existing file is kept (-EEXIST).
     int Store();
 
 private:

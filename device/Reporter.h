@@ -4,25 +4,25 @@
 #include <string>
 
 #include "core/runtime/CountDownTimer.h"
-#include "core/text/String.h"
 #include "device/Observer.h"
 
 namespace device {
 
-/// Prints what happens on the connections of one device.
+/// Prints the events of one device's connections.
 class Reporter : public Observer {
 public:
     enum class Detail {
         steps,
-        bytes,  ///< also what travels, in hexadecimal, with the time since the connection opened
+        bytes,  ///< also all traffic in hexadecimal, with the time since the connection opened
     };
 
-    /// Lines begin with prefix. The first session that ends counts awaited (null: nothing)
-    /// down, which ends the application at 0; it must outlive this object.
+    /// Each line begins with prefix. The end of the first session decrements awaited, which
+    /// terminates the application at 0. A null awaited is ignored; otherwise it must outlive this
+    /// object.
     Reporter(core::String const& prefix, Detail detail, std::atomic<int>* awaited);
 
     /// Whether the last session ended in a complete update.
-    bool Completed() const { return completed_; }
+    bool HasCompleted() const { return completed_; }
 
     void OnConnection(core::String const& peer) override;
     void OnReceived(void const* bytes, int length) override;
@@ -39,10 +39,10 @@ public:
 
 private:
     void Print(core::String const& line) const;
-    /// A line of what travels, in the direction that the arrow says.
-    void Trace(char const* arrow, core::String const& what) const;
+    /// Prints a line of traffic: arrow "<" for received, ">" for sent data.
+    void Trace(char const* arrow, core::String const& data) const;
 
-    std::string const prefix_;  ///< several threads read it, so it is not a core::String
+    std::string const prefix_;  ///< not a core::String: several threads read it
     Detail const detail_;
     std::atomic<int>* awaited_;
     std::atomic<bool> completed_ = false;

@@ -1,8 +1,8 @@
 #include "device/Scenario.h"
 
 #include <algorithm>
-#include <string>
 
+#include "core/text/Buffer.h"
 #include "update/protocol/records.h"
 
 namespace device {
@@ -22,55 +22,63 @@ std::uint32_t defaultValue(std::uint32_t code, StepContext const& context) {
     }
 }
 
-Notification meant(ScenarioRecord const& record, StepContext const& context) {
+Notification notificationOf(ScenarioRecord const& record, StepContext const& context) {
     return {record.code, record.value.value_or(defaultValue(record.code, context))};
 }
 
-/// The records as they travel, with some bits of magic and CRC turned.
-std::string bytesOf(Action const& action, StepContext const& context, std::uint32_t magicFault = 0,
+/// Returns the records in wire order, with the bits of magicFault and crcFault flipped.
+core::Buffer encode(Action const& action, StepContext const& context, std::uint32_t magicFault = 0,
                     std::uint32_t crcFault = 0) {
-    std::string bytes;
+    core::Buffer bytes;
     for (ScenarioRecord const& record : action.records) {
-        UpdateNotification const onWire = DeviceConnection::Encode(
-            meant(record, context), update::wireMagic ^ magicFault, crcFault);
-        bytes.append(reinterpret_cast<char const*>(&onWire), sizeof onWire);
+        UpdateNotification const encoded = DeviceConnection::Encode(
+            notificationOf(record, context), update::wireMagic ^ magicFault, crcFault);
+        bytes.Append(&encoded, update::recordSize);
     }
     return bytes;
 }
 
-bool send(DeviceConnection& connection, std::string const& bytes,
-          std::size_t most = std::string::npos) {
-    return connection.Send(bytes.data(), static_cast<int>(std::min(bytes.size(), most)));
+bool send(DeviceConnection& connection, core::Buffer const& bytes) {
+    return connection.Send(bytes.GetData(), bytes.GetSize());
 }
 
 bool notify(Action const& action, StepContext const& context, DeviceConnection& connection) {
     return std::all_of(action.records.begin(), action.records.end(), [&](auto const& record) {
-        return connection.Notify(meant(record, context));
+        return connection.Notify(notificationOf(record, context));
     });
 }
 
-void said(Action const& action, StepContext const& context, DeviceConnection& connection) {
+void recordNotifications(Action const& action, StepContext const& context,
+                         DeviceConnection& connection) {
     for (ScenarioRecord const& record : action.records) {
-        connection.RecordNotification(meant(record, context));
+        connection.RecordNotification(notificationOf(record, context));
     }
 }
 
 bool together(Action const& action, StepContext const& context, DeviceConnection& connection) {
-    bool const sent = send(connection, bytesOf(action, context));
-    if (sent) {
-        said(action, context, connection);
+    bool const isSent = send(connection, encode(action, context));
+    if (isSent) {
+        recordNotifications(action, context, connection);
     }
-    return sent;
+    return isSent;
 }
 
 bool drip(Action const& action, StepContext const& context, DeviceConnection& connection) {
-    for (char const byte : bytesOf(action, context)) {
-        if (!connection.Send(&byte, 1) || !connection.Pause(action.numbers[0])) {
+    core::Buffer const bytes = encode(action, context);
+    for (int i = 0; i < bytes.GetSize(); ++i) {
+        if (!connection.Send(bytes.GetData() + i, 1) || !connection.Pause(action.numbers[0])) {
             return false;
         }
     }
-    said(action, context, connection);
+    recordNotifications(action, context, connection);
     return true;
+}
+
+/// Sends the first bytes of the record.
+bool cut(Action const& action, StepContext const& context, DeviceConnection& connection) {
+    core::Buffer bytes = encode(action, context);
+    bytes.SetSize(static_cast<int>(action.numbers[0]));
+    return send(connection, bytes);
 }
 
 bool repeat(Action const& action, StepContext const& context, DeviceConnection& connection) {
@@ -83,11 +91,11 @@ bool repeat(Action const& action, StepContext const& context, DeviceConnection& 
 }
 
 bool sendGarbage(std::uint32_t length, DeviceConnection& connection, std::mt19937& random) {
-    char piece[1024];
+    char chunk[1024];
     while (length > 0) {
-        std::uint32_t const count = std::min<std::uint32_t>(length, sizeof piece);
-        std::generate_n(piece, count, [&] { return static_cast<char>(random()); });
-        if (!connection.Send(piece, static_cast<int>(count))) {
+        std::uint32_t const count = std::min<std::uint32_t>(length, sizeof chunk);
+        std::generate_n(chunk, count, [&] { return static_cast<char>(random()); });
+        if (!connection.Send(chunk, static_cast<int>(count))) {
             return false;
         }
         length -= count;
@@ -102,22 +110,22 @@ bool Scenario::OnStep(StepContext const& context, DeviceConnection& connection) 
         connection.LimitReceiveBuffer(receiveBuffer);
     }
     auto const found = steps.find(context.step);
-    bool const refuses = context.defaultReply && update::isError(context.defaultReply->code);
-    if (found == steps.end() || refuses) {
+    bool const isRejecting = context.defaultReply && update::isError(context.defaultReply->code);
+    if (found == steps.end() || isRejecting) {
         return Behaviour::OnStep(context, connection);
     }
-    // A generator for each step, so that what one step takes of it changes no other.
+    // One generator per step, so that the steps do not influence each other.
     std::mt19937 random(seed + static_cast<std::uint32_t>(context.step));
     return std::all_of(found->second.begin(), found->second.end(), [&](Action const& action) {
-        bool const due = context.step != Step::data || (context.bytesBefore < action.after &&
-                                                        action.after <= context.bytesReceived);
-        return !due || Execute(action, context, connection, random);
+        bool const isDue = context.step != Step::data || (context.bytesBefore < action.after &&
+                                                          action.after <= context.bytesReceived);
+        return !isDue || Execute(action, context, connection, random);
     });
 }
 
 bool Scenario::Execute(Action const& action, StepContext const& context,
                        DeviceConnection& connection, std::mt19937& random) const {
-    std::uint32_t const turnedBit = 1;
+    std::uint32_t const flippedBit = 1;
     switch (action.type) {
         case ActionType::notify:
             return notify(action, context, connection);
@@ -126,11 +134,11 @@ bool Scenario::Execute(Action const& action, StepContext const& context,
         case ActionType::drip:
             return drip(action, context, connection);
         case ActionType::cut:
-            return send(connection, bytesOf(action, context), action.numbers[0]);
+            return cut(action, context, connection);
         case ActionType::wrongMagic:
-            return send(connection, bytesOf(action, context, turnedBit, 0));
+            return send(connection, encode(action, context, flippedBit, 0));
         case ActionType::wrongCrc:
-            return send(connection, bytesOf(action, context, 0, turnedBit));
+            return send(connection, encode(action, context, 0, flippedBit));
         case ActionType::garbage:
             return sendGarbage(action.numbers[0], connection, random);
         case ActionType::repeat:

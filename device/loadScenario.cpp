@@ -1,10 +1,9 @@
-#include "device/loadScenario.h"
-
 #include <cstdint>
 
 #include "core/text/StringArray.h"
 #include "core/text/message.h"
 #include "core/text/parseNumber.h"
+#include "device/Scenario.h"
 #include "sys/ConfFile.h"
 #include "update/protocol/names.h"
 
@@ -29,7 +28,7 @@ constexpr StepName stepNames[] = {
 
 struct Range {
     std::uint32_t smallest;
-    std::uint32_t largest;  ///< 0: the action takes no such number
+    std::uint32_t largest;  ///< 0: the action has no such number
 };
 
 constexpr Range absent = {0, 0};
@@ -64,30 +63,30 @@ constexpr ActionSyntax actionSyntaxes[] = {
     {"reset", ActionType::reset, {absent, absent}, Records::none},
 };
 
-ActionSyntax const* ruleOf(String const& name) {
-    for (ActionSyntax const& rule : actionSyntaxes) {
-        if (name.CompareIC(rule.name) == 0) {
-            return &rule;
+ActionSyntax const* syntaxOf(String const& name) {
+    for (ActionSyntax const& syntax : actionSyntaxes) {
+        if (name.CompareIC(syntax.name) == 0) {
+            return &syntax;
         }
     }
     return nullptr;
 }
 
-bool readWord(String const& text, std::uint32_t& number) {
+bool readUint32(String const& text, std::uint32_t& number) {
     unsigned long long value = 0;
     bool const read = core::parseWhole(text.View(), 0, UINT32_MAX, value);
     number = static_cast<std::uint32_t>(value);
     return read;
 }
 
-/// A number, or what find makes of a name.
+/// Returns the number in text, or the number that find returns for a name.
 template <class Find>
 std::optional<std::uint32_t> numberOrName(String const& text, Find find) {
     std::uint32_t number = 0;
-    return readWord(text, number) ? number : find(text.View());
+    return readUint32(text, number) ? number : find(text.View());
 }
 
-/// "Code" or "Code:Value".
+/// Reads a notification: "Code" or "Code:Value".
 std::optional<ScenarioRecord> readRecord(String const& text) {
     bool const hasValue = text.Find(':') >= 0;
     auto const code = numberOrName(hasValue ? text.LeftOf(':') : text, update::codeOfName);
@@ -99,34 +98,35 @@ std::optional<ScenarioRecord> readRecord(String const& text) {
     return ScenarioRecord{*code, value};
 }
 
-/// Takes the words of one action apart; what is wrong with them, or an empty text.
-String readAction(StringArray const& words, ActionSyntax const& rule, Action& action) {
+/// Reads an action from its words. Returns an error message, or an empty string.
+String readAction(StringArray const& words, ActionSyntax const& syntax, Action& action) {
     int next = 1;
-    for (std::size_t i = 0; i < action.numbers.size() && rule.numbers[i].largest > 0; ++i, ++next) {
-        Range const& range = rule.numbers[i];
+    for (std::size_t i = 0; i < action.numbers.size() && syntax.numbers[i].largest > 0;
+         ++i, ++next) {
+        Range const& range = syntax.numbers[i];
         std::uint32_t& number = action.numbers[i];
-        if (next >= words.Count() || !readWord(words[next], number) || number < range.smallest ||
+        if (next >= words.Count() || !readUint32(words[next], number) || number < range.smallest ||
             number > range.largest) {
-            return core::message("%1 needs a number from %2 to %3", rule.name, range.smallest,
+            return core::message("%1 needs a number from %2 to %3", syntax.name, range.smallest,
                                  range.largest);
         }
     }
     for (; next < words.Count(); ++next) {
         auto const record = readRecord(words[next]);
-        if (!record || rule.records == Records::none) {
-            return core::message("%1 cannot be followed by %2", rule.name, words[next]);
+        if (!record || syntax.records == Records::none) {
+            return core::message("%1 cannot be followed by %2", syntax.name, words[next]);
         }
         action.records.push_back(*record);
     }
-    bool const enough = rule.records == Records::none || !action.records.empty();
-    if (!enough || (rule.records == Records::one && action.records.size() > 1)) {
-        return core::message(enough ? "%1 takes one notification" : "%1 needs a notification",
-                             rule.name);
+    bool const enough = syntax.records == Records::none || !action.records.empty();
+    if (!enough || (syntax.records == Records::one && action.records.size() > 1)) {
+        return core::message(
+            enough ? "%1 accepts only one notification" : "%1 needs a notification", syntax.name);
     }
     return {};
 }
 
-/// Reads what is to be done at a step.
+/// Reads the actions of a step.
 std::vector<Action> readActions(String const& text, String const& step, sys::ConfFile& file) {
     std::vector<Action> actions;
     StringArray parts;
@@ -137,20 +137,20 @@ std::vector<Action> readActions(String const& text, String const& step, sys::Con
         parts[i].Trim().Split(words, " \t");
         bool const isAfter = words.Count() > 0 && words[0].CompareIC("after") == 0;
         if (isAfter) {
-            if (words.Count() != 2 || !readWord(words[1], after) || after < 1 || step != "data") {
-                file.Wrong(step + ":", "after needs a number from 1 on, and stands in data only");
+            if (words.Count() != 2 || !readUint32(words[1], after) || after < 1 || step != "data") {
+                file.Wrong(step + ":", "after needs a positive number and works in data only");
             }
             continue;
         }
-        ActionSyntax const* const rule = words.Count() > 0 ? ruleOf(words[0]) : nullptr;
-        if (rule == nullptr) {
-            file.Wrong(step + ":", core::message("there is no action \"%1\"", parts[i].Trim()));
+        ActionSyntax const* const syntax = words.Count() > 0 ? syntaxOf(words[0]) : nullptr;
+        if (syntax == nullptr) {
+            file.Wrong(step + ":", core::message("unknown action \"%1\"", parts[i].Trim()));
             continue;
         }
         Action action;
-        action.type = rule->type;
+        action.type = syntax->type;
         action.after = after;
-        String const fault = readAction(words, *rule, action);
+        String const fault = readAction(words, *syntax, action);
         if (!fault.IsEmpty()) {
             file.Wrong(step + ":", fault);
         }

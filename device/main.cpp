@@ -1,6 +1,5 @@
-#include "core/runtime/runProgram.h"
 #include "device/DeviceApplication.h"
 
 int main(int argc, char** argv) {
-    return core::runProgram<device::DeviceApplication>(argc, argv, 1);
+    return program::run<device::DeviceApplication>(argc, argv);
 }

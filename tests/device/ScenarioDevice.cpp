@@ -4,7 +4,7 @@
 
 #include <chrono>
 
-#include "device/loadScenario.h"
+#include "device/Scenario.h"
 #include "tests/support/TemporaryDirectory.h"
 #include "tests/support/lines.h"
 

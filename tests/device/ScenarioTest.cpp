@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "device/loadScenario.h"
+#include "device/Scenario.h"
 #include "tests/support/TemporaryDirectory.h"
 
 namespace {
@@ -8,22 +8,22 @@ namespace {
 TEST(Scenario, TellsEveryMistakeOfItsFile) {
     support::TemporaryDirectory const folder;
     std::string const bad = "*** Bad scenario: ";
-    std::string const after = "after needs a number from 1 on, and stands in data only";
+    std::string const after = "after needs a positive number and works in data only";
     for (auto const& [text, error] : std::vector<std::pair<std::string, std::string>>{
              {"nonsense", bad + "nonsense is no pair of name and value"},
              {"trial = close", bad + "trial means nothing here"},
              {"data = close\nDATA = close", bad + "DATA is there twice"},
              {"seed = -1", bad + "seed must be a number from 0 to 4294967295"},
              {"receiveBuffer = 1 MB", bad + "receiveBuffer must be a number from 0 to 1000000000"},
-             {"request = %1 %2", bad + "request: there is no action \"%1 %2\""},
-             {"request = close,,close", bad + "request: there is no action \"\""},
+             {"request = %1 %2", bad + "request: unknown action \"%1 %2\""},
+             {"request = close,,close", bad + "request: unknown action \"\""},
              {"request = wait", bad + "request: wait needs a number from 0 to 86400000"},
              {"request = wait 86400001", bad + "request: wait needs a number from 0 to 86400000"},
              {"request = WAIT 1 2", bad + "request: wait cannot be followed by 2"},
              {"request = garbage 0", bad + "request: garbage needs a number from 1 to 1000000000"},
              {"request = cut 16 Accepted", bad + "request: cut needs a number from 1 to 15"},
              {"request = cut 1", bad + "request: cut needs a notification"},
-             {"request = cut 1 2 3", bad + "request: cut takes one notification"},
+             {"request = cut 1 2 3", bad + "request: cut accepts only one notification"},
              {"request = notify", bad + "request: notify needs a notification"},
              {"request = notify %1", bad + "request: notify cannot be followed by %1"},
              {"request = notify Error:", bad + "request: notify cannot be followed by Error:"},

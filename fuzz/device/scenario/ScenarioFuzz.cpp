@@ -1,6 +1,6 @@
 #include <atomic>
 
-#include "device/loadScenario.h"
+#include "device/Scenario.h"
 #include "fuzz/Input.h"
 #include "fuzz/require.h"
 #include "tests/core/net/SocketPair.h"

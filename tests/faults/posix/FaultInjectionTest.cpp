@@ -140,7 +140,7 @@ protected:
         } else if (scenario_.peer == Peer::device) {
             EXPECT_TRUE(result.peerSucceeded);
         } else {
-            EXPECT_TRUE(contains(result.output, "- Archive: sound, files in it: 2"));
+            EXPECT_TRUE(contains(result.output, "- Archive: valid, files: 2"));
         }
         EXPECT_TRUE(!result.succeeded ||
                     std::includes(result.files.begin(), result.files.end(), expected.files.begin(),
