@@ -102,7 +102,7 @@ check_tar() {
   tar xzf build/packages/*.tar.gz --strip-components=1 -C "$directory"
   mkdir "$directory/rehearsal"
   rehearse "$directory/rehearsal" "$directory/bin/%s"
-  cmake -D INSTALLED="$directory" -D FOLDER="$directory/consumer" -D COMPILER=g++ \
+  cmake -D INSTALLED="$directory" -D DIRECTORY="$directory/consumer" -D COMPILER=g++ \
     -P tests/install/CheckConsumer.cmake
 }
 
