@@ -35,8 +35,8 @@ class Program : public core::Application {
 public:
     explicit Program(Identity const& identity);
 
-    /// Prints the banner; then shows what is wrong with the command line, or with -h the usage
-    /// screen, or else calls Run.
+    /// Prints the banner. Then shows the errors of the command line, or the usage screen with -h,
+    /// or else calls Run.
     void Main(int argc, char const* const* argv);
 
     /// Returns the exit status.

@@ -13,7 +13,7 @@ using core::StreamSequencerBuilder;
 using core::StreamSequencerReader;
 using core::String;
 
-/// An archive with something else in the place of the files that the manifest names.
+/// Builds an archive with fixed data instead of the files of the manifest.
 class Builder : public support::MemoryBuilder {
 public:
     Builder() : MemoryBuilder(open) {}
@@ -22,8 +22,8 @@ private:
     static core::ClassRef<core::Stream> open(int) { return support::memory("data").Get(); }
 };
 
-/// What each file of a good manifest says.
-void requireAsSaid(Builder const& builder, String const& path) {
+/// Compares the files with the entries of the manifest, read in another way.
+void requireEntries(Builder const& builder, String const& path) {
     core::StringArray conf;
     require(sys::file::loadConfFile(conf, path) == 0);
     for (int i = 0; i < builder.FileCount(); ++i) {
@@ -35,7 +35,7 @@ void requireAsSaid(Builder const& builder, String const& path) {
     }
 }
 
-/// What was written says what the manifest said.
+/// Compares the archive that was read with the one that was written.
 void requireSame(Builder const& written, StreamSequencerReader const& read) {
     require(read.GetVersion() == written.GetVersion());
     require(read.GetCryptMode() == written.GetCryptMode());
@@ -51,22 +51,22 @@ void requireSame(Builder const& written, StreamSequencerReader const& read) {
 
 }  // namespace
 
-/// The input is a manifest. The files that it names are never looked at.
+/// The input is a manifest, whose files are not read.
 extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {
-    static support::TemporaryDirectory const folder;
-    String const path = folder.Write("manifest", Input(data, size).Rest()).c_str();
+    static support::TemporaryDirectory const directory;
+    String const path = directory.Write("manifest", Input(data, size).Rest()).c_str();
 
     std::vector<core::Fault> errors;
     Builder builder;
-    bool const good = pack::Manifest(errors).Load(path, builder);
-    require(good == (errors.empty()));
+    bool const valid = pack::Manifest(errors).Load(path, builder);
+    require(valid == (errors.empty()));
     for (core::Fault const& error : errors) {
         require(error.title == "Bad manifest" && !error.message.IsEmpty());
     }
-    if (!good) {
+    if (!valid) {
         return 0;
     }
-    requireAsSaid(builder, path);
+    requireEntries(builder, path);
     int result = 1;
     auto const stream = support::memory(builder.Written(result));
     require(result <= 0);

@@ -60,8 +60,8 @@ TEST(Extractor, WritesOnlyDataThatWasChecked) {
     core::StreamSequencerReader reader;
     reader.SetStream(archive.Get());
     ASSERT_EQ(reader.Read(), 0);
-    support::TemporaryDirectory const folder;
-    core::String const path = folder.PathOf("out").c_str();
+    support::TemporaryDirectory const directory;
+    core::String const path = directory.PathOf("out").c_str();
     std::vector<core::Fault> errors;
     auto const keep = pack::Extractor::Existing::keep;
     support::CopyWatcher progress;

@@ -19,15 +19,15 @@ void start(MemoryScreen& screen) {
 /// characters as where sequences are removed.
 extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {
     Input input(data, size);
-    bool const gone = input.Byte() % 8 == 1;
+    bool const closed = input.Byte() % 8 == 1;
     String const text(input.Rest().c_str());
 
-    MemoryScreen whole(7, 6, 4, gone);
+    MemoryScreen whole(7, 6, 4, closed);
     start(whole);
     Console::write(whole, text, false);
     require(whole.Written() == Console::withoutSequences(text).getCString());
 
-    MemoryScreen segments(7, 6, 4, gone);
+    MemoryScreen segments(7, 6, 4, closed);
     start(segments);
     for (std::string_view rest = text.View(); !rest.empty();) {
         std::string_view const before = rest;

@@ -10,32 +10,31 @@
 #include "fuzz/require.h"
 #include "sys/platform/Screen.h"
 
-/// A buffer in memory, of which the window shows some rows, that insists on what its callers
-/// promise.
+/// A screen in memory that checks the promises of its callers.
 class MemoryScreen : public sys::Screen {
 public:
-    MemoryScreen(std::int16_t width, std::int16_t height, std::int16_t shown, bool isGone = false)
-        : gone(isGone), shown_(shown), info_{width, height, {0, 0}, 7, 0} {}
+    MemoryScreen(std::int16_t width, std::int16_t height, std::int16_t shown, bool isClosed = false)
+        : closed(isClosed), shown_(shown), info_{width, height, {0, 0}, 7, 0} {}
 
-    /// A console that has gone away tells nothing.
-    bool gone;
+    /// Whether read() fails.
+    bool closed;
 
     char TextAt(Position at) const { return text_[IndexOf(at)]; }
     std::uint16_t AttributeAt(Position at) const { return attributes_[IndexOf(at)]; }
-    /// All that can be seen of it.
+    /// Returns the visible state, for comparison.
     auto Picture() const {
         return std::tuple(text_, attributes_, info_.cursor.column, info_.cursor.row,
                           info_.attribute, info_.windowTop);
     }
     std::string const& Written() const { return written_; }
-    /// The piece that was written last.
-    std::string const& LastPiece() const { return lastPiece_; }
-    /// The rows that the window was to move last.
+    /// The text of the last write.
+    std::string const& LastText() const { return lastText_; }
+    /// The rows of the last move of the window.
     std::int16_t LastMove() const { return lastMove_; }
 
     bool read(Info& info) override {
         info = info_;
-        return !gone;
+        return !closed;
     }
     void setCursor(Position at) override {
         if (IsInside(at)) {
@@ -48,7 +47,7 @@ public:
     }
     void write(std::string_view text) override {
         require(!text.empty());
-        lastPiece_ = text;
+        lastText_ = text;
         written_ += text;
         for (char const c : text) {
             if (c != '\n') {
@@ -82,14 +81,15 @@ private:
         require(IsInside(at));
         return static_cast<std::size_t>(at.row * info_.width + at.column);
     }
-    /// No screen shows more than the colours, reverse video and the underscore.
+    /// Only colours, reverse video and underscore exist.
     static void requireAttribute(std::uint16_t attribute) { require((attribute & ~0xC0FF) == 0); }
 
     template <class Cells, class Value>
     void Fill(Cells& all, Position from, int count, Value value) {
         require(count >= 0);
-        std::size_t const room = all.size() - IndexOf(from);
-        std::fill_n(&all[IndexOf(from)], std::min(static_cast<std::size_t>(count), room), value);
+        std::size_t const available = all.size() - IndexOf(from);
+        std::fill_n(&all[IndexOf(from)], std::min(static_cast<std::size_t>(count), available),
+                    value);
     }
     void StartLine() {
         info_.cursor.column = 0;
@@ -108,6 +108,6 @@ private:
     std::string text_ = std::string(Width() * static_cast<std::size_t>(info_.height), ' ');
     std::vector<std::uint16_t> attributes_ = std::vector<std::uint16_t>(text_.size(), 7);
     std::string written_;
-    std::string lastPiece_;
+    std::string lastText_;
     std::int16_t lastMove_ = 0;
 };

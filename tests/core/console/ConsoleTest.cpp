@@ -12,12 +12,12 @@ namespace {
 
 using namespace core;
 
-/// With a blank in the place of each ESC.
+/// Returns text with a space instead of each ESC.
 std::string shown(String const& text) {
     return support::replaced(text.getCString(), "\x1B", " ");
 }
 
-TEST(Console, SequencesLeaveOutWhatTheTerminalAssumes) {
+TEST(Console, OmitsDefaultNumbersOfSequences) {
     using C = Console;
     using D = C::Direction;
     auto const moves = [] {
@@ -54,7 +54,7 @@ TEST(Console, SequencesLeaveOutWhatTheTerminalAssumes) {
     C::setPlain(false);
 }
 
-TEST(Console, AnOutputThatIsNoTerminalGetsPlainText) {
+TEST(Console, WritesPlainTextUnlessOutputIsATerminal) {
     EXPECT_EQ(support::outputOf([] {
                   std::printf("C, ");
                   Console::write(Console::color("OK", Console::Color::green), true);

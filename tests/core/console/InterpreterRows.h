@@ -10,17 +10,17 @@
 #include "sys/platform/Screen.h"
 #include "tests/support/lines.h"
 
-/// What the interpreter makes of a text on a screen, row by row, whatever the screen: a buffer of
-/// at least 80 x 25 cells, at least 5 rows higher than its window, with standard output on it.
+/// Sequences and their effects on any screen of at least 80 x 25 cells that shows standard output
+/// and whose buffer has at least 5 rows more than its window.
 namespace interpreter {
 
-/// Rows, where the console itself was last given the attribute before.
+/// Rows, each for a screen whose attribute is before.
 struct Table {
     std::uint16_t before;
     char const* rows;
 };
 
-/// Codes between ESC "[" and "m" and, in hexadecimal, the attribute of text behind them.
+/// SGR codes and, in hexadecimal, the attribute of the text after them.
 constexpr Table renditions[] = {{7, R"(
     1:F 3:4007 7:4007 4:8007 3;4;1:C00F  5:7 6:7 8:7 9:7 20:7 25:7 26:7 29:7 89:7 98:7 108:7  031:4 ;;31;:4
     30:0 31:4 32:2 33:6 34:1 35:5 36:3  41:47 42:27 43:67 44:17 45:57 46:37 47:77  1;31:4 31;1:C
@@ -32,16 +32,17 @@ constexpr Table renditions[] = {{7, R"(
     :7 0:7 1:C01E 2:C016 22:C016 21:C01E 23:801E 27:801E 24:401E  10:C01E 19:C01E 5:C01E ;:C01E
     37:C017 39:C017 40:C00E 49:C00E 38:C01E 48:C01E 38;5:C017 48;5:C00E 38;5;;41:C047)"}};
 
-/// Texts, "~" for ESC, that leave all as it was.
-constexpr char nothing[] = R"(
+/// Sequences, with "~" for ESC, that have no effect.
+constexpr char ignored[] = R"(
     ~[2A ~[0A ~[2D ~[2F ~[0G ~[;A~[1;2B ~[0;1H ~[s~[2;9u ~[2147483647B ~[65536B ~[65538G
     ~[99999999999C ~[65537;65537H ~[65537T ~[99999999999J ~[99999999999K ~[99999999999S ~[4J ~[3K
     ~[2T~[2S ~[S~[9999T ~[0S~[;T)";
 
 /// A text and the picture of the top left corner after it, 3 rows of 5 cells: "|" between rows, {A}
-/// where the attribute becomes A, "^" before the cell of the cursor, or (row,column) when it is
-/// elsewhere, "." for a blank except at the end of a row, and @n when the window begins at row n.
-constexpr Table pictures[] = {{7, R"(
+/// where the attribute becomes A, "^" before the cell of the cursor, or (row,column) if it is
+/// outside, "." for a space except at the end of a row, and @n if the window begins at row n.
+constexpr Table pictures[] = {
+    {7, R"(
     XY          abc|dXY^|ghi        X~Y         abc|dX~Y^|ghi       X~~[1DY     abc|dXY^|ghi
     X~          abc|dX~^|ghi        X~[12       abc|dX^f|ghi        X~[         abc|dX^f|ghi
     ~[1;2IX~[vY abc|dXY^|ghi        ~[@X~[{Y    abc|dXY^|ghi        ~[?2AX      abc|d2AX^|ghi
@@ -63,8 +64,8 @@ constexpr Table pictures[] = {{7, R"(
     ~[44m~[K    abc|d{17}^|{7}ghi   ~[44m~[1K   abc|{17}.{7}^ef|ghi ~[44m~[2K   abc|{17}.^|{7}ghi
 
     ~[T         abc|d^ef|ghi@1      ~[4T~[S     abc|d^ef|ghi@3      ~[2T~[3S    abc|d^ef|ghi@2)"},
-                              // Blanks have the attribute of the last sequence, not the console's.
-                              {0x1E, "~[K~[4;mX abc|d{801E}X{7}^|ghi"}};
+    // Erased cells have the attribute of the last sequence, not the console's.
+    {0x1E, "~[K~[4;mX abc|d{801E}X{7}^|ghi"}};
 
 struct Cell {
     char text;
@@ -72,11 +73,11 @@ struct Cell {
 };
 using CellAt = std::function<Cell(sys::Screen::Position)>;
 
-/// Three rows of text in attribute 7, and the cursor in the second.
+/// Shows three rows of text in attribute 7, with the cursor in the second.
 inline void prepare(sys::Screen& screen, std::uint16_t before) {
     sys::Screen::Info info{};
     ASSERT_TRUE(screen.read(info));
-    // Ends what the last row left in the process.
+    // Resets the state that the last row left in the process.
     core::Console::write(screen, "\x1B[m\x1B[H\x1B[s", false);
     screen.moveWindow(static_cast<std::int16_t>(-info.windowTop));
     screen.fillBlanks({0, 0}, info.width * info.height);
@@ -91,7 +92,7 @@ inline std::string picture(sys::Screen& screen, CellAt const& cellAt) {
     EXPECT_TRUE(screen.read(info));
     std::ostringstream out;
     int attribute = 7;
-    bool elsewhere = true;
+    bool outside = true;
     for (std::int16_t row = 0; row < 3; ++row) {
         std::ostringstream line;
         for (std::int16_t column = 0; column < 5; ++column) {
@@ -101,14 +102,14 @@ inline std::string picture(sys::Screen& screen, CellAt const& cellAt) {
             }
             if (info.cursor.row == row && info.cursor.column == column) {
                 line << '^';
-                elsewhere = false;
+                outside = false;
             }
             line << (cell.text == ' ' ? '.' : cell.text);
         }
         std::string const full = line.str();
         out << (row > 0 ? "|" : "") << full.substr(0, full.find_last_not_of('.') + 1);
     }
-    if (elsewhere) {
+    if (outside) {
         out << '(' << info.cursor.row << ',' << info.cursor.column << ')';
     }
     if (info.windowTop != 0) {
@@ -117,10 +118,10 @@ inline std::string picture(sys::Screen& screen, CellAt const& cellAt) {
     return out.str();
 }
 
-/// Feeds each row to the interpreter in one piece and reads the screen back. Returns their number.
+/// Writes each row at once and compares the screen. Returns the number of rows.
 inline int check(sys::Screen& screen, CellAt const& cellAt) {
     int count = 0;
-    auto const feed = [&](std::uint16_t before, std::string const& text) {
+    auto const write = [&](std::uint16_t before, std::string const& text) {
         prepare(screen, before);
         core::Console::write(screen, support::replaced(text, "~", "\x1B").c_str(), false);
         ++count;
@@ -130,18 +131,18 @@ inline int check(sys::Screen& screen, CellAt const& cellAt) {
         std::istringstream words(table.rows);
         for (std::string codes, attribute; std::getline(words >> std::ws, codes, ':');) {
             words >> attribute;
-            feed(table.before, std::string("~[").append(codes).append("mX"));
+            write(table.before, std::string("~[").append(codes).append("mX"));
             EXPECT_EQ(cellAt({1, 1}).attribute, std::stoi(attribute, nullptr, 16)) << codes;
         }
     }
-    std::istringstream unheeded(nothing);
-    for (std::string text; unheeded >> text;) {
-        EXPECT_EQ(feed(7, text), "abc|d^ef|ghi") << text;
+    std::istringstream sequences(ignored);
+    for (std::string text; sequences >> text;) {
+        EXPECT_EQ(write(7, text), "abc|d^ef|ghi") << text;
     }
     for (Table const& table : pictures) {
         std::istringstream words(table.rows);
         for (std::string text, expected; words >> text >> expected;) {
-            EXPECT_EQ(feed(table.before, text), expected) << text;
+            EXPECT_EQ(write(table.before, text), expected) << text;
         }
     }
     return count;

@@ -5,7 +5,7 @@ namespace {
 
 using core::Console;
 
-TEST(Interpreter, BeginsWithGreyOnBlackAndTheFirstCell) {
+TEST(Interpreter, StartsWithGreyOnBlackAndTheFirstCell) {
     MemoryScreen screen(80, 30, 25);
     screen.fillAttribute({0, 0}, 1, 1);
     screen.setCursor({5, 5});
@@ -13,7 +13,7 @@ TEST(Interpreter, BeginsWithGreyOnBlackAndTheFirstCell) {
     EXPECT_EQ(screen.AttributeAt({0, 0}), 7);
 }
 
-TEST(Interpreter, RowsOnAScreenInMemory) {
+TEST(Interpreter, ExecutesSequences) {
     MemoryScreen screen(80, 30, 25);
     auto const cellAt = [&](auto at) {
         return interpreter::Cell{screen.TextAt(at), screen.AttributeAt(at)};
@@ -21,17 +21,17 @@ TEST(Interpreter, RowsOnAScreenInMemory) {
     EXPECT_GT(interpreter::check(screen, cellAt), 150);
 }
 
-TEST(Interpreter, WithoutAConsoleTextIsWrittenAndColoursStartFromBlack) {
+TEST(Interpreter, WritesTextToAClosedConsole) {
     MemoryScreen screen(80, 30, 25, true);
     Console::write(screen, "\x1B[99mY\x1B[1mX\x1B[5Ca\x1B[2J\x1B[K\x1B[9T\x1B[s\x1B[", true);
     EXPECT_EQ(screen.Written(), "YXa\n");
     EXPECT_EQ(screen.AttributeAt({0, 0}), 7) << "an unknown code sets no attribute";
-    screen.gone = false;
-    Console::write(screen, "\x1B[KOne piece\x1B[12", true);
+    screen.closed = false;
+    Console::write(screen, "\x1B[KOne write\x1B[12", true);
     EXPECT_EQ(screen.AttributeAt({0, 1}), 8);
-    EXPECT_EQ(screen.LastPiece(), "One piece\n");
+    EXPECT_EQ(screen.LastText(), "One write\n");
     Console::write(screen, "\x1B[32768T", false);
-    EXPECT_EQ(screen.LastMove(), 32767) << "clamped, and left to the console";
+    EXPECT_EQ(screen.LastMove(), 32767) << "clamped; the console rejects it";
 }
 
 }  // namespace

@@ -4,8 +4,8 @@
 
 namespace {
 
-/// A screen buffer of the process's console, with standard output on it as long as it lives. What
-/// the tests themselves report goes to the console as before.
+/// A screen buffer of the process's console, to which standard output goes during its lifetime. The
+/// reports of GoogleTest still go to the previous one.
 class ScreenBuffer {
 public:
     ScreenBuffer()
@@ -46,14 +46,14 @@ private:
     HANDLE const handle_;
 };
 
-TEST(RealConsole, EveryRowAsOnTheScreenInMemory) {
+TEST(RealConsole, ExecutesSequences) {
     ScreenBuffer const buffer;
     sys::Screen* const screen = sys::screenOf(sys::platform::StandardStream::output);
     ASSERT_NE(screen, nullptr) << "this test needs a console";
     EXPECT_GT(interpreter::check(*screen, [&](auto position) { return buffer.At(position); }), 150);
 }
 
-TEST(RealConsole, ShowsWhatAsciiLacks) {
+TEST(RealConsole, ShowsUnicode) {
     ScreenBuffer const buffer;
     core::Console::write("\x1B[Hz\xc3\xbcrich \x1B[91m\xce\xa9\x1B[39m", true);
     EXPECT_EQ(buffer.CharacterAt({1, 0}), L'\u00fc');
@@ -61,7 +61,7 @@ TEST(RealConsole, ShowsWhatAsciiLacks) {
     EXPECT_EQ(buffer.At({7, 0}).attribute, 12);
 }
 
-TEST(RealConsole, SequencesGoToTheGivenHandleAndTextToStandardOutput) {
+TEST(RealConsole, ExecutesSequencesOnAHandleAndWritesTextToStandardOutput) {
     ScreenBuffer const given;
     {
         ScreenBuffer const output;
@@ -72,14 +72,14 @@ TEST(RealConsole, SequencesGoToTheGivenHandleAndTextToStandardOutput) {
     EXPECT_EQ(given.At({0, 1}).attribute, 4);
 }
 
-TEST(RealConsole, OneThatGoesAwayBreaksNothing) {
+TEST(RealConsole, SurvivesAClosedConsole) {
     {
         ScreenBuffer const buffer;
         core::Console::write("\x1B[31mred", false);
     }
     HANDLE const output = GetStdHandle(STD_OUTPUT_HANDLE);
-    for (HANDLE const gone : {HANDLE{nullptr}, INVALID_HANDLE_VALUE}) {
-        SetStdHandle(STD_OUTPUT_HANDLE, gone);
+    for (HANDLE const closed : {HANDLE{nullptr}, INVALID_HANDLE_VALUE}) {
+        SetStdHandle(STD_OUTPUT_HANDLE, closed);
         EXPECT_EQ(sys::screenOf(sys::platform::StandardStream::output), nullptr);
         core::Console::write("\x1B[31mred\x1B[2J", true);
         core::Console::ewrite("\x1B[31mred\x1B[2J", true);
