@@ -1,6 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <string>
 #include <vector>
 
 #include "core/runtime/Application.h"
@@ -78,11 +77,7 @@ TEST(Options, RejectArgumentsOfMalformedGrammars) {
         EXPECT_EQ(parsed({"-b"}, nameless), " ! Invalid number of arguments=-b ")
             << "two empty names are equal";
     }
-    std::string huge;
-    for (int i = 0; i < 5000; ++i) {
-        huge.append("x").append(std::to_string(i)).append("|long=99999999999>");
-    }
-    EXPECT_EQ(parsed({"-X4999"}, huge.c_str()), " ! Invalid number of arguments=-X4999 ");
+    EXPECT_EQ(parsed({"-H"}, "h|help=99999999999"), " ! Invalid number of arguments=-H ");
     EXPECT_EQ(parsed({"-\x01\xC3\xA4", "\xFF"}), " ! Invalid option=-\x01\xC3\xA4 \xFF");
 }
 

@@ -4,8 +4,10 @@
 #include <vector>
 
 #include "core/net/Address.h"
-#include "core/net/IPv4Address.h"
+#include "core/net/EndPoint.h"
 #include "core/net/InfoSocketAddr.h"
+#include "core/net/InterfaceAddress.h"
+#include "tests/support/PrintText.h"
 
 namespace {
 
@@ -129,6 +131,92 @@ TEST(Address, CopiesPlatformAddresses) {
     }
     EXPECT_EQ(SocketAddr(tooLong, 128).GetSize() + SocketAddr(tooLong, -128).GetSize(), 256);
     EXPECT_EQ(SocketAddr(tooLong, 16).GetName(name, true), 5u) << "unknown family";
+}
+
+TEST(IPv6Address, ParsesTextsAndWritesTheCanonicalForm) {
+    using Row = std::pair<char const*, char const*>;
+    for (auto const& [text, canonical] :
+         {Row{"2001:DB8:0:0:8:800:200C:417A", "2001:db8::8:800:200c:417a"}, Row{"::", "::"},
+          Row{"::1", "::1"}, Row{"1::", "1::"}, Row{" 1:2:3:4:5:6:7:8 | 80 ", "1:2:3:4:5:6:7:8|80"},
+          Row{"::|70000", "::|70000"}, Row{"::|x", "::"}, Row{"0001:0:0:1:0:0:0:1", "1:0:0:1::1"},
+          Row{"1:0:0:2:0:0:3:4", "1::2:0:0:3:4"}, Row{"1:2:3:4:5:6:0:8", "1:2:3:4:5:6:0:8"},
+          Row{"1:2:3:4:5:6:7::", "1:2:3:4:5:6:7:0"}, Row{"::2:3:4:5:6:7:8", "0:2:3:4:5:6:7:8"},
+          Row{"::ffff:192.168.0.10", "::ffff:192.168.0.10"},
+          Row{"::FFFF:C0A8:A|5000", "::ffff:192.168.0.10|5000"},
+          Row{"64:ff9b::1.2.3.4", "64:ff9b::102:304"},
+          Row{"1:2:3:4:5:6:1.2.3.4", "1:2:3:4:5:6:102:304"}}) {
+        IPv6Address address;
+        EXPECT_TRUE(address.Set(text)) << text;
+        EXPECT_EQ(address.GetAsString(true), canonical);
+    }
+    std::pair<char const*, std::vector<char const*>> const invalid[] = {
+        {"too few groups", {"", "|80", "1", "1:2:3:4:5:6:7", "1.2.3.4"}},
+        {"too many groups",
+         {"1:2:3:4:5:6:7:8:9", "1:2:3:4:5:6:7:8::", "::1:2:3:4:5:6:7:8", "1:2:3:4:5:6:7:1.2.3.4"}},
+        {"colons without groups", {":", ":::", "1::2::3", ":1::", "1::2:"}},
+        {"invalid groups",
+         {"12345::", "g::", "-1::", "+1::", "0x1::", "1 ::", "::1%eth0", "::\xC3\xA4"}},
+        {"invalid IPv4 part",
+         {"::1.2.3", "::1.2.3.4.5", "::1.2.3.256", "::01.2.3.4", "::1.2.3.4:5",
+          "1.2.3.4::", "::1.2.3."}},
+    };
+    for (auto const& [error, texts] : invalid) {
+        for (char const* const bad : texts) {
+            IPv6Address address("1::1|7");
+            EXPECT_FALSE(address.Set(bad)) << bad << ": " << error;
+            EXPECT_TRUE(address.IsNull()) << bad;
+            EXPECT_EQ(address.Port(), 7) << bad;
+            EXPECT_FALSE(IPv6Address::IsValid(bad)) << bad;
+        }
+    }
+}
+
+TEST(EndPoint, IsCreatedFromTextsNumbersAndAddresses) {
+    EndPoint const text("127.0.0.1|3007", SocketDomain::IPv4, SocketType::stream);
+    EXPECT_STREQ(text.ClassName(), "EndPoint");
+    EXPECT_STREQ(text.GetAddress().getCString(), "127.0.0.1");
+    EXPECT_STREQ(text.GetService().getCString(), "3007");
+    EXPECT_EQ(text.GetPort(), 3007);
+    for (EndPoint const& same :
+         {EndPoint("127.0.0.1", 3007, SocketDomain::IPv4, SocketType::stream),
+          EndPoint("127.0.0.1", "3007", SocketDomain::unspecified, SocketType::stream),
+          EndPoint(IPv4Address(127, 0, 0, 1, 3007).GetAddressInfo(true), SocketType::stream)}) {
+        EXPECT_TRUE(same.SameAs(text));
+        EXPECT_EQ(same.GetDomain(), SocketDomain::IPv4);
+        EXPECT_STREQ(same.GetComposedAddress().getCString(), "127.0.0.1|3007");
+    }
+    EXPECT_FALSE(text.SameAs(EndPoint(IPv4Address(127, 0, 0, 1, 1), SocketType::stream)));
+    EXPECT_FALSE(text.SameAs(EndPoint(IPv4Address(127, 0, 0, 1, 3007), SocketType::datagram)));
+
+    EndPoint six(IPv6Address("::1|80"), SocketType::datagram);
+    EXPECT_EQ(six.GetDomain(), SocketDomain::IPv6);
+    EXPECT_TRUE(six.SameAs(EndPoint(Address::GetInfo("::1|80", true), six.GetType())));
+    six.ResetAddress();
+    EXPECT_FALSE(six.GetSocketAddress());
+    EXPECT_EQ(six.GetPort(), 80);
+    six.VoidFields();
+    EXPECT_TRUE(six.SameAs(EndPoint()));
+    EXPECT_STREQ(EndPoint("h|7", {}, {}).GetService().getCString(), "7");
+    EXPECT_EQ(EndPoint().GetPort(), noPort);
+}
+
+TEST(InterfaceAddress, FindsTheLoopback) {
+    InterfaceAddress::List list;
+    ASSERT_TRUE(InterfaceAddress::GetInterfacesList(list));
+    int const at = list.FindAddress("127.0.0.1|99");
+    ASSERT_GE(at, 0);
+    EXPECT_STREQ(list.ClassName(), "List");
+    EXPECT_STREQ(list[at].ClassName(), "InterfaceAddress");
+    EXPECT_EQ(list.FindAddress(IPv4Address(127, 0, 0, 1)), at);
+    EXPECT_STREQ(list[at].GetMask().getCString(), "255.0.0.0");
+    EXPECT_EQ(list.FindName(list[0].GetName()), 0);
+    int const last = list.Count() - 1;
+    EXPECT_EQ(list.FindName(list[last].GetName(), last), last);
+    EXPECT_EQ(list.FindAddress("127.0.0.1", list.Count()), -1);
+    EXPECT_EQ(list.FindAddress("nonsense"), -1);
+    EXPECT_EQ(list.FindName("no such interface"), -1);
+    ASSERT_TRUE(InterfaceAddress::GetInterfacesList(list, SocketDomain::IPv6));
+    EXPECT_EQ(list.FindAddress("127.0.0.1"), -1);
 }
 
 }  // namespace
