@@ -12,6 +12,7 @@
 #include "core/runtime/CountDownTimer.h"
 #include "sys/scheduler.h"
 #include "tests/core/net/SocketPair.h"
+#include "tests/support/PrintText.h"
 #include "tests/support/system.h"
 
 namespace {
@@ -78,8 +79,7 @@ TEST(ServerSocket, RestartsAfterAStopUnderTraffic) {
         EXPECT_EQ(server.AddBind("127.0.0.1|0"), -1);
         for (int round = 1; round <= 2; ++round) {
             EXPECT_EQ(server.StartListen(), 32);
-            EXPECT_EQ(server.StartListen(), 0);
-            EXPECT_TRUE(server.IsListening());
+            EXPECT_TRUE(server.StartListen() == 0 && server.IsListening());
             std::vector<std::jthread> clients;
             for (int i = 0; i < ServerSocket::maxBinds; ++i) {
                 String address = server.GetBoundName(i);
@@ -123,10 +123,9 @@ TEST(ServerSocket, ServesDatagrams) {
         String from;
         server.throws = 1;
         EXPECT_EQ(client.SendTo("echo", server.GetBoundName(0)), 4);
-        ASSERT_TRUE(client.CanRecv(10'000));
-        EXPECT_EQ(client.RecvFrom(buffer, 4, from), 4);
+        ASSERT_TRUE(client.CanRecv(10'000) && client.RecvFrom(buffer, 4, from) == 4);
         EXPECT_STREQ(buffer, "echo");
-        EXPECT_TRUE(from == server.GetBoundName(0));
+        EXPECT_EQ(from, server.GetBoundName(0));
         // Workers without a socket wait: they neither spin nor end.
         std::clock_t const start = std::clock();
         sys::scheduler::sleepms(200);
@@ -145,8 +144,7 @@ TEST(ServerSocket, RemovingABindRaisesTheCount) {
             server.AddBind(String::format("%1").argi(1, i));
         }
         EXPECT_TRUE(server.GetBind(-1).IsEmpty() && server.GetBoundName(-1).IsEmpty());
-        EXPECT_EQ(server.RemoveBind(-1), -1);
-        EXPECT_EQ(server.RemoveBind(count), -1);
+        EXPECT_EQ(server.RemoveBind(-1) + server.RemoveBind(count), -2);
         EXPECT_EQ(server.RemoveBind(1), 0);
         EXPECT_EQ(server.BindsCount(), std::min(count + 1, ServerSocket::maxBinds));
         for (int i = 0; i < server.BindsCount(); ++i) {
@@ -158,24 +156,20 @@ TEST(ServerSocket, RemovingABindRaisesTheCount) {
     for (char const* const bind : {"first", "second", "127.0.0.1|0", "last"}) {
         server.AddBind(bind);
     }
-    ASSERT_EQ(server.StartOne(2), 0u);
-    EXPECT_EQ(server.LastError(), 0);
+    ASSERT_TRUE(server.StartOne(2) == 0 && server.LastError() == 0);
     EXPECT_EQ(server.RemoveBind(2), -2);
     String const bound = server.GetBoundName(2);
     EXPECT_EQ(server.RemoveBind(0), 0);
-    EXPECT_TRUE(server.GetBoundName(1) == bound && echoes(bound));
-    EXPECT_EQ(server.index, 1);
+    EXPECT_TRUE(server.GetBoundName(1) == bound && echoes(bound) && server.index == 1);
     server.ClearBinds();
     EXPECT_EQ(server.BindsCount(), 1);
     EXPECT_EQ(server.RemoveBind(server.AddBind("another")), 0);
     EXPECT_TRUE(server.GetBind(2).IsEmpty());
-    EXPECT_TRUE(server.GetBoundName(0) == bound && echoes(bound));
-    EXPECT_EQ(server.index, 0);
+    EXPECT_TRUE(server.GetBoundName(0) == bound && echoes(bound) && server.index == 0);
     server.StopOne(0, 10'000);
     EXPECT_TRUE(server.GetBoundName(0).IsEmpty() && !server.GetBind(0).IsEmpty());
     server.ClearBinds();
-    EXPECT_EQ(server.BindsCount(), 0);
-    EXPECT_EQ(server.AddBind("127.0.0.1|0"), 0);
+    EXPECT_TRUE(server.BindsCount() == 0 && server.AddBind("127.0.0.1|0") == 0);
 
     SocketPair pair;
     pair.near.Send("x");
@@ -197,17 +191,14 @@ TEST(ServerSocket, ServesOtherAddressesIfOneIsInUse) {
     second.AddBind("");
     EXPECT_EQ(second.StartListen(), 1);
     EXPECT_EQ(second.LastError(), EADDRINUSE) << "the first error";
-    EXPECT_TRUE(second.Terminated(0));
-    EXPECT_FALSE(second.Terminated(1));
-    EXPECT_EQ(second.StartListen(), 0);
-    EXPECT_EQ(second.LastError(), 0);
+    EXPECT_TRUE(second.Terminated(0) && !second.Terminated(1));
+    EXPECT_TRUE(second.StartListen() == 0 && second.LastError() == 0);
     for (auto const& [index, result, error] : {std::tuple{0, 16u, EADDRINUSE},
                                                {1, 4u, EALREADY},
                                                {2, 12u, EADDRNOTAVAIL},
                                                {7, 11u, EINVAL},
                                                {-1, 11u, EINVAL}}) {
-        EXPECT_EQ(second.StartOne(index), result) << index;
-        EXPECT_EQ(second.LastError(), error) << index;
+        EXPECT_TRUE(second.StartOne(index) == result && second.LastError() == error) << index;
     }
     CountDownTimer const pause(40ULL);
     second.throws = 1;
