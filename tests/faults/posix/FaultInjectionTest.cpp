@@ -1,4 +1,5 @@
 #include <gtest/gtest.h>
+#include <sys/wait.h>
 
 #include <algorithm>
 #include <atomic>
@@ -11,7 +12,6 @@
 #include "tests/support/TemporaryDirectory.h"
 #include "tests/support/lines.h"
 #include "tests/support/posix/SmallDisk.h"
-#include "tests/support/system.h"
 #include "tests/update/TestedUpdater.h"
 
 namespace {
@@ -47,7 +47,7 @@ bool contains(std::string const& text, std::string const& part) {
 class FaultInjection : public testing::TestWithParam<std::pair<Scenario, char>> {
 protected:
     FaultInjection() {
-        fs::create_directory(directory_.PathOf("work"));
+        fs::create_directory(work_);
         directory_.Write("a", std::string(30'000, 'a'));
         directory_.Write("b", "b");
         directory_.Write("m.conf",
@@ -63,11 +63,11 @@ protected:
     }
 
     void Prepare() {
-        for (auto const& entry : fs::directory_iterator(directory_.PathOf("work"))) {
+        for (auto const& entry : fs::directory_iterator(work_)) {
             fs::remove_all(entry);
         }
-        fs::create_directory(directory_.PathOf("work/tmp"));
-        fs::create_directory(directory_.PathOf("work/dir"));
+        fs::create_directory(work_ + "/tmp");
+        fs::create_directory(work_ + "/dir");
         for (auto const& [name, content] : before_) {
             directory_.Write("work/" + name, content);
         }
@@ -81,8 +81,8 @@ protected:
                   fault + " " + command + " 2>&1";
         command = support::replaced(command, "ADDRESS", device_.Address());
         int const before = completed_;
-        std::FILE* const pipe =
-            support::openPipe(support::replaced(command, "@", directory_.Path() + "/"));
+        command = support::replaced(command, "@", directory_.Path() + "/");
+        std::FILE* const pipe = popen(command.c_str(), "r");
         RunResult result;
         char text[4096];
         while (std::fgets(text, sizeof text, pipe) != nullptr) {
@@ -100,12 +100,12 @@ protected:
         }
         std::regex const port("(..ffff.)?127.0.0.1[:-][0-9]+");
         result.output = std::regex_replace(result.output, port, "PORT");
-        result.status = support::closePipe(pipe);
+        int const status = pclose(pipe);
+        result.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
         result.fault = contentOf(report);
-        for (auto const& entry : fs::recursive_directory_iterator(directory_.PathOf("work"))) {
+        for (auto const& entry : fs::recursive_directory_iterator(work_)) {
             if (entry.is_regular_file()) {
-                std::string const name =
-                    entry.path().lexically_relative(directory_.PathOf("work")).string();
+                std::string const name = entry.path().lexically_relative(work_).string();
                 result.files[std::regex_replace(name, port, "PORT")] = contentOf(entry.path());
             }
         }
@@ -150,6 +150,7 @@ protected:
     Scenario const& scenario_ = GetParam().first;
     Files before_;  ///< in work/ when the program starts
     support::TemporaryDirectory directory_;
+    std::string const work_ = directory_.PathOf("work");
     std::atomic<int> completed_ = 0;
     /// Accepts only valid archives, so that a completed update is one received intact.
     ScenarioDevice device_{
@@ -175,7 +176,7 @@ TEST_P(FaultInjection, ReportsTheTruthAndLeavesNoPartialFiles) {
         timeouts.notification = 50;
     }
     std::optional<support::SmallDisk> disk;
-    if (mode == "d" && !disk.emplace(directory_.PathOf("work")).IsMounted()) {
+    if (mode == "d" && !disk.emplace(work_).IsMounted()) {
         GTEST_SKIP() << "mounting a disk needs root";
     }
     long const last = disk ? 14 : mustSucceed ? 7 : std::atol(expected.fault.c_str());

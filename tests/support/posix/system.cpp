@@ -1,7 +1,5 @@
 #include "tests/support/system.h"
 
-#include <sys/wait.h>
-
 #include <cstdlib>
 #include <filesystem>
 
@@ -15,15 +13,6 @@ long openDescriptors() {
     std::error_code none;
     std::filesystem::directory_iterator const entries("/proc/self/fd", none);
     return none ? 0 : static_cast<long>(std::distance(entries, {}));
-}
-
-std::FILE* openPipe(std::string const& command) {
-    return popen(command.c_str(), "r");
-}
-
-int closePipe(std::FILE* pipe) {
-    int const status = pclose(pipe);
-    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
 }
 
 }  // namespace support

@@ -17,12 +17,4 @@ long openDescriptors() {
     return GetProcessHandleCount(GetCurrentProcess(), &count) != 0 ? static_cast<long>(count) : 0;
 }
 
-std::FILE* openPipe(std::string const& command) {
-    return _popen(command.c_str(), "rb");
-}
-
-int closePipe(std::FILE* pipe) {
-    return _pclose(pipe);
-}
-
 }  // namespace support
