@@ -2,7 +2,7 @@
 
 #include "sys/file.h"
 
-/// fileCrc PATH: prints the CRC-32 of a file as the updater computes it.
+/// fileCrc PATH: prints the CRC-32 of a file, calculated as in the updater.
 int main(int argc, char** argv) {
     if (argc != 2) {
         return 2;

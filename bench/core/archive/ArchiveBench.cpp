@@ -9,10 +9,9 @@
 
 namespace {
 
-// Each beside the least that its work takes anyway: a pass over the bytes, or their checksum by
-// zlib.
+// The baselines are the least possible work: a pass over the bytes, or their CRC-32 by zlib.
 
-int const size = 16 << 20;  ///< bytes of the one file in the archive
+int const size = 16 << 20;  ///< of the only file in the archive, in bytes
 
 std::string content() {
     std::string bytes(size, '\0');
@@ -40,14 +39,14 @@ private:
     core::ClassRef<core::MemoryStream> const data_ = memory(content());
 };
 
-/// Takes all and keeps nothing, so that no growing memory is measured along.
-class Nowhere : public core::Stream {
+/// Discards all data, so that the growth of memory is not measured.
+class NullStream : public core::Stream {
 public:
     int Read(void*, int) override { return 0; }
     int Write(void const*, int count) override { return count; }
 };
 
-void done(benchmark::State& state) {
+void setBytesProcessed(benchmark::State& state) {
     state.SetBytesProcessed(state.iterations() * size);
 }
 
@@ -60,10 +59,10 @@ void Scramble(benchmark::State& state) {
         builder.CryptBlock(bytes.data(), size, 0);
         benchmark::ClobberMemory();
     }
-    done(state);
+    setBytesProcessed(state);
 }
 
-void ScrambleByOneByte(benchmark::State& state) {
+void ScrambleWithOneByte(benchmark::State& state) {
     std::string bytes = content();
     for (auto _ : state) {
         for (char& byte : bytes) {
@@ -71,16 +70,16 @@ void ScrambleByOneByte(benchmark::State& state) {
         }
         benchmark::ClobberMemory();
     }
-    done(state);
+    setBytesProcessed(state);
 }
 
 void Write(benchmark::State& state) {
     Builder builder;
     for (auto _ : state) {
-        Nowhere target;
+        NullStream target;
         benchmark::DoNotOptimize(builder.Write(target, nullptr));
     }
-    done(state);
+    setBytesProcessed(state);
 }
 
 void Read(benchmark::State& state) {
@@ -92,10 +91,10 @@ void Read(benchmark::State& state) {
         core::StreamSequencerReader reader;
         reader.SetStream(&archive);
         if (reader.Read() != 0) {
-            state.SkipWithError("not sound");
+            state.SkipWithError("the archive is not valid");
         }
     }
-    done(state);
+    setBytesProcessed(state);
 }
 
 void Zlib(benchmark::State& state) {
@@ -104,11 +103,11 @@ void Zlib(benchmark::State& state) {
         benchmark::DoNotOptimize(
             crc32_z(0, reinterpret_cast<unsigned char const*>(bytes.data()), bytes.size()));
     }
-    done(state);
+    setBytesProcessed(state);
 }
 
 BENCHMARK(Scramble);
-BENCHMARK(ScrambleByOneByte);
+BENCHMARK(ScrambleWithOneByte);
 BENCHMARK(Write);
 BENCHMARK(Read);
 BENCHMARK(Zlib);

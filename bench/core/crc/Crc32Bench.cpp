@@ -9,8 +9,7 @@
 
 namespace {
 
-// The same data through our CRC-32, its portable path, and the two libraries that a user would
-// take instead.
+// The CRC-32, its portable implementation, and two libraries as baselines, with the same data.
 
 std::vector<unsigned char> const& data(std::size_t size) {
     static std::vector<unsigned char> bytes;

@@ -1,4 +1,4 @@
-// Long command lines, at a size and at four times as much, to compare the two.
+// Long command lines, of a size and of four times that size, to compare their times.
 #include <benchmark/benchmark.h>
 
 #include <vector>
@@ -11,21 +11,21 @@ namespace {
 constexpr int many = 500'000;
 
 core::Application& application() {
-    // No directory can be there, so that no status file is left.
+    // Not a directory, so that no status file can be created.
     core::AppStatus::SetDirectory("/dev/null");
     static core::Application theApplication("bench");
     return theApplication;
 }
 
-void OptionWords(benchmark::State& state) {
-    std::vector<char const*> words(static_cast<std::size_t>(state.range(0)), "word");
-    words[1] = "-o";
+void OptionArguments(benchmark::State& state) {
+    std::vector<char const*> arguments(static_cast<std::size_t>(state.range(0)), "argument");
+    arguments[1] = "-o";
     for (auto _ : state) {
         core::StringArray errors;
         benchmark::DoNotOptimize(application().CommandLinePrepare(
-            static_cast<int>(words.size()), words.data(), "o|origin=1", errors));
+            static_cast<int>(arguments.size()), arguments.data(), "o|origin=1", errors));
     }
 }
-BENCHMARK(OptionWords)->Arg(many)->Arg(4 * many);
+BENCHMARK(OptionArguments)->Arg(many)->Arg(4 * many);
 
 }  // namespace

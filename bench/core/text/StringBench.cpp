@@ -1,4 +1,4 @@
-// Operations of String compared with the same work done with the standard library.
+// String operations and, as baselines, the same work with the standard library.
 #include <benchmark/benchmark.h>
 
 #include <cmath>
@@ -8,6 +8,7 @@
 
 #include "core/text/String.h"
 #include "core/text/StringArray.h"
+#include "core/text/message.h"
 
 namespace {
 
@@ -33,9 +34,9 @@ void FormatConnectingSnprintf(benchmark::State& state) {
     int port = 3007;
     for (auto _ : state) {
         benchmark::DoNotOptimize(port);
-        char room[128];
-        std::snprintf(room, sizeof room, "- Connecting to: %s:%d ...", host.c_str(), port);
-        std::string text(room);
+        char buffer[128];
+        std::snprintf(buffer, sizeof buffer, "- Connecting to: %s:%d ...", host.c_str(), port);
+        std::string text(buffer);
         benchmark::DoNotOptimize(text);
     }
 }
@@ -55,10 +56,10 @@ void ByteSizeSnprintf(benchmark::State& state) {
     long long bytes = 123456789;
     for (auto _ : state) {
         benchmark::DoNotOptimize(bytes);
-        char room[64];
-        std::snprintf(room, sizeof room, "%0.1f %s", std::ldexp(static_cast<double>(bytes), -20),
-                      "MB");
-        std::string text(room);
+        char buffer[64];
+        std::snprintf(buffer, sizeof buffer, "%0.1f %s",
+                      std::ldexp(static_cast<double>(bytes), -20), "MB");
+        std::string text(buffer);
         benchmark::DoNotOptimize(text);
     }
 }
@@ -137,7 +138,7 @@ void ReplaceStandard(benchmark::State& state) {
 }
 BENCHMARK(ReplaceStandard);
 
-// Long lists, at a size and at four times as much, to compare the two.
+// Long lists, of a size and of four times that size, to compare their times.
 
 constexpr int many = 500'000;
 
@@ -166,7 +167,7 @@ template <void (core::StringArray::*Load)(String const&)>
 void LoadText(benchmark::State& state) {
     core::StringArray pairs;
     for (int i = 0; i < state.range(0); ++i) {
-        pairs.Add(String::format("entry[%1]").argi(1, i), "");
+        pairs.Add(core::message("entry[%1]", i), "");
     }
     String const text = pairs.AsString();
     for (auto _ : state) {

@@ -7,8 +7,8 @@
 
 #include <cstdlib>
 
-/// sendfile PATH PORT: streams a file to a port of this machine with as little work as there can
-/// be, the limit for any program that does it.
+/// sendfile PATH PORT: streams a file to a port of this machine with the least possible work, which
+/// is the limit for any program.
 int main(int argc, char** argv) {
     if (argc != 3) {
         return 2;

@@ -1,11 +1,11 @@
-"""Runs the benchmark programs of the library and compares each of their benchmarks with its peer's,
-or with its own at a quarter of the size."""
+"""Runs the benchmarks of the library and compares each with its baseline, or with the same benchmark
+at a quarter of the size."""
 
 import json
 import subprocess
 
-# Program, what it is, ours, the peer's, what the peer is, and the goal for the ratio: of rates (at
-# least) where a rate is told, of times (at most) otherwise.
+# Program, label, benchmark, the baseline's benchmark and label, and the goal for the ratio: a minimum
+# if the benchmark reports a rate, a maximum if it reports a time.
 PAIRS = [
     ("core_crc", "CRC-32, {}", "Crc32/{}", "Crc32Zlib/{}", "zlib", 3.0),
     ("core_crc", "CRC-32, {}", "Crc32/{}", "Crc32Libdeflate/{}", "libdeflate", 0.95),
@@ -18,15 +18,15 @@ PAIRS = [
      None),
     ("core_text", "split", "Split", "SplitStandard", "std::string", None),
     ("core_text", "replace", "Replace", "ReplaceStandard", "std::string", None),
-    ("core_archive", "scramble", "Scramble", "ScrambleByOneByte", "one byte for all", None),
+    ("core_archive", "scramble", "Scramble", "ScrambleWithOneByte", "one-byte key", None),
     ("core_archive", "write an archive", "Write", "Zlib", "zlib's CRC-32", None),
     ("core_archive", "read an archive", "Read", "Zlib", "zlib's CRC-32", None),
 ]
 
-# Program, what it is, and the benchmark. With 4 * MANY entries it may take GROWTH times as long as
-# with MANY: what grows with the square takes 16 times as long.
+# Program, label and benchmark. With 4 * MANY entries it may take GROWTH times as long as with MANY;
+# quadratic time would be 16 times as long.
 GROWING = [
-    ("core_runtime", "gather option words", "OptionWords"),
+    ("core_runtime", "collect option arguments", "OptionArguments"),
     ("core_text", "grow a list", "GrowList"),
     ("core_text", "split into many", "SplitMany"),
     ("core_text", "load lines", "LoadLines"),
@@ -39,29 +39,29 @@ SIZES = {"4 KiB": 4 << 10, "16 KiB": 16 << 10, "256 MiB": 256 << 20}
 
 
 def _medians(program):
-    # Interleaved repetitions, because neighbours and clock rates drift.
-    told = subprocess.run(
+    # Interleaved repetitions, because other load and clock rates drift.
+    output = subprocess.run(
         [program, "--benchmark_format=json", "--benchmark_enable_random_interleaving=true",
          "--benchmark_repetitions=9", "--benchmark_min_time=0.1",
          "--benchmark_report_aggregates_only=true"],
         stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, text=True, check=True).stdout
-    return {each["run_name"]: each for each in json.loads(told)["benchmarks"]
+    return {each["run_name"]: each for each in json.loads(output)["benchmarks"]
             if each["aggregate_name"] == "median"}
 
 
 def measure(programs, table):
     results = {name: _medians(f"{programs}/{name}_bench")
                for name in dict.fromkeys(row[0] for row in PAIRS + GROWING)}
-    for program, path, ours, theirs, peer, goal in PAIRS:
+    for program, path, name, reference, baseline, goal in PAIRS:
         for text, size in SIZES.items() if "{}" in path else [("", 0)]:
-            mine = results[program][ours.format(size)]
-            other = results[program][theirs.format(size)]
-            if "bytes_per_second" in mine:
-                table.add(path.format(text), "GB/s", [mine["bytes_per_second"] / 1e9], peer,
-                          [other["bytes_per_second"] / 1e9], goal, True)
+            measured = results[program][name.format(size)]
+            other = results[program][reference.format(size)]
+            if "bytes_per_second" in measured:
+                table.add(path.format(text), "GB/s", [measured["bytes_per_second"] / 1e9],
+                          baseline, [other["bytes_per_second"] / 1e9], goal, True)
             else:
-                table.add(path, mine["time_unit"], [mine["cpu_time"]], peer, [other["cpu_time"]],
-                          goal, False)
+                table.add(path, measured["time_unit"], [measured["cpu_time"]], baseline,
+                          [other["cpu_time"]], goal, False)
     for program, path, name in GROWING:
         small, large = (results[program][f"{name}/{count}"]["cpu_time"]
                         for count in (MANY, 4 * MANY))

@@ -1,8 +1,8 @@
-"""A peer that takes a file and drops it: raw, by HTTP, or as a device does.
+"""Receivers that discard a file: raw, by HTTP, or as a device.
 
-Each sink listens on a free port of the loopback, takes one connection in a process of its own, and
-tells how long it was from the file's first byte to its last. It does nothing else with the bytes, so
-that it is never what is measured.
+Each sink listens on a free loopback port, accepts one connection in its own process and measures the
+time from the first byte of the file to the last. It does not process the bytes, so that it is never
+the bottleneck.
 """
 
 import multiprocessing
@@ -13,28 +13,28 @@ import time
 import zlib
 
 MAGIC = 0xE8B47CC3
-PIECE = 1 << 18  # a receive that large empties what has come
+CHUNK_SIZE = 1 << 18  # large enough to empty the socket in one receive
 
 
 class Sink:
-    """Serves one connection; port is where, result() waits for its end."""
+    """Serves one connection on port; result() waits for its end."""
 
     def __init__(self, serve, cpu):
-        """serve(connection) is what it does, on a processor of its own."""
+        """Runs serve(connection) in another process, on the given CPU."""
         listener = socket.create_server(("127.0.0.1", 0))
         self.port = listener.getsockname()[1]
         fork = multiprocessing.get_context("fork")
-        self._near, far = fork.Pipe(duplex=False)
-        self._process = fork.Process(target=_run, args=(serve, cpu, listener, far))
+        self._results, sender = fork.Pipe(duplex=False)
+        self._process = fork.Process(target=_run, args=(serve, cpu, listener, sender))
         self._process.start()
         listener.close()
-        far.close()
+        sender.close()
 
     def result(self):
-        """Seconds from the file's first byte to its last, and what serve adds to them."""
-        answer = self._near.recv()
+        """Returns the result of serve: the seconds of the file, and another value."""
+        value = self._results.recv()
         self._process.join()
-        return answer
+        return value
 
 
 def _run(serve, cpu, listener, report):
@@ -43,37 +43,37 @@ def _run(serve, cpu, listener, report):
     report.send(serve(connection))
 
 
-def _drop(connection, count):
-    """Takes count bytes, or all until the end; the number taken."""
-    room = bytearray(PIECE)
-    taken = 0
-    while taken < count:
-        got = connection.recv_into(room, min(PIECE, count - taken))
+def _discard(connection, count):
+    """Receives up to count bytes, fewer only at the end of the stream. Returns their number."""
+    buffer = bytearray(CHUNK_SIZE)
+    received = 0
+    while received < count:
+        got = connection.recv_into(buffer, min(CHUNK_SIZE, count - received))
         if got == 0:
             break
-        taken += got
-    return taken
+        received += got
+    return received
 
 
 def _timed(connection, size):
-    # All senders get the same receiver: one that has answered before would acknowledge later.
+    # Acknowledge at once for every sender: by default, a receiver that has sent data delays it.
     connection.setsockopt(socket.IPPROTO_TCP, socket.TCP_QUICKACK, 1)
     connection.recv(1, socket.MSG_PEEK)
     start = time.perf_counter()
-    taken = _drop(connection, size)
+    received = _discard(connection, size)
     seconds = time.perf_counter() - start
-    if taken != size:
-        raise RuntimeError(f"{taken} bytes came of {size}")
+    if received != size:
+        raise RuntimeError(f"received {received} of {size} bytes")
     return seconds
 
 
 def raw(size):
-    """The file and nothing else."""
+    """Receives the file without any protocol."""
     return lambda connection: (_timed(connection, size), None)
 
 
 def http(size):
-    """A file that is put by HTTP."""
+    """Receives the file by HTTP PUT."""
 
     def serve(connection):
         head = connection.recv(65536, socket.MSG_PEEK)
@@ -86,7 +86,7 @@ def http(size):
 
 
 def device(cpu_time):
-    """An update; cpu_time() is asked when the header has come, just before the file."""
+    """Receives an update. Calls cpu_time() after the header, just before the file."""
 
     def notify(connection, code, value):
         words = struct.pack(">3I", MAGIC, code, value)
@@ -97,7 +97,7 @@ def device(cpu_time):
         notify(connection, 1, 1)
         connection.recv(16, socket.MSG_WAITALL)
         before = cpu_time()
-        # An answer to the header spares the updater the wait for one.
+        # Confirm the header: otherwise the updater waits for a response first.
         notify(connection, 1, 1)
         seconds = _timed(connection, size)
         connection.recv(16, socket.MSG_WAITALL)

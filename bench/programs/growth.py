@@ -1,5 +1,5 @@
-"""Runs the programs on many items and on four times as many. The second run may take GROWTH times as
-long: work that grows with the square takes 16 times as long."""
+"""Runs the programs with many items and with four times as many. The second run may take GROWTH times
+as long; quadratic time would be 16 times as long."""
 
 import re
 import socket
@@ -17,16 +17,16 @@ CRC = 0x8CDC1683  # of "x"
 
 
 def pack(programs, count):
-    """Seconds to pack that many files."""
-    with tempfile.TemporaryDirectory() as folder:
-        with open(f"{folder}/f", "w") as file:
+    """Returns the seconds for packing count files."""
+    with tempfile.TemporaryDirectory() as directory:
+        with open(f"{directory}/f", "w") as file:
             file.write("x")
-        with open(f"{folder}/manifest", "w") as file:
+        with open(f"{directory}/manifest", "w") as file:
             file.write(f"file.count = {count}\n")
             file.writelines(f"file[{i}].origin = f\n" for i in range(count))
         start = time.perf_counter()
-        subprocess.run([f"{programs}/ravelink-pack", "-b", f"{folder}/manifest", "-o",
-                        f"{folder}/archive"], stdout=subprocess.DEVNULL, check=True)
+        subprocess.run([f"{programs}/ravelink-pack", "-b", f"{directory}/manifest", "-o",
+                        f"{directory}/archive"], stdout=subprocess.DEVNULL, check=True)
         return time.perf_counter() - start
 
 
@@ -38,16 +38,16 @@ def update(address, token):
                        + struct.pack(">IIII", 1, CRC, token, MAGIC))
         device.shutdown(socket.SHUT_WR)
         received = b""
-        while piece := device.recv(4096):
-            received += piece
+        while chunk := device.recv(4096):
+            received += chunk
     if len(received) != 5 * 16:
-        raise RuntimeError(f"update {token} was answered with {received.hex()}")
+        raise RuntimeError(f"update {token}: received {received.hex()}")
 
 
 def store(programs, count):
-    """Seconds until a device has stored that many updates, in memory."""
-    with tempfile.TemporaryDirectory(dir="/dev/shm") as folder:
-        with subprocess.Popen([f"{programs}/ravelink-device", "-b", "127.0.0.1:0", "-d", folder],
+    """Returns the seconds for sending count updates to a device that stores them in memory."""
+    with tempfile.TemporaryDirectory(dir="/dev/shm") as directory:
+        with subprocess.Popen([f"{programs}/ravelink-device", "-b", "127.0.0.1:0", "-d", directory],
                               stdout=subprocess.PIPE, text=True) as device:
             device.stdout.readline()
             host, port = re.search(r"([0-9.]+):(\d+)", device.stdout.readline()).groups()
