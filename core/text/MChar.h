@@ -7,7 +7,7 @@
 namespace core {
 
 /// A short tag, such as a file's magic, stored and compared as one integer: MChar4 has 4
-/// characters, MChar8 has 8. Character i is byte i in memory, whatever the byte order. Shorter
+/// characters, MChar8 has 8. Character i is byte i in memory, on any byte order. Shorter
 /// strings are padded with NUL, longer ones truncated.
 template <class Word>
 class MChar {

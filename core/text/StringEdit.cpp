@@ -22,12 +22,12 @@ int lengthOf(String const& pattern) {
     return pattern.GetLength();
 }
 
-String before(String const& text, int found) {
+String partBefore(String const& text, int found) {
     return found > 0 ? text.Left(found) : String();
 }
 
 template <class Pattern>
-String after(String const& text, int found, Pattern const& pattern) {
+String partAfter(String const& text, int found, Pattern const& pattern) {
     return found >= 0 ? text.Copy(found + lengthOf(pattern)) : String();
 }
 
@@ -54,51 +54,51 @@ String String::Right(int count) const {
 }
 
 String String::LeftOf(char c) const {
-    return before(*this, Find(c));
+    return partBefore(*this, Find(c));
 }
 
 String String::LeftOf(String const& pattern) const {
-    return before(*this, Find(pattern));
+    return partBefore(*this, Find(pattern));
 }
 
 String String::LeftOfIC(char c) const {
-    return before(*this, FindIC(c));
+    return partBefore(*this, FindIC(c));
 }
 
 String String::LeftOfIC(String const& pattern) const {
-    return before(*this, FindIC(pattern));
+    return partBefore(*this, FindIC(pattern));
 }
 
 String String::RightOf(char c) const {
-    return after(*this, Find(c), c);
+    return partAfter(*this, Find(c), c);
 }
 
 String String::RightOf(String const& pattern) const {
-    return after(*this, Find(pattern), pattern);
+    return partAfter(*this, Find(pattern), pattern);
 }
 
 String String::RightOfIC(char c) const {
-    return after(*this, FindIC(c), c);
+    return partAfter(*this, FindIC(c), c);
 }
 
 String String::RightOfIC(String const& pattern) const {
-    return after(*this, FindIC(pattern), pattern);
+    return partAfter(*this, FindIC(pattern), pattern);
 }
 
 String String::RightBy(char c) const {
-    return after(*this, RFind(c), c);
+    return partAfter(*this, RFind(c), c);
 }
 
 String String::RightBy(String const& pattern) const {
-    return after(*this, RFind(pattern), pattern);
+    return partAfter(*this, RFind(pattern), pattern);
 }
 
 String String::RightByIC(char c) const {
-    return after(*this, RFindIC(c), c);
+    return partAfter(*this, RFindIC(c), c);
 }
 
 String String::RightByIC(String const& pattern) const {
-    return after(*this, RFindIC(pattern), pattern);
+    return partAfter(*this, RFindIC(pattern), pattern);
 }
 
 char String::GetChar(int index) const {

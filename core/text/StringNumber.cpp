@@ -12,7 +12,7 @@ namespace {
 constexpr auto max32 = static_cast<unsigned long long>(std::numeric_limits<int>::max());
 constexpr auto max64 = static_cast<unsigned long long>(std::numeric_limits<long long>::max());
 
-void report(int* errorPosition, std::size_t length, std::string_view text) {
+void storeErrorPosition(int* errorPosition, std::size_t length, std::string_view text) {
     if (errorPosition != nullptr) {
         *errorPosition = length == text.size() ? -1 : static_cast<int>(length);
     }
@@ -24,7 +24,7 @@ long long parseSigned(std::string_view text, int base, unsigned long long larges
     if (number.length == 0) {
         return defaultValue;
     }
-    report(errorPosition, number.length, text);
+    storeErrorPosition(errorPosition, number.length, text);
     return signedValue(number);
 }
 
@@ -34,7 +34,7 @@ unsigned long long parseHex(std::string_view text, unsigned long long largest, i
     if (number.length == 0) {
         return defaultValue;
     }
-    report(errorPosition, number.length, text);
+    storeErrorPosition(errorPosition, number.length, text);
     return number.magnitude;
 }
 
@@ -89,7 +89,7 @@ long long parseGeneral(String const& text, unsigned long long largest, int* erro
     if (number.length == 0) {
         return defaultValue;
     }
-    report(errorPosition, number.length, text.View());
+    storeErrorPosition(errorPosition, number.length, text.View());
     return signedValue(number);
 }
 
@@ -135,7 +135,7 @@ double String::ToFloat(int* errorPosition, double defaultValue) const {
     if (length == 0) {
         return defaultValue;
     }
-    report(errorPosition, length, View());
+    storeErrorPosition(errorPosition, length, View());
     return length == View().size() ? value : defaultValue;
 }
 

@@ -16,7 +16,7 @@ std::string_view viewOf(char const* text) {
 }
 
 template <class Number>
-ParsedNumber read(std::string_view text) {
+ParsedNumber parse(std::string_view text) {
     return parseNumber(text, 10, Sign::allowed,
                        static_cast<unsigned long long>(std::numeric_limits<Number>::max()));
 }
@@ -31,14 +31,14 @@ Number valueOf(ParsedNumber const& number) {
 }
 
 template <class Number>
-Number front(char const* text) {
-    return valueOf<Number>(read<Number>(viewOf(text)));
+Number leadingNumber(char const* text) {
+    return valueOf<Number>(parse<Number>(viewOf(text)));
 }
 
 /// Stores the number if it is the whole text. Returns false, leaving value unchanged, otherwise.
 template <class Number>
-bool whole(std::string_view text, Number& value) {
-    ParsedNumber const number = read<Number>(text);
+bool parseWholeNumber(std::string_view text, Number& value) {
+    ParsedNumber const number = parse<Number>(text);
     if (number.length == 0 || number.length != text.size()) {
         return false;
     }
@@ -47,19 +47,19 @@ bool whole(std::string_view text, Number& value) {
 }
 
 template <class Number>
-Number wholeOr(char const* text, Number value) {
-    whole(viewOf(text), value);
+Number parseWholeOr(char const* text, Number value) {
+    parseWholeNumber(viewOf(text), value);
     return value;
 }
 
 template <class Number>
-int list(char const* text, Number* values, int count, Number defaultValue, char separator) {
+int parseList(char const* text, Number* values, int count, Number defaultValue, char separator) {
     String rest(text);
     int filled = 0;
     for (int i = 0; values != nullptr && i < count; ++i) {
         values[i] = defaultValue;
         String const entry = rest.ExtractNextToken(separator).Trim();
-        filled += static_cast<int>(whole(entry.View(), values[i]));
+        filled += static_cast<int>(parseWholeNumber(entry.View(), values[i]));
     }
     return filled;
 }
@@ -99,19 +99,19 @@ char const* _strChr(char const* text, char c) {
 }
 
 int strToInt(char const* text) {
-    return front<int>(text);
+    return leadingNumber<int>(text);
 }
 
 unsigned strToUInt(char const* text) {
-    return front<unsigned>(text);
+    return leadingNumber<unsigned>(text);
 }
 
 long long strToInt64(char const* text) {
-    return front<long long>(text);
+    return leadingNumber<long long>(text);
 }
 
 unsigned long long strToUInt64(char const* text) {
-    return front<unsigned long long>(text);
+    return leadingNumber<unsigned long long>(text);
 }
 
 double strToFloat(char const* text) {
@@ -123,19 +123,19 @@ double strToFloat(char const* text) {
 }
 
 int strToIntDef(char const* text, int defaultValue) {
-    return wholeOr(text, defaultValue);
+    return parseWholeOr(text, defaultValue);
 }
 
 unsigned strToUIntDef(char const* text, unsigned defaultValue) {
-    return wholeOr(text, defaultValue);
+    return parseWholeOr(text, defaultValue);
 }
 
 long long strToInt64Def(char const* text, long long defaultValue) {
-    return wholeOr(text, defaultValue);
+    return parseWholeOr(text, defaultValue);
 }
 
 unsigned long long strToUInt64Def(char const* text, unsigned long long defaultValue) {
-    return wholeOr(text, defaultValue);
+    return parseWholeOr(text, defaultValue);
 }
 
 double strToFloatDef(char const* text, double defaultValue) {
@@ -143,17 +143,17 @@ double strToFloatDef(char const* text, double defaultValue) {
 }
 
 int strToIntArrayDef(char const* text, int* values, int count, int defaultValue, char separator) {
-    return list(text, values, count, defaultValue, separator);
+    return parseList(text, values, count, defaultValue, separator);
 }
 
 int strToUIntArrayDef(char const* text, unsigned* values, int count, unsigned defaultValue,
                       char separator) {
-    return list(text, values, count, defaultValue, separator);
+    return parseList(text, values, count, defaultValue, separator);
 }
 
 int strToInt64ArrayDef(char const* text, long long* values, int count, long long defaultValue,
                        char separator) {
-    return list(text, values, count, defaultValue, separator);
+    return parseList(text, values, count, defaultValue, separator);
 }
 
 }  // namespace core

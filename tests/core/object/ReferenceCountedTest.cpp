@@ -17,31 +17,31 @@ public:
     void _addRefCalled(int count) override { seen.push_back(count); }
     void _releaseCalled(int count) override {
         seen.push_back(-count);
-        heldAtRelease = holder != nullptr ? holder->Get() : nullptr;
+        objectAtRelease = reference != nullptr ? reference->Get() : nullptr;
     }
 
     std::vector<int> seen;
-    core::ClassRef<Counted> const* holder = nullptr;
-    Counted const* heldAtRelease = nullptr;
+    core::ClassRef<Counted> const* reference = nullptr;
+    Counted const* objectAtRelease = nullptr;
 
 private:
     bool& deleted_;
 };
 
-TEST(ReferenceCounted, LivesAsLongAsItsReferences) {
+TEST(ReferenceCounted, IsDeletedWithItsLastReference) {
     bool deleted = false;
     auto* object = new Counted(deleted);
-    EXPECT_EQ(object->_release(), 0) << "without holders a release changes nothing";
+    EXPECT_EQ(object->_release(), 0) << "without references a release changes nothing";
     ASSERT_FALSE(deleted);
 
     core::ClassRef<Counted> first(object);
     core::ClassRef<Counted> second(first);
     EXPECT_EQ(object->_getRefCount(), 2);
     second.Set(object);
-    EXPECT_EQ(object->_getRefCount(), 2) << "setting the object already held changes nothing";
-    object->holder = &first;
+    EXPECT_EQ(object->_getRefCount(), 2) << "setting the current object changes nothing";
+    object->reference = &first;
     first.Set(nullptr);
-    EXPECT_EQ(object->heldAtRelease, object) << "released first, replaced after";
+    EXPECT_EQ(object->objectAtRelease, object) << "released before it is replaced";
     first.Set(nullptr);
     EXPECT_EQ(object->seen, (std::vector{1, 2, 3, -2, -1}));
     ASSERT_FALSE(deleted);
@@ -49,17 +49,18 @@ TEST(ReferenceCounted, LivesAsLongAsItsReferences) {
     EXPECT_TRUE(deleted);
 }
 
-TEST(ReferenceCounted, CopiesAndDeletesAtOnce) {
+TEST(ReferenceCounted, CopiesWithoutReferencesAndDeletesAtOnce) {
     bool deleted = false;
-    core::ClassRef<Counted> const held(new Counted(deleted));
-    auto* copy = new Counted(*held);
+    core::ClassRef<Counted> const original(new Counted(deleted));
+    auto* copy = new Counted(*original);
     EXPECT_EQ(copy->_getRefCount(), 0) << "a copy has no references";
     core::_deferDeletion(static_cast<core::BasicClass*>(copy));
     EXPECT_TRUE(std::exchange(deleted, false));
     core::_deferDeletion(static_cast<core::ReferenceCounted*>(new Counted(deleted)));
     EXPECT_TRUE(std::exchange(deleted, false));
-    EXPECT_EQ(std::string(held->ClassName()) + held.ClassName() + core::RootClass().ClassName(),
-              "BasicClassClassRefRootClass");
+    EXPECT_EQ(
+        std::string(original->ClassName()) + original.ClassName() + core::RootClass().ClassName(),
+        "BasicClassClassRefRootClass");
 }
 
 TEST(ReferenceCounted, CountsOnSeveralThreads) {
@@ -70,8 +71,8 @@ TEST(ReferenceCounted, CountsOnSeveralThreads) {
         for (int i = 0; i < 4; ++i) {
             threads.emplace_back([copy = shared] {
                 for (int round = 0; round < 1000; ++round) {
-                    core::ClassRef<Counted> held;
-                    held = copy;
+                    core::ClassRef<Counted> another;
+                    another = copy;
                 }
             });
         }

@@ -13,16 +13,17 @@ namespace {
 using namespace core;
 using support::CopyWatcher;
 
-int const piece = 0x10000;
+int const chunk = 0x10000;
 
-/// Memory that moves few bytes a call and takes none behind a number of them.
-class FrailStream : public MemoryStream {
+/// Accepts a few bytes a call, none after the first left bytes, and cannot sync.
+class LimitedStream : public MemoryStream {
 public:
-    FrailStream(int left, int failure) : left_(left), failure_(failure) {}
+    LimitedStream(int left, int failure) : left_(left), failure_(failure) {}
     int Write(void const* data, int count) override {
-        int const moved = left_ > 0 ? MemoryStream::Write(data, std::min({count, left_, 1000})) : 0;
-        left_ -= moved;
-        return moved > 0 ? moved : failure_;
+        int const written =
+            left_ > 0 ? MemoryStream::Write(data, std::min({count, left_, 1000})) : 0;
+        left_ -= written;
+        return written > 0 ? written : failure_;
     }
     int Sync() override { return -EIO; }
 
@@ -40,17 +41,17 @@ Buffer bytes(int size) {
     return result;
 }
 
-TEST(Copy, IsTheSourceToTheByteWithHolesAndWithout) {
-    for (int const size : {0, 1, piece - 1, piece, piece + 1, 5 * piece}) {
-        for (int const blankFrom : {0, 1, 2 * piece, 6 * piece}) {
+TEST(Copy, EqualsTheSourceWithAndWithoutHoles) {
+    for (int const size : {0, 1, chunk - 1, chunk, chunk + 1, 5 * chunk}) {
+        for (int const nulFrom : {0, 1, 2 * chunk, 6 * chunk}) {
             for (bool const sparse : {false, true}) {
-                Buffer content = bytes(std::min(size, blankFrom));
+                Buffer content = bytes(std::min(size, nulFrom));
                 content.SetSize(size);
                 MemoryStream source(content);
                 MemoryStream target;
                 CopyWatcher watcher;
                 EXPECT_EQ(source.CopyTo(target, {sparse, true, &watcher}), size);
-                EXPECT_EQ(target.Content(), content) << size << ", blank from " << blankFrom;
+                EXPECT_EQ(target.Content(), content) << size << ", NUL from " << nulFrom;
                 EXPECT_EQ(watcher.done, size);
                 EXPECT_EQ(watcher.total, size);
             }
@@ -58,25 +59,25 @@ TEST(Copy, IsTheSourceToTheByteWithHolesAndWithout) {
     }
 }
 
-TEST(Copy, ReturnsTheErrorOfTheStepThatFailed) {
-    MemoryStream source(bytes(2 * piece));
+TEST(Copy, ReturnsTheErrorOfTheFailedStep) {
+    MemoryStream source(bytes(2 * chunk));
     for (int const failure : {-ENOSPC, 0}) {
-        FrailStream full(3500, failure);
+        LimitedStream full(3500, failure);
         source.Seek(0);
         EXPECT_EQ(source.CopyTo(full), failure == 0 ? -EIO : failure);
         EXPECT_EQ(full.Content(), bytes(3500));
         EXPECT_EQ(source.WriteTo(full), failure == 0 ? -1 : failure);
     }
-    FrailStream unsafe(INT_MAX, 0);
+    LimitedStream unsafe(INT_MAX, 0);
     FileStream closed;
     EXPECT_EQ(closed.WriteTo(unsafe) + closed.CopyTo(unsafe, {.sparse = true, .sync = true}),
               -2 * EBADF);
     source.Seek(0);
-    EXPECT_EQ(source.WriteTo(unsafe), 2 * piece);
+    EXPECT_EQ(source.WriteTo(unsafe), 2 * chunk);
     EXPECT_EQ(unsafe.Content(), source.Content());
     source.Seek(0);
-    EXPECT_EQ(source.CopyTo(unsafe, {.sync = true}), -EIO) << "its Sync fails";
-    for (long long const most : {-1, 0, piece}) {
+    EXPECT_EQ(source.CopyTo(unsafe, {.sync = true}), -EIO) << "Sync fails";
+    for (long long const most : {-1, 0, chunk}) {
         MemoryStream target;
         CopyWatcher watcher;
         watcher.most = most;

@@ -13,7 +13,7 @@ using Origin = core::Stream::SeekOrigin;
 using FileStreamTest = support::DirectoryTest;
 namespace platform = sys::platform;
 
-TEST_F(FileStreamTest, OneThatIsNotOpenFails) {
+TEST_F(FileStreamTest, FailsIfNotOpen) {
     FileStream stream;
     EXPECT_EQ(stream.Read(nullptr, 1), -EBADF);
     EXPECT_EQ(stream.WriteAll("", 1), -EBADF);
@@ -26,7 +26,7 @@ TEST_F(FileStreamTest, OneThatIsNotOpenFails) {
               "FileStreamHandleStream");
 }
 
-TEST_F(FileStreamTest, GoesToPositionsBeyondFourGiB) {
+TEST_F(FileStreamTest, SeeksBeyondFourGiB) {
     unsigned const mode = platform::openRead | platform::openWrite | platform::openCreate;
     long const before = support::openDescriptors();
     {

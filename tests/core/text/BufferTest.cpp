@@ -7,7 +7,7 @@
 #include "core/text/MChar.h"
 #include "core/text/cStrings.h"
 #include "core/text/unicode.h"
-#include "tests/core/text/joined.h"
+#include "tests/core/text/join.h"
 
 namespace {
 
@@ -27,29 +27,29 @@ TEST(Buffer, OwnsItsBytes) {
     EXPECT_EQ(bytes.GetData(), nullptr);
 }
 
-TEST(Buffer, CarriesTextsInAnyWidth) {
+TEST(Buffer, ReceivesStringsInAnyWidth) {
     String const text("A\xE4z");
     unsigned short const units16[] = {'A', 0xE4, 'z', 0x141, 'b', 0x100, 'c', 0};
     EXPECT_EQ(text.GetRawBuffer(), Buffer("A\xE4z", 3));
     EXPECT_EQ(text.GetUnicode16Buffer(), Buffer(units16, 6));
     String back;
     back.SetString(units16);
-    EXPECT_EQ(back, "A\xE4zAb") << "only the low 8 bits count, and a NUL among them ends the text";
+    EXPECT_EQ(back, "A\xE4zAb") << "low 8 bits, up to a NUL";
     back.SetString(static_cast<unsigned int const*>(nullptr), 5);
     EXPECT_EQ(back, "");
 }
 
-TEST(Buffer, RoomOfAnySizeGetsWhatFitsAndANul) {
-    char room[6] = {'#', '#', '#', '#', '#', '#'};
+TEST(CStrings, BoundedCopiesTruncateAndTerminate) {
+    char target[6] = {'#', '#', '#', '#', '#', '#'};
     EXPECT_EQ(String("abc").GetString(static_cast<char*>(nullptr), 9), 0);
-    EXPECT_EQ(_strCopyLimited(room, 4, "abcdef"), 3);
-    EXPECT_EQ(std::string_view(room, 6), std::string_view("abc\0##", 6));
-    EXPECT_EQ(_strConcatLimited(room, 6, "xyz"), 2);
-    EXPECT_STREQ(room, "abcxy");
-    EXPECT_EQ(_strNCpy(room, "1234567", 6), room);
-    EXPECT_STREQ(room, "12345");
-    EXPECT_EQ(_strChr(room, '3'), room + 2);
-    EXPECT_EQ(_strChr(room, '\0'), nullptr);
+    EXPECT_EQ(_strCopyLimited(target, 4, "abcdef"), 3);
+    EXPECT_EQ(std::string_view(target, 6), std::string_view("abc\0##", 6));
+    EXPECT_EQ(_strConcatLimited(target, 6, "xyz"), 2);
+    EXPECT_STREQ(target, "abcxy");
+    EXPECT_EQ(_strNCpy(target, "1234567", 6), target);
+    EXPECT_STREQ(target, "12345");
+    EXPECT_EQ(_strChr(target, '3'), target + 2);
+    EXPECT_EQ(_strChr(target, '\0'), nullptr);
 
     char full[3] = {'a', 'b', 'c'};
     EXPECT_EQ(_strConcatLimited(full, 3, "d"), 0);
@@ -69,10 +69,10 @@ TEST(Unicode, FoldsEveryCodePointAsUnicode15) {
             sum = sum * 31 + static_cast<unsigned char>(byte);
         }
     }
-    EXPECT_EQ(sum, 0xD6D0DC25787E2438) << "the sum over the simple foldings of CaseFolding.txt";
+    EXPECT_EQ(sum, 0xD6D0DC25787E2438) << "checksum of the simple foldings in CaseFolding.txt";
 }
 
-TEST(MChar, PacksTextInMemoryOrderAndShowsAnyByteSafely) {
+TEST(MChar, PacksCharactersInMemoryOrderAndDumpsThemSafely) {
     MChar8 const magic("QXRB5129");
     EXPECT_EQ(std::string_view(magic.ptr(), 8), "QXRB5129");
     if constexpr (std::endian::native == std::endian::little) {
@@ -80,7 +80,7 @@ TEST(MChar, PacksTextInMemoryOrderAndShowsAnyByteSafely) {
     }
     MChar4 const shorter(String("AB"));
     EXPECT_EQ(std::string_view(shorter.ptr(), 4), std::string_view("AB\0\0", 4));
-    EXPECT_EQ(joined({shorter, shorter.SafeDump()}), "AB|AB??|");
+    EXPECT_EQ(join({shorter, shorter.SafeDump()}), "AB|AB??|");
     EXPECT_TRUE(MChar4("ABCDEF") == "ABCD" && MChar4("ABCDEF") == String("ABCDx"));
     EXPECT_FALSE(MChar4("ABCD") == "ABC" || MChar4("ABCD") == MChar4("ABCE"));
     EXPECT_TRUE(MChar4(static_cast<char const*>(nullptr)) == 0 && MChar4("") == 0 &&
@@ -88,8 +88,8 @@ TEST(MChar, PacksTextInMemoryOrderAndShowsAnyByteSafely) {
 
     EXPECT_EQ(MChar4("\x1F\x20\x7F\x80").SafeDump(), "? \x7F?");
     MChar4 const tag("A\nB");
-    EXPECT_EQ(joined({String::FromMultiChar4(tag, true), String::FromMultiChar4(tag, false),
-                      String::FromMultiChar8("12345678", true)}),
+    EXPECT_EQ(join({String::FromMultiChar4(tag, true), String::FromMultiChar4(tag, false),
+                    String::FromMultiChar8("12345678", true)}),
               "A?B?|A\nB|12345678|");
 }
 

@@ -18,7 +18,7 @@ TEST(Message, FillsPlaceholdersInOnePass) {
     EXPECT_EQ(hex(0xABC, 4), "0x0ABC");
 }
 
-TEST(Message, ErrorsAreSafeAndCounted) {
+TEST(Message, PrintsErrorsSafelyAndLimitsTheirNumber) {
     char const* const kept = " ~\u00A0\u061B\u061D\u200D\u2010\u2027\u202F\u2065\u206A";
     EXPECT_EQ(printable(kept), kept);
     EXPECT_EQ(printable("\x1F\xC2\x80\xC2\x9F\u200E\u200F\u2028\u2066\u2069"), "????????");

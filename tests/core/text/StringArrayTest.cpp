@@ -3,13 +3,13 @@
 #include "core/object/ClassRef.h"
 #include "core/object/IStream.h"
 #include "core/text/StringArray.h"
-#include "tests/core/text/joined.h"
+#include "tests/core/text/join.h"
 
 namespace {
 
 using namespace core;
 
-TEST(StringArray, GrowsByItsStepAndKeepsEntriesInPlace) {
+TEST(StringArray, GrowsByItsStepWithoutMovingEntries) {
     StringArray list(2);
     EXPECT_EQ(list.Capacity(), 0);
     list.Add("first");
@@ -35,7 +35,7 @@ TEST(StringArray, CopiesDeeply) {
     list.Add("b", "2");
     StringArray copy(list);
     copy[0] = "changed";
-    EXPECT_EQ(joined(copy), "changed|b=2|");
+    EXPECT_EQ(join(copy), "changed|b=2|");
     list.Add(list);
     EXPECT_EQ(list.AsString(), "a=1\r\nb=2\r\na=1\r\nb=2\r\n");
     copy = list;
@@ -54,10 +54,10 @@ TEST(StringArray, DeletesAndFinds) {
     for (int index : {-1, 4, 0, 2}) {
         list.Delete(index);
     }
-    EXPECT_EQ(joined(list), "|ABC|");
+    EXPECT_EQ(join(list), "|ABC|");
 }
 
-TEST(StringArray, HoldsPairs) {
+TEST(StringArray, SplitsPairsAtTheFirstSeparator) {
     StringArray list(16);
     list.Add("Bad address", "Invalid port");
     EXPECT_EQ(list.Add("", "x"), 1);
@@ -73,50 +73,50 @@ TEST(StringArray, HoldsPairs) {
     EXPECT_EQ(list.SetValueByName("BAD ADDRESS", "new"), 0);
     list.SetNameByIndex(2, "n");
     list.SetNameByIndex(3, "name");
-    EXPECT_EQ(joined(list), "Bad address=new|=x|n=b=c|name=|");
+    EXPECT_EQ(join(list), "Bad address=new|=x|n=b=c|name=|");
     EXPECT_EQ(list.IndexOfName("N", 2) * 10 + list.IndexOfName("N", 3), 19);
     EXPECT_EQ(list.GetValueByName("NAME") + list.GetValueByName("n"), "b=c");
 }
 
-TEST(StringArray, BecomesCStrings) {
+TEST(StringArray, ConvertsToCStrings) {
     StringArray list;
     list.Add("a", "1");
     list.Add("b");
-    StringPCharList const texts = list.AsPCharList();
+    StringPCharList const strings = list.AsPCharList();
     StringPCharList const values(list.AsPCharList(StringPCharList::Values));
     list[0].SetChar(0, 'X');
     list.Clear();
-    ASSERT_EQ(texts.Count(), 2);
-    EXPECT_STREQ(texts.GetList()[0], "a=1") << "the list owns what it points at";
-    EXPECT_EQ(texts.GetList()[2], nullptr);
+    ASSERT_EQ(strings.Count(), 2);
+    EXPECT_STREQ(strings.GetList()[0], "a=1") << "the list owns its strings";
+    EXPECT_EQ(strings.GetList()[2], nullptr);
     EXPECT_STREQ(values.GetList()[0], "1");
     list.Add("name", "");
     EXPECT_STREQ(list.AsPCharList(StringPCharList::Names).GetList()[0], "name");
 }
 
-// The fuzzer's seeds hold streams against texts.
-TEST(StringArrayText, LoadsLinesHoweverTheyEnd) {
+// The seeds of the fuzzer compare streams with strings.
+TEST(StringArrayText, LoadsLinesWithAnyLineEnd) {
     StringArray list;
     using Row = std::pair<char const*, char const*>;
     for (auto const& [text, expected] :
          {Row{"a\nb\n", "a|b|"}, Row{"a\r\nb", "a|b|"}, Row{"a\rb\r", "a|b|"},
           Row{"\n\r\n\r", "|||"}, Row{"a\n\rb", "a||b|"}, Row{"", ""}, Row{"\r\r\n", "||"}}) {
         list.LoadFrom(text);
-        EXPECT_EQ(joined(list), expected);
+        EXPECT_EQ(join(list), expected);
     }
     list.Add("x\ny");
     list.LoadFrom(list[2]);
-    EXPECT_EQ(joined(list), "x|y|") << "an entry may be the text that is loaded";
+    EXPECT_EQ(join(list), "x|y|") << "an entry can be loaded into its own array";
     auto* const none = static_cast<IStream*>(nullptr);
     EXPECT_FALSE(list.LoadFrom(none) || list.LoadAsConfFileFrom(none) || list.SaveTo(none));
 }
 
-TEST(StringArrayText, ReadsConfigurationFiles) {
+TEST(StringArrayText, LoadsConfigurationFiles) {
     StringArray list;
     list.LoadAsConfFileFrom(
         "# comment\n\n  ; comment = too\n\t name \t=  a value = with blanks \r\n"
         "plain line \nempty =\n = no name\nurl=a#b;c\n");
-    EXPECT_EQ(joined(list), "name=a value = with blanks|plain line|empty=|= no name|url=a#b;c|");
+    EXPECT_EQ(join(list), "name=a value = with blanks|plain line|empty=|= no name|url=a#b;c|");
 }
 
 }  // namespace

@@ -3,22 +3,22 @@
 #include <cctype>
 
 #include "core/text/Buffer.h"
-#include "tests/core/text/joined.h"
+#include "tests/core/text/join.h"
 
 namespace {
 
 using core::String;
 
-TEST(String, ComparesSignedBytes) {
+TEST(String, ComparesBytesAsSigned) {
     EXPECT_LT(String("\x80"), String("A"));
     EXPECT_GT(String("_"), "A");
     EXPECT_EQ(String("").Compare(nullptr), 0);
-    EXPECT_EQ(String("_").CompareIC("a"), 1) << "both sides count as upper case";
+    EXPECT_EQ(String("_").CompareIC("a"), 1) << "both are converted to upper case";
     EXPECT_EQ(String("\xE4").CompareIC("\xC4"), 1) << "only ASCII letters have two cases";
 }
 
-// The random test compares the rest with the standard library.
-TEST(String, FindsTheEmptyPattern) {
+// The seeds of the fuzzer compare the rest with std::string.
+TEST(String, FindsTheEmptyPatternAtTheEnd) {
     String const text("abc");
     for (int start : {INT_MIN, 0, 3}) {
         EXPECT_EQ(text.Find("", start), 3) << start;
@@ -27,10 +27,10 @@ TEST(String, FindsTheEmptyPattern) {
         EXPECT_EQ(text.RFindIC("", start), start < 0 ? -1 : start);
     }
     EXPECT_EQ(text.Find("", 4), -1);
-    EXPECT_EQ(text.Find('\0'), -1) << "the NUL behind the text is no part of it";
+    EXPECT_EQ(text.Find('\0'), -1) << "the terminating NUL is not a character";
 }
 
-TEST(String, KnowsDelimiterSets) {
+TEST(String, RecognisesDelimiters) {
     String const text(";a,b;");
     String const set(",;");
     for (int index : {INT_MIN, 0, 1, 2, 5}) {
@@ -40,20 +40,20 @@ TEST(String, KnowsDelimiterSets) {
     EXPECT_EQ(String("a").ForceTrailingDelimiter(set, ','), "a,");
 }
 
-TEST(String, CutsPieces) {
+TEST(String, ReturnsSubstrings) {
     String const text("abcdef");
-    EXPECT_EQ(text.Copy(-5, 2), "ab") << "a negative start shortens nothing";
-    EXPECT_EQ(joined({text.Copy(0, 2, 4, 9), text.CopyRange(1, 3, true), text.CopyRange(3, 1),
-                      text.CopyRange(-3, INT_MAX, true), text.CopyRange(INT_MIN, INT_MIN, true)}),
+    EXPECT_EQ(text.Copy(-5, 2), "ab") << "a negative start does not reduce the count";
+    EXPECT_EQ(join({text.Copy(0, 2, 4, 9), text.CopyRange(1, 3, true), text.CopyRange(3, 1),
+                    text.CopyRange(-3, INT_MAX, true), text.CopyRange(INT_MIN, INT_MIN, true)}),
               "abef|bcd||abcdef||");
-    EXPECT_EQ(joined({text.Left(-1), text.Right(2), text.Right(INT_MAX)}), "abcdef|ef|abcdef|");
+    EXPECT_EQ(join({text.Left(-1), text.Right(2), text.Right(INT_MAX)}), "abcdef|ef|abcdef|");
     EXPECT_EQ(String().FirstChar() + String().LastChar() + text.LastChar(), 'f');
 }
 
 TEST(String, EditsItself) {
     String text("abc");
     text.Insert(text, 1);
-    EXPECT_EQ(text, "aabcbc") << "a text can be put into itself";
+    EXPECT_EQ(text, "aabcbc") << "a string can be inserted into itself";
     text.DeleteFromLeft(2);
     text.DeleteFromRight(1);
     text.SetChar(0, 'B');
@@ -73,20 +73,20 @@ TEST(String, EditsItself) {
     text.Append(text.getCString() + 2);
     EXPECT_EQ(text, "cdcdcd");
     text.DeleteFromRight(-1);
-    EXPECT_EQ(text, "") << "a negative count is all there is";
+    EXPECT_EQ(text, "") << "a negative count means all characters";
     String const one = String("1").AppendNew(core::Buffer("2", 1));
     EXPECT_EQ(("/" + ('0' + one + String("3") + '4' + "5")).nl(), "/012345\n");
 }
 
-TEST(String, ChangesCaseAndTrims) {
+TEST(String, ConvertsCaseAndTrims) {
     String const mixed("hELLO wORLD\t\xE4x_9z");
     String const borders("@AZ[`az{");
     EXPECT_EQ(borders.UpperCase() + borders.LowerCase(), "@AZ[`AZ{@az[`az{");
     EXPECT_EQ(mixed.CapitalCase(), "Hello World\t\xE4x_9z");
-    String const blank(" \t\r\n a b \v\n");
-    EXPECT_EQ(joined({blank.TrimLeft(), blank.TrimRight(), blank.Trim()}),
+    String const spaced(" \t\r\n a b \v\n");
+    EXPECT_EQ(join({spaced.TrimLeft(), spaced.TrimRight(), spaced.Trim()}),
               "a b \v\n| \t\r\n a b \v|a b \v|")
-        << "a vertical tab is no white space";
+        << "a vertical tab is not white space";
 }
 
 TEST(String, ClassifiesCharacters) {
@@ -100,8 +100,8 @@ TEST(String, ClassifiesCharacters) {
 }
 
 TEST(String, Replaces) {
-    EXPECT_EQ(joined({String("xax").Replace("x", "xx"), String("abc").Replace("", "Z"),
-                      String("").Replace("", "Z"), String("xAxa").ReplaceIC("a", "b")}),
+    EXPECT_EQ(join({String("xax").Replace("x", "xx"), String("abc").Replace("", "Z"),
+                    String("").Replace("", "Z"), String("xAxa").ReplaceIC("a", "b")}),
               "xxaxx|abcZ||xbxb|");
     EXPECT_EQ(String("X\r\n2\n\n3\r").ReplaceNewLine("|"), "X|2||3|");
     EXPECT_EQ(String("1\r\n2").FilterNewLineChar('-'), "1--2");
@@ -114,30 +114,30 @@ TEST(String, SplitsAndExtractsTokens) {
     EXPECT_EQ(String("a,,b,").Split(out, ","), 4);
     EXPECT_EQ(String("c d;e").Split(out, "; "), 7);
     EXPECT_EQ(String("h/").Split(out, '/'), 8);
-    EXPECT_EQ(out[0].Split(out, 'f'), 10) << "an entry can be split into its own list";
-    EXPECT_EQ(joined(out), "before|a||b|c|d|e|h|be|ore|");
+    EXPECT_EQ(out[0].Split(out, 'f'), 10) << "an entry can be split into its own array";
+    EXPECT_EQ(join(out), "before|a||b|c|d|e|h|be|ore|");
 
     String text("a, b;'c;d',e");
-    EXPECT_EQ(joined({text.ExtractNextToken(","), text.ExtractNextToken(';'),
-                      text.ExtractNextToken(",;", "\"'"), text.ExtractNextToken(",;"), text}),
+    EXPECT_EQ(join({text.ExtractNextToken(","), text.ExtractNextToken(';'),
+                    text.ExtractNextToken(",;", "\"'"), text.ExtractNextToken(",;"), text}),
               "a| b|'c;d'|e||");
     text = "x=1&y=2&";
-    EXPECT_EQ(joined({text.ExtractLastToken('&'), text.ExtractLastToken("&"),
-                      text.ExtractLastToken("&"), text.ExtractLastToken("&")}),
+    EXPECT_EQ(join({text.ExtractLastToken('&'), text.ExtractLastToken("&"),
+                    text.ExtractLastToken("&"), text.ExtractLastToken("&")}),
               "|y=2|x=1||");
     text = "'never closed,b";
     EXPECT_EQ(text.ExtractNextToken(",", "'"), "'never closed,b");
 }
 
-TEST(String, QuotesAndReadsProperties) {
+TEST(String, QuotesAndFindsProperties) {
     EXPECT_EQ(
-        joined({String("a b").Quote(), String("'a'b'").Unquote('\''), String("\"a'").Unquote()}),
+        join({String("a b").Quote(), String("'a'b'").Unquote('\''), String("\"a'").Unquote()}),
         "\"a b\"|a'b|\"a'|");
     String const text("type=flat; size = \"3 4\", empty= ,Size='x;y' =lost last=\"open end");
-    EXPECT_EQ(joined({text.GetProperty("TYPE"), text.GetProperty("size"),
-                      text.GetProperty("size", 20), text.GetProperty("last", -4)}),
+    EXPECT_EQ(join({text.GetProperty("TYPE"), text.GetProperty("size"),
+                    text.GetProperty("size", 20), text.GetProperty("last", -4)}),
               "flat|3 4|x;y|open end|");
-    EXPECT_EQ(text.GetProperty("y"), "") << "within quotes there are no properties";
+    EXPECT_EQ(text.GetProperty("y"), "") << "a quoted value contains no properties";
     EXPECT_EQ(String("a='1'b=2").GetProperty("b"), "2");
 }
 

@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "tests/core/text/joined.h"
+#include "tests/core/text/join.h"
 
 namespace {
 
@@ -9,8 +9,8 @@ using core::String;
 sys::PathStyle const& posix = sys::posixPathStyle;
 sys::PathStyle const& windows = sys::windowsPathStyle;
 
-TEST(StringPath, TakesPathsApart) {
-    // A path, and its folder, name, name without extension, and extension.
+TEST(StringPath, SplitsPaths) {
+    // A path, then its directory, name, name without extension, and extension.
     using Row = std::tuple<sys::PathStyle const&, char const*, char const*>;
     for (auto const& [style, text, expected] :
          {Row{posix, "/a/b.tar.gz", "/a|b.tar.gz|b.tar|.gz|"}, Row{posix, "/a", "/|a|a||"},
@@ -22,20 +22,20 @@ TEST(StringPath, TakesPathsApart) {
           Row{windows, "C:a", "C:|a|a||"}, Row{windows, "a/b\\c", "a/b|c|c||"},
           Row{windows, "\\\\host\\share\\f", "\\\\host\\share|f|f||"}}) {
         String const path(text);
-        EXPECT_EQ(joined({path.GetFilePath(style), path.GetFileName(style),
-                          path.GetFileNameWithoutExt(style), path.GetFileExt(style)}),
+        EXPECT_EQ(join({path.GetFilePath(style), path.GetFileName(style),
+                        path.GetFileNameWithoutExt(style), path.GetFileExt(style)}),
                   expected);
     }
 }
 
 TEST(StringPath, ReplacesExtensionsAndJoinsWithOneDelimiter) {
-    EXPECT_EQ(joined({String("/a.b/c.zip").ReplaceFileExt("txt", posix),
-                      String("/a.b/c").ReplaceFileExt("x", posix)}),
+    EXPECT_EQ(join({String("/a.b/c.zip").ReplaceFileExt("txt", posix),
+                    String("/a.b/c").ReplaceFileExt("x", posix)}),
               "/a.b/c.txt|/a.b/c.x|");
     EXPECT_EQ(
-        joined({String("a//").AppendNewPath("//b", posix), String("/").AppendNewPath("b", posix),
-                String("").AppendNewPath("/b", posix), String("a\\").AppendNewPath("b", posix),
-                String("a/").AppendNewPath("\\b", windows)}),
+        join({String("a//").AppendNewPath("//b", posix), String("/").AppendNewPath("b", posix),
+              String("").AppendNewPath("/b", posix), String("a\\").AppendNewPath("b", posix),
+              String("a/").AppendNewPath("\\b", windows)}),
         "a/b|/b|/b|a\\/b|a\\b|");
     String self("a/");
     self.AppendPath(self, posix);
@@ -43,18 +43,18 @@ TEST(StringPath, ReplacesExtensionsAndJoinsWithOneDelimiter) {
     EXPECT_EQ("a" / String("b"), String("a") + String::PathDelimiter() + "b");
 }
 
-TEST(StringPath, ForcesAndFindsDelimiters) {
-    EXPECT_EQ(joined({String("a").ForceLeadingPathDelimiter(windows),
-                      String("/a").ForceLeadingPathDelimiter(posix),
-                      String("a").ForceTrailingPathDelimiter(posix), String::PathDelimiters(posix),
-                      String("//a//").ForceNoLeadingPathDelimiter(posix),
-                      String("//a//").ForceNoTrailingPathDelimiter(posix)}),
+TEST(StringPath, AddsRemovesAndFindsDelimiters) {
+    EXPECT_EQ(join({String("a").ForceLeadingPathDelimiter(windows),
+                    String("/a").ForceLeadingPathDelimiter(posix),
+                    String("a").ForceTrailingPathDelimiter(posix), String::PathDelimiters(posix),
+                    String("//a//").ForceNoLeadingPathDelimiter(posix),
+                    String("//a//").ForceNoTrailingPathDelimiter(posix)}),
               "\\a|/a|a/|/|a//|//a|");
-    EXPECT_EQ(joined({String("a/b\\c").EnsurePlatformPathDelimiters(posix),
-                      String("a/b\\c").EnsurePlatformPathDelimiters(windows)}),
+    EXPECT_EQ(join({String("a/b\\c").EnsurePlatformPathDelimiters(posix),
+                    String("a/b\\c").EnsurePlatformPathDelimiters(windows)}),
               "a/b/c|a\\b\\c|");
-    EXPECT_EQ(joined({String("//a///b/").RemoveDuplicatedPathDelimiters(posix),
-                      String("\\\\h\\\\/s").RemoveDuplicatedPathDelimiters(windows)}),
+    EXPECT_EQ(join({String("//a///b/").RemoveDuplicatedPathDelimiters(posix),
+                    String("\\\\h\\\\/s").RemoveDuplicatedPathDelimiters(windows)}),
               "/a/b/|\\\\h\\s|");
 
     String const path("/a\\b/c");

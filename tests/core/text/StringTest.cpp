@@ -13,21 +13,21 @@ namespace {
 
 using namespace core;
 
-TEST(String, TakesTextUpToItsLengthOrItsEnd) {
+TEST(String, CopiesUpToTheLengthOrTheNul) {
     EXPECT_EQ(String("abcdef", 3), "abc");
     EXPECT_EQ(String("ab", 10), "ab");
     for (String const& empty : {String(), String(nullptr, 5), String(""), String("abc", 0)}) {
         EXPECT_STREQ(empty.getCString(), "");
-        EXPECT_TRUE(empty.SameRef(String())) << "an empty text owns no record";
+        EXPECT_TRUE(empty.SameRef(String())) << "an empty string has no record";
     }
-    EXPECT_EQ(String(std::string_view("ab\0cd", 5)), "ab") << "a NUL ends the text on every way in";
+    EXPECT_EQ(String(std::string_view("ab\0cd", 5)), "ab") << "a NUL ends the string";
     EXPECT_EQ(String::OfChar('-', -3), "");
     String text("old");
     text.SetBuffer("new", -1);
     EXPECT_EQ(text, "");
 }
 
-TEST(String, SharesUntilOneChanges) {
+TEST(String, SharesItsRecordUntilChanged) {
     String const original("shared");
     String copy(original);
     EXPECT_TRUE(copy.SameRef(original));
@@ -42,7 +42,7 @@ TEST(String, SharesUntilOneChanges) {
           text.RemoveDuplicatedPathDelimiters(posix), text.AppendNew(""), text.AppendNew(String()),
           text.AppendNewPath("", posix), text.ReplaceFileExt("3", posix), text.Copy(0, 2, 2, 9),
           text.Copy(0, 9), text.Quote('\0'), text.Replace("2", "2")}) {
-        EXPECT_TRUE(same.SameRef(text)) << "a result that equals the text shares its record";
+        EXPECT_TRUE(same.SameRef(text)) << "an equal result shares the record";
     }
 
     copy = original;
@@ -51,26 +51,29 @@ TEST(String, SharesUntilOneChanges) {
     EXPECT_EQ(copy, original);
 }
 
-TEST(String, MakesRoom) {
+TEST(String, ResizesItsBuffer) {
     String text("abc");
     text.SetLength(2);
     EXPECT_EQ(text, "ab");
-    char* const room = text.GetBuffer(5);
-    EXPECT_EQ(std::string_view(room, 6), std::string_view("ab\0\0\0\0", 6));
-    std::memcpy(room, "12345", 5);
+    char* const buffer = text.GetBuffer(5);
+    EXPECT_EQ(std::string_view(buffer, 6), std::string_view("ab\0\0\0\0", 6));
+    std::memcpy(buffer, "12345", 5);
     EXPECT_EQ(text, "12345");
     text.SetLength(0);
     EXPECT_TRUE(text.SameRef(String()));
     EXPECT_EQ(text.GetBuffer(), nullptr);
-    EXPECT_EQ(text.GetBuffer(INT_MAX), nullptr) << "nobody may write into room that is not there";
+    EXPECT_EQ(text.GetBuffer(INT_MAX), nullptr) << "longer than the maximum";
 
     text.GetBuffer(4);
     EXPECT_TRUE(text.IsEmpty());
-    EXPECT_EQ(text.Replace("", "x"), "") << "room without characters is an empty text";
+    EXPECT_EQ(text.Replace("", "x"), "") << "a buffer of NUL is an empty string";
 }
 
-TEST(String, IsCutAtItsLongest) {
+TEST(String, TruncatesAtItsMaximumLength) {
     TextBuilder builder;
+    builder.Append({"\0x", 2});
+    EXPECT_TRUE(builder.AsString().SameRef(String())) << "a NUL ends the string";
+    builder.Clear();
     builder.Append('x', INT_MAX);
     EXPECT_EQ(builder.View().size(), std::size_t{String::MaxLength});
     String text = builder.AsString();
@@ -81,25 +84,25 @@ TEST(String, IsCutAtItsLongest) {
     EXPECT_TRUE(text.StartsWith("xabcx") && text.GetLength() == String::MaxLength);
 }
 
-// Each test runs in a process of its own, so that no other text keeps the pool.
-TEST(StringPool, GivesItsChunksBack) {
+// Each test runs in its own process: no other string uses the pool.
+TEST(StringPool, FreesItsChunksWithTheLastString) {
     StringPool& pool = StringPool::Instance();
     ASSERT_EQ(pool.ChunkCount(), 0);
     {
-        std::vector<String> texts;
+        std::vector<String> strings;
         for (int i = 0; i < StringPool::RecordsPerChunk; ++i) {
-            texts.push_back(String::format("text %1").argi(1, i));
+            strings.push_back(String::format("text %1").argi(1, i));
         }
         EXPECT_EQ(pool.ChunkCount(), 1);
-        String const another("one more than a chunk holds");
+        String const another("one more than fits into a chunk");
         EXPECT_EQ(pool.ChunkCount(), 2);
-        texts.clear();
-        EXPECT_EQ(pool.ChunkCount(), 2) << "one text keeps all chunks";
+        strings.clear();
+        EXPECT_EQ(pool.ChunkCount(), 2) << "one string keeps all chunks";
     }
     EXPECT_EQ(pool.ChunkCount(), 0);
 }
 
-TEST(StringPool, ServesThreadsThatOwnTheirTexts) {
+TEST(StringPool, ServesThreadsWithUnsharedStrings) {
     String const origin("handed over");
     std::vector<std::jthread> threads;
     for (int i = 0; i < 4; ++i) {

@@ -87,7 +87,7 @@ void requireValid(StringArray const& conf) {
 
 }  // namespace
 
-/// The chunk size, then the configuration.
+/// Input: the chunk size, then the configuration.
 extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {
     Input input(data, size);
     int const chunkSize = 1 + input.Byte();

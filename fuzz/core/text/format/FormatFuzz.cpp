@@ -6,7 +6,7 @@ namespace {
 
 using core::String;
 
-/// Numbered placeholders filled in the plainest way.
+/// Returns text with the numbered placeholders replaced, by a simple algorithm.
 std::string filled(std::string const& text, int wanted, std::string const& value) {
     std::string result;
     for (std::size_t i = 0; i < text.size();) {
@@ -21,7 +21,7 @@ std::string filled(std::string const& text, int wanted, std::string const& value
     return result;
 }
 
-/// The same with a named placeholder.
+/// The same for a named placeholder.
 std::string filled(std::string const& text, String const& wanted, std::string const& value) {
     std::string result;
     std::size_t done = 0;
@@ -38,7 +38,7 @@ std::string filled(std::string const& text, String const& wanted, std::string co
     return result + text.substr(done);
 }
 
-/// One call of a chain, as the input has it.
+/// One call of a chain, from the input.
 struct Call {
     unsigned kind;
     int index;
@@ -56,8 +56,9 @@ struct Call {
           value(input.Line()) {}
 };
 
-/// Without a width a text is not padded; with one, with spaces on its right, however it is given.
-void requireText(String const& value, int width) {
+/// Requires that a string is inserted as it is, or padded on the right with spaces, by every
+/// overload.
+void requireString(String const& value, int width) {
     char const* const plain = value.getCString();
     String const numbered("%1");
     String const named("%[n]");
@@ -78,7 +79,7 @@ void requireText(String const& value, int width) {
     }
 }
 
-/// A number is written the same for either kind of placeholder, with the same defaults.
+/// Requires that numbered and named placeholders format a number alike, with equal defaults.
 template <class Number>
 void requireSame(Number number, int width) {
     String const numbered("%1");
@@ -90,10 +91,10 @@ void requireSame(Number number, int width) {
     require(named.argn("n", number) == numbered.argi(1, number));
 }
 
-String withText(String const& text, Call const& call) {
+String withString(String const& text, Call const& call) {
     String const value(call.value.c_str());
-    requireText(value, call.width);
-    requireText("", call.width);
+    requireString(value, call.width);
+    requireString("", call.width);
     String const result = text.argi(call.index, value, call.width, call.align, call.fill);
     String const padded = value.GetAligned(call.width, call.align, call.fill);
     require(result == text.argi(call.index, padded));
@@ -102,7 +103,7 @@ String withText(String const& text, Call const& call) {
     return result;
 }
 
-/// Fills in the first name that the text has.
+/// Replaces the first named placeholder.
 String withName(String const& text, Call const& call) {
     String const name = text.RightOf("%[").LeftOf(']');
     String const value(call.value.c_str());
@@ -130,7 +131,7 @@ String withNumber(String const& text, Call const& call) {
     return result;
 }
 
-void requirePlace(String const& text, int index) {
+void requirePlaceholder(String const& text, int index) {
     int position = 0;
     int length = 0;
     text.findArgPlaceHolderByIndex(index, position, length);
@@ -143,16 +144,16 @@ void requirePlace(String const& text, int index) {
 
 }  // namespace
 
-/// A line with a template, then the calls of a chain.
+/// Input: a line with a template, then the calls of a chain.
 extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {
     Input input(data, size);
     String text(input.Line().c_str());
-    // Texts that put placeholders into each other grow without end.
+    // Values that contain placeholders let the string grow without limit.
     while (!input.IsEmpty() && text.GetLength() < 10'000) {
         Call const call(input);
-        requirePlace(text, call.index);
+        requirePlaceholder(text, call.index);
         if (call.kind % 4 == 0) {
-            text = withText(text, call);
+            text = withString(text, call);
         } else if (call.kind % 4 == 1) {
             text = withNumber(text, call);
         } else if (call.kind % 4 == 2) {

@@ -11,9 +11,9 @@ namespace {
 
 using core::String;
 
-/// What the C library reads at the front of a text: nothing, or the number and where it ends.
+/// The number that the C library parses at the start of a string, if any, and where it ends.
 struct Expected {
-    bool read;
+    bool parsed;
     long long value;
     int errorPosition;
 
@@ -21,12 +21,12 @@ struct Expected {
         char const* const start = text.getCString();
         char* end = nullptr;
         value = std::strtoll(start, &end, base);
-        read = end != start;
+        parsed = end != start;
         errorPosition = *end == '\0' ? -1 : static_cast<int>(end - start);
     }
 };
 
-/// The conversions of C strings clamp the value to their own ranges.
+/// Requires that the conversions of C strings clamp the value to their ranges.
 void requireCStrings(char const* text, bool whole, long long value) {
     auto const narrow = static_cast<int>(std::clamp<long long>(value, INT_MIN, INT_MAX));
     auto const natural = static_cast<unsigned>(std::clamp<long long>(value, 0, UINT_MAX));
@@ -43,24 +43,24 @@ void requireDecimals(String const& text) {
     Expected const expected(text, 10);
     int at = -2;
     long long const wide = text.ToDecimal64(&at, 77);
-    require(wide == (expected.read ? expected.value : 77));
-    require(at == (expected.read ? expected.errorPosition : -2));
+    require(wide == (expected.parsed ? expected.value : 77));
+    require(at == (expected.parsed ? expected.errorPosition : -2));
     int const narrow = text.ToDecimal32(&at, 77);
     require(narrow == std::clamp<long long>(wide, INT_MIN, INT_MAX));
-    bool const whole = expected.read && expected.errorPosition == -1;
+    bool const whole = expected.parsed && expected.errorPosition == -1;
     require(whole || (!text.IsDecimal32() && !text.IsDecimal64()));
     require(!text.IsDecimal64() || text.IsInt64());
     require(!text.IsDecimal32() || (text.IsDecimal64() && narrow == wide));
-    requireCStrings(text.getCString(), whole, expected.read ? expected.value : 0);
+    requireCStrings(text.getCString(), whole, expected.parsed ? expected.value : 0);
 }
 
-void requireOfBase(String const& text, int base) {
-    // The C library takes "0x" for base 16, and some take "0b" for base 2.
+void requireBase(String const& text, int base) {
+    // The C library accepts "0x" for base 16, and some versions "0b" for base 2.
     if (base != 16 && base != 2) {
         Expected const expected(text, base);
         int at = -2;
-        require(text.ToCustom(base, &at, 77) == (expected.read ? expected.value : 77));
-        require(at == (expected.read ? expected.errorPosition : -2));
+        require(text.ToCustom(base, &at, 77) == (expected.parsed ? expected.value : 77));
+        require(at == (expected.parsed ? expected.errorPosition : -2));
     }
     long long const value = text.ToDecimal64();
     String const written = String::format("%1").argi(1, value, 0, base);
@@ -68,7 +68,7 @@ void requireOfBase(String const& text, int base) {
     require(!fits || written.ToCustom(base, 1) == value);
 }
 
-/// Whole numbers, up to a limit; the hexadecimal one is written as digits.
+/// Checks parseWhole for value, and for hex, which digits contains in hexadecimal.
 void requireWhole(String const& text, long long value, String const& digits,
                   unsigned long long hex) {
     unsigned long long read = 0;
@@ -84,7 +84,7 @@ void requireWhole(String const& text, long long value, String const& digits,
     }
 }
 
-void requireInts(String const& text) {
+void requireIntegers(String const& text) {
     int at = -2;
     long long const wide = text.ToInt64(&at, 77);
     require(at >= -2 && at <= text.GetLength());
@@ -112,14 +112,14 @@ void requireFloat(String const& text) {
     String const written = String::format("%1").argi(1, value, 0, 'g', 17);
     require(written.IsFloat());
     double const again = written.ToFloat();
-    // Two NaNs are never equal.
+    // NaN does not equal itself.
     require(again == value || (again != again && value != value));
     require(core::strToFloatDef(text.getCString(), -1) == value || value != value);
     double const front = std::strtod(text.getCString(), nullptr);
     require(core::strToFloat(text.getCString()) == front || front != front);
 }
 
-/// Each entry is read as a text of its own.
+/// Requires that each entry of a list is parsed like a string of its own.
 template <class Number, class ReadAll>
 void requireList(char const* text, int count, ReadAll readAll,
                  Number (*readOne)(char const*, Number)) {
@@ -137,14 +137,14 @@ void requireList(char const* text, int count, ReadAll readAll,
 
 }  // namespace
 
-/// A base, then a text that may be a number.
+/// Input: a base, then a string that may be a number.
 extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {
     Input input(data, size);
     int const base = 2 + input.Byte() % 35;
     String const text(input.Line().c_str());
     requireDecimals(text);
-    requireOfBase(text, base);
-    requireInts(text);
+    requireBase(text, base);
+    requireIntegers(text);
     requireZeroByDefault(text);
     requireFloat(text);
     int const count = base % 9;

@@ -15,15 +15,15 @@ namespace {
 
 using core::String;
 
-/// Makes arguments of an input.
+/// Creates arguments from an input.
 class Arguments {
 public:
     Arguments(std::uint8_t const* data, std::size_t size) : input_(data, size) {}
 
-    bool AreLeft() const { return !input_.IsEmpty(); }
+    bool HasMore() const { return !input_.IsEmpty(); }
     int Number(int from, int to) { return from + input_.Byte() % (to - from + 1); }
 
-    /// Few different characters, so that patterns are found.
+    /// Returns a string of few different characters, so that patterns occur in it.
     std::string Text(int longest) {
         std::string result(static_cast<std::size_t>(Number(0, longest)), ' ');
         for (char& c : result) {
@@ -32,7 +32,7 @@ public:
         return result;
     }
 
-    /// Mostly around a text of that length, sometimes at the ends of the range.
+    /// Returns a position in or near the string, sometimes the end of the range.
     int Position(std::string const& text) {
         int const choice = Number(0, 19);
         return choice == 0   ? INT_MAX
@@ -44,7 +44,7 @@ private:
     Input input_;
 };
 
-int asPosition(std::size_t found) {
+int toPosition(std::size_t found) {
     return found == std::string::npos ? -1 : static_cast<int>(found);
 }
 
@@ -52,26 +52,27 @@ std::size_t clipped(int start, std::string const& text) {
     return std::min(static_cast<std::size_t>(std::max(start, 0)), text.size());
 }
 
-/// std::string compares unsigned bytes.
+/// Returns signed bytes: std::string compares unsigned ones.
 std::vector<signed char> asSigned(std::string const& text) {
     return {text.begin(), text.end()};
 }
 
-/// What std::string finds is found, and in upper case where case is ignored: texts have none.
+/// Requires the results of std::string, also for the pattern in upper case if case is ignored:
+/// whole has no upper case.
 template <class Pattern, class Plain>
 void searchFor(std::string const& whole, int start, Plain const& plain, Pattern const& pattern,
                Pattern const& upper, std::size_t length) {
     String const ours(whole.c_str());
     auto const from = static_cast<std::size_t>(std::max(start, 0));
-    int const next = asPosition(whole.find(plain, from));
-    int const before = start < 0 ? -1 : asPosition(whole.rfind(plain, from));
+    int const next = toPosition(whole.find(plain, from));
+    int const before = start < 0 ? -1 : toPosition(whole.rfind(plain, from));
     require(ours.Find(pattern, start) == next && ours.FindIC(upper, start) == next);
     require(ours.RFind(pattern, start) == before && ours.RFindIC(upper, start) == before);
 
     std::size_t const first = whole.find(plain);
     std::size_t const last = whole.rfind(plain);
-    require(ours.Find(pattern) == asPosition(first) && ours.FindIC(upper) == asPosition(first));
-    require(ours.RFind(pattern) == asPosition(last) && ours.RFindIC(upper) == asPosition(last));
+    require(ours.Find(pattern) == toPosition(first) && ours.FindIC(upper) == toPosition(first));
+    require(ours.RFind(pattern) == toPosition(last) && ours.RFindIC(upper) == toPosition(last));
     bool const found = first != std::string::npos;
     String const left(found ? whole.substr(0, first).c_str() : "");
     String const right(found ? whole.substr(first + length).c_str() : "");
@@ -97,32 +98,32 @@ void search(Arguments& arguments) {
     require((ours.Compare(plain.c_str()) <=> 0) == (asSigned(whole) <=> asSigned(plain)));
 
     auto const from = static_cast<std::size_t>(std::max(start, 0));
-    require(ours.FindDelimiter(pattern, start) == asPosition(whole.find_first_of(plain, from)));
+    require(ours.FindDelimiter(pattern, start) == toPosition(whole.find_first_of(plain, from)));
     require(ours.FindNotDelimiter(pattern, start) ==
-            asPosition(whole.find_first_not_of(plain, from)));
-    require(ours.FindDelimiter(pattern) == asPosition(whole.find_first_of(plain)));
-    require(ours.FindNotDelimiter(pattern) == asPosition(whole.find_first_not_of(plain)));
-    require(ours.LastDelimiter(pattern) == asPosition(whole.find_last_of(plain)));
-    require(ours.LastNotDelimiter(pattern) == asPosition(whole.find_last_not_of(plain)));
+            toPosition(whole.find_first_not_of(plain, from)));
+    require(ours.FindDelimiter(pattern) == toPosition(whole.find_first_of(plain)));
+    require(ours.FindNotDelimiter(pattern) == toPosition(whole.find_first_not_of(plain)));
+    require(ours.LastDelimiter(pattern) == toPosition(whole.find_last_of(plain)));
+    require(ours.LastNotDelimiter(pattern) == toPosition(whole.find_last_not_of(plain)));
     require(ours.CountChars(plain[0]) == std::count(whole.begin(), whole.end(), plain[0]));
 }
 
-/// A text comes back from units of any width, up to the room that it was given.
+/// Requires that a string survives conversion to units of any width, truncated to size.
 template <class Unit>
-void throughUnits(String const& text, int room, core::Buffer const& units) {
-    std::vector<Unit> out(static_cast<std::size_t>(room) + 1, 9);
-    String const kept = text.Left(std::max(room - 1, 0));
-    require(text.GetString(out.data(), room) == kept.GetLength());
-    require(room == 0 || (out[static_cast<std::size_t>(room)] == 9));
+void throughUnits(String const& text, int size, core::Buffer const& units) {
+    std::vector<Unit> out(static_cast<std::size_t>(size) + 1, 9);
+    String const kept = text.Left(std::max(size - 1, 0));
+    require(text.GetString(out.data(), size) == kept.GetLength());
+    require(size == 0 || (out[static_cast<std::size_t>(size)] == 9));
     String back("before");
-    back.SetString(out.data(), room);
+    back.SetString(out.data(), size);
     require(back == kept);
     auto const* const first = reinterpret_cast<Unit const*>(units.GetData());
     back.SetString(first, units.GetSize() / static_cast<int>(sizeof(Unit)));
     require(back == text);
 }
 
-/// One text that is edited on and on, and the copies that were made on the way.
+/// A string that is edited repeatedly, and copies of its earlier states.
 struct Edited {
     String ours;
     std::string theirs;
@@ -131,22 +132,22 @@ struct Edited {
     void Edit(Arguments& arguments) {
         int const start = arguments.Position(theirs);
         int const count = arguments.Position(theirs);
-        // A negative count is all there is: npos and its neighbours.
+        // A negative count becomes npos or nearly so: all characters.
         auto const size = static_cast<std::size_t>(count);
-        std::string const piece = arguments.Text(4);
+        std::string const part = arguments.Text(4);
         require(ours.Copy(start, count) == theirs.substr(clipped(start, theirs), size).c_str());
         switch (theirs.size() > 60 ? 4 : arguments.Number(0, 3)) {
             case 0:
-                ours.Insert(piece.c_str(), start);
-                theirs.insert(clipped(start, theirs), piece);
+                ours.Insert(part.c_str(), start);
+                theirs.insert(clipped(start, theirs), part);
                 break;
             case 1:
                 ours.Delete(start, count);
                 theirs.erase(clipped(start, theirs), size);
                 break;
             case 2:
-                ours += piece.c_str();
-                theirs += piece;
+                ours += part.c_str();
+                theirs += part;
                 break;
             case 3:
                 copies.emplace_back(ours, theirs);
@@ -158,8 +159,8 @@ struct Edited {
         require(ours == theirs.c_str());
     }
 
-    /// A copy must not see what happens to its original.
-    void RequireSoundCopies() const {
+    /// Requires that changes of the original did not affect the copies.
+    void RequireUnchangedCopies() const {
         for (auto const& [copy, expected] : copies) {
             require(copy == expected.c_str());
         }
@@ -177,19 +178,19 @@ void replaceAndSplit(Arguments& arguments) {
     }
     require(String(whole.c_str()).Replace(find.c_str(), with.c_str()) == replaced.c_str());
 
-    core::StringArray pieces(1);
-    String(whole.c_str()).Split(pieces, find.c_str());
+    core::StringArray parts(1);
+    String(whole.c_str()).Split(parts, find.c_str());
     std::size_t start = 0;
-    for (int i = 0; i < pieces.Count(); ++i) {
+    for (int i = 0; i < parts.Count(); ++i) {
         std::size_t const end = std::min(whole.find_first_of(find, start), whole.size());
-        require(pieces[i] == whole.substr(start, end - start).c_str());
+        require(parts[i] == whole.substr(start, end - start).c_str());
         start = end + 1;
     }
     require(start >= whole.size());
 }
 
-/// What has no counterpart is at least called with everything; the sanitizers watch.
-void takeAnyArgument(Arguments& arguments) {
+/// Calls operations that std::string does not have with any argument, for the sanitizers.
+void acceptAnyArgument(Arguments& arguments) {
     std::string const whole = arguments.Text(12);
     String text(whole.c_str());
     int const a = arguments.Position(whole);
@@ -197,10 +198,10 @@ void takeAnyArgument(Arguments& arguments) {
     int const length = text.GetLength();
     require(text.Copy(a, b, b, a).GetLength() <= 2 * length);
     require(text.CopyRange(a, b, true).Right(a).GetLength() <= length);
-    int const room = arguments.Number(0, 15);
-    throughUnits<char>(text, room, text.GetAnsiBuffer());
-    throughUnits<unsigned short>(text, room, text.GetUnicode16Buffer());
-    throughUnits<unsigned int>(text, room, text.GetUnicode32Buffer());
+    int const size = arguments.Number(0, 15);
+    throughUnits<char>(text, size, text.GetAnsiBuffer());
+    throughUnits<unsigned short>(text, size, text.GetUnicode16Buffer());
+    throughUnits<unsigned int>(text, size, text.GetUnicode32Buffer());
     require((text.GetChar(a) == '\0') == (a < 0 || a >= length));
     require(text.GetProperty("a", a).GetLength() <= length);
     text.SetChar(a, 'x');
@@ -212,11 +213,11 @@ void takeAnyArgument(Arguments& arguments) {
 
 }  // namespace
 
-/// The operations that std::string has too, held against it, one after another.
+/// Input: operations, which are compared with those of std::string.
 extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {
     Arguments arguments(data, size);
     Edited edited;
-    while (arguments.AreLeft()) {
+    while (arguments.HasMore()) {
         switch (arguments.Number(0, 7)) {
             case 0:
                 search(arguments);
@@ -225,12 +226,12 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size
                 replaceAndSplit(arguments);
                 break;
             case 2:
-                takeAnyArgument(arguments);
+                acceptAnyArgument(arguments);
                 break;
             default:
                 edited.Edit(arguments);
         }
     }
-    edited.RequireSoundCopies();
+    edited.RequireUnchangedCopies();
     return 0;
 }
