@@ -158,7 +158,7 @@ def test_needs_loopback_only_and_reports_an_unreachable_peer(device, directory, 
     ("stall", 60, 65, "*** Timeout sending the file: ", 0),
     ("silent-trailer", 300, 305, "*** Timeout error: ", 30),
     # A wait that begins before the five minutes are over lasts its 10 s.
-    ("processing-for-ever", 300, 315, "*** Timeout error: ", 0),
+    ("processing-forever", 300, 315, "*** Timeout error: ", 0),
 ])
 def test_keeps_its_limits(device, directory, ravelink, scenario, at_least, at_most, end, waits):
     """Waits neither shorter nor much longer than a user is told."""
