@@ -4,7 +4,7 @@
 #include "core/crc/crc32.h"
 #include "update/protocol/records.h"
 
-extern "C" std::size_t LLVMFuzzerMutate(std::uint8_t* data, std::size_t size, std::size_t room);
+extern "C" std::size_t LLVMFuzzerMutate(std::uint8_t* data, std::size_t size, std::size_t capacity);
 
 namespace {
 
@@ -16,7 +16,7 @@ void put(std::uint8_t* at, Record const& record) {
     std::memcpy(at, &onWire, recordSize);
 }
 
-/// Makes of the bytes a sound update, whose file is what stands between its records.
+/// Turns the bytes into a valid update: repairs the records and keeps the file between them.
 void repairUpdate(std::uint8_t* data, std::size_t size) {
     std::uint8_t* const file = data + 2 * recordSize;
     std::size_t const fileSize = size - 3 * recordSize;
@@ -37,13 +37,13 @@ void repairUpdate(std::uint8_t* data, std::size_t size) {
 
 }  // namespace
 
-/// Three records that belong together stop a fuzzer dead: half of the inputs get the right ones,
-/// and some of these then one wrong byte.
+/// A fuzzer hardly finds three matching records: half of the inputs get them, and some of these
+/// then one wrong byte.
 extern "C" std::size_t LLVMFuzzerCustomMutator(std::uint8_t* data, std::size_t size,
-                                               std::size_t room, unsigned seed) {
-    std::size_t const mutated = LLVMFuzzerMutate(data, size, room);
+                                               std::size_t capacity, unsigned seed) {
+    std::size_t const mutated = LLVMFuzzerMutate(data, size, capacity);
     if (seed % 2 == 0 && mutated > 3 * recordSize) {
-        // The first byte says how the updater ends.
+        // The first byte selects the end of the updater.
         repairUpdate(data + 1, mutated - 1);
         if (seed % 8 == 0) {
             data[1 + seed / 8 % (mutated - 1)] ^= 1;

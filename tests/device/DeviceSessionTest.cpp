@@ -23,7 +23,7 @@ std::string onWire(Record const& record) {
     return {reinterpret_cast<char const*>(&swapped), update::recordSize};
 }
 
-/// What an updater sends in one update.
+/// The data that an updater sends in one update.
 struct Update {
     update::UpdateRequest request;
     update::UpdateTransferHeader header;
@@ -48,7 +48,7 @@ struct Client : core::Socket {
         EXPECT_EQ(Connect(support::replaced(device.Address(), ":", "|").c_str()), 0u);
     }
 
-    /// Sends all without looking at the answers; these, up to the end of the device's side.
+    /// Sends all bytes, then returns the answers up to the end of the connection.
     std::string Answers(std::string const& bytes) {
         Send(bytes.data(), static_cast<int>(bytes.size()));
         std::string received;
@@ -59,21 +59,21 @@ struct Client : core::Socket {
     }
 };
 
-/// The first so many of what an honest device says, and a refusal.
-std::string answers(std::size_t honest, std::optional<DeviceStatus> refusal,
+/// Returns the first stages that a conforming device reports, then an error.
+std::string answers(std::size_t stages, std::optional<DeviceStatus> error,
                     std::uint32_t token = 1) {
-    using Said = update::UpdateNotification;
-    std::vector<Said> all = {{.code = Said::Accepted, .value = token},
-                             {.code = Said::Received},
-                             {.code = Said::Checked},
-                             {.code = Said::Processing},
-                             {.code = Said::Complete, .value = Said::FirmwareRestart}};
-    all.resize(honest);
-    if (refusal) {
-        all.push_back({.code = Said::Error, .value = static_cast<std::uint32_t>(*refusal)});
+    using Record = update::UpdateNotification;
+    std::vector<Record> all = {{.code = Record::Accepted, .value = token},
+                               {.code = Record::Received},
+                               {.code = Record::Checked},
+                               {.code = Record::Processing},
+                               {.code = Record::Complete, .value = Record::FirmwareRestart}};
+    all.resize(stages);
+    if (error) {
+        all.push_back({.code = Record::Error, .value = static_cast<std::uint32_t>(*error)});
     }
     std::string bytes;
-    for (Said& record : all) {
+    for (Record& record : all) {
         record.magic = update::wireMagic;
         record.crc = update::wireCrc(update::swapped(record));
         bytes += onWire(record);
@@ -81,11 +81,11 @@ std::string answers(std::size_t honest, std::optional<DeviceStatus> refusal,
     return bytes;
 }
 
-TEST(DeviceSession, RefusesBadRecordsWithTheMatchingStatus) {
+TEST(DeviceSession, RejectsInvalidRecordsWithTheirStatus) {
     using enum DeviceStatus;
     struct Row {
         std::function<void(Update&)> fault;
-        std::size_t honest;
+        std::size_t stages;
         DeviceStatus status;
     } const rows[] = {
         {[](Update& u) { u.request.magic ^= 1; }, 0, InvalidMagic},
@@ -105,14 +105,14 @@ TEST(DeviceSession, RefusesBadRecordsWithTheMatchingStatus) {
         ScenarioDevice device;
         Update update(1);
         row.fault(update);
-        EXPECT_EQ(Client(device).Answers(update.Bytes()), answers(row.honest, row.status))
+        EXPECT_EQ(Client(device).Answers(update.Bytes()), answers(row.stages, row.status))
             << &row - rows;
         EXPECT_EQ(device.End(), std::vector{UpdateResult::rejected}) << &row - rows;
     }
 }
 
-TEST(DeviceSession, OneUpdateAfterAnotherWhateverBecameOfTheLast) {
-    support::TemporaryDirectory const folder;
+TEST(DeviceSession, AcceptsUpdatesAfterFailedOnes) {
+    support::TemporaryDirectory const directory;
     ScenarioDevice device(
         [](device::StepContext const& context, device::DeviceConnection& connection) {
             if (context.token == 3 && context.step == device::Step::trailer) {
@@ -120,21 +120,21 @@ TEST(DeviceSession, OneUpdateAfterAnotherWhateverBecameOfTheLast) {
             }
             return device::Behaviour().OnStep(context, connection);
         },
-        {}, {false, folder.Path()});
-    { Client goesAwayAtOnce(device); }
+        {}, {false, directory.Path()});
+    { Client closesAtOnce(device); }
     {
-        Client goesAwayEarly(device);
-        goesAwayEarly.Send(onWire(Update(2).request).data(), update::recordSize);
+        Client closesEarly(device);
+        closesEarly.Send(onWire(Update(2).request).data(), update::recordSize);
     }
-    // The numbers of stored files go on after those that exist.
+    // Numbers of existing files are skipped.
     std::string const stored = "127.0.0.1-" + device.Port() + "-";
     for (char const* const number : {"1", "2", "4"}) {
-        folder.Write(stored + number + ".rvl", "old");
+        directory.Write(stored + number + ".rvl", "old");
     }
     EXPECT_EQ(Client(device).Answers(Update(3).Bytes()), answers(1, {}, 3));
     for (std::uint32_t const token : {4u, 5u}) {
         EXPECT_EQ(Client(device).Answers(Update(token).Bytes()), answers(5, {}, token));
-        EXPECT_EQ(support::contentOf(folder.PathOf(stored + std::to_string(token + 1) + ".rvl")),
+        EXPECT_EQ(support::contentOf(directory.PathOf(stored + std::to_string(token + 1) + ".rvl")),
                   "the file");
     }
     EXPECT_EQ(device.End(5),
@@ -143,13 +143,13 @@ TEST(DeviceSession, OneUpdateAfterAnotherWhateverBecameOfTheLast) {
     EXPECT_EQ(device.File(), "the filethe filethe file");
 }
 
-TEST(DeviceSession, TakesNothingButSoundArchivesWhereToldSo) {
+TEST(DeviceSession, AcceptsOnlyValidArchivesIfRequired) {
     golden::Archive archive;
     archive.version = 0x00010000;
     archive.files = {{u"a", u"", u"", u"", u"", 0, 0, "data"}};
-    std::string const sound = bytesOf(archive);
+    std::string const valid = bytesOf(archive);
     auto const changed = [&](std::size_t at) {
-        std::string bytes = sound;
+        std::string bytes = valid;
         ++bytes[at];
         return bytes;
     };
@@ -158,12 +158,11 @@ TEST(DeviceSession, TakesNothingButSoundArchivesWhereToldSo) {
         std::optional<DeviceStatus> status;
     };
     using enum DeviceStatus;
-    for (Row const& row :  // the one whose CRC is right has a wrong offset
-         {Row{sound, {}}, Row{"", InvalidDataSize}, Row{sound.substr(0, 1000), InvalidDataSize},
-          Row{golden::withValidCrc(changed(24)), InvalidDataSize},
-          Row{"no archive", InvalidDataSize}, Row{"the file, which is none", InvalidMagic},
-          Row{changed(11), InvalidVersion}, Row{changed(sound.size() - 1), InvalidMagic},
-          Row{changed(1000), WrongFileCrc}}) {
+    for (Row const& row :  // withValidCrc: a wrong offset but a valid CRC
+         {Row{valid, {}}, Row{"", InvalidDataSize}, Row{valid.substr(0, 1000), InvalidDataSize},
+          Row{golden::withValidCrc(changed(24)), InvalidDataSize}, Row{"short", InvalidDataSize},
+          Row{"a file without a magic", InvalidMagic}, Row{changed(11), InvalidVersion},
+          Row{changed(valid.size() - 1), InvalidMagic}, Row{changed(1000), WrongFileCrc}}) {
         ScenarioDevice device({}, {}, {true, {}});
         EXPECT_EQ(Client(device).Answers(Update(1, row.bytes).Bytes()),
                   answers(row.status ? 2 : 5, row.status));
@@ -171,16 +170,16 @@ TEST(DeviceSession, TakesNothingButSoundArchivesWhereToldSo) {
     }
 }
 
-TEST(DeviceSession, FollowsItsScenario) {
+TEST(DeviceSession, ExecutesItsScenario) {
     std::string const request = onWire(Update(1).request);
     ScenarioDevice garbage("request = garbage 3, notify Checked, close");
     EXPECT_EQ(Client(garbage).Answers(request).substr(3),
               answers(3, {}).substr(2 * update::recordSize));
     EXPECT_EQ(garbage.End(), std::vector{UpdateResult::aborted});
-    for (char const* const way : {"together", "drip 0"}) {
-        ScenarioDevice refusing("request = " + std::string(way) + " Error, close");
-        Client(refusing).Answers(request);
-        EXPECT_EQ(refusing.End(), std::vector{UpdateResult::rejected});
+    for (char const* const action : {"together", "drip 0"}) {
+        ScenarioDevice rejecting("request = " + std::string(action) + " Error, close");
+        Client(rejecting).Answers(request);
+        EXPECT_EQ(rejecting.End(), std::vector{UpdateResult::rejected});
     }
 
     ScenarioDevice silent("connect = silent");
@@ -191,13 +190,13 @@ TEST(DeviceSession, FollowsItsScenario) {
     std::string const longer = Update(1, std::string(25, 'x')).Bytes();
     EXPECT_EQ(Client(late).Answers(longer).size(), 2U * update::recordSize);
     late.End();
-    EXPECT_EQ(late.File().size(), 20U) << "due in the data that hold the byte";
+    EXPECT_EQ(late.File().size(), 20U) << "executed in the chunk that contains the byte";
 }
 
-TEST(DeviceSession, ASilentUpdaterIsToldSo) {
+TEST(DeviceSession, ReportsATimeoutToTheUpdater) {
     device::DeviceTimeouts timeouts;
     timeouts.idle = 100;
-    timeouts.close = 600'000;  // no wait: the device ends its side first
+    timeouts.close = 600'000;  // never reached: the device shuts down sending first
     for (std::size_t const sent : {15u, 31u, 39u, 55u}) {
         ScenarioDevice device({}, timeouts);
         EXPECT_EQ(Client(device).Answers(Update(1).Bytes().substr(0, sent)),
@@ -206,7 +205,7 @@ TEST(DeviceSession, ASilentUpdaterIsToldSo) {
     }
 }
 
-TEST(DeviceSession, AStopBreaksOffWhatIsUnderWay) {
+TEST(DeviceSession, AbortsItsSessionsWhenStopped) {
     std::promise<void> connected;
     ScenarioDevice device([&](device::StepContext const&, device::DeviceConnection&) {
         connected.set_value();

@@ -5,8 +5,8 @@
 
 namespace {
 
-TEST(Scenario, TellsEveryMistakeOfItsFile) {
-    support::TemporaryDirectory const folder;
+TEST(Scenario, ReportsEveryErrorOfItsFile) {
+    support::TemporaryDirectory const directory;
     std::string const bad = "*** Bad scenario: ";
     std::string const after = "after needs a positive number and works in data only";
     for (auto const& [text, error] : std::vector<std::pair<std::string, std::string>>{
@@ -35,9 +35,10 @@ TEST(Scenario, TellsEveryMistakeOfItsFile) {
          }) {
         device::Scenario scenario;
         std::vector<core::Fault> errors;
-        EXPECT_FALSE(device::loadScenario(folder.Write("s", text).c_str(), scenario, errors));
+        EXPECT_FALSE(device::loadScenario(directory.Write("s", text).c_str(), scenario, errors));
         ASSERT_EQ(errors.size(), 1u) << text;
-        EXPECT_EQ(scenario.seed + 2 * scenario.receiveBuffer, 1u) << "what is not given";
+        EXPECT_EQ(scenario.seed + 2 * scenario.receiveBuffer, 1u)
+            << "settings without a value keep their defaults";
         EXPECT_STREQ(core::faultLine(errors[0]).getCString(), error.c_str());
     }
 }

@@ -1,4 +1,4 @@
-"""ravelink-device as a user runs it."""
+"""ravelink-device, run as users run it."""
 
 import fcntl
 import os
@@ -21,9 +21,9 @@ BANNER = f"ravelink-device {VERSION} (Halvoren) - Simulated Device"
 
 
 def test_logs_and_stores_many_updates_at_once(device, directory):
-    """More devices than one server socket has places; an answer to the header saves its wait."""
+    """More devices than a server socket has addresses. They answer the header, so that nothing waits."""
     count = 34
-    # A terminal would take U+061C as an order to write from right to left.
+    # Terminals interpret U+061C as a direction mark.
     stored = directory.path / "a=\u061C"
     stored.mkdir()
     update = directory.write("u", "x")
@@ -44,7 +44,7 @@ def test_logs_and_stores_many_updates_at_once(device, directory):
 
 
 @pytest.mark.skipif(WINDOWS_DEVICE, reason="no signals")
-def test_leaves_nothing_behind_when_interrupted(device, directory):
+def test_leaves_no_partial_update_when_interrupted(device, directory):
     stored = directory.path / "stored"
     stored.mkdir()
     scenario = directory.write("s.conf", "header = notify Accepted\ndata = wait 600000")
@@ -52,7 +52,7 @@ def test_leaves_nothing_behind_when_interrupted(device, directory):
     command = [*UPDATER, "-o", directory.write("u", "x"), "-a", served.address]
     with subprocess.Popen(command, stdout=subprocess.DEVNULL) as updater:
         wait_until(lambda: len(list(stored.iterdir())) == 1)
-        # A process and its group often get the same request.
+        # A process often receives the same signal twice: by itself and with its group.
         served.process.terminate()
         served.process.terminate()
         assert served.wait() == 1
@@ -62,7 +62,7 @@ def test_leaves_nothing_behind_when_interrupted(device, directory):
 
 
 @pytest.mark.skipif(WINDOWS_DEVICE, reason="no signals")
-def test_a_second_request_ends_a_device_with_a_blocked_output():
+def test_a_second_signal_ends_a_device_with_blocked_output():
     reading, writing = os.pipe()
     fcntl.fcntl(writing, fcntl.F_SETPIPE_SZ, 4096)
     with subprocess.Popen([*DEVICE, "-b", "127.0.0.1:0", "-n", "500"], stdout=writing) as process:
@@ -88,7 +88,7 @@ def test_a_second_request_ends_a_device_with_a_blocked_output():
     ("-d .", {"preexec_fn": lambda: resource.setrlimit(resource.RLIMIT_FSIZE, (8192, 8192))},
      '*** Update not stored: "./127.0.0.1-PORT-1.rvl": File too large'),
 ])
-def test_reports_why_an_update_is_not_kept(device, directory, ravelink, options, limited, line):
+def test_reports_why_an_update_is_not_stored_or_checked(device, directory, ravelink, options, limited, line):
     directory.write("s", "header = notify Accepted")
     update = directory.write("u", 10_000 * "x")
     gone = directory.path / "a=\x01"
@@ -113,7 +113,7 @@ def test_reports_why_an_update_is_not_kept(device, directory, ravelink, options,
     ("-d @a=\u061C", 'Directory missing: Cannot find the directory "@a=?" to store updates in', 1),
     ("-s @a=\u061C", 'Scenario not readable: "@a=?": No such file or directory', 1),
 ])
-def test_reports_its_own_mistakes(directory, arguments, error, status):
+def test_reports_errors_before_it_listens(directory, arguments, error, status):
     with socket.create_server(("127.0.0.1", 0)) as listener:
         taken = f"127.0.0.1:{listener.getsockname()[1]}"
 

@@ -10,7 +10,7 @@ namespace {
 
 using device::Step;
 
-/// What the reader promises of each action, whatever the file says.
+/// loadScenario guarantees these ranges for every file.
 void requireInRange(device::Action const& action) {
     using enum device::ActionType;
     bool const sends = action.type == notify || action.type == together || action.type == drip ||
@@ -24,14 +24,14 @@ void requireInRange(device::Action const& action) {
     require(action.type != slow || action.numbers[0] >= 1);
 }
 
-/// Every step ends where the updater is gone and the device is to stop.
+/// Every step ends if the updater has disconnected and the device is stopped.
 void requireEnds(device::Scenario& scenario) {
     SocketPair pair;
     pair.near.Abort();
-    device::Observer nobody;
+    device::Observer ignoring;
     std::atomic<bool> const stop = true;
     device::DeviceTimeouts const timeouts;
-    device::DeviceConnection connection(*pair.far, timeouts, nobody, stop);
+    device::DeviceConnection connection(*pair.far, timeouts, ignoring, stop);
     for (int step = 0; step <= static_cast<int>(Step::complete); ++step) {
         scenario.OnStep({Step{step}, 1, 0, 1000, {}}, connection);
     }
@@ -41,17 +41,17 @@ void requireEnds(device::Scenario& scenario) {
 
 /// The input is a scenario file.
 extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {
-    static support::TemporaryDirectory const folder;
-    core::String const path = folder.Write("scenario", Input(data, size).Rest()).c_str();
+    static support::TemporaryDirectory const directory;
+    core::String const path = directory.Write("scenario", Input(data, size).Rest()).c_str();
 
     std::vector<core::Fault> errors;
     device::Scenario scenario;
-    bool const good = device::loadScenario(path, scenario, errors);
-    require(good == (errors.empty()));
+    bool const loaded = device::loadScenario(path, scenario, errors);
+    require(loaded == errors.empty());
     for (core::Fault const& error : errors) {
         require(error.title == "Bad scenario" && !error.message.IsEmpty());
     }
-    if (good) {
+    if (loaded) {
         for (auto const& [step, actions] : scenario.steps) {
             for (device::Action const& action : actions) {
                 requireInRange(action);
