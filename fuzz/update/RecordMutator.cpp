@@ -4,7 +4,7 @@
 #include "core/crc/crc32.h"
 #include "update/protocol/records.h"
 
-extern "C" std::size_t LLVMFuzzerMutate(std::uint8_t* data, std::size_t size, std::size_t room);
+extern "C" std::size_t LLVMFuzzerMutate(std::uint8_t* data, std::size_t size, std::size_t capacity);
 
 namespace {
 
@@ -15,7 +15,7 @@ void putWord(std::uint8_t* at, std::uint32_t word) {
     std::memcpy(at, &onWire, sizeof onWire);
 }
 
-/// Gives everything that begins like a record the right CRC.
+/// Corrects the CRC of every record, at any offset.
 void repairRecords(std::uint8_t* data, std::size_t size) {
     std::uint32_t const magic = update::bigEndian(update::wireMagic);
     for (std::size_t at = 0; at + recordSize <= size; ++at) {
@@ -25,7 +25,7 @@ void repairRecords(std::uint8_t* data, std::size_t size) {
     }
 }
 
-/// Puts a record with a small code and value behind the end.
+/// Appends a record with a small code and value. Returns the new size.
 std::size_t appendRecord(std::uint8_t* data, std::size_t size, unsigned seed) {
     std::uint32_t const code = seed / 16 % 8;
     putWord(data + size, update::wireMagic);
@@ -37,12 +37,12 @@ std::size_t appendRecord(std::uint8_t* data, std::size_t size, unsigned seed) {
 
 }  // namespace
 
-/// A CRC in each record stops a fuzzer dead: three of four inputs get the right ones.
+/// Three of four inputs get correct CRCs: random mutations would hardly ever produce one.
 extern "C" std::size_t LLVMFuzzerCustomMutator(std::uint8_t* data, std::size_t size,
-                                               std::size_t room, unsigned seed) {
-    bool const append = seed % 16 == 1 && size + recordSize <= room;
+                                               std::size_t capacity, unsigned seed) {
+    bool const append = seed % 16 == 1 && size + recordSize <= capacity;
     std::size_t const mutated =
-        append ? appendRecord(data, size, seed) : LLVMFuzzerMutate(data, size, room);
+        append ? appendRecord(data, size, seed) : LLVMFuzzerMutate(data, size, capacity);
     if (seed % 4 != 0) {
         repairRecords(data, mutated);
     }

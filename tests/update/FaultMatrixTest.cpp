@@ -12,13 +12,14 @@
 namespace {
 
 using device::Step;
+using enum device::Step;
 using Lines = std::vector<std::string>;
 
-std::string const accepted = "- The device has accepted our request.";
-std::string const received = "- The device has received the update file.";
-std::string const checked = "- The device has checked the update file.";
-std::string const processing = "- The device is processing the update file.";
-std::string const complete = "- The update process is complete.";
+std::string const acceptedLine = "- The device has accepted our request.";
+std::string const receivedLine = "- The device has received the update file.";
+std::string const checkedLine = "- The device has checked the update file.";
+std::string const processingLine = "- The device is processing the update file.";
+std::string const completeLine = "- The update process is complete.";
 
 std::string const noAnswer = "*** Connection timeout: A timeout was reached reading from socket";
 std::string const onion = "*** Invalid response: The server responded onion for garlic";
@@ -38,33 +39,30 @@ std::string const tired =
     "*** Timeout error: Maybe the system is still updating, but we waited 5 minutes and we are "
     "tired";
 
-/// The steps as scenarios name them, and what the updater prints of each with an honest device, for
-/// a file of one byte.
+/// The steps as scenarios name them, and the lines that the updater prints for each with a
+/// conforming device and a file of one byte.
 std::pair<std::string, Lines> const steps[] = {
     {"connect", {"- Connecting to: 127.0.0.1:PORT ...", "  Connected!"}},
-    {"request", {accepted}},
+    {"request", {acceptedLine}},
     {"header", {}},
     {"data",
      {"- File completely sent: 1.0 B", "  The update process may take a while. Please wait..."}},
-    {"trailer", {received}},
-    {"checked", {checked}},
-    {"processing", {processing}},
-    {"complete", {complete, "  The firmware is restarting.", updated}},
+    {"trailer", {receivedLine}},
+    {"checked", {checkedLine}},
+    {"processing", {processingLine}},
+    {"complete", {completeLine, "  The firmware is restarting.", updated}},
 };
 
-/// A step, the honest notification next to it, and the step at which the updater reads that.
+/// A step, the notification that a conforming device sends at it or next, and the step at which the
+/// updater reads that.
 struct Place {
     Step step;
-    std::string honest;
+    std::string notification;
     Step shows;
-} const places[] = {{Step::connect, "Accepted", Step::request},
-                    {Step::request, "Accepted", Step::request},
-                    {Step::header, "Accepted", Step::header},
-                    {Step::data, "Received", Step::trailer},
-                    {Step::trailer, "Received", Step::trailer},
-                    {Step::checked, "Checked", Step::checked},
-                    {Step::processing, "Processing", Step::processing},
-                    {Step::complete, "Complete", Step::complete}};
+} const places[] = {{connect, "Accepted", request},         {request, "Accepted", request},
+                    {header, "Accepted", header},           {data, "Received", trailer},
+                    {trailer, "Received", trailer},         {checked, "Checked", checked},
+                    {processing, "Processing", processing}, {complete, "Complete", complete}};
 
 std::string lastOf(Lines const& lines) {
     return lines.empty() ? "" : lines.back();
@@ -80,11 +78,11 @@ std::size_t const largeFile = 16'000'000;
 struct Fault {
     Step step;
     std::string actions;
-    /// Where the updater notices, and what it prints there in the place of the honest lines. After
-    /// an error nothing follows but an empty line.
+    /// The step at which the updater notices, and the lines that it prints there instead of those
+    /// of steps. Only an empty line follows an error.
     Step shows;
     Lines lines;
-    /// The updater must not go on before the device has had its say behind the header.
+    /// The updater must wait for what the device sends after the header.
     bool answersHeader = false;
 
     Lines Expected() const {
@@ -104,8 +102,8 @@ struct Fault {
 
 class FaultMatrixTest : public testing::Test {
 protected:
-    /// What the updater prints in a session that is expected to end with a line. Only the limit
-    /// that is to run out is short, so that no slow machine runs into another.
+    /// Returns the lines that the updater prints in a session with end as the expected last line.
+    /// Only the timeout that is to expire is short, so that slow machines do not run into others.
     Lines RunSession(device::Behaviour& scenario, std::string const& end,
                      bool answersHeader = false) {
         TestedUpdater::Instance().UseProductTimeouts();
@@ -121,7 +119,7 @@ protected:
         if (answersHeader) {
             timeouts.headerAnswer = update::SessionTimeouts().headerAnswer;
         }
-        // A transfer fails only with more than a system takes while the device reads nothing.
+        // A transfer fails only with more bytes than the operating system buffers.
         bool const large = end == stalled || end == notSent;
         std::string const path =
             directory_.Write("update.rvl", std::string(large ? largeFile : 1, 'x'));
@@ -144,7 +142,7 @@ protected:
         return end == tired ? WithoutWaits(lines) : lines;
     }
 
-    /// Each wait in vain has printed one line and left one error: as many as time allowed.
+    /// Removes the line and the error that each timeout of a notification has printed.
     static Lines WithoutWaits(Lines lines) {
         auto const waits = std::erase_if(lines, [](std::string const& line) {
             return line.starts_with("  System is still updating. ") &&
@@ -168,45 +166,37 @@ protected:
     support::TemporaryDirectory directory_;
 };
 
-// The examples, of which each is run below, have further cells of the matrix.
+// The examples, each of which runs below, are further cells of the matrix.
 
-TEST_F(FaultMatrixTest, BadNotificationsAnywhere) {
-    for (auto const& [step, honest, shows] : places) {
-        bool const answersHeader = step == Step::header;
+TEST_F(FaultMatrixTest, EndsAtInvalidRecordsAndErrorsAtEveryStep) {
+    for (auto const& [step, notification, shows] : places) {
+        bool const answersHeader = step == header;
         Check({
             {step, "garbage 16", shows, {onion}, answersHeader},
-            {step, "wrongMagic " + honest, shows, {onion}, answersHeader},
-            {step, "wrongCrc " + honest, shows, {checkItself}, answersHeader},
+            {step, "wrongMagic " + notification, shows, {onion}, answersHeader},
+            {step, "wrongCrc " + notification, shows, {checkItself}, answersHeader},
             {step, "notify Error:GhostError", shows, {ghost}, answersHeader},
             {step, "notify ErrorAlt:GhostError", shows, {ghost}, answersHeader},
         });
     }
 }
 
-TEST_F(FaultMatrixTest, BeforeTheTransfer) {
+TEST_F(FaultMatrixTest, RequiresAcceptedAfterTheRequest) {
     Check({
-        {Step::connect, "close", Step::request, {noAnswer}},
-        {Step::connect, "cut 15 Accepted", Step::request, {checkItself}},
-        {Step::connect, "notify Accepted", Step::request, {accepted, accepted}, true},
-        {Step::request, "reset", Step::request, {noAnswer}},
-        {Step::request, "cut 1 Accepted, close", Step::request, {noAnswer}},
-        {Step::request, "notify Complete:9", Step::request, {complete, stranger}},
-        {Step::request, "notify 0", Step::request, {stranger}},
-        {Step::request, "notify Error:0", Step::request, {unknown}},
-        {Step::request, "notify ErrorAlt:4294967295", Step::request, {unknown}},
-        {Step::request, "drip 1 Accepted", Step::request, {accepted}},
-        {Step::request,
-         "together Accepted Processing",
-         Step::request,
-         {accepted, processing},
-         true},
-        {Step::request,
-         "together Accepted Error:GhostError",
-         Step::request,
-         {accepted, ghost},
-         true},
+        {connect, "close", request, {noAnswer}},
+        {connect, "cut 15 Accepted", request, {checkItself}},
+        {connect, "notify Accepted", request, {acceptedLine, acceptedLine}, true},
+        {request, "reset", request, {noAnswer}},
+        {request, "cut 1 Accepted, close", request, {noAnswer}},
+        {request, "notify Complete:9", request, {completeLine, stranger}},
+        {request, "notify 0", request, {stranger}},
+        {request, "notify Error:0", request, {unknown}},
+        {request, "notify ErrorAlt:4294967295", request, {unknown}},
+        {request, "drip 1 Accepted", request, {acceptedLine}},
+        {request, "together Accepted Processing", request, {acceptedLine, processingLine}, true},
+        {request, "together Accepted Error:GhostError", request, {acceptedLine, ghost}, true},
     });
-    // The reset comes before or behind our request.
+    // The reset arrives before or after the updater sends its request.
     device::Scenario reset = ScenarioDevice::scenarioOf("connect = reset");
     Lines const lines = RunSession(reset, noAnswer);
     EXPECT_TRUE(lines[2] == noAnswer ||
@@ -214,39 +204,39 @@ TEST_F(FaultMatrixTest, BeforeTheTransfer) {
         << lines[2];
 }
 
-TEST_F(FaultMatrixTest, WhileTheFileIsUnderWay) {
+TEST_F(FaultMatrixTest, ReadsNothingBetweenHeaderAndTrailer) {
     std::string const powerCycle = "  Please power off the device and then power on again.";
     Check({
-        {Step::header, "close", Step::trailer, {tired}},
-        {Step::header, "reset", Step::data, {notSent}, true},
-        {Step::header, "cut 15 Accepted, silent", Step::trailer, {tired}},
-        {Step::header, "notify 9", Step::header, {}, true},
-        {Step::header, "notify Complete:3", Step::header, {complete, powerCycle}, true},
-        {Step::header, "drip 1 Accepted", Step::header, {accepted}, true},
-        {Step::data, "wait 86400000", Step::data, {stalled}},
-        {Step::data, "cut 15 Processing", Step::trailer, {checkItself}},
-        {Step::data, "notify 9", Step::trailer, {unexpected}},
-        {Step::data, "notify Processing", Step::trailer, {processing, received}},
+        {header, "close", trailer, {tired}},
+        {header, "reset", data, {notSent}, true},
+        {header, "cut 15 Accepted, silent", trailer, {tired}},
+        {header, "notify 9", header, {}, true},
+        {header, "notify Complete:3", header, {completeLine, powerCycle}, true},
+        {header, "drip 1 Accepted", header, {acceptedLine}, true},
+        {data, "wait 86400000", data, {stalled}},
+        {data, "cut 15 Processing", trailer, {checkItself}},
+        {data, "notify 9", trailer, {unexpected}},
+        {data, "notify Processing", trailer, {processingLine, receivedLine}},
     });
 }
 
-TEST_F(FaultMatrixTest, WaitingForEachStage) {
+TEST_F(FaultMatrixTest, WaitsForEachStage) {
     for (auto const& [step, name, shows] : places) {
-        if (step < Step::trailer) {
+        if (step < trailer) {
             continue;
         }
         Check({
             {step, "close", step, {tired}},
             {step, "reset", step, {tired}},
             {step, "cut 15 " + name + ", silent", step, {tired}},
-            {step, "notify Accepted", step, {accepted, unexpected}},
+            {step, "notify Accepted", step, {acceptedLine, unexpected}},
             {step, "notify 9", step, {unexpected}},
             {step, "drip 1 " + name, step, steps[static_cast<int>(step)].second},
         });
     }
 }
 
-TEST_F(FaultMatrixTest, EveryExampleEndsAsItSays) {
+TEST_F(FaultMatrixTest, EndsEveryExampleAsItsCommentShows) {
     int count = 0;
     for (auto const& entry : std::filesystem::directory_iterator(RAVELINK_SCENARIOS)) {
         std::string const text = support::contentOf(entry.path().string());
@@ -261,8 +251,7 @@ TEST_F(FaultMatrixTest, EveryExampleEndsAsItSays) {
         device::Scenario scenario = ScenarioDevice::scenarioOf(text);
         for (auto& [step, actions] : scenario.steps) {
             for (device::Action& action : actions) {
-                // Seconds that an updater bears; what it does not bear stays longer than its
-                // timeouts.
+                // Shorten only waits within the timeouts.
                 action.numbers[0] /=
                     action.type == device::ActionType::wait && end == updated ? 100 : 1;
             }

@@ -18,7 +18,7 @@ namespace {
 using namespace device;
 using Lines = std::vector<std::string>;
 
-/// Bytes that no shift, repetition or loss leaves the same.
+/// Returns bytes that shifts, repetitions and losses change.
 std::string contentOf(std::size_t size) {
     std::string content(size, '\0');
     std::generate(content.begin(), content.end(), std::mt19937());
@@ -49,7 +49,7 @@ TEST_F(SessionTest, CompleteUpdates) {
         ScenarioDevice device;
         std::string const content = contentOf(size);
         Lines const lines = RunSession(device, directory_.Write("update.rvl", content));
-        // The fault matrix knows the lines before and behind.
+        // The fault matrix compares the lines before and after.
         ASSERT_EQ(lines.size(), 3 + transfer.size() + 7);
         EXPECT_EQ(Lines(lines.begin() + 3, lines.end() - 7), transfer) << size;
         EXPECT_EQ(device.End(), std::vector{UpdateResult::complete});
@@ -57,8 +57,8 @@ TEST_F(SessionTest, CompleteUpdates) {
     }
 }
 
-TEST_F(SessionTest, ASlowDeviceIsNoStall) {
-    // Longer in all than the stall limit, but never as long between two pieces.
+TEST_F(SessionTest, EachAcceptedByteRestartsTheStallTimeout) {
+    // The transfer takes longer than the timeout, but no single chunk does.
     TestedUpdater::Instance().timeouts.transferStall = 1000;
     ScenarioDevice device("data = slow 16384 2");
     std::string const content = contentOf(16'000'000);
@@ -67,7 +67,7 @@ TEST_F(SessionTest, ASlowDeviceIsNoStall) {
     EXPECT_TRUE(device.File() == content);
 }
 
-TEST(SendAll, SleepsWhileADeviceTakesNothing) {
+TEST(SendAll, SleepsWhileADeviceReadsNothing) {
     SocketPair pair;
     ASSERT_TRUE(pair.near.setBlocking(false));
     std::vector<char> const data(16'000'000);
@@ -78,7 +78,7 @@ TEST(SendAll, SleepsWhileADeviceTakesNothing) {
     EXPECT_TRUE(support::onWindows() || std::clock() - start < CLOCKS_PER_SEC / 4);
 }
 
-TEST_F(SessionTest, AFileThatChangesUnderWay) {
+TEST_F(SessionTest, SendsNoMoreThanAnnouncedIfTheFileChanges) {
     std::string const content = contentOf(100'000);
     for (int const size : {150'000, 50'000, -1}) {
         std::string const path = directory_.Write("update.rvl", content);
@@ -94,7 +94,7 @@ TEST_F(SessionTest, AFileThatChangesUnderWay) {
         bool const grows = size > 100'000;
         EXPECT_EQ(device.End(), std::vector{grows ? UpdateResult::complete : UpdateResult::ended});
         if (grows) {
-            EXPECT_TRUE(device.File() == content) << "no extra byte on the wire";
+            EXPECT_TRUE(device.File() == content);
             continue;
         }
         ASSERT_GE(lines.size(), 2u);
@@ -106,7 +106,7 @@ TEST_F(SessionTest, AFileThatChangesUnderWay) {
     }
 }
 
-TEST_F(SessionTest, AFileBeyondTheProtocolsReachIsRefusedBeforeAnythingIsSent) {
+TEST_F(SessionTest, RejectsTooLargeFilesBeforeSendingAnything) {
     std::string const path = directory_.Write("update.rvl", "");
     std::filesystem::resize_file(path, 2'147'483'648);
     ScenarioDevice device;
@@ -115,6 +115,32 @@ TEST_F(SessionTest, AFileBeyondTheProtocolsReachIsRefusedBeforeAnythingIsSent) {
     EXPECT_EQ(lines[2], "*** Update file too big: The file \"" + path +
                             "\" exceeds the maximum of 2147483647 bytes");
     EXPECT_EQ(device.End(), std::vector{UpdateResult::ended});
+}
+
+TEST_F(SessionTest, GetResponsePrintsRecordsAndCollectsErrors) {
+    SocketPair pair;
+    TestedUpdater& updater = TestedUpdater::Instance();
+    updater.errors.Clear();
+    update::UpdateNotification response;
+    auto const receive = [&] { return updater.GetResponse(pair.near, response, 20, true); };
+    using Row = std::tuple<update::UpdateNotification, int, std::string>;
+    for (auto const& [record, result, output] :
+         {Row{{update::wireMagic, 5, 2},
+              0,
+              "- The update process is complete.\n  The hardware is restarting.\n"},
+          Row{{update::wireMagic, 9}, 0, ""}, Row{{update::wireMagic, 0x80000002, 12}, -1, ""}}) {
+        update::UpdateNotification onWire = update::swapped(record);
+        onWire.crc = update::bigEndian(update::wireCrc(onWire));
+        pair.far->Send(&onWire, update::recordSize);
+        EXPECT_EQ(support::outputOf([&, expected = result] { EXPECT_EQ(receive(), expected); }),
+                  output);
+        EXPECT_EQ(response.code, record.code);
+    }
+    pair.far->Send("123456789012345");
+    EXPECT_EQ(receive(), 1);
+    EXPECT_EQ(updater.errors.AsString(),
+              "> Wrong file CRC=Please do your math\r\n"
+              "Connection timeout=A timeout was reached reading from socket\r\n");
 }
 
 }  // namespace

@@ -1,7 +1,7 @@
 #include "core/crc/crc32.h"
 #include "fuzz/Input.h"
 #include "fuzz/require.h"
-#include "tests/update/TestedUpdater.h"
+#include "update/session/exchange.h"
 
 namespace {
 
@@ -15,23 +15,22 @@ std::uint32_t word(std::string const& bytes, std::size_t index) {
 
 }  // namespace
 
-/// A record of a device, looked at word by word, is what the updater says of it.
+/// Compares the check of a record with one word by word.
 extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {
     std::string bytes = Input(data, size).Bytes(update::recordSize);
     bytes.resize(update::recordSize);
     update::UpdateNotification record;
     std::copy(bytes.begin(), bytes.end(), reinterpret_cast<char*>(&record));
 
-    TestedUpdater& updater = TestedUpdater::Instance();
-    updater.errors.Clear();
-    bool const sound = updater.AdjustAndCheckResponse(record);
+    auto const failure = update::checkResponse(record);
 
     require(record.magic == word(bytes, 0) && record.code == word(bytes, 1) &&
             record.value == word(bytes, 2) && record.crc == word(bytes, 3));
     bool const error = record.code == 0x80000001 || record.code == 0x80000002;
-    require(sound == (record.magic == 0xE8B47CC3 && !error &&
-                      record.crc == core::crc32::update(bytes.data(), 12, 0)));
-    require(updater.errors.Count() == (sound ? 0 : 1));
-    require(sound || !updater.errors.GetValueByIndex(0).IsEmpty());
+    bool const valid =
+        record.magic == 0xE8B47CC3 && record.crc == core::crc32::update(bytes.data(), 12, 0);
+    require(!failure == (valid && !error));
+    require(!failure || failure->status.has_value() == valid);
+    require(!failure || !failure->fault.title.IsEmpty());
     return 0;
 }

@@ -6,84 +6,82 @@
 #include "fuzz/Input.h"
 #include "fuzz/require.h"
 #include "tests/support/TemporaryDirectory.h"
-#include "tests/support/lines.h"
-#include "tests/update/TestedUpdater.h"
+#include "update/session/Session.h"
 
 namespace {
 
 using update::recordSize;
 
 std::string const file = "the file";
-std::string const verdict = "The device is updated and it will restart itself if needed.";
 
-/// How much of the updater a device hears before it speaks: nothing, the request, the header, the
-/// file and the trailer.
+/// The number of bytes that a device receives before each of its replies: nothing, the request, the
+/// header, the file and the trailer.
 constexpr std::array<int, 4> awaited = {0, recordSize, recordSize, 8 + recordSize};
 
-/// What the device says at each of these moments, and what it does behind the last one.
+/// The replies of the device, and its action after the last one.
 struct Script {
     enum Ending { stay, close, reset };
 
     Ending ending;
-    std::size_t moments;
-    std::array<std::string, awaited.size()> said;
+    std::size_t count;
+    std::array<std::string, awaited.size()> replies;
 
     explicit Script(Input input) {
         unsigned const how = input.Byte();
         ending = static_cast<Ending>(how % 3);
-        moments = 1 + how / 3 % awaited.size();
+        count = 1 + how / 3 % awaited.size();
         std::array<std::size_t, awaited.size()> lengths;
         for (std::size_t& length : lengths) {
             length = input.Byte();
         }
-        for (std::size_t i = 0; i < moments; ++i) {
-            said[i] = input.Bytes(lengths[i]);
+        for (std::size_t i = 0; i < count; ++i) {
+            replies[i] = input.Bytes(lengths[i]);
         }
     }
 };
 
-/// Receives count bytes; false if the updater ends the connection before.
-bool hear(core::Socket& socket, std::size_t count, std::string& heard) {
-    std::size_t const wanted = heard.size() + count;
-    char piece[1024];
-    while (heard.size() < wanted) {
-        std::size_t const room = std::min(sizeof piece, wanted - heard.size());
-        int const got = socket.Recv(piece, static_cast<int>(room));
+/// Appends count bytes. Returns false if the updater closes the connection earlier.
+bool receive(core::Socket& socket, std::size_t count, std::string& received) {
+    std::size_t const wanted = received.size() + count;
+    char chunk[1024];
+    while (received.size() < wanted) {
+        std::size_t const size = std::min(sizeof chunk, wanted - received.size());
+        int const got = socket.Recv(chunk, static_cast<int>(size));
         if (got <= 0) {
             return false;
         }
-        heard.append(piece, static_cast<std::size_t>(got));
+        received.append(chunk, static_cast<std::size_t>(got));
     }
     return true;
 }
 
-void act(core::Socket& socket, Script const& script, std::string& heard) {
-    for (std::size_t i = 0; i < script.moments; ++i) {
-        if (!hear(socket, static_cast<std::size_t>(awaited[i]), heard)) {
+void follow(Script const& script, core::Socket& socket, std::string& received) {
+    for (std::size_t i = 0; i < script.count; ++i) {
+        if (!receive(socket, static_cast<std::size_t>(awaited[i]), received)) {
             return;
         }
-        socket.Send(script.said[i].data(), static_cast<int>(script.said[i].size()));
+        socket.Send(script.replies[i].data(), static_cast<int>(script.replies[i].size()));
     }
     if (script.ending == Script::reset) {
         socket.Abort();
     } else if (script.ending == Script::stay) {
-        hear(socket, heard.max_size() - heard.size(), heard);
+        receive(socket, received.max_size() - received.size(), received);
     }
 }
 
-/// Takes one connection on a port that serves all sessions of this process.
+/// Accepts one connection, on the same port for all sessions of the process.
 class Device {
 public:
     explicit Device(Script const& script)
         : thread_([this, &script] {
               while (!Listener().CanRecv(20)) {
-                  if (over_) {
+                  if (isOver_) {
                       return;
                   }
               }
               core::ClassRef<core::Socket> socket;
               require(Listener().Accept(socket) == core::socket_result::success);
-              act(*socket, script, heard_);
+              follow(script, *socket, received_);
           }) {}
 
     static std::string Address() {
@@ -92,11 +90,11 @@ public:
         return name.Replace("|", ":").getCString();
     }
 
-    /// All that it heard, once the updater is done.
+    /// Waits until the updater has closed. Returns the bytes received.
     std::string const& End() {
-        over_ = true;
+        isOver_ = true;
         thread_.join();
-        return heard_;
+        return received_;
     }
 
 private:
@@ -110,8 +108,8 @@ private:
         return listener;
     }
 
-    std::atomic<bool> over_ = false;
-    std::string heard_;
+    std::atomic<bool> isOver_ = false;
+    std::string received_;
     std::thread thread_;
 };
 
@@ -123,11 +121,11 @@ std::uint32_t wordAt(std::string const& bytes, std::size_t at) {
     return value;
 }
 
-/// Whether a sound record that tells of the end stands anywhere in it.
-bool tellsOfTheEnd(Script const& script) {
+/// Whether the replies contain a valid record with the code Complete, at any offset.
+bool containsComplete(Script const& script) {
     std::string bytes;
-    for (std::string const& said : script.said) {
-        bytes += said;
+    for (std::string const& reply : script.replies) {
+        bytes += reply;
     }
     for (std::size_t at = 0; at + recordSize <= bytes.size(); ++at) {
         if (wordAt(bytes, at) == 0xE8B47CC3 && wordAt(bytes, at + 4) == 5 &&
@@ -138,36 +136,40 @@ bool tellsOfTheEnd(Script const& script) {
     return false;
 }
 
-void requireSense(std::vector<std::string> const& lines, Script const& script,
-                  std::string const& heard) {
+void requireConsistency(update::Outcome const& outcome, Script const& script,
+                        std::string const& received) {
     std::size_t const all = 3 * recordSize + file.size();
-    require(heard.size() <= all && !lines.empty());
-    if (lines.back() == verdict) {
-        require(tellsOfTheEnd(script));
+    require(received.size() <= all);
+    if (outcome.IsComplete()) {
+        require(containsComplete(script));
         require(script.ending != Script::stay ||
-                (heard.size() == all && heard.substr(2 * recordSize, file.size()) == file));
+                (received.size() == all && received.substr(2 * recordSize, file.size()) == file));
     } else {
-        require(lines.size() > 1 && lines.back().empty());
-        require(lines[lines.size() - 2].starts_with("*** "));
+        require(!outcome.failure->fault.title.IsEmpty());
+        require(received.size() <= 2 * recordSize ||
+                outcome.failure->GetDelivered() >= update::Delivered::partOfFile);
     }
 }
 
 }  // namespace
 
-/// Whatever a device says, and when, the updater comes to an end, and to the right one.
+/// Checks that a session ends, and with the right outcome, whatever a device sends and when.
 extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {
-    static support::TemporaryDirectory const folder;
-    static std::string const path = folder.Write("update", file);
-    TestedUpdater& updater = TestedUpdater::Instance();
-    updater.timeouts.requestAnswer = 3;
-    updater.timeouts.headerAnswer = 2;
-    updater.timeouts.transferStall = 50;
-    updater.timeouts.completion = 8;
-    updater.timeouts.notification = 3;
+    static support::TemporaryDirectory const directory;
+    static std::string const path = directory.Write("update", file);
+    update::SessionTimeouts timeouts;
+    timeouts.requestAnswer = 3;
+    timeouts.headerAnswer = 2;
+    timeouts.transferStall = 50;
+    timeouts.completion = 8;
+    timeouts.notification = 3;
 
     Script const script(Input(data, size));
     Device device(script);
-    std::vector<std::string> const lines = updater.RunSession(path, Device::Address());
-    requireSense(lines, script, device.End());
+    update::Task task{path.c_str(), {}};
+    require(!update::readDevice(Device::Address().c_str(), task.device));
+    update::SessionObserver observer;
+    update::Outcome const outcome = update::Session(task, observer, timeouts).Run();
+    requireConsistency(outcome, script, device.End());
     return 0;
 }
