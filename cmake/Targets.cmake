@@ -15,13 +15,8 @@ function(ravelink_library name)
 endfunction()
 
 # ravelink_executable(name library)
-# Defines a program: main.cpp of the current directory and its library, which is compiled with the
-# version.
+# Defines a program: main.cpp of the current directory and its library.
 function(ravelink_executable name library)
-  # Without a leading zero, which would make 08 an invalid octal number.
-  math(EXPR minor ${PROJECT_VERSION_MINOR})
-  target_compile_definitions(${library} PRIVATE RAVELINK_VERSION_MAJOR=${PROJECT_VERSION_MAJOR}
-                                                RAVELINK_VERSION_MINOR=${minor})
   add_executable(${name} main.cpp)
   target_link_libraries(${name} PRIVATE ${library})
   if(WIN32)

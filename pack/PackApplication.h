@@ -11,11 +11,6 @@
 
 namespace pack {
 
-/// All options, see core::Application::CommandLinePrepare.
-extern char const optionGrammar[];
-/// Prints the usage screen.
-void showUsage();
-
 /// The program that builds, lists, checks or extracts an update archive.
 class PackApplication : public program::Program {
 public:

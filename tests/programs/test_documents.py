@@ -60,11 +60,10 @@ def sources(program, look=r".*\.(cpp|h)"):
 
 
 def code_of(program):
-    shared = ["core/runtime/ApplicationOptions.cpp", "core/runtime/runProgram.cpp",
-              "program/Program.cpp"]
+    shared = ["core/runtime/ApplicationOptions.cpp", "program/Program.cpp"]
     if program != "ravelink":
         shared += ["sys/ConfFile.cpp", "core/text/message.cpp"]
-    text = sources(program, r"(?!usage|Listing).*\.(cpp|h)") + "".join(map(source, shared))
+    text = sources(program, r"(?!Listing).*\.(cpp|h)") + "".join(map(source, shared))
     text = re.sub(r"^void showUsage\(\) \{.*?^\}", "", text, flags=re.M | re.S)
     return re.sub(r"//.*|#include.*|'\"'|\"\s*\"", "", text.replace('\\"', "`"))
 

@@ -3,7 +3,6 @@
 #include <cstdio>
 
 #include "core/console/Console.h"
-#include "core/console/UsageText.h"
 #include "core/console/lines.h"
 #include "tests/support/PrintText.h"
 #include "tests/support/lines.h"
@@ -74,12 +73,6 @@ TEST(Console, WritesPlainTextUnlessOutputIsATerminal) {
               "C, OK\nno console\nred25h cut\nno \x1B line end\x1B\n"
               "1 of 9\n9 of 9          \n1 of 2\nand 1 of 1\nend\nnew\n");
     EXPECT_FALSE(Console::hasWriteFailed());
-}
-
-TEST(Console, UsageScreensHaveTheirColours) {
-    using namespace core::usage;
-    EXPECT_EQ(shown(heading("h") + literal("l") + optional("o") + option("-o", ": m")),
-              " [93mh [39m [97ml [39m [37mo [39m\t [96m-o [39m: m");
 }
 
 }  // namespace
