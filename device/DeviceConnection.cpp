@@ -56,11 +56,11 @@ bool DeviceConnection::ReceiveAll(void* buffer, int length) {
     auto* const bytes = static_cast<char*>(buffer);
     int done = 0;
     while (done < length) {
-        int const got = ReceiveSome(bytes + done, length - done);
-        if (got == 0) {
+        int const received = ReceiveSome(bytes + done, length - done);
+        if (received == 0) {
             break;
         }
-        done += got;
+        done += received;
     }
     if (done > 0) {
         observer_.OnReceived(buffer, done);

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <optional>
-#include <string_view>
 #include <utility>
 
 #include "core/console/Console.h"
@@ -58,10 +57,8 @@ String dump(void const* bytes, int length) {
     auto const* const octets = static_cast<unsigned char const*>(bytes);
     core::TextBuilder text;
     for (int i = 0; i < std::min(length, most); ++i) {
-        char const digits[] = "0123456789ABCDEF";
         text.Append(i % 4 == 0 ? " " : "");
-        char const pair[] = {digits[octets[i] / 16], digits[octets[i] % 16]};
-        text.Append(std::string_view(pair, sizeof pair));
+        text.Append(core::hex(octets[i], 2).View().substr(2));
     }
     return length <= most ? text.AsString() : message("%1 ... (%2 bytes)", text.AsString(), length);
 }
