@@ -2,20 +2,22 @@
 # Checks of a release only: the packages as users get them, and the first build on a bare system.
 # ./dev release-check sources this file and calls its functions.
 
-# bare_debian ROOT: installs a minimal Debian 12 in the directory ROOT.
+# bare_debian: installs a minimal Debian 12 in a new directory and sets root to its path.
 bare_debian() {
   need debootstrap
   say 'Installing a bare Debian 12'
-  debootstrap --variant=minbase bookworm "$1" >/dev/null
+  root=$(mktemp -d)
+  at_exit rm -rf --one-file-system "$root"
+  debootstrap --variant=minbase bookworm "$root" >/dev/null
   # apt drops root's privileges for downloads.
-  chmod 755 "$1"
+  chmod 755 "$root"
   # This machine's access to its mirrors.
-  cp -r /etc/apt/apt.conf.d "$1/etc/apt"
-  cp /etc/resolv.conf "$1/etc"
+  cp -r /etc/apt/apt.conf.d "$root/etc/apt"
+  cp /etc/resolv.conf "$root/etc"
   local directory
   for directory in proc dev; do
-    mount --rbind --make-rslave "/$directory" "$1/$directory"
-    at_exit umount -R "$1/$directory"
+    mount --rbind --make-rslave "/$directory" "$root/$directory"
+    at_exit umount -R "$root/$directory"
   done
 }
 
@@ -24,9 +26,7 @@ bare_debian() {
 check_first_build() {
   say 'The first build'
   local root
-  root=$(mktemp -d)
-  at_exit rm -rf --one-file-system "$root"
-  bare_debian "$root"
+  bare_debian
   git clone -q . "$root/ravelink"
   chroot "$root" /ravelink/dev demo
   say 'The build without ./dev'
@@ -52,9 +52,7 @@ check_debian_package() {
   # The package has no changelog besides the program's.
   lintian --allow-root --suppress-tags no-changelog --fail-on error,warning "$package"
 
-  root=$(mktemp -d)
-  at_exit rm -rf --one-file-system "$root"
-  bare_debian "$root"
+  bare_debian
   names_in "$root" >build/before
   cp "$package" "$root/package.deb"
   chroot "$root" apt-get install -y ./package.deb
@@ -75,8 +73,7 @@ check_debian_package() {
   done
 
   # Mount the directory at the same path in the chroot.
-  directory=$(mktemp -d)
-  at_exit rm -rf "$directory"
+  new_directory
   mkdir -p "$root$directory"
   mount --bind "$directory" "$root$directory"
   at_exit umount "$root$directory"
@@ -97,8 +94,7 @@ names_in() {
 check_tar() {
   say 'The tar.gz'
   local directory
-  directory=$(mktemp -d)
-  at_exit rm -rf "$directory"
+  new_directory
   tar xzf build/packages/*.tar.gz --strip-components=1 -C "$directory"
   mkdir "$directory/rehearsal"
   rehearse "$directory/rehearsal" "$directory/bin/%s"
@@ -111,8 +107,7 @@ check_windows_package() {
   need unzip
   say 'The ZIP for Windows'
   local directory
-  directory=$(mktemp -d)
-  at_exit rm -rf "$directory"
+  new_directory
   unzip -q build/packages/*.zip -d "$directory"
   local unpacked=("$directory"/*)
   [ -s "${unpacked[0]}/docs/ravelink.html" ] || die 'No manual in the ZIP'
