@@ -1,4 +1,4 @@
-"""ravelink-pack as a user runs it."""
+"""Tests of ravelink-pack as a program."""
 
 import os
 import signal
@@ -12,11 +12,16 @@ from conftest import WINDOWS, golden, run, wait_until
 FILE = "file.count = 1\nfile[0].origin = f\n"
 OTHER = "file.count = 1\nfile[0].origin = "
 RANGE = "version must be from 1.0 to 2.0"
+IRREGULAR = ": it already exists and is not a regular file"
 NO_COMMAND = "Invalid options: Give exactly one of -b, -l, -c and -x"
 
 
 def bad(*messages):
     return ["Bad manifest: " + message for message in messages]
+
+
+def not_extracted(*errors):
+    return ["File not extracted: file" + error for error in errors]
 
 
 def crc(archive):
@@ -63,18 +68,18 @@ def test_builds_the_golden_archives_and_extracts_their_files(pack, directory, ve
     (FILE + "nonsense", bad("nonsense is no pair of name and value")),
     (FILE.encode() + b"\x1B[2J\xD8\x9C=\xFF = 1", bad("?[2j? means nothing here")),
     (FILE + "targetId = a\0b", bad("line 3 contains a NUL character")),
-    (FILE + "version = 2.1", bad(RANGE)),
+    (FILE + "version = 2.1\nuniqueId = -1\nattribute.count = 1024\nfile[0].attributes = 8\n"
+     "file[0].flags = 1 2",
+     bad(RANGE, "uniqueId must be a number from 0 to 18446744073709551615",
+         "attribute.count must be a number from 0 to 1023",
+         "file[0].attributes must be an octal number from 0 to 37777777777",
+         "file[0].flags must be a number from 0 to 4294967295")),
     (FILE + "version = 1.", bad(RANGE)),
     (FILE + "version = 0x1\nkey = 1", bad(RANGE, "key requires crypt")),
     (FILE + "crypt = Some\nkey = 1", bad("crypt must be None, Headers, Data or All")),
-    (FILE + "uniqueId = -1", bad("uniqueId must be a number from 0 to 18446744073709551615")),
     (FILE + "crypt = All\nkey = 0x100000000", bad("key must be a number from 0 to 4294967295")),
-    (FILE + "attribute.count = 1024", bad("attribute.count must be a number from 0 to 1023")),
     (FILE + "attribute.count = 9\nattribute[0] = =b\nattribute[1] = a=",
-     [f"Bad manifest: attribute[{i}] must be name=value" for i in (0, 2)]),
-    (FILE + "file[0].attributes = 8",
-     bad("file[0].attributes must be an octal number from 0 to 37777777777")),
-    (FILE + "file[0].flags = 1 2", bad("file[0].flags must be a number from 0 to 4294967295")),
+     bad(*(f"attribute[{i}] must be name=value" for i in (0, 2)))),
     (FILE + "version = 1.0\nfile[0].owner = root",
      ["Unsupported text: file[0].owner is not part of this format version"]),
     (FILE + "targetId = " + 65 * "x", ["Text too long: targetId may have up to 64 UTF-16 units"]),
@@ -95,7 +100,7 @@ def test_rejects_manifests_and_keeps_the_old_archive(pack, directory, manifest, 
     directory.write("m.conf", manifest)
     assert pack.errors("-b @m.conf -o @a.rvl") == errors
     assert directory.read("a.rvl") == b"old"
-    assert directory.files() == ["a.rvl", "f", "m.conf"], "nothing is left behind"
+    assert directory.files() == ["a.rvl", "f", "m.conf"], "no other file remains"
 
 
 def test_reports_files_that_cannot_be_used(pack, directory):
@@ -115,7 +120,6 @@ def test_reports_files_that_cannot_be_used(pack, directory):
 
 
 @pytest.mark.parametrize("arguments, error", [
-    ("", NO_COMMAND),
     ("-j", NO_COMMAND),
     ("-l a -c a", NO_COMMAND),
     ("-b m", "Invalid options: -b requires -o"),
@@ -130,7 +134,7 @@ def test_rejects_command_lines(pack, arguments, error):
     assert pack("--help")[0] == "Usage:"
 
 
-def test_reports_what_is_wrong_with_an_archive_and_where(pack, directory):
+def test_reports_the_error_of_an_archive_and_its_offset(pack, directory):
     directory.write("a", "first")
     directory.write("b", "second")
     directory.write("m.conf", "file.count = 2\nfile[0].origin = a\nfile[1].origin = b\n")
@@ -206,7 +210,7 @@ PARENT = ": a file has its directory's path"
      ['[1], "bad??[2J?:": a name has a non-portable character']),
     (["dir/Ä", "DIR/ä"], ['[1], "DIR/ä": another file has the same path']),
     (["x", "/x"], ['[1], "/x": another file has the same path']),
-    # One error a file, also for one below several others.
+    # One error per file, even below several others.
     (["x/y/z", "X/Y", "x!", "x/y", "X", "x0", "../x"],
      ['[6], "../x": it contains ..', '[0], "x/y/z"' + PARENT, '[1], "X/Y"' + PARENT,
       '[3], "x/y"' + PARENT]),
@@ -220,7 +224,7 @@ PARENT = ": a file has its directory's path"
 def test_extracts_nothing_if_any_path_is_rejected(pack, directory, destinations, errors):
     directory.write("there", "old")
     pack.golden("a.rvl", "files", *destinations)
-    assert pack.errors("-x @a.rvl -d @@") == ["File not extracted: file" + error for error in errors]
+    assert pack.errors("-x @a.rvl -d @@") == not_extracted(*errors)
     assert sorted(os.listdir(directory.path)) == ["a.rvl", "there"]
     assert directory.read("there") == b"old"
     assert pack("-x @a.rvl -d @none/new", 0 if "there" in destinations[1] else 1)
@@ -236,12 +240,12 @@ def test_replaces_files_only_with_force_and_never_directories(pack, directory):
     assert pack("-x @a.rvl -d @new/top --force") == ["- Extracted: 2 files"]
     assert directory.read("new/top/dir/file") == b"dir/file"
     pack.golden("a.rvl", "files", "dir")
-    assert pack.errors("-x @a.rvl -d @new/top -f") == [
-        'File not extracted: file[0], "dir": a directory has its name']
+    assert pack.errors("-x @a.rvl -d @new/top -f") == not_extracted(
+        '[0], "dir": a directory has its name')
 
 
-@pytest.mark.skipif(WINDOWS, reason="Wine shows the target in the place of a link")
-def test_follows_and_replaces_no_link(pack, directory):
+@pytest.mark.skipif(WINDOWS, reason="Wine shows the target instead of a link")
+def test_does_not_follow_or_replace_links(pack, directory):
     out = directory.path / "out"
     (out / "real").mkdir(parents=True)
     directory.write("outside", "mine")
@@ -250,17 +254,16 @@ def test_follows_and_replaces_no_link(pack, directory):
     (out / "file").symlink_to(directory.path / "outside")
     for path in ("link/outside", "link/new", "inner/new", "link/a/b"):
         pack.golden("a.rvl", "files", "good", path)
-        assert pack.errors("-x @a.rvl -d @out -f") == [
-            f'File not extracted: file[1], "{path}": a link is in its path']
+        assert pack.errors("-x @a.rvl -d @out -f") == not_extracted(
+            f'[1], "{path}": a link is in its path')
     assert directory.files() == ["a.rvl", "out/file", "out/inner", "out/link", "outside"]
     pack.golden("a.rvl", "files", "file")
-    assert pack.errors("-x @a.rvl -d @out -f") == [
-        'File not extracted: file[0], "file": it already exists and is not a regular file']
+    assert pack.errors("-x @a.rvl -d @out -f") == not_extracted('[0], "file"' + IRREGULAR)
     assert directory.read("outside") == b"mine"
 
 
 @pytest.mark.skipif(WINDOWS, reason="no permissions in files, no pipes with names")
-def test_keeps_permissions_and_replaces_no_pipe(pack, directory):
+def test_keeps_permissions_and_does_not_replace_pipes(pack, directory):
     os.chmod(directory.write("secret", "old"), 0o640)
     os.mkfifo(directory.path / "pipe")
     pack.golden("a.rvl", "files", "secret")
@@ -272,15 +275,14 @@ def test_keeps_permissions_and_replaces_no_pipe(pack, directory):
     assert directory.read("secret") == b"secret"
     assert (directory.path / "secret").stat().st_mode & 0o7777 == 0o640
     pack.golden("a.rvl", "files", "pipe")
-    assert pack.errors("-x @a.rvl -d @@ -f") == [
-        'File not extracted: file[0], "pipe": it already exists and is not a regular file']
+    assert pack.errors("-x @a.rvl -d @@ -f") == not_extracted('[0], "pipe"' + IRREGULAR)
 
 
 @pytest.mark.parametrize("by_terminal", [True, pytest.param(False, marks=pytest.mark.skipif(
     WINDOWS, reason="no signals"))])
-def test_ends_as_interrupted_and_leaves_nothing(pack, directory, by_terminal):
-    """Wine, too, turns Ctrl-C at the terminal into the console's event, and keeps the low byte of
-    the exit status of the operating system."""
+def test_ends_by_the_interruption_and_leaves_nothing(pack, directory, by_terminal):
+    """Wine turns Ctrl-C on the terminal into a console event, and keeps the low byte of the exit
+    status."""
     directory.write("big", "")
     os.truncate(directory.path / "big", 2_000_000_000)
     directory.write("m.conf", "file.count = 9\n"
@@ -323,7 +325,7 @@ def test_reports_exhausted_resources(pack, directory):
     assert run(f"ulimit -n 20; {' '.join(pack.command)}"
                + directory.at(" -x @many.rvl -d @a/out")).lines[1:] == ["- Extracted: 30 files"]
     assert run(" ".join(pack.command) + directory.at(" -l @a.rvl -j >/dev/full")).status == 1
-    if "RAVELINK_SANITIZERS" not in os.environ:  # they need more memory than any limit
+    if "RAVELINK_SANITIZERS" not in os.environ:  # sanitizers exceed any limit
         directory.write("m.conf", "".join(f"name{i} = value\n" for i in range(200_000)))
         assert limited("-v 30000", "-b @m.conf -o @a.rvl") == (
             "*** Out of memory: The system has no more memory for the program")
