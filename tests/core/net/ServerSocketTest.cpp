@@ -49,10 +49,9 @@ protected:
         while (isStream && socket->Recv(&c, 1) == 1) {
             socket->Send(&c, 1);
         }
-        if (!isStream) {
-            Buffer bytes;
-            ClassRef<EndPoint> from;
-            socket->RecvAllFrom(bytes, from);
+        Buffer bytes;
+        ClassRef<EndPoint> from;
+        if (!isStream && socket->RecvAllFrom(bytes, from) > 0) {
             socket->SendTo(bytes, *from);
         }
         finish(socket);
@@ -222,8 +221,7 @@ TEST(ServerSocket, StopTimesOutOnABusyHandler) {
     client.Close();
     server.hold = false;
     server.StopOne(0, 10'000);
-    EXPECT_FALSE(server.IsListening());
-    EXPECT_EQ(server.handled, 1);
+    EXPECT_TRUE(!server.IsListening() && server.handled == 1);
 }
 
 }  // namespace

@@ -3,7 +3,6 @@
 #include <cerrno>
 #include <string>
 #include <thread>
-#include <vector>
 
 #include "core/runtime/CountDownTimer.h"
 #include "sys/scheduler.h"
@@ -55,7 +54,7 @@ TEST(Socket, ReadAndWriteHaveADeadline) {
     std::thread writer(
         [&] { EXPECT_EQ(pair.far->Write(text.data(), static_cast<int>(text.size())), 3'000'000); });
     std::string buffer(text.size(), '-');
-    pair.near.SetReadTimeout(20'000);
+    EXPECT_TRUE(pair.near.SetReadTimeout(20'000) && pair.near.SetWriteTimeout(50));
     EXPECT_EQ(pair.near.Read(buffer.data(), 3'000'000), 3'000'000);
     writer.join();
     EXPECT_EQ(buffer, text);
@@ -66,7 +65,6 @@ TEST(Socket, ReadAndWriteHaveADeadline) {
 
     // With a peer that stops reading; the socket is blocking before and after.
     buffer.resize(16'000'000);
-    pair.near.SetWriteTimeout(50);
     int const written = pair.near.Write(buffer.data(), 16'000'000);
     EXPECT_TRUE(written > 0 && written < 16'000'000) << written;
     pair.near.SetRecvTimeout(30);
@@ -105,19 +103,11 @@ TEST(Socket, OpensAndCloses) {
     EXPECT_TRUE(pair.far->Recv(&c, 1) == 0 && !pair.far->WouldBlock());
     EXPECT_EQ(pair.far->Send("y"), 1);
     EXPECT_EQ(near.RecvUntil(&c, 1, 10'000), 1) << "only sending is shut down";
-    SocketResult const expected[] = {4, 0, 4, 1, 1, 1, 12, 12, 26};
-    SocketResult const results[] = {near.CreateTheSocket(SocketDomain::IPv4, SocketType::stream),
-                                    near.Close(),
-                                    near.Close(),
-                                    near.Connect(ClassRef<AddressInfo>()),
-                                    near.Connect(EndPoint()),
-                                    near.Bind(EndPoint()),
-                                    near.Connect("|"),
-                                    near.Bind("|"),
-                                    near.Connect(local)};  // refused: the listener is closed
-    for (unsigned i = 0; i < std::size(results); ++i) {
-        EXPECT_EQ(results[i], expected[i]) << i;
-    }
+    EXPECT_EQ(near.CreateTheSocket(SocketDomain::IPv4, SocketType::stream), 4u);
+    EXPECT_TRUE(near.Close() == 0 && near.Close() == 4);
+    EXPECT_TRUE(near.Connect(ClassRef<AddressInfo>()) == 1 && near.Connect(EndPoint()) == 1);
+    EXPECT_TRUE(near.Bind(EndPoint()) == 1 && near.Connect("|") == 12 && near.Bind("|") == 12);
+    EXPECT_EQ(near.Connect(local), 26u) << "refused: the listener is closed";
     near.Close();
     EXPECT_FALSE(near.Connect()) << "refused, too";
     near.Close();
@@ -154,25 +144,21 @@ TEST(Socket, SendsAndReceivesDatagrams) {
         EXPECT_EQ(sender.SendTo(Buffer("buffer", 6), to), 6);
         sender.Send("x");
         EXPECT_NE(sender.LastError(), 0);
-        EXPECT_EQ(sender.SendTo("", 0, to.GetSocketAddress()), 0);
-        EXPECT_EQ(sender.LastError(), 0);
+        EXPECT_TRUE(sender.SendTo("", 0, to.GetSocketAddress()) == 0 && sender.LastError() == 0);
         EXPECT_EQ(sender.SendDatagram("truncated", 9, to), 9);
 
         Buffer bytes;
         ClassRef<EndPoint> from;
-        EXPECT_EQ(receiver.RecvAllFrom(bytes, from), 4);
-        EXPECT_EQ(bytes, Buffer("text", 4));
+        EXPECT_TRUE(receiver.RecvAllFrom(bytes, from) == 4 && bytes == Buffer("text", 4));
         EndPoint own;
         EXPECT_TRUE(sender.GetSockName(own) == 0 && from->SameAs(own));
         String name;
-        EXPECT_EQ(receiver.RecvAllFrom(bytes, name), 6);
-        EXPECT_TRUE(name == own.GetComposedAddress());
+        EXPECT_TRUE(receiver.RecvAllFrom(bytes, name) == 6 && name == own.GetComposedAddress());
         ClassRef<SocketAddr> address;
         char buffer[3];
         receiver.Send("x");
         EXPECT_NE(receiver.LastError(), 0);
-        EXPECT_EQ(receiver.RecvFrom(buffer, 3, address), 0);
-        EXPECT_EQ(receiver.LastError(), 0);
+        EXPECT_TRUE(receiver.RecvFrom(buffer, 3, address) == 0 && receiver.LastError() == 0);
         EXPECT_EQ(receiver.RecvFrom(buffer, 3, name), 3);
 
         ASSERT_TRUE(receiver.setBlocking(false));
@@ -202,12 +188,10 @@ TEST(Socket, ReportsOptionsAndReadiness) {
     EXPECT_FALSE(near.setCorkMode(true) || near.getCorkMode());
     EXPECT_TRUE(pair.far->GetType() == SocketType::stream && datagrams.setReceiveBuffer(4096));
 
-    EXPECT_EQ(near.CheckRecv(0), Socket::Readiness::timedOut);
-    EXPECT_EQ(near.CheckSend(0), Socket::Readiness::ready);
+    EXPECT_EQ(static_cast<int>(near.CheckRecv(0)), 1);
+    EXPECT_EQ(static_cast<int>(near.CheckSend(0)), 0);
     near.Close();
     EXPECT_EQ(near.CheckRecv(0), Socket::Readiness::timedOut);
-    EXPECT_EQ(static_cast<int>(Socket::fromSelectResult(1)), 0);
-    EXPECT_EQ(static_cast<int>(Socket::fromSelectResult(0)), 1);
     EXPECT_EQ(near.CheckSend(1'000'000'000), Socket::Readiness::badHandle);
     EXPECT_TRUE(Socket::done() == 0 && Socket::init());
     EXPECT_FALSE(near.setTCPNoDelay(true) || near.setBlocking(false));
@@ -215,43 +199,19 @@ TEST(Socket, ReportsOptionsAndReadiness) {
 }
 
 TEST(SocketResult, MapsErrors) {
-    int const from6[] = {ENOMEM,
-                         EFAULT,
-                         0,
-                         0,
-                         0,
-                         EBADF,
-                         ENOBUFS,
-                         ENOTSOCK,
-                         ENOTCONN,
-                         EACCES,
-                         EADDRINUSE,
-                         EADDRNOTAVAIL,
-                         ELOOP,
-                         ENAMETOOLONG,
-                         ENOENT,
-                         ENOTDIR,
-                         EROFS,
-                         EPERM,
-                         EAFNOSUPPORT,
-                         EALREADY,
-                         ECONNREFUSED,
-                         EINPROGRESS,
-                         EINTR,
-                         EISCONN,
-                         ENETUNREACH,
-                         ETIMEDOUT,
-                         EOPNOTSUPP,
-                         EWOULDBLOCK,
-                         ECONNABORTED,
-                         EMFILE,
-                         ENFILE,
-                         EPROTO};
-    for (unsigned i = 0; i < std::size(from6); ++i) {
-        EXPECT_EQ(SocketResultFrom_errno(from6[i], false), from6[i] != 0 ? 6 + i : 0);
+    int const from11[] = {
+        EINVAL,     ENOBUFS,      ENOTSOCK,     ENOTCONN, EACCES,  EADDRINUSE,  EADDRNOTAVAIL,
+        ELOOP,      ENAMETOOLONG, ENOENT,       ENOTDIR,  EROFS,   EPERM,       EAFNOSUPPORT,
+        EALREADY,   ECONNREFUSED, EINPROGRESS,  EINTR,    EISCONN, ENETUNREACH, ETIMEDOUT,
+        EOPNOTSUPP, EWOULDBLOCK,  ECONNABORTED, EMFILE,   ENFILE,  EPROTO};
+    for (unsigned i = 0; i < std::size(from11); ++i) {
+        EXPECT_EQ(SocketResultFrom_errno(from11[i], false), 11 + i);
     }
-    EXPECT_EQ(SocketResultFrom_errno(EINVAL, false), 11u);
-    EXPECT_EQ(SocketResultFrom_errno(ECONNRESET, false), 1u);
+    std::pair<int, SocketResult> const others[] = {{0, 0},      {ENOMEM, 6},     {EFAULT, 7},
+                                                   {EBADF, 11}, {ECONNRESET, 1}, {-1, 1}};
+    for (auto const& [error, result] : others) {
+        EXPECT_EQ(SocketResultFrom_errno(error, false), result) << error;
+    }
     EXPECT_EQ(SocketResultFrom_errno(0, true), 1u);
     EXPECT_EQ(SocketResultFrom_EAI(0), 0u);
     EXPECT_EQ(SocketResultFrom_EAI(123456), 1u);

@@ -62,6 +62,11 @@ struct TestedApplication : public Application {
         return true;
     }
     void Done() override { Print("done"); }
+
+    static bool IsIdle(String const& name) {
+        return AppName() == name && !IsTerminationRequested() && !IsTerminated() && !IsADaemon() &&
+               !IsUsingSysLog() && ProcessID() == 0 && SessionID() == 0;
+    }
 };
 
 class ApplicationRun : public testing::Test {
@@ -99,32 +104,24 @@ TEST_F(ApplicationRun, AllowsOneApplicationInAProcess) {
         },
         testing::ExitedWithCode(1), "^$");
     expectTrue([] {
-        auto const isUnchanged = [](String const& name) {
-            return Application::AppName() == name && !Application::IsTerminationRequested() &&
-                   !Application::IsTerminated() && !Application::IsADaemon() &&
-                   !Application::IsUsingSysLog() && Application::ProcessID() == 0 &&
-                   Application::SessionID() == 0;
-        };
-        bool const none = isUnchanged("GApplication == nil") &&
+        bool const none = TestedApplication::IsIdle("GApplication == nil") &&
                           Application::Instance() == nullptr && Application::MainThreadID() == 0;
         Application::RequestTermination(Application::normalRequest);
         Application::WakeLoop();
-        StringArray grammar(16);
-        StringArray errors(16);
-        grammar.Add("h|help=0");
-        grammar.Add("g|grow=0");
-        bool const onlyChecked =
-            Application::AddToArguments("h|", "", grammar, errors) == -1 && errors.Count() == 0 &&
-            Application::AddToArguments("x|", "", grammar, errors) == -1 &&
-            Application::AddToArguments("h|", "x", grammar, errors) == -1 && errors.Count() == 2;
+        StringArray grammar;
+        StringArray errors;
+        String("h|help=0>g|grow=0").Split(grammar, '>');
+        auto const add = [&](char const* key, char const* values) {
+            return Application::AddToArguments(key, values, grammar, errors);
+        };
+        bool const onlyChecked = add("h|", "") == -1 && errors.Count() == 0 &&
+                                 add("x|", "") + add("h|", "x") == -2 && errors.Count() == 2;
         TestedApplication tested;
-        bool const stored = Application::AddToArguments("h|", "", grammar, errors) == 0 &&
-                            Application::AddToArguments("g|", "", grammar, errors) == 1 &&
-                            Application::AddToArguments("g|", "", grammar, errors) == 1 &&
-                            tested.FindOption("help");
-        return none && onlyChecked && stored && isUnchanged("tested") &&
-               Application::Instance() == &tested && tested.FulfillTerminationRequest() == 0 &&
-               !tested.Daemonize("tested") && tested._addRef() + tested._release() == 0 &&
+        bool const stored = add("h|", "") == 0 && add("g|", "") == 1 && add("g|", "") == 1;
+        return none && onlyChecked && stored && tested.FindOption("help") &&
+               TestedApplication::IsIdle("tested") && Application::Instance() == &tested &&
+               tested.FulfillTerminationRequest() == 0 && !tested.Daemonize("tested") &&
+               tested._addRef() + tested._release() == 0 &&
                Application::MainThreadID() == sys::platform::currentThreadId();
     });
 }
@@ -266,8 +263,7 @@ TEST_F(ApplicationRun, RearmedTimerRuns) {
             while (threads() >= running && !support::onWindows()) {
                 sys::scheduler::sleepms(1);
             }
-            bool const good = timerInit() && threads() == running && !timerInit();
-            worker.output += good ? "good" : "bad";
+            worker.output = timerInit() && threads() == running && !timerInit() ? "good" : "bad";
         });
     });
 }
@@ -322,16 +318,13 @@ TEST(AppStatus, WritesAndReadsTheNumber) {
     EXPECT_STREQ(status.ClassName(), "AppStatus");
     EXPECT_STREQ(Event().ClassName(), "Event");
     EXPECT_STREQ(status.getFilePath().getCString(), (directory.Path() + "/name.status").c_str());
-    EXPECT_EQ(status.readFromFile(), -1);
-    EXPECT_EQ(status.GetStatus(), -1);
+    EXPECT_EQ(status.readFromFile() + status.GetStatus(), -2);
     EXPECT_FALSE(status._setStatus(AppStatus::none));
     for (auto const number : {AppStatus::constructed, AppStatus::ended}) {
         EXPECT_TRUE(status._setStatus(number));
         EXPECT_EQ(status.GetStatus(), number);
     }
-    EXPECT_TRUE(status.writeToFile(7));
-    EXPECT_EQ(status.readFromFile(), 7);
-    EXPECT_EQ(status.GetStatus(), 0);
+    EXPECT_TRUE(status.writeToFile(7) && status.readFromFile() == 7 && status.GetStatus() == 0);
     for (char const* const content : {"", "x", "3x", "-", "\n"}) {
         directory.Write("name.status", content);
         EXPECT_EQ(status.readFromFile(), -1) << content;
@@ -339,8 +332,7 @@ TEST(AppStatus, WritesAndReadsTheNumber) {
     directory.Write("name.status", "99999999999");
     EXPECT_EQ(status.readFromFile(), 2147483647) << "saturated";
     EXPECT_EQ(status.GetStatus(), 0);
-    EXPECT_TRUE(status._setStatus(AppStatus::none));
-    EXPECT_EQ(status.readFromFile(), -1);
+    EXPECT_TRUE(status._setStatus(AppStatus::none) && status.readFromFile() == -1);
 
     std::error_code noLinks;
     std::filesystem::create_symlink(directory.Write("other", "kept"),

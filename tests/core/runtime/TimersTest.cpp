@@ -26,34 +26,31 @@ protected:
 
 TEST_F(TimersTest, CountsDownAndRestarts) {
     CountDownTimer timer(5000ULL);
+    auto const left = [&timer] { return timer.Remaining(0, CountDownTimer::unlimited); };
     EXPECT_STREQ(timer.ClassName(), "CountDownTimer");
     EXPECT_FALSE(timer.Expired());
     EXPECT_EQ(timer.Remaining(100, 1000), 1000u);
     EXPECT_EQ(timer.RemainingTimeout(100, ~0U), 5000u);
     now += 4950;
-    EXPECT_EQ(timer.Elapsed(), 4950u);
-    EXPECT_EQ(timer.Remaining(0, CountDownTimer::unlimited), 50u);
-    EXPECT_EQ(timer.Remaining(100, 1000), 100u);
+    EXPECT_TRUE(timer.Elapsed() == 4950 && left() == 50 && timer.Remaining(100, 1000) == 100);
     now += 49;
     EXPECT_FALSE(timer.Expired());
     now += 1;
     EXPECT_TRUE(timer.Expired());
     EXPECT_EQ(timer.Remaining(100, 1000), 0u) << "not the minimum";
-
     timer.Reset(~0ULL);
-    EXPECT_EQ(timer.Remaining(0, CountDownTimer::unlimited), 5000u);
+    EXPECT_EQ(left(), 5000u);
     timer.Reset(core::Interval(70));
-    EXPECT_EQ(timer.Remaining(0, CountDownTimer::unlimited), 70u);
+    EXPECT_EQ(left(), 70u);
     timer.Reset(core::TimeVal(2, 500'000));
-    EXPECT_EQ(timer.Remaining(0, CountDownTimer::unlimited), 2500u);
-    EXPECT_EQ(CountDownTimer(core::TimeVal(1, 0)).Remaining(0, 1000), 1000u);
-    EXPECT_EQ(CountDownTimer(core::Interval(7)).Remaining(0, 1000), 7u);
-    EXPECT_EQ(CountDownTimer(1ULL << 40).RemainingTimeout(0, ~0U), ~0U);
+    EXPECT_EQ(left(), 2500u);
     timer.Reset(0);
     EXPECT_TRUE(timer.Expired());
     timer.WaitForIt();
-    EXPECT_TRUE(CountDownTimer().Expired());
-    EXPECT_EQ(CountDownTimer().Remaining(100, 1000), 0u);
+    EXPECT_EQ(CountDownTimer(core::TimeVal(1, 0)).Remaining(0, 2000), 1000u);
+    EXPECT_EQ(CountDownTimer(core::Interval(7)).Remaining(0, 1000), 7u);
+    EXPECT_EQ(CountDownTimer(1ULL << 40).RemainingTimeout(0, ~0U), ~0U);
+    EXPECT_TRUE(CountDownTimer().Expired() && CountDownTimer().Remaining(100, 1000) == 0);
     EXPECT_TRUE(CountDownTimer(0ULL).Expired() && !CountDownTimer(1ULL).Expired());
 }
 
@@ -66,7 +63,7 @@ TEST_F(TimersTest, WaitsUntilTheDeadline) {
 
 TEST_F(TimersTest, FollowsTheTickAcrossItsWrap) {
     now = 0xFFFFFFFF;
-    CountDownTimer timer(10ULL);
+    CountDownTimer const timer(10ULL);
     now = 5;
     EXPECT_FALSE(timer.Expired());
     EXPECT_EQ(timer.Remaining(0, 1000), 1000u);
@@ -77,14 +74,12 @@ TEST_F(TimersTest, FollowsTheTickAcrossItsWrap) {
 TEST_F(TimersTest, ChronometerMeasuresLapsAndTotal) {
     core::Chronometer chronometer;
     EXPECT_STREQ(chronometer.ClassName(), "Chronometer");
-    EXPECT_EQ(chronometer.LapNS(), 0u);
-    EXPECT_EQ(chronometer.StopNS(), 0u);
-    EXPECT_TRUE(chronometer.Start());
-    EXPECT_FALSE(chronometer.Start());
-    now += 3;
-    EXPECT_EQ(chronometer.LapNS(), 3'000'000u);
-    now += 4;
-    EXPECT_EQ(chronometer.LapNS(), 4'000'000u);
+    EXPECT_EQ(chronometer.LapNS() + chronometer.StopNS(), 0u);
+    EXPECT_TRUE(chronometer.Start() && !chronometer.Start());
+    for (unsigned const ms : {3U, 4U}) {
+        now += ms;
+        EXPECT_EQ(chronometer.LapNS(), ms * 1'000'000);
+    }
     now += 5;
     EXPECT_EQ(chronometer.StopNS(), 12'000'000u);
     EXPECT_EQ(chronometer.StopNS(), 0u);
@@ -99,9 +94,9 @@ TEST_F(TimersTest, FailCounterCountsDown) {
     for (bool const failed : {false, false, true, true}) {
         EXPECT_EQ(three.Check(), failed);
     }
-    EXPECT_TRUE(core::FailCounter(1).Check());
-    EXPECT_TRUE(core::FailCounter().Check());
-    EXPECT_TRUE(core::FailCounter(std::numeric_limits<int>::min()).Check());
+    for (int const few : {1, 0, std::numeric_limits<int>::min()}) {
+        EXPECT_TRUE(core::FailCounter(few).Check()) << few;
+    }
 }
 
 }  // namespace
