@@ -25,7 +25,7 @@ using program::ExitStatus;
 
 namespace {
 
-int const doneColor = 10;
+constexpr auto doneColor = core::Console::Color::brightGreen;
 
 char const optionGrammar[] =
     "h|help=0>b|build=1>o|output=1>l|list=1>j|json=0>c|check=1>x|extract=1>d|directory=1>f|force=0";

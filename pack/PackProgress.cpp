@@ -1,6 +1,5 @@
 #include "pack/PackProgress.h"
 
-#include "core/console/Console.h"
 #include "core/console/lines.h"
 #include "core/runtime/Application.h"
 #include "core/text/message.h"
@@ -13,7 +12,6 @@ using core::String;
 namespace {
 
 long long const reportStep = 32LL << 20;  ///< bytes between reports
-int const runningColor = 11;
 
 }  // namespace
 
@@ -29,9 +27,10 @@ bool PackProgress::Copied(long long done, long long total) {
     }
     // The first call only sets when to report: work of less than a step prints nothing.
     if (next_ > 0 && !verb_.IsEmpty()) {
-        core::printReport(core::message(">   %1 by now: %2 of %3", verb_,
-                                        sizeInColor(done - done % reportStep, runningColor),
-                                        core::FormatByteSize(total, false)));
+        core::printReport(
+            core::message(">   %1 by now: %2 of %3", verb_,
+                          sizeInColor(done - done % reportStep, Console::Color::brightYellow),
+                          core::FormatByteSize(total, false)));
     }
     next_ = (done / reportStep + 1) * reportStep;
     return goOn;
@@ -41,8 +40,8 @@ String fileCount(int count) {
     return core::message(count == 1 ? "%1 file" : "%1 files", count);
 }
 
-String sizeInColor(long long bytes, int color) {
-    return Console::color(core::FormatByteSize(bytes, false), Console::Color{color});
+String sizeInColor(long long bytes, Console::Color color) {
+    return Console::color(core::FormatByteSize(bytes, false), color);
 }
 
 }  // namespace pack

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/console/Console.h"
 #include "core/stream/ICopyCallback.h"
 #include "core/text/String.h"
 
@@ -21,7 +22,7 @@ private:
 
 /// Returns "1 file", "2 files" and so on.
 core::String fileCount(int count);
-/// Returns a size such as "1.5 MB" in the colour.
-core::String sizeInColor(long long bytes, int color);
+/// Returns a size such as "1.5 MB", in the colour.
+core::String sizeInColor(long long bytes, core::Console::Color color);
 
 }  // namespace pack
