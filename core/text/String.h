@@ -144,6 +144,7 @@ public:
     std::strong_ordering operator<=>(String const& other) const { return Compare(other) <=> 0; }
     std::strong_ordering operator<=>(char const* other) const { return Compare(other) <=> 0; }
 
+    // Whether the string starts, or ends, with another one.
     bool StartsWith(String const& prefix) const;
     bool StartsWithIC(String const& prefix) const;
     bool EndsWith(String const& suffix) const;
@@ -164,9 +165,11 @@ public:
     int RFind(String const& pattern, int start = INT_MAX) const;
     int RFindIC(char c, int start = INT_MAX) const;
     int RFindIC(String const& pattern, int start = INT_MAX) const;
+    /// Returns the number of occurrences of c.
     int CountChars(char c) const;
 
-    // Delimiters: every character of set is one.
+    // Delimiters: every character of set is one. Find... and Last... return the position of the
+    // first one at or after start, or of the last one, or -1; ...Not... finds the other characters.
 
     bool IsDelimiter(String const& set, int index) const;
     int FindDelimiter(String const& set, int start = 0) const;
@@ -180,12 +183,14 @@ public:
 
     // Substrings
 
+    /// Returns the characters from start on, at most count.
     [[nodiscard]] String Copy(int start, int count = -1) const;
     /// Returns the concatenation of two substrings.
     [[nodiscard]] String Copy(int start, int count, int secondStart, int secondCount) const;
     /// Returns the characters from position from up to position to, which is excluded unless
     /// inclusive is set; an empty string if to is less than from.
     [[nodiscard]] String CopyRange(int from, int to, bool inclusive = false) const;
+    /// Returns the first, or last, count characters.
     [[nodiscard]] String Left(int count) const { return Copy(0, count); }
     [[nodiscard]] String Right(int count) const;
     /// Returns the part before the first occurrence; an empty string if there is none.
@@ -217,6 +222,7 @@ public:
     void SetChar(int index, char c);
     /// Inserts text before the character at position.
     void Insert(String const& text, int position);
+    /// Removes count characters from start on, or from either end.
     void Delete(int start, int count = -1);
     void DeleteFromLeft(int count) { Delete(0, count); }
     void DeleteFromRight(int count);
@@ -255,6 +261,7 @@ public:
     static bool IsAlphabetic(char c) { return ToUpper(c) >= 'A' && ToUpper(c) <= 'Z'; }
     static bool IsAlphanumeric(char c) { return IsNumeric(c) || IsAlphabetic(c); }
 
+    /// Returns the string without leading and trailing white space.
     [[nodiscard]] String Trim() const;
     [[nodiscard]] String TrimLeft() const;
     [[nodiscard]] String TrimRight() const;
@@ -447,7 +454,8 @@ public:
     // Conversion to numbers. Leading white space is skipped. If the whole string is a number, -1 is
     // stored in errorPosition, which may be null. If only its start is one, that number is returned
     // and the position of the first other character stored. Otherwise defaultValue is returned and
-    // nothing stored. Integers out of range are clamped; the tests of whole strings reject them.
+    // nothing stored. Integers out of range are clamped. The functions Is... require that the whole
+    // string is a number in range.
 
     /// Parses an optional sign and decimal digits.
     int ToDecimal32(int* errorPosition, int defaultValue) const;

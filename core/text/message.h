@@ -38,7 +38,7 @@ template <class... Values>
     return fillMessage(pattern, {list, sizeof...(values)});
 }
 
-/// Returns "0x" and value in hexadecimal, zero-padded to digits digits.
+/// Returns "0x" and value in hexadecimal, zero-padded to at least digits digits.
 [[nodiscard]] String hex(unsigned long long value, int digits);
 
 /// Returns the operating system's description of an error number, at most 2048 characters. On
