@@ -132,7 +132,7 @@ protected:
         if (!result.succeeded) {
             EXPECT_TRUE(contains(result.output, "*** ") || contains(result.output, "\"error\":{"));
             // A read error must not be reported as an invalid file.
-            EXPECT_FALSE(std::regex_search(result.output, std::regex("cut short|your math")));
+            EXPECT_FALSE(std::regex_search(result.output, std::regex("truncated|your math")));
             // Without memory the device may fail after sending Complete.
             EXPECT_FALSE(result.peerSucceeded && scenario_.peer == Peer::updater && mode != 'm');
         } else if (scenario_.peer == Peer::none) {
@@ -217,7 +217,7 @@ TEST_P(FaultInjection, ReportsTheTruthAndLeavesNoPartialFiles) {
 
 std::vector<std::pair<Scenario, char>> cases() {
     std::string const build = RAVELINK_PACK " -b @m.conf -o @work/a.rvl";
-    std::string const unpack = RAVELINK_PACK " -x @a.rvl -d @work";
+    std::string const extract = RAVELINK_PACK " -x @a.rvl -d @work";
     std::vector<std::pair<Scenario, char>> all;
     // The slowest first, so that they run in parallel with the others.
     for (Scenario const& scenario : {
@@ -226,8 +226,8 @@ std::vector<std::pair<Scenario, char>> cases() {
              Scenario{"Update", RAVELINK " -o @a.rvl -a ADDRESS", "fsikm", Peer::device},
              Scenario{"Build", build, "fwsikdm"},
              Scenario{"Rebuild", build, "fkd", Peer::none, {"a.rvl"}},
-             Scenario{"Unpack", unpack + "/new", "fsidm"},
-             Scenario{"Replace", unpack + " -f", "fkd", Peer::none, {"b", "dir/a"}},
+             Scenario{"Extract", extract + "/new", "fsidm"},
+             Scenario{"Replace", extract + " -f", "fkd", Peer::none, {"b", "dir/a"}},
              Scenario{"Check", RAVELINK_PACK " -c @tail.rvl", "fsim"},
              Scenario{"List", RAVELINK_PACK " -l @a.rvl -j", "fwsim"},
          }) {
