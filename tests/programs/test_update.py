@@ -62,13 +62,13 @@ def test_command_lines_that_reach_no_device(ravelink, directory, arguments, line
 
 
 def in_terminal(command):
-    """The lines of a command on a terminal that understands no sequences."""
+    """Returns the lines of a command on a terminal without control sequences."""
     return run(["script", "-qec", "TERM=dumb " + " ".join(command), "/dev/null"],
                stdin=subprocess.DEVNULL).lines
 
 
-@pytest.mark.skipif(WINDOWS_UPDATER, reason="has a console whatever TERM says")
-def test_reports_progress_in_a_line_each_without_sequences(device, directory):
+@pytest.mark.skipif(WINDOWS_UPDATER, reason="has a Win32 console, whatever TERM is")
+def test_prints_each_report_on_a_line_without_control_sequences(device, directory):
     update = directory.write("u", 600_000 * "x")
     lines = in_terminal([*UPDATER, "-o", update, "-a", device().address])
     assert [line.strip("\r") for line in lines[4:7]] == [
@@ -78,20 +78,20 @@ def test_reports_progress_in_a_line_each_without_sequences(device, directory):
 
 @pytest.fixture
 def tmux(directory):
-    """Runs tmux commands with a server of their own."""
+    """Returns a function that runs tmux commands with a server of its own."""
     if shutil.which("tmux") is None:
-        pytest.skip("no tmux, whose screen could be read")
+        pytest.skip("no tmux to read a screen from")
     command = ["tmux", "-f", "/dev/null", "-S", directory.at("@socket")]
     yield lambda *arguments: run(command + list(arguments), stderr=subprocess.DEVNULL).lines
     run(command + ["kill-server"], stderr=subprocess.DEVNULL)
 
 
-def test_reports_progress_in_one_line_of_a_terminal(device, directory, tmux):
+def test_overwrites_reports_on_a_terminal(device, directory, tmux):
     update = directory.write("u", 600_000 * "x")
     command = " ".join([*UPDATER, "-o", update, "-a", device().address])
     tmux("new-session", "-d", "-x", "80", "-y", "24", command + "; sleep 60")
     wait_until(lambda: any("restart itself" in line for line in tmux("capture-pane", "-p")))
-    # Where the colour ends, after the text or at the next one, is the terminal's choice.
+    # Terminals may end the colour after the text or before the next one.
     assert [line.replace("\x1B[39m", "") for line in tmux("capture-pane", "-ep")[3:6]] == [
         "- The device has accepted our request.", "- File completely sent: \x1B[92m585.9 KB",
         "  The update process may take a while. Please wait..."]
@@ -99,7 +99,7 @@ def test_reports_progress_in_one_line_of_a_terminal(device, directory, tmux):
 
 @pytest.mark.parametrize("output", ["| head -1", ">&-", "> /dev/full", pytest.param(
     "<&- >&- 2>&-", marks=pytest.mark.skipif(
-        WINDOWS_UPDATER, reason="Wine takes the connection to its server for standard output"))])
+        WINDOWS_UPDATER, reason="Wine mistakes its connection to the server for standard output"))])
 def test_updates_with_the_output_closed(device, directory, output):
     update = directory.write("u", 1_000_000 * "x")
     served = device()
@@ -110,7 +110,7 @@ def test_updates_with_the_output_closed(device, directory, output):
 def test_updates_with_the_terminal_closed(device, directory, tmux):
     update = directory.write("zürich.rvl", 1_000_000 * "x")
     served = device("-s", directory.write("s.conf", "header = notify Accepted\ndata = wait 1000"))
-    # Windows has no such signal, but Wine dies of it.
+    # Windows has no such signal, but it ends Wine.
     ignored = "trap '' HUP; " if WINDOWS_UPDATER else ""
     tmux("new-session", "-d", f"{ignored}{' '.join(UPDATER)} -o {update} -a {served.address}")
     wait_until(lambda: any("Header" in line for line in served.lines))
@@ -120,23 +120,23 @@ def test_updates_with_the_terminal_closed(device, directory, tmux):
 
 @pytest.fixture
 def namespace(directory, monkeypatch):
-    """The prefix of commands that run in a network of their own, with loopback only."""
+    """Returns the prefix of commands that run in a network namespace with loopback only."""
     root = run(["unshare", "--net", "true"], stderr=subprocess.DEVNULL).status == 0
     options = ["--net"] if root else ["--map-root-user", "--net"]
-    holder = subprocess.Popen(["unshare", *options, "sh", "-c",
+    sleeper = subprocess.Popen(["unshare", *options, "sh", "-c",
                                "ip link set lo up && echo up && exec sleep 600"],
                               stdout=subprocess.PIPE, stderr=subprocess.DEVNULL)
-    if holder.stdout.readline() != b"up\n":
+    if sleeper.stdout.readline() != b"up\n":
         pytest.skip("no network namespaces")
     # Wine's server, which owns the sockets, must run in the namespace.
     wine = directory.path / "wine"
     monkeypatch.setenv("WINEPREFIX", str(wine))
     as_root = [] if root else ["--user", "--preserve-credentials"]
-    yield ["nsenter", "--target", str(holder.pid), "--net", *as_root]
+    yield ["nsenter", "--target", str(sleeper.pid), "--net", *as_root]
     if wine.exists():
         run(["wineserver", "-k"], env={**os.environ, "TMPDIR": str(wine)})
-    holder.kill()
-    holder.wait()
+    sleeper.kill()
+    sleeper.wait()
 
 
 def test_needs_loopback_only_and_reports_an_unreachable_peer(device, directory, namespace):
@@ -149,7 +149,7 @@ def test_needs_loopback_only_and_reports_an_unreachable_peer(device, directory, 
     assert served.lines[-1] == "- The update is complete."
 
 
-# The limits as users meet them: minutes of waiting, so only ./dev test slow runs these.
+# The default timeouts: minutes of waiting, so only ./dev test slow runs these.
 @pytest.mark.slow
 @pytest.mark.skipif(WINDOWS_UPDATER or WINDOWS_DEVICE, reason="takes minutes")
 @pytest.mark.parametrize("scenario, at_least, at_most, end, waits", [
@@ -160,8 +160,8 @@ def test_needs_loopback_only_and_reports_an_unreachable_peer(device, directory, 
     # A wait that begins before the five minutes are over lasts its 10 s.
     ("processing-forever", 300, 315, "*** Timeout error: ", 0),
 ])
-def test_keeps_its_limits(device, directory, ravelink, scenario, at_least, at_most, end, waits):
-    """Waits neither shorter nor much longer than a user is told."""
+def test_keeps_its_timeouts(device, directory, ravelink, scenario, at_least, at_most, end, waits):
+    """Waits neither less nor much longer than documented."""
     update = directory.write("u", 16_000_000 * "x")
     served = device("-s", str(SOURCE / f"examples/scenarios/{scenario}.conf"))
     start = time.monotonic()

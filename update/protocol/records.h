@@ -2,7 +2,10 @@
 
 #include <array>
 #include <bit>
+#include <cstddef>
 #include <cstdint>
+
+#include "core/crc/crc32.h"
 
 /// The records of the update protocol and its numbers. Each record has 16 bytes, four 32-bit words:
 /// big-endian on the wire, in host order in memory.
@@ -114,6 +117,8 @@ constexpr Record swapped(Record const& record) {
 }
 
 /// Returns the CRC-32 of the first three words of a notification in wire order.
-std::uint32_t wireCrc(UpdateNotification const& onWire);
+inline std::uint32_t wireCrc(UpdateNotification const& onWire) {
+    return core::crc32::update(&onWire, offsetof(UpdateNotification, crc), 0);
+}
 
 }  // namespace update

@@ -9,32 +9,32 @@
 namespace {
 
 using namespace update;
-using enum Failure::Kind;
 
 TEST(Failure, DeliveredAndRetryFollowFromPhaseKindAndStatus) {
-    for (auto const& [phase, delivered] : {std::pair<Phase, std::string>{Phase::start, "nothing"},
-                                           {Phase::connection, "nothing"},
-                                           {Phase::request, "request"},
-                                           {Phase::header, "request"},
-                                           {Phase::transfer, "partOfFile"},
-                                           {Phase::trailer, "perhapsAll"},
-                                           {Phase::completion, "perhapsAll"}}) {
-        std::string const late = delivered == "perhapsAll" ? "checkFirst" : "";
-        for (auto const& [kind, retry] : {std::pair<Failure::Kind, std::string>{input, "never"},
-                                          {system, "never"},
-                                          {connection, "safe"},
-                                          {lost, "safe"},
-                                          {timeout, "safe"},
-                                          {protocol, "never"}}) {
-            Failure const failure{{}, kind, phase};
+    using Row = std::pair<std::string, std::string>;
+    Row const phases[] = {{"start", "nothing"},        {"connection", "nothing"},
+                          {"request", "request"},      {"header", "request"},
+                          {"transfer", "partOfFile"},  {"trailer", "perhapsAll"},
+                          {"completion", "perhapsAll"}};
+    Row const kinds[] = {{"input", "never"},   {"system", "never"}, {"connection", "safe"},
+                         {"lost", "safe"},     {"timeout", "safe"}, {"protocol", "never"},
+                         {"rejected", "never"}};
+    for (int i = 0; auto const& [phase, delivered] : phases) {
+        Phase const reached{i++};
+        EXPECT_EQ(nameOf(reached), phase);
+        bool const isLate = delivered == "perhapsAll";
+        for (int j = 0; auto const& [kind, retry] : kinds) {
+            Failure const failure{{}, Failure::Kind{j++}, reached};
+            EXPECT_EQ(nameOf(failure.kind), kind);
             EXPECT_EQ(nameOf(failure.GetDelivered()), delivered);
-            EXPECT_EQ(nameOf(failure.GetRetry()), late.empty() ? retry : late) << nameOf(phase);
+            EXPECT_EQ(nameOf(failure.GetRetry()), isLate ? "checkFirst" : retry) << phase << kind;
         }
         for (std::uint32_t status = 0; status <= 16; ++status) {
-            std::string const early = status == 6 || status == 7 || status == 9 ? "safe" : "never";
-            EXPECT_EQ(nameOf(Failure{{}, rejected, phase, status}.GetRetry()),
-                      late.empty() ? early : late)
-                << status;
+            bool const isTransient = status == 6 || status == 7 || status == 9;
+            Failure const failure{{}, Failure::Kind::rejected, reached, status};
+            EXPECT_EQ(nameOf(failure.GetRetry()), std::string(isLate        ? "checkFirst"
+                                                              : isTransient ? "safe"
+                                                                            : "never"));
         }
     }
 }
