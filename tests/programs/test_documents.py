@@ -42,8 +42,7 @@ def part(text, begin, end):
 # progress, names of programs and single words.
 WAYS = (
     (r'rrors\.Add\("([^"]+)", shown', r"\1: ..."),
-    (r'(?:QuitWithError|rrors_?\.Add|\bfault)\(\s*"([^"]+)",[^";]*"([^"]+)"', r"\1: \2"),
-    (r'"([A-Z>][^"=%]*)=([^"]+)"', r"\1: \2"),
+    (r'(?:QuitWithError|\bfault)\(\s*"([^"]+)",[^";]*"([^"]+)"', r"\1: \2"),
     (r'DeviceStatus::\w+,\s*"([^"]+)",\s*"([^"]+)"', r"\1: \2"),
     (r'file(?:Fault|Error)\("([^"]+)"', r"\1: `...`: ..."),
     (r'"((?:it (?!changed)|a |another )[^"]+)"', r"File not extracted: file[...], `...`: \1"),
@@ -54,7 +53,7 @@ UNDOCUMENTED = re.compile(r"(- | |>  ).*|.*\\n|((?![A-Za-z] [A-Za-z]).)*", re.S)
 
 
 def sources(program, look=r".*\.(cpp|h)"):
-    """All sources of a program's directory whose names match."""
+    """Returns the text of all sources in a program's directory whose names match."""
     files = (SOURCE / DIRECTORIES[program]).rglob("*")
     return "".join(file.read_text() for file in sorted(files) if re.fullmatch(look, file.name))
 
