@@ -40,7 +40,7 @@ endif()
 
 # What other projects link: ravelink::core, the foundation library, and ravelink::session.
 set(foundation sys_platform core_object core_text core_time core_console core_crc core_stream
-               sys_services core_runtime core_net core_archive)
+               sys core_runtime core_net core_archive)
 add_library(foundation INTERFACE)
 add_library(ravelink::core ALIAS foundation)
 target_link_libraries(foundation INTERFACE ${foundation})
