@@ -44,8 +44,9 @@ public:
         record = update::swapped(record);
         return true;
     }
+    /// The reason of the last failure: ended, timedOut or stopped.
     UpdateResult StopReason() const { return stopReason_; }
-    /// Whether a pause or a send has failed.
+    /// Whether a pause or a send has failed; StopReason returns why.
     bool IsBroken() const { return broken_; }
     /// Receives and discards data, without a timeout, until the updater disconnects or the device
     /// is stopped.

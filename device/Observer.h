@@ -24,16 +24,19 @@ class Observer {
 public:
     virtual ~Observer() = default;
 
+    /// A connection from peer, "IP|Port", was accepted.
     virtual void OnConnection(core::String const& /*peer*/) {}
     /// The bytes of a record in wire order, or those received of an incomplete one. Called before
     /// the event of the record.
     virtual void OnReceived(void const* /*bytes*/, int /*length*/) {}
     /// The device has sent bytes. Called before OnNotification, if they contain a notification.
     virtual void OnSent(void const* /*bytes*/, int /*length*/) {}
+    /// A record was received, valid or not; the same for header and trailer.
     virtual void OnRequest(update::UpdateRequest const& /*request*/) {}
     virtual void OnHeader(update::UpdateTransferHeader const& /*header*/) {}
+    /// A chunk of the file was received.
     virtual void OnData(void const* /*bytes*/, int /*length*/) {}
-    /// The whole file is received; crc is the CRC-32 of the received bytes.
+    /// The whole file was received; crc is the CRC-32 of the received bytes.
     virtual void OnFile(std::uint32_t /*size*/, std::uint32_t /*crc*/) {}
     /// The update was read as an archive of this many files; result is that of
     /// StreamSequencerReader::Check. Only if the device accepts only archives.
@@ -47,6 +50,7 @@ public:
     virtual void OnTrailer(update::UpdateTransferTrailer const& /*trailer*/) {}
     /// The device has sent a valid notification.
     virtual void OnNotification(std::uint32_t /*code*/, std::uint32_t /*value*/) {}
+    /// The session has ended. The last event of a connection.
     virtual void OnEnd(UpdateResult /*result*/) {}
 };
 

@@ -21,7 +21,7 @@ BANNER = f"ravelink-device {VERSION} (Halvoren) - Simulated Device"
 
 
 def test_logs_and_stores_many_updates_at_once(device, directory):
-    """More devices than a server socket has addresses. They answer the header, so that nothing waits."""
+    """More devices than a server socket has addresses. They answer the header, which saves waiting."""
     count = 34
     # Terminals interpret U+061C as a direction mark.
     stored = directory.path / "a=\u061C"
