@@ -68,24 +68,10 @@ constexpr Table pictures[] = {
     {0x1E, "~[K~[4;mX abc|d{801E}X{7}^|ghi"}};
 
 struct Cell {
-    char text;
+    wchar_t text;
     std::uint16_t attribute;
 };
 using CellAt = std::function<Cell(sys::Screen::Position)>;
-
-/// Shows three rows of text in attribute 7, with the cursor in the second.
-inline void prepare(sys::Screen& screen, std::uint16_t before) {
-    sys::Screen::Info info{};
-    ASSERT_TRUE(screen.read(info));
-    // Resets the state that the last row left in the process.
-    core::Console::write(screen, "\x1B[m\x1B[H\x1B[s", false);
-    screen.moveWindow(static_cast<std::int16_t>(-info.windowTop));
-    screen.fillBlanks({0, 0}, info.width * info.height);
-    screen.fillAttribute({0, 0}, info.width * info.height, 7);
-    screen.write("abc\ndef\nghi");
-    screen.setCursor({1, 1});
-    screen.setAttribute(before);
-}
 
 inline std::string picture(sys::Screen& screen, CellAt const& cellAt) {
     sys::Screen::Info info{};
@@ -104,7 +90,7 @@ inline std::string picture(sys::Screen& screen, CellAt const& cellAt) {
                 line << '^';
                 outside = false;
             }
-            line << (cell.text == ' ' ? '.' : cell.text);
+            line << (cell.text == L' ' ? '.' : static_cast<char>(cell.text));
         }
         std::string const full = line.str();
         out << (row > 0 ? "|" : "") << full.substr(0, full.find_last_not_of('.') + 1);
@@ -118,11 +104,21 @@ inline std::string picture(sys::Screen& screen, CellAt const& cellAt) {
     return out.str();
 }
 
-/// Writes each row at once and compares the screen. Returns the number of rows.
+/// Writes each row to a screen with three rows of text in attribute 7 and the cursor in the second,
+/// and compares the picture. Returns the number of rows.
 inline int check(sys::Screen& screen, CellAt const& cellAt) {
     int count = 0;
     auto const write = [&](std::uint16_t before, std::string const& text) {
-        prepare(screen, before);
+        sys::Screen::Info info{};
+        EXPECT_TRUE(screen.read(info));
+        // Resets the state that the last row left in the process.
+        core::Console::write(screen, "\x1B[m\x1B[H\x1B[s", false);
+        screen.moveWindow(static_cast<std::int16_t>(-info.windowTop));
+        screen.fillBlanks({0, 0}, info.width * info.height);
+        screen.fillAttribute({0, 0}, info.width * info.height, 7);
+        screen.write("abc\ndef\nghi");
+        screen.setCursor({1, 1});
+        screen.setAttribute(before);
         core::Console::write(screen, support::replaced(text, "~", "\x1B").c_str(), false);
         ++count;
         return support::replaced(picture(screen, cellAt), "\x1B", "~");

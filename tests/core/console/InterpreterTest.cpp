@@ -16,7 +16,7 @@ TEST(Interpreter, StartsWithGreyOnBlackAndTheFirstCell) {
 TEST(Interpreter, ExecutesSequences) {
     MemoryScreen screen(80, 30, 25);
     auto const cellAt = [&](auto at) {
-        return interpreter::Cell{screen.TextAt(at), screen.AttributeAt(at)};
+        return interpreter::Cell{static_cast<wchar_t>(screen.TextAt(at)), screen.AttributeAt(at)};
     };
     EXPECT_GT(interpreter::check(screen, cellAt), 150);
 }

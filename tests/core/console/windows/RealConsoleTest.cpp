@@ -26,19 +26,14 @@ public:
 
     HANDLE Handle() const { return handle_; }
 
-    wchar_t CharacterAt(COORD position) const {
-        wchar_t character = 0;
-        DWORD count = 0;
-        ReadConsoleOutputCharacterW(handle_, &character, 1, position, &count);
-        return character;
-    }
-
     interpreter::Cell At(sys::Screen::Position at) const {
         COORD const position{at.column, at.row};
+        wchar_t character = 0;
         WORD attribute = 0;
         DWORD count = 0;
+        ReadConsoleOutputCharacterW(handle_, &character, 1, position, &count);
         ReadConsoleOutputAttribute(handle_, &attribute, 1, position, &count);
-        return {static_cast<char>(CharacterAt(position)), attribute};
+        return {character, attribute};
     }
 
 private:
@@ -56,8 +51,8 @@ TEST(RealConsole, ExecutesSequences) {
 TEST(RealConsole, ShowsUnicode) {
     ScreenBuffer const buffer;
     core::Console::write("\x1B[Hz\xc3\xbcrich \x1B[91m\xce\xa9\x1B[39m", true);
-    EXPECT_EQ(buffer.CharacterAt({1, 0}), L'\u00fc');
-    EXPECT_EQ(buffer.CharacterAt({7, 0}), L'\u03a9');
+    EXPECT_EQ(buffer.At({1, 0}).text, L'\u00fc');
+    EXPECT_EQ(buffer.At({7, 0}).text, L'\u03a9');
     EXPECT_EQ(buffer.At({7, 0}).attribute, 12);
 }
 
@@ -66,7 +61,7 @@ TEST(RealConsole, ExecutesSequencesOnAHandleAndWritesTextToStandardOutput) {
     {
         ScreenBuffer const output;
         core::Console::write(given.Handle(), "\x1B[2;1H\x1B[31mX", false);
-        EXPECT_EQ(output.At({0, 0}).text, 'X');
+        EXPECT_EQ(output.At({0, 0}).text, L'X');
     }
     core::Console::write("Y", false);
     EXPECT_EQ(given.At({0, 1}).attribute, 4);
