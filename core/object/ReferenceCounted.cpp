@@ -10,12 +10,14 @@ namespace core {
 
 namespace {
 
+constexpr bool recursive = true;
+
 struct ReferenceLock {
     sys::locker counts;
     sys::locker guard;
     unsigned users = 0;
 
-    ReferenceLock() { guard.init(true); }
+    ReferenceLock() { guard.init(recursive); }
 };
 
 /// Returns the lock, which is never destroyed: static objects may change references at exit.
@@ -30,7 +32,7 @@ void _initReferenceMutex() {
     ReferenceLock& lock = referenceLock();
     std::lock_guard guarded(lock.guard);
     if (lock.users++ == 0) {
-        lock.counts.init(true);
+        lock.counts.init(recursive);
     }
 }
 

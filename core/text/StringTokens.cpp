@@ -7,15 +7,18 @@ namespace core {
 
 namespace {
 
-/// Splits text at the delimiter at found; keeps one part in text and returns the other.
-String split(String& text, int found, bool keepLeft) {
+enum class Keep { left, right };
+
+/// Splits text at the delimiter at found; keeps one part in text and returns the other, or the
+/// whole text if found is negative.
+String split(String& text, int found, Keep keep) {
     if (found < 0) {
         return std::exchange(text, String());
     }
-    String const left = text.Left(found);
-    String const right = text.Copy(found + 1);
-    text = keepLeft ? left : right;
-    return keepLeft ? right : left;
+    String left = text.Left(found);
+    String right = text.Copy(found + 1);
+    text = keep == Keep::left ? left : right;
+    return keep == Keep::left ? right : left;
 }
 
 constexpr std::string_view whiteSpace = " \t\r\n";
@@ -61,11 +64,11 @@ int String::Split(StringArray& out, char delimiter) const {
 }
 
 String String::ExtractNextToken(String const& delimiters) {
-    return split(*this, FindDelimiter(delimiters), false);
+    return split(*this, FindDelimiter(delimiters), Keep::right);
 }
 
 String String::ExtractNextToken(char delimiter) {
-    return split(*this, Find(delimiter), false);
+    return split(*this, Find(delimiter), Keep::right);
 }
 
 String String::ExtractNextToken(String const& delimiters, String const& quotes) {
@@ -77,18 +80,18 @@ String String::ExtractNextToken(String const& delimiters, String const& quotes) 
         } else if (quotes.Find(text[i]) >= 0) {
             open = text[i];
         } else if (delimiters.Find(text[i]) >= 0) {
-            return split(*this, static_cast<int>(i), false);
+            return split(*this, static_cast<int>(i), Keep::right);
         }
     }
-    return split(*this, -1, false);
+    return split(*this, -1, Keep::right);
 }
 
 String String::ExtractLastToken(String const& delimiters) {
-    return split(*this, LastDelimiter(delimiters), true);
+    return split(*this, LastDelimiter(delimiters), Keep::left);
 }
 
 String String::ExtractLastToken(char delimiter) {
-    return split(*this, RFind(delimiter), true);
+    return split(*this, RFind(delimiter), Keep::left);
 }
 
 String String::Quote(char quote) const {
