@@ -6,7 +6,7 @@
 #include "core/text/String.h"
 #include "core/text/message.h"
 #include "sys/AtomicFile.h"
-#include "sys/platform/FilesBelow.h"
+#include "sys/platform/Files.h"
 
 namespace pack {
 

@@ -5,7 +5,7 @@
 
 #include "core/console/lines.h"
 #include "core/text/StringArray.h"
-#include "sys/platform/InterruptWatch.h"
+#include "sys/platform/Process.h"
 
 namespace program {
 
@@ -38,10 +38,10 @@ void Program::Main(int argc, char const* const* argv) {
     } else if (identity_.interruption == Interruption::endProcess) {
         Run();
     } else {
-        sys::platform::InterruptWatch watch([] { RequestTermination(normalRequest); });
+        sys::platform::InterruptHandler handler([] { RequestTermination(normalRequest); });
         Run();
         if (identity_.interruption == Interruption::terminateAndEndProcess) {
-            watch.EndIfInterrupted();
+            handler.EndIfInterrupted();
         }
     }
 }

@@ -5,7 +5,7 @@
 
 #include "core/runtime/Application.h"
 #include "core/text/message.h"
-#include "sys/platform/Arguments.h"
+#include "sys/platform/Process.h"
 
 namespace program {
 
@@ -74,7 +74,7 @@ int run(int argc, char** argv) {
     try {
         Derived program;
         sys::platform::Arguments const arguments(argc, argv);
-        program.Main(arguments.Count(), arguments.Words());
+        program.Main(arguments.Count(), arguments.Values());
         return program.Result();
     } catch (std::exception const& exception) {
         printErrors({errorFromException(exception)});

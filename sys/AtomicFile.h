@@ -2,7 +2,7 @@
 
 #include "core/stream/HandleStream.h"
 #include "core/text/String.h"
-#include "sys/platform/FilesBelow.h"
+#include "sys/platform/Files.h"
 
 namespace sys {
 

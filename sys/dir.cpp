@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-#include "sys/platform/Folders.h"
+#include "sys/platform/Files.h"
 
 namespace sys::dir {
 
@@ -13,7 +13,7 @@ namespace {
 
 /// Creates the directory unless it exists.
 int ensure(core::String const& path) {
-    int const result = platform::createFolder(path.getCString());
+    int const result = platform::createDirectory(path.getCString());
     // After the attempt: another process may create it meanwhile. The root of a drive exists, but
     // creating it fails for another reason.
     platform::FileStatus status;
@@ -29,17 +29,17 @@ int ensure(core::String const& path) {
 }  // namespace
 
 int change(core::String const& path) {
-    return platform::changeFolder(path.getCString());
+    return platform::changeDirectory(path.getCString());
 }
 
 core::String current() {
     std::string path;
-    return platform::currentFolder(path) == 0 ? path.c_str() : "";
+    return platform::currentDirectory(path) == 0 ? path.c_str() : "";
 }
 
 int create(core::String const& path, bool recursive) {
     if (!recursive) {
-        return platform::createFolder(path.getCString());
+        return platform::createDirectory(path.getCString());
     }
     if (path.IsEmpty()) {
         return -ENOENT;

@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "sys/platform/Environment.h"
+#include "sys/platform/Process.h"
 
 namespace sys::env {
 

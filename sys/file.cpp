@@ -6,7 +6,7 @@
 #include "core/crc/crc32.h"
 #include "sys/dir.h"
 #include "sys/openRegular.h"
-#include "sys/platform/Folders.h"
+#include "sys/platform/Files.h"
 
 namespace sys::file {
 
@@ -56,7 +56,7 @@ int calculatesCRC32(core::String const& path, unsigned int& crc) {
 }
 
 bool isDirectory(core::String const& path) {
-    return platform::checkFolder(path.getCString()) == 0;
+    return platform::checkDirectory(path.getCString()) == 0;
 }
 
 Type getType(core::String const& path) {
@@ -69,7 +69,7 @@ int stat(core::String const& path, stats* status) {
 }
 
 core::String getTempPath() {
-    core::String const folder(platform::temporaryFolder().c_str());
+    core::String const folder(platform::temporaryDirectory().c_str());
     return folder.ForceNoTrailingPathDelimiter().ForceTrailingPathDelimiter();
 }
 

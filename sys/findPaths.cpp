@@ -4,20 +4,21 @@
 #include <vector>
 
 #include "sys/matchesPattern.h"
-#include "sys/platform/Folders.h"
+#include "sys/platform/Files.h"
 
 namespace sys {
 
 int findPaths(core::String const& folder, core::String const& pattern, bool subFolders,
               bool folders, core::StringArray& paths) {
-    std::vector<platform::FolderEntry> entries;
-    int const result = platform::listFolder(folder.IsEmpty() ? "." : folder.getCString(), entries);
+    std::vector<platform::DirectoryEntry> entries;
+    int const result =
+        platform::listDirectory(folder.IsEmpty() ? "." : folder.getCString(), entries);
     if (result != 0) {
         return result;
     }
     std::sort(entries.begin(), entries.end(),
               [](auto const& left, auto const& right) { return left.name < right.name; });
-    for (platform::FolderEntry const& entry : entries) {
+    for (platform::DirectoryEntry const& entry : entries) {
         bool const isFolder = entry.type == platform::FileType::directory;
         core::String const path = folder.AppendNewPath(entry.name.c_str());
         if ((folders || !isFolder) && matchesPattern(entry.name, pattern.View())) {

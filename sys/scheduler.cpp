@@ -2,7 +2,7 @@
 
 #include <atomic>
 
-#include "sys/platform/Ticks.h"
+#include "sys/platform/Process.h"
 
 namespace sys::scheduler {
 

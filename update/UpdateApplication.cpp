@@ -19,7 +19,7 @@ char const optionGrammar[] = "h|help=0>o|origin=1>a|address=1>t|type=1>i|id=1";
 UpdateApplication::UpdateApplication()
     : Program({"ravelink", "Ethernet Updater\n", optionGrammar, showUsage}) {
     // Closing a window must not leave a device half updated.
-    sys::platform::outliveTerminal();
+    sys::platform::ignoreTerminalClose();
 }
 
 void UpdateApplication::ShowUsageErrors(std::vector<core::Fault> const& faults) {

@@ -7,7 +7,6 @@
 
 #include "core/console/ConsoleInterpreter.h"
 #include "core/text/TextBuilder.h"
-#include "sys/platform/Screen.h"
 #include "sys/platform/Terminal.h"
 
 namespace core {
@@ -23,7 +22,7 @@ void writeTo(sys::Screen* screen, StandardStream stream, String const& text, boo
     if (screen != nullptr) {
         return Console::write(*screen, text, newline);
     }
-    bool const pass = sys::platform::terminalTakesSequences(stream);
+    bool const pass = sys::platform::supportsControlSequences(stream);
     String out = pass ? text : Console::withoutSequences(text);
     if (newline) {
         out.Append('\n');

@@ -152,7 +152,7 @@ void ConsoleInterpreter::Write(std::string_view text, bool newline) {
     ConsoleSegment segment = ConsoleSegment::ParseNext(text);
     for (; segment.command != '\0'; segment = ConsoleSegment::ParseNext(text)) {
         if (!segment.plain.empty()) {
-            screen_.write(segment.plain);
+            screen_.Write(segment.plain);
         }
         Execute(segment.command, String(segment.parameters));
     }
@@ -163,7 +163,7 @@ void ConsoleInterpreter::Write(std::string_view text, bool newline) {
         rest.Append('\n');
     }
     if (!rest.IsEmpty()) {
-        screen_.write(rest.View());
+        screen_.Write(rest.View());
     }
 }
 
@@ -195,7 +195,7 @@ void ConsoleInterpreter::Execute(char command, String const& parameters) {
         case 's':
             return SaveCursor();
         case 'u':
-            return screen_.setCursor({savedColumn, savedRow});
+            return screen_.SetCursor({savedColumn, savedRow});
         default:
             return;
     }
@@ -204,7 +204,7 @@ void ConsoleInterpreter::Execute(char command, String const& parameters) {
 void ConsoleInterpreter::MoveCursor(char command, String const& parameters) {
     Info info;
     bool const valid = parameters.IsEmpty() || parameters.IsDecimal32();
-    if (!valid || !screen_.read(info)) {
+    if (!valid || !screen_.Read(info)) {
         return;
     }
     long long const n = parameters.ToDecimal32(1);
@@ -232,13 +232,13 @@ void ConsoleInterpreter::MoveTo(long long row, long long column) {
     // Ignore positions beyond 16 bits; the console rejects all others outside its buffer, so the
     // cursor stays and is not clamped.
     if (std::in_range<std::int16_t>(row) && std::in_range<std::int16_t>(column)) {
-        screen_.setCursor({static_cast<std::int16_t>(column), static_cast<std::int16_t>(row)});
+        screen_.SetCursor({static_cast<std::int16_t>(column), static_cast<std::int16_t>(row)});
     }
 }
 
 void ConsoleInterpreter::EraseScreen(int what) {
     Info info;
-    if (!screen_.read(info)) {
+    if (!screen_.Read(info)) {
         return;
     }
     auto const [column, row] = info.cursor;
@@ -259,7 +259,7 @@ void ConsoleInterpreter::EraseScreen(int what) {
 
 void ConsoleInterpreter::EraseLine(int what) {
     Info info;
-    if (!screen_.read(info)) {
+    if (!screen_.Read(info)) {
         return;
     }
     auto const [column, row] = info.cursor;
@@ -276,31 +276,31 @@ void ConsoleInterpreter::EraseLine(int what) {
 }
 
 void ConsoleInterpreter::Erase(Position from, int count) {
-    screen_.fillBlanks(from, count);
-    screen_.fillAttribute(from, count, currentAttribute);
+    screen_.FillBlanks(from, count);
+    screen_.FillAttribute(from, count, currentAttribute);
 }
 
 void ConsoleInterpreter::Scroll(int rows) {
     Info info;
     // Check only the way up: the console itself limits the way down.
-    if (screen_.read(info) && -rows <= info.windowTop) {
-        screen_.moveWindow(static_cast<std::int16_t>(std::min(rows, INT16_MAX)));
+    if (screen_.Read(info) && -rows <= info.windowTop) {
+        screen_.MoveWindow(static_cast<std::int16_t>(std::min(rows, INT16_MAX)));
     }
 }
 
 void ConsoleInterpreter::SetRendition(String codes) {
     Info info;
-    std::uint16_t attribute = screen_.read(info) ? info.attribute : std::uint16_t{0};
+    std::uint16_t attribute = screen_.Read(info) ? info.attribute : std::uint16_t{0};
     currentAttribute = attribute;
     while (applyNextSgr(codes, attribute)) {
         currentAttribute = attribute;
-        screen_.setAttribute(attribute);
+        screen_.SetAttribute(attribute);
     }
 }
 
 void ConsoleInterpreter::SaveCursor() {
     Info info;
-    if (screen_.read(info)) {
+    if (screen_.Read(info)) {
         savedColumn = info.cursor.column;
         savedRow = info.cursor.row;
     }

@@ -3,7 +3,7 @@
 #include <string_view>
 
 #include "core/text/String.h"
-#include "sys/platform/Screen.h"
+#include "sys/platform/Terminal.h"
 
 namespace core {
 

@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "core/net/SocketAddr.h"
-#include "sys/platform/Interfaces.h"
+#include "sys/platform/Sockets.h"
 
 namespace core {
 
@@ -66,7 +66,7 @@ bool InterfaceAddress::SameAddress(String const& address) const {
 bool InterfaceAddress::GetInterfacesList(List& list, SocketDomain domain) {
     list.Clear();
     Selection wanted{list, domain};
-    return sys::platform::listInterfaces(&addEntry, &wanted);
+    return sys::platform::listInterfaces(&addEntry, &wanted) == 0;
 }
 
 bool InterfaceAddress::GetInterfacesList(List& list) {

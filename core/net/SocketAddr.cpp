@@ -8,7 +8,7 @@
 namespace core {
 
 SocketAddr::SocketAddr(void const* bytes, int length) {
-    int const room = sys::platform::addressRoom;
+    int const room = sys::platform::maxAddressLength;
     if (length != 0 && length >= -room && length <= room) {
         length_ = length;
         std::memcpy(bytes_.data(), bytes, static_cast<std::size_t>(GetSize()));

@@ -34,7 +34,7 @@ public:
     SocketResult GetName(String& out, bool numeric) const;
 
 private:
-    alignas(8) std::array<unsigned char, sys::platform::addressRoom> bytes_{};
+    alignas(8) std::array<unsigned char, sys::platform::maxAddressLength> bytes_{};
     int length_ = 0;
 };
 

@@ -30,7 +30,7 @@ SocketResult firstSuccess(ClassRef<AddressInfo> const& info, Attempt attempt) {
 /// Stores the address that call reads; on failure address is unchanged.
 SocketResult readAddress(AddressCall call, platform::SocketHandle handle,
                          ClassRef<SocketAddr>& address) {
-    unsigned char bytes[platform::addressRoom];
+    unsigned char bytes[platform::maxAddressLength];
     int length = sizeof bytes;
     int const result = call(handle, bytes, length);
     if (result != 0) {
@@ -143,7 +143,7 @@ SocketResult Socket::Listen() {
 }
 
 SocketResult Socket::Accept(ClassRef<Socket>& accepted) {
-    unsigned char bytes[platform::addressRoom];
+    unsigned char bytes[platform::maxAddressLength];
     int length = sizeof bytes;
     // Allocate first, so that the accepted handle always has an owner.
     ClassRef<Socket> const next(new Socket);

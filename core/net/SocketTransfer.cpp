@@ -154,7 +154,7 @@ int Socket::Broadcast(void const* data, int length, int port) {
 }
 
 int Socket::RecvFrom(void* buffer, int length, ClassRef<SocketAddr>& from) {
-    unsigned char bytes[platform::addressRoom];
+    unsigned char bytes[platform::maxAddressLength];
     int size = sizeof bytes;
     int const got = Remember(platform::receiveDatagram(handle_, buffer, length, bytes, size));
     if (got >= 0) {

@@ -5,7 +5,7 @@
 
 #include "core/text/TextBuilder.h"
 #include "core/text/printable.h"
-#include "sys/platform/ErrorText.h"
+#include "sys/platform/Process.h"
 
 namespace core {
 

@@ -2,15 +2,15 @@
 
 namespace sys {
 
-/// How a system writes paths.
+/// The path syntax of a platform.
 struct PathStyle {
     /// The character written between two names.
     char delimiter;
-    /// All characters that the operating system accepts as a delimiter, as a set.
+    /// The set of characters accepted as a delimiter.
     char const* delimiters;
     /// The character between two directories of a list such as PATH.
     char listSeparator;
-    /// Whether a path may begin with a drive ("C:") or with two delimiters and a host.
+    /// Whether a path may start with a drive ("C:") or with two delimiters and a host.
     bool hasDrives;
 };
 
@@ -18,7 +18,7 @@ struct PathStyle {
 inline constexpr PathStyle posixPathStyle{'/', "/", ':', false};
 inline constexpr PathStyle windowsPathStyle{'\\', "\\/", ';', true};
 
-/// The style of the system that the program runs on.
+/// Returns the style of the platform that the program runs on.
 PathStyle const& pathStyle();
 
 }  // namespace sys

@@ -1,29 +1,78 @@
 #pragma once
 
+#include <cstdint>
+#include <memory>
 #include <string>
 #include <vector>
 
 namespace sys::platform {
 
-/// Prepares the process for network work; called once at start-up. A write to a peer or a reader
-/// that has closed, and a write beyond the file size limit, fail instead of ending the process.
-/// Files and sockets opened later cannot take the place of a standard stream that the caller has
-/// closed.
+/// Prepares the process for network work; call it once, at start-up. Writes to a closed connection
+/// or pipe, and writes beyond the file size limit, fail instead of ending the process. Files and
+/// sockets opened later cannot get the number of a standard stream that is closed.
 void prepareProcess();
 
-/// From now on the process goes on when its terminal or console is closed, for as long as the
-/// system lets it.
-void outliveTerminal();
+/// Keeps the process running, as long as the operating system allows, after its terminal or console
+/// closes.
+void ignoreTerminalClose();
 
-/// The words of the process's command line in UTF-8, its own name first; argc and argv are what
-/// main was given.
-std::vector<std::string> programArguments(int argc, char const* const* argv);
+/// The arguments of the process in UTF-8, its own name first. Created in main, from its parameters.
+class Arguments {
+public:
+    Arguments(int argc, char const* const* argv);
 
-/// The number of the calling thread; no other running thread of the process has it.
+    int Count() const { return static_cast<int>(values_.size()); }
+    /// Returns Count() strings, which are valid as long as this object.
+    char const* const* Values() const { return pointers_.data(); }
+
+private:
+    static std::vector<std::string> Read(int argc, char const* const* argv);
+
+    std::vector<std::string> const values_;
+    std::vector<char const*> pointers_;
+};
+
+/// Stores the value of an environment variable. Returns false if there is none of that name.
+bool environmentValue(char const* name, std::string& value);
+/// Returns all environment variables as "name=value", in their own order.
+std::vector<std::string> environmentEntries();
+
+/// Returns the operating system's message for one of its error numbers, without a line end; the C
+/// library's message for a number unknown to the operating system.
+std::string errorText(int number);
+
+/// Returns a count of milliseconds, 32 bits wide: it wraps to 0 after about 49.7 days.
+std::uint32_t tickCount();
+/// Sleeps ms milliseconds, even if signals arrive; 0 gives up the rest of the time slice.
+void sleepMilliseconds(std::uint32_t ms);
+
+/// Returns the number of the calling thread, unique among the running threads of the process.
 unsigned currentThreadId();
-
-/// Names the calling thread for debuggers and system tools; a name too long is cut, an empty one
-/// changes nothing.
+/// Names the calling thread for debuggers and system tools. A long name is truncated, an empty one
+/// is ignored.
 void nameThread(char const* name);
+
+/// While alive, calls a function on Ctrl-C, Ctrl-Break or a termination request instead of ending
+/// the process. A second one ends it at once. Only one handler may exist. Create it before other
+/// threads, and destroy it on the thread that created it. Without memory or threads for it,
+/// interruptions end the process as usual.
+class InterruptHandler {
+public:
+    /// Calls act at most once, on a thread of its own.
+    explicit InterruptHandler(void (*act)());
+    InterruptHandler(InterruptHandler const&) = delete;
+    InterruptHandler& operator=(InterruptHandler const&) = delete;
+    /// Waits for act to return, if it was called. Later termination requests are ignored: the
+    /// process is about to exit.
+    ~InterruptHandler();
+
+    /// Ends the process the way the interruption would have ended it without this handler. Returns
+    /// if there was none.
+    void EndIfInterrupted();
+
+private:
+    struct State;
+    std::unique_ptr<State> state_;
+};
 
 }  // namespace sys::platform

@@ -77,7 +77,7 @@ int localAddress(SocketHandle socket, void* address, int& length);
 int peerAddress(SocketHandle socket, void* address, int& length);
 
 /// The size of the largest address, in bytes.
-inline constexpr int addressRoom = 128;
+inline constexpr int maxAddressLength = 128;
 /// Returns the domain of an address of length bytes.
 SocketDomain domainOf(void const* address, int length);
 
@@ -105,5 +105,18 @@ int nameOfAddress(void const* address, int length, char* host, int hostSize, cha
 enum class ResolverFailure { temporary, badFlags, permanent, family, memory, noName, other };
 /// Classifies an error number of the resolver other than 0.
 ResolverFailure resolverFailure(int error);
+
+/// An address of a network interface of this machine. The pointers are valid during the call that
+/// passes it.
+struct InterfaceEntry {
+    char const* name;
+    void const* address;
+    int addressLength;
+    void const* mask;  ///< null if the address has none
+    int maskLength;
+};
+
+/// Calls each with every IPv4 and IPv6 address of the machine's interfaces, and with context.
+int listInterfaces(void (*each)(InterfaceEntry const& entry, void* context), void* context);
 
 }  // namespace sys::platform

@@ -1,5 +1,5 @@
-// What every system's socket interface has under the same names. Each system's Sockets.cpp includes
-// this once, behind the system's own headers.
+// The calls that have the same names on both platforms. Sockets.cpp includes this once, after the
+// headers of its platform.
 
 namespace sys::platform {
 
@@ -94,8 +94,8 @@ int resolve(char const* host, char const* service, SocketDomain domain, SocketTy
     hints.ai_socktype = typeNumber(type);
     hints.ai_protocol = protocolNumber(type);
     addrinfo* found = nullptr;
-    // AI_ADDRCONFIG finds not even 127.0.0.1 on a machine without a network: an address in numbers
-    // is taken without it.
+    // On a machine without a network, AI_ADDRCONFIG would not even find 127.0.0.1: resolve numeric
+    // addresses without it.
     hints.ai_flags = AI_NUMERICHOST | AI_V4MAPPED;
     int error = getaddrinfo(host, service, &hints, &found);
     if (error == EAI_NONAME) {

@@ -5,17 +5,17 @@
 
 namespace sys {
 
-/// The library's lock, a plain one until init chooses; std::lock_guard accepts it.
+/// A lock, plain until init makes it recursive; std::lock_guard accepts it.
 class locker {
 public:
-    /// Makes it a plain or a recursive lock, which the thread that holds it may lock again.
-    /// No thread may hold the lock meanwhile.
+    /// Makes it a plain or a recursive lock; its owner may lock a recursive one again. No thread
+    /// may own the lock meanwhile.
     void init(bool recursive = false);
-    /// Waits until the lock is free and takes it.
+    /// Waits until the lock is free and locks it.
     void lock();
-    /// Gives the lock back; the caller must hold it.
+    /// Unlocks; the calling thread must own the lock.
     void unlock();
-    /// Makes it a plain lock again. No thread may hold it.
+    /// Makes it a plain lock again. No thread may own the lock.
     void done();
 
 private:

@@ -7,7 +7,7 @@
 #include "sys/cmd.h"
 #include "sys/env.h"
 #include "sys/pid.h"
-#include "sys/platform/Environment.h"
+#include "sys/platform/Process.h"
 #include "sys/platform/locker.h"
 #include "tests/support/PrintText.h"
 #include "tests/support/system.h"

@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "fuzz/require.h"
-#include "sys/platform/Screen.h"
+#include "sys/platform/Terminal.h"
 
 /// A screen in memory that checks the promises of its callers.
 class MemoryScreen : public sys::Screen {
@@ -32,20 +32,20 @@ public:
     /// The rows of the last move of the window.
     std::int16_t LastMove() const { return lastMove_; }
 
-    bool read(Info& info) override {
+    bool Read(Info& info) override {
         info = info_;
         return !closed;
     }
-    void setCursor(Position at) override {
+    void SetCursor(Position at) override {
         if (IsInside(at)) {
             info_.cursor = at;
         }
     }
-    void setAttribute(std::uint16_t attribute) override {
+    void SetAttribute(std::uint16_t attribute) override {
         requireAttribute(attribute);
         info_.attribute = attribute;
     }
-    void write(std::string_view text) override {
+    void Write(std::string_view text) override {
         require(!text.empty());
         lastText_ = text;
         written_ += text;
@@ -60,12 +60,12 @@ public:
             }
         }
     }
-    void fillBlanks(Position from, int count) override { Fill(text_, from, count, ' '); }
-    void fillAttribute(Position from, int count, std::uint16_t attribute) override {
+    void FillBlanks(Position from, int count) override { Fill(text_, from, count, ' '); }
+    void FillAttribute(Position from, int count, std::uint16_t attribute) override {
         requireAttribute(attribute);
         Fill(attributes_, from, count, attribute);
     }
-    void moveWindow(std::int16_t rows) override {
+    void MoveWindow(std::int16_t rows) override {
         lastMove_ = rows;
         int const top = info_.windowTop + rows;
         if (top >= 0 && top + shown_ <= info_.height) {

@@ -1,15 +1,27 @@
 #include "sys/platform/Files.h"
 
+#include <dirent.h>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
+#include <memory>
 #include <utility>
 
-#include "sys/platform/posix/results.h"
+#include "sys/platform/PathStyle.h"
+#include "sys/platform/posix/system.h"
+
+namespace sys {
+
+PathStyle const& pathStyle() {
+    return posixPathStyle;
+}
+
+}  // namespace sys
 
 namespace sys::platform {
 
@@ -34,8 +46,6 @@ int descriptor(FileHandle file) {
     return static_cast<int>(file);
 }
 
-}  // namespace
-
 FileType fileTypeOf(mode_t mode) {
     static constexpr struct {
         mode_t bits;
@@ -53,7 +63,8 @@ FileType fileTypeOf(mode_t mode) {
     return FileType::other;
 }
 
-int takeStatus(int result, struct stat const& found, FileStatus& status) {
+/// Stores what a stat call found. Returns 0 or the negative errno value of result.
+int storeStatus(int result, struct stat const& found, FileStatus& status) {
     if (result != 0) {
         return -errno;
     }
@@ -63,6 +74,33 @@ int takeStatus(int result, struct stat const& found, FileStatus& status) {
     status.number = found.st_ino;
     return 0;
 }
+
+/// Assigns a string that the C library allocated, and frees it; null is a failed call.
+int assignAndFree(char* allocated, std::string& text) {
+    if (allocated == nullptr) {
+        return -errno;
+    }
+    std::unique_ptr<char, decltype(&std::free)> const owner(allocated, &std::free);
+    text = allocated;
+    return 0;
+}
+
+/// Renames as renameFile does; relative paths start in an open directory.
+int renameAt(int directory, char const* from, char const* to, bool replace) {
+    if (replace) {
+        return negativeErrno(renameat(directory, from, directory, to));
+    }
+    int const result = negativeErrno(renameat2(directory, from, directory, to, RENAME_NOREPLACE));
+    if (result != -EINVAL && result != -ENOSYS) {
+        return result;
+    }
+    // This file system cannot check and rename in one step.
+    struct stat found {};
+    bool const exists = fstatat(directory, to, &found, AT_SYMLINK_NOFOLLOW) == 0;
+    return exists ? -EEXIST : negativeErrno(renameat(directory, from, directory, to));
+}
+
+}  // namespace
 
 int openFile(char const* path, unsigned mode, FileHandle& opened) {
     int const file = retryOnEintr([&] { return open(path, openFlags(mode), 0666); });
@@ -125,7 +163,7 @@ int syncFile(FileHandle file) {
 
 int statFile(FileHandle file, FileStatus& status) {
     struct stat found {};
-    return takeStatus(fstat(descriptor(file), &found), found, status);
+    return storeStatus(fstat(descriptor(file), &found), found, status);
 }
 
 int resizeFile(FileHandle file, long long size) {
@@ -135,7 +173,7 @@ int resizeFile(FileHandle file, long long size) {
 void copyPermissions(FileHandle from, FileHandle to) {
     struct stat found {};
     if (fstat(descriptor(from), &found) == 0) {
-        // A file system without permissions rejects them; the file is complete all the same.
+        // A file system without permissions rejects them; the file is complete nevertheless.
         (void)fchmod(descriptor(to), found.st_mode & 0777);
     }
 }
@@ -148,16 +186,16 @@ int closeFile(FileHandle file) {
 
 int statPath(char const* path, FileStatus& status) {
     struct stat found {};
-    return takeStatus(stat(path, &found), found, status);
+    return storeStatus(stat(path, &found), found, status);
 }
 
 int statEntry(char const* path, FileStatus& status) {
     struct stat found {};
-    return takeStatus(lstat(path, &found), found, status);
+    return storeStatus(lstat(path, &found), found, status);
 }
 
 int resolvePath(char const* path, std::string& resolved) {
-    return takeText(realpath(path, nullptr), resolved);
+    return assignAndFree(realpath(path, nullptr), resolved);
 }
 
 int removeFile(char const* path) {
@@ -165,21 +203,169 @@ int removeFile(char const* path) {
 }
 
 int renameFile(char const* from, char const* to, bool replace) {
-    return renameFrom(AT_FDCWD, from, to, replace);
+    return renameAt(AT_FDCWD, from, to, replace);
 }
 
-int renameFrom(int folder, char const* from, char const* to, bool replace) {
-    if (replace) {
-        return negativeErrno(renameat(folder, from, folder, to));
-    }
-    int const result = negativeErrno(renameat2(folder, from, folder, to, RENAME_NOREPLACE));
-    if (result != -EINVAL && result != -ENOSYS) {
-        return result;
-    }
-    // This file system cannot check and rename in one step.
+namespace {
+
+struct CloseDirectory {
+    void operator()(DIR* directory) const { closedir(directory); }
+};
+using Directory = std::unique_ptr<DIR, CloseDirectory>;
+
+DirectoryEntry entryOf(int directory, char const* name) {
     struct stat found {};
-    bool const taken = fstatat(folder, to, &found, AT_SYMLINK_NOFOLLOW) == 0;
-    return taken ? -EEXIST : negativeErrno(renameat(folder, from, folder, to));
+    bool known = fstatat(directory, name, &found, AT_SYMLINK_NOFOLLOW) == 0;
+    bool const isLink = known && S_ISLNK(found.st_mode);
+    if (isLink) {
+        known = fstatat(directory, name, &found, 0) == 0;
+    }
+    return {name, known ? fileTypeOf(found.st_mode) : FileType::other, isLink};
+}
+
+}  // namespace
+
+int listDirectory(char const* path, std::vector<DirectoryEntry>& entries) {
+    Directory const directory(opendir(path));
+    if (directory == nullptr) {
+        return -errno;
+    }
+    for (;;) {
+        errno = 0;
+        dirent const* const entry = readdir(directory.get());
+        if (entry == nullptr) {
+            return -errno;
+        }
+        std::string_view const name = entry->d_name;
+        if (name != "." && name != "..") {
+            entries.push_back(entryOf(dirfd(directory.get()), entry->d_name));
+        }
+    }
+}
+
+int checkDirectory(char const* path) {
+    return Directory(opendir(path)) != nullptr ? 0 : -errno;
+}
+
+int createDirectory(char const* path) {
+    return negativeErrno(mkdir(path, 0777));
+}
+
+int changeDirectory(char const* path) {
+    return negativeErrno(chdir(path));
+}
+
+int currentDirectory(std::string& path) {
+    return assignAndFree(getcwd(nullptr, 0), path);
+}
+
+std::string temporaryDirectory() {
+    char const* const wanted = std::getenv("TMPDIR");
+    return wanted != nullptr && *wanted != '\0' ? wanted : "/tmp";
+}
+
+namespace {
+
+enum class Missing { fail, create };
+
+char const reservedCharacters[] = "";
+
+/// Directories are opened only to start from there, so they need not be readable.
+int const directoryFlags = O_PATH | O_DIRECTORY | O_CLOEXEC;
+
+/// Stores the permissions of a regular file. Returns false if name is something else.
+bool readPermissions(int parent, char const* name, mode_t& permissions) {
+    struct stat found {};
+    bool const regular =
+        fstatat(parent, name, &found, AT_SYMLINK_NOFOLLOW) == 0 && S_ISREG(found.st_mode);
+    permissions = regular ? found.st_mode & 0777 : permissions;
+    return regular;
+}
+
+/// A walk down from a directory, and the operations in the directory reached. It refers to that by
+/// descriptor, not by name: moved directories and new links cannot redirect it.
+class Descent {
+public:
+    Descent() = default;
+    Descent(Descent const&) = delete;
+    Descent& operator=(Descent const&) = delete;
+    ~Descent() { Leave(); }
+
+    int Start(FileHandle directory) {
+        top_ = at_ = descriptor(directory);
+        return at_ >= 0 ? 0 : -EBADF;
+    }
+
+    int Enter(std::string const& name, Missing missing) {
+        if (missing == Missing::create && mkdirat(at_, name.c_str(), 0777) != 0 &&
+            errno != EEXIST) {
+            return -errno;
+        }
+        int const next =
+            retryOnEintr([&] { return openat(at_, name.c_str(), directoryFlags | O_NOFOLLOW); });
+        if (next < 0) {
+            FileStatus status;
+            return Stat(name, status) == 0 && status.type == FileType::link ? -ELOOP : next;
+        }
+        Leave();
+        at_ = next;
+        return 0;
+    }
+
+    int Stat(std::string const& name, FileStatus& status) const {
+        struct stat found {};
+        return storeStatus(fstatat(at_, name.c_str(), &found, AT_SYMLINK_NOFOLLOW), found, status);
+    }
+
+    int CreatePart(std::string const& name, char const* part, PartPermissions permissions,
+                   FileHandle& opened) const {
+        mode_t mode = permissions == PartPermissions::ownerOnly ? 0600 : 0666;
+        bool const replaces =
+            permissions == PartPermissions::ofTarget && readPermissions(at_, name.c_str(), mode);
+        int const flags = O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC;
+        int const file = retryOnEintr([&] { return openat(at_, part, flags, mode); });
+        if (file < 0) {
+            return file;
+        }
+        if (replaces) {
+            // Restore the bits that the umask removed. A file system without permissions fails.
+            (void)fchmod(file, mode);
+        }
+        opened = file;
+        return 0;
+    }
+
+    int RenamePart(std::string const& name, char const* part, PartPermissions, bool replace) const {
+        return renameAt(at_, part, name.c_str(), replace);
+    }
+
+    int Remove(char const* name) const { return negativeErrno(unlinkat(at_, name, 0)); }
+
+private:
+    void Leave() const {
+        if (at_ != top_) {
+            close(at_);
+        }
+    }
+
+    int top_ = -1;
+    int at_ = -1;
+};
+
+}  // namespace
+
+int ConfinedDirectory::Open(char const* path) {
+    Close();
+    int const opened = retryOnEintr([&] { return open(path, directoryFlags); });
+    directory_ = opened >= 0 ? opened : noFile;
+    return std::min(opened, 0);
+}
+
+bool ConfinedDirectory::AllowsName(std::string_view name) const {
+    long const limit = fpathconf(descriptor(directory_), _PC_NAME_MAX);
+    return limit < 0 || name.size() <= static_cast<std::size_t>(limit);
 }
 
 }  // namespace sys::platform
+
+#include "sys/platform/commonFiles.inl"

@@ -5,7 +5,13 @@
 #include <signal.h>
 #include <unistd.h>
 
+#include <atomic>
+#include <chrono>
+#include <cstdlib>
+#include <cstring>
 #include <string_view>
+#include <system_error>
+#include <thread>
 
 namespace sys::platform {
 
@@ -13,18 +19,18 @@ void prepareProcess() {
     signal(SIGPIPE, SIG_IGN);
     signal(SIGXFSZ, SIG_IGN);
     for (int stream = 0; stream <= 2; ++stream) {
-        // open takes the lowest free number, which is this stream's when it is closed.
+        // open returns the lowest free number: that of this stream if it is closed.
         if (fcntl(stream, F_GETFD) < 0 && open("/dev/null", O_RDWR) < 0) {
             return;
         }
     }
 }
 
-void outliveTerminal() {
+void ignoreTerminalClose() {
     signal(SIGHUP, SIG_IGN);
 }
 
-std::vector<std::string> programArguments(int argc, char const* const* argv) {
+std::vector<std::string> Arguments::Read(int argc, char const* const* argv) {
     return {argv, argv + argc};
 }
 
@@ -38,6 +44,113 @@ void nameThread(char const* name) {
         char text[16] = {};
         fitting.copy(text, fitting.size());
         pthread_setname_np(pthread_self(), text);
+    }
+}
+
+bool environmentValue(char const* name, std::string& value) {
+    // For "A=B", the C library would treat the start of A's value as a part of the name.
+    char const* const found = std::strchr(name, '=') == nullptr ? std::getenv(name) : nullptr;
+    if (found == nullptr) {
+        return false;
+    }
+    value = found;
+    return true;
+}
+
+std::vector<std::string> environmentEntries() {
+    std::vector<std::string> entries;
+    for (char const* const* entry = environ; entry != nullptr && *entry != nullptr; ++entry) {
+        entries.emplace_back(*entry);
+    }
+    return entries;
+}
+
+std::string errorText(int number) {
+    return std::generic_category().message(number);
+}
+
+namespace {
+
+using std::chrono::steady_clock;
+
+/// A termination request may arrive twice within this time: for the process and for its group.
+auto const sameRequest = std::chrono::milliseconds(200);
+
+bool isIgnored(int number) {
+    struct sigaction action = {};
+    sigaction(number, nullptr, &action);
+    return action.sa_handler == SIG_IGN;
+}
+
+void endBy(int number) {
+    signal(number, SIG_DFL);
+    sigset_t only;
+    sigemptyset(&only);
+    sigaddset(&only, number);
+    pthread_sigmask(SIG_UNBLOCK, &only, nullptr);
+    raise(number);
+}
+
+}  // namespace
+
+// Every thread blocks the signals, and one waits for them: no signal handler interrupts other code.
+struct InterruptHandler::State {
+    sigset_t watched;
+    sigset_t before;
+    bool ignoresTermination = false;
+    std::atomic<bool> ending = false;
+    std::atomic<int> interruption = 0;  ///< the number of the first signal
+    std::thread thread;
+
+    void Watch(void (*act)()) {
+        steady_clock::time_point first;
+        for (int number = 0; sigwait(&watched, &number) == 0 && !ending;) {
+            if (number == SIGTERM && ignoresTermination) {
+                continue;
+            }
+            if (interruption == 0) {
+                first = steady_clock::now();
+                interruption = number;
+                act();
+            } else if (steady_clock::now() - first > sameRequest) {
+                endBy(number);
+            }
+        }
+    }
+};
+
+InterruptHandler::InterruptHandler(void (*act)()) : state_(std::make_unique<State>()) {
+    sigemptyset(&state_->watched);
+    sigaddset(&state_->watched, SIGTERM);
+    state_->ignoresTermination = isIgnored(SIGTERM);
+    // Keep a signal ignored if the parent ignores it, as shells do for background jobs.
+    if (!isIgnored(SIGINT)) {
+        sigaddset(&state_->watched, SIGINT);
+    }
+    pthread_sigmask(SIG_BLOCK, &state_->watched, &state_->before);
+    try {
+        state_->thread = std::thread([state = state_.get(), act] { state->Watch(act); });
+    } catch (std::system_error const&) {
+        pthread_sigmask(SIG_SETMASK, &state_->before, nullptr);
+    }
+}
+
+InterruptHandler::~InterruptHandler() {
+    if (!state_->thread.joinable()) {
+        return;
+    }
+    state_->ending = true;
+    // The signal ends the wait of the thread, not the process.
+    // NOLINTNEXTLINE(bugprone-bad-signal-to-kill-thread)
+    pthread_kill(state_->thread.native_handle(), SIGTERM);
+    state_->thread.join();
+    signal(SIGTERM, SIG_IGN);
+    pthread_sigmask(SIG_SETMASK, &state_->before, nullptr);
+}
+
+void InterruptHandler::EndIfInterrupted() {
+    if (int const number = state_->interruption; number != 0) {
+        endBy(number);
     }
 }
 

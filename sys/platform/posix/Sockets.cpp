@@ -1,6 +1,7 @@
 #include "sys/platform/Sockets.h"
 
 #include <fcntl.h>
+#include <ifaddrs.h>
 #include <netdb.h>
 #include <netinet/in.h>
 #include <netinet/tcp.h>
@@ -12,8 +13,9 @@
 #include <cerrno>
 #include <chrono>
 
+#include "sys/platform/Files.h"
 #include "sys/platform/commonSockets.inl"
-#include "sys/platform/posix/results.h"
+#include "sys/platform/posix/system.h"
 
 namespace sys::platform {
 
@@ -213,6 +215,38 @@ int localAddress(SocketHandle socket, void* address, int& length) {
 
 int peerAddress(SocketHandle socket, void* address, int& length) {
     return readName(&getpeername, socket, address, length);
+}
+
+namespace {
+
+int lengthOf(sockaddr const* address) {
+    if (address == nullptr) {
+        return 0;
+    }
+    return address->sa_family == AF_INET ? static_cast<int>(sizeof(sockaddr_in))
+                                         : static_cast<int>(sizeof(sockaddr_in6));
+}
+
+}  // namespace
+
+int listInterfaces(void (*each)(InterfaceEntry const& entry, void* context), void* context) {
+    ifaddrs* all = nullptr;
+    if (getifaddrs(&all) != 0) {
+        return -errno;
+    }
+    for (ifaddrs const* entry = all; entry != nullptr; entry = entry->ifa_next) {
+        sockaddr const* const address = entry->ifa_addr;
+        if (address == nullptr ||
+            (address->sa_family != AF_INET && address->sa_family != AF_INET6)) {
+            continue;
+        }
+        // The family of a mask may be unset: it is that of the address.
+        each({entry->ifa_name, address, lengthOf(address), entry->ifa_netmask,
+              entry->ifa_netmask != nullptr ? lengthOf(address) : 0},
+             context);
+    }
+    freeifaddrs(all);
+    return 0;
 }
 
 }  // namespace sys::platform

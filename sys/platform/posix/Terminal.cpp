@@ -9,7 +9,7 @@
 
 namespace sys::platform {
 
-bool terminalTakesSequences(StandardStream stream) {
+bool supportsControlSequences(StandardStream stream) {
     if (isatty(STDOUT_FILENO) == 0) {
         return false;
     }
@@ -27,7 +27,7 @@ bool writeStandardOutput(char const* text, std::size_t length) {
             text += written;
             length -= static_cast<std::size_t>(written);
         } else if (written < 0 && errno == EAGAIN) {
-            // The other holder of a terminal may have made it non-blocking.
+            // Another process may have made a shared terminal non-blocking.
             pollfd waiting{STDOUT_FILENO, POLLOUT, 0};
             poll(&waiting, 1, -1);
         } else if (written == 0 || errno != EINTR) {
@@ -38,3 +38,16 @@ bool writeStandardOutput(char const* text, std::size_t length) {
 }
 
 }  // namespace sys::platform
+
+namespace sys {
+
+// Terminals of this platform have control sequences only.
+Screen* screenOf(platform::StandardStream) {
+    return nullptr;
+}
+
+std::unique_ptr<Screen> screenOf(void*) {
+    return nullptr;
+}
+
+}  // namespace sys

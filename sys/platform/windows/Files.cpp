@@ -3,16 +3,25 @@
 #include <windows.h>
 
 #include <cerrno>
+#include <random>
 #include <utility>
 
-#include "sys/platform/windows/errors.h"
-#include "sys/platform/windows/text.h"
+#include "sys/platform/PathStyle.h"
+#include "sys/platform/windows/system.h"
+
+namespace sys {
+
+PathStyle const& pathStyle() {
+    return windowsPathStyle;
+}
+
+}  // namespace sys
 
 namespace sys::platform {
 
 namespace {
 
-/// An open file does not hinder others from reading, replacing or deleting it.
+/// Allows other processes to read, replace and delete an open file.
 DWORD const shareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
 
 HANDLE asHandle(FileHandle file) {
@@ -42,7 +51,7 @@ private:
 DWORD accessOf(unsigned mode) {
     DWORD access = (mode & openRead) != 0 ? GENERIC_READ : 0;
     if ((mode & openWrite) != 0) {
-        // Without the right to write anywhere else the system puts each write at the end.
+        // With this permission alone the operating system writes at the end.
         access |= (mode & openAppend) != 0 ? FILE_GENERIC_WRITE & ~DWORD{FILE_WRITE_DATA}
                                            : DWORD{GENERIC_WRITE};
     }
@@ -61,8 +70,8 @@ DWORD attributesOf(unsigned mode) {
     return FILE_ATTRIBUTE_NORMAL | (follows ? DWORD{0} : DWORD{FILE_FLAG_OPEN_REPARSE_POINT});
 }
 
-/// Opens what stands at a path to ask about it; flags may say that links are not followed.
-HANDLE openToAsk(wchar_t const* path, DWORD flags) {
+/// Opens the entry at path for queries only; flags can prevent that links are followed.
+HANDLE openForQuery(wchar_t const* path, DWORD flags) {
     return CreateFileW(path, FILE_READ_ATTRIBUTES, shareAll, nullptr, OPEN_EXISTING,
                        FILE_FLAG_BACKUP_SEMANTICS | flags, nullptr);
 }
@@ -76,7 +85,7 @@ bool isLink(HANDLE handle) {
 }
 
 int statAt(char const* path, DWORD flags, FileStatus& status) {
-    ScopedHandle const found(openToAsk(systemPath(path).c_str(), flags));
+    ScopedHandle const found(openForQuery(systemPath(path).c_str(), flags));
     if (!found.IsOpen()) {
         return negativeLastError();
     }
@@ -87,17 +96,13 @@ int statAt(char const* path, DWORD flags, FileStatus& status) {
     return result;
 }
 
-/// Six characters that another call, in this process or another, hardly gets at the same time.
+/// Six random characters, in lower case because file names are case-insensitive.
 std::string uniquePart() {
     static constexpr char digits[] = "0123456789abcdefghijklmnopqrstuvwxyz";
-    LARGE_INTEGER now{};
-    QueryPerformanceCounter(&now);
-    auto number = static_cast<unsigned long long>(now.QuadPart) * 0x9E3779B97F4A7C15ULL;
-    number ^= GetCurrentThreadId() * 0xD1B54A32D192ED03ULL;
+    std::random_device random;
     std::string part;
     for (int i = 0; i < 6; ++i) {
-        part += digits[(number >> 16) % 36];
-        number = number * 6364136223846793005ULL + 1442695040888963407ULL;
+        part += digits[random() % 36];
     }
     return part;
 }
@@ -111,9 +116,9 @@ int openFile(char const* path, unsigned mode, FileHandle& opened) {
     if (file == INVALID_HANDLE_VALUE) {
         int const error = negativeLastError();
         DWORD const attributes = GetFileAttributesW(name.c_str());
-        bool const folder =
+        bool const directory =
             attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
-        return folder ? -EISDIR : error;
+        return directory ? -EISDIR : error;
     }
     if ((mode & openNoFollow) != 0 && isLink(file)) {
         CloseHandle(file);
@@ -127,12 +132,12 @@ int createUniqueFile(char const* prefix, std::string& path, FileHandle& opened) 
     for (int attempt = 0; attempt < 100; ++attempt) {
         std::string name = prefix;
         name += uniquePart();
-        // Who may use it is the matter of its folder, which the system keeps to the user.
+        // The permissions are those of the directory, which the user alone can access.
         HANDLE const file =
             CreateFileW(systemPath(name.c_str()).c_str(), GENERIC_READ | GENERIC_WRITE, shareAll,
                         nullptr, CREATE_NEW, FILE_ATTRIBUTE_NORMAL, nullptr);
         if (file != INVALID_HANDLE_VALUE) {
-            // A copy could find no memory, and the file would have no owner.
+            // A copy could run out of memory and leave the file without an owner.
             path = std::move(name);
             opened = reinterpret_cast<FileHandle>(file);
             return 0;
@@ -153,7 +158,7 @@ int readFile(FileHandle file, void* buffer, int count) {
         return static_cast<int>(got);
     }
     int const error = negativeLastError();
-    return error == -EPIPE ? 0 : error;  // the writer of a pipe has gone: its end
+    return error == -EPIPE ? 0 : error;  // the writer has closed the pipe: its end
 }
 
 int writeFile(FileHandle file, void const* data, int count) {
@@ -226,7 +231,7 @@ void copyPermissions(FileHandle from, FileHandle to) {
         (info.FileAttributes & FILE_ATTRIBUTE_READONLY) == 0) {
         return;
     }
-    // Its times, left at 0, stay as they are.
+    // Times of 0 are left unchanged.
     FILE_BASIC_INFO readOnly{};
     readOnly.FileAttributes = FILE_ATTRIBUTE_READONLY;
     SetFileInformationByHandle(asHandle(to), FileBasicInfo, &readOnly, sizeof readOnly);
@@ -256,7 +261,7 @@ int pathOf(FileHandle file, std::wstring& path) {
 }
 
 int resolvePath(char const* path, std::string& resolved) {
-    ScopedHandle const found(openToAsk(systemPath(path).c_str(), 0));
+    ScopedHandle const found(openForQuery(systemPath(path).c_str(), 0));
     if (!found.IsOpen()) {
         return negativeLastError();
     }
@@ -269,7 +274,7 @@ int resolvePath(char const* path, std::string& resolved) {
     } else if (name.starts_with(L"\\\\?\\")) {
         name.erase(0, 4);
     }
-    resolved = narrow(name);
+    resolved = toUtf8(name);
     return 0;
 }
 
@@ -286,7 +291,7 @@ int removeFile(char const* path) {
     if (status.type == FileType::directory) {
         return -EISDIR;
     }
-    // A link to a folder goes as a folder goes, and leaves what it leads to.
+    // A link to a directory is deleted like a directory; its target stays.
     bool const removed = status.type == FileType::link && RemoveDirectoryW(name.c_str()) != 0;
     return removed ? 0 : error;
 }
@@ -296,4 +301,238 @@ int renameFile(char const* from, char const* to, bool replace) {
                                 replace ? MOVEFILE_REPLACE_EXISTING : 0) != 0);
 }
 
+namespace {
+
+/// A search through the entries of a directory.
+class Search {
+public:
+    explicit Search(char const* path) {
+        if (*path == '\0') {
+            search_ = INVALID_HANDLE_VALUE;
+            result_ = -ENOENT;
+            return;
+        }
+        std::string pattern = path;
+        bool const ends = pattern.ends_with('\\') || pattern.ends_with('/');
+        pattern.append(ends ? "*" : "\\*");
+        search_ = FindFirstFileW(systemPath(pattern.c_str()).c_str(), &entry_);
+        result_ = resultOf(search_ != INVALID_HANDLE_VALUE);
+        // For "file\*" the operating system reports that the path does not exist.
+        FileStatus status;
+        if (result_ == -ENOENT && statPath(path, status) == 0 &&
+            status.type != FileType::directory) {
+            result_ = -ENOTDIR;
+        }
+    }
+    Search(Search const&) = delete;
+    Search& operator=(Search const&) = delete;
+    ~Search() {
+        if (search_ != INVALID_HANDLE_VALUE) {
+            FindClose(search_);
+        }
+    }
+
+    /// Returns 0 if the directory can be read, otherwise a negative errno value.
+    int Result() const { return result_; }
+    WIN32_FIND_DATAW const& Entry() const { return entry_; }
+    /// Goes to the next entry. Returns 1, 0 at the end, or a negative errno value.
+    int Next() {
+        if (FindNextFileW(search_, &entry_) != 0) {
+            return 1;
+        }
+        return GetLastError() == ERROR_NO_MORE_FILES ? 0 : negativeLastError();
+    }
+
+private:
+    WIN32_FIND_DATAW entry_{};
+    HANDLE search_;
+    int result_;
+};
+
+bool isLink(WIN32_FIND_DATAW const& entry) {
+    return (entry.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0 &&
+           (entry.dwReserved0 == IO_REPARSE_TAG_SYMLINK ||
+            entry.dwReserved0 == IO_REPARSE_TAG_MOUNT_POINT);
+}
+
+FileType typeOf(std::string const& directory, std::string const& name,
+                WIN32_FIND_DATAW const& entry) {
+    if (!isLink(entry)) {
+        return (entry.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0 ? FileType::directory
+                                                                        : FileType::regular;
+    }
+    std::string path = directory;
+    path.append("\\").append(name);
+    FileStatus status;
+    return statPath(path.c_str(), status) == 0 ? status.type : FileType::other;
+}
+
+}  // namespace
+
+int listDirectory(char const* path, std::vector<DirectoryEntry>& entries) {
+    Search search(path);
+    if (search.Result() != 0) {
+        return search.Result();
+    }
+    int more = 1;
+    while (more > 0) {
+        std::string const name = toUtf8(search.Entry().cFileName);
+        if (name != "." && name != "..") {
+            entries.push_back({name, typeOf(path, name, search.Entry()), isLink(search.Entry())});
+        }
+        more = search.Next();
+    }
+    return more;
+}
+
+int checkDirectory(char const* path) {
+    return Search(path).Result();
+}
+
+int createDirectory(char const* path) {
+    return resultOf(CreateDirectoryW(systemPath(path).c_str(), nullptr) != 0);
+}
+
+int changeDirectory(char const* path) {
+    return resultOf(SetCurrentDirectoryW(toUtf16(path).c_str()) != 0);
+}
+
+int currentDirectory(std::string& path) {
+    std::wstring found(GetCurrentDirectoryW(0, nullptr), L'\0');
+    DWORD const length = GetCurrentDirectoryW(static_cast<DWORD>(found.size()), found.data());
+    if (length == 0) {
+        return negativeLastError();
+    }
+    found.resize(length);
+    path = toUtf8(found);
+    return 0;
+}
+
+std::string temporaryDirectory() {
+    wchar_t found[MAX_PATH + 1] = {};
+    DWORD const length = GetTempPathW(MAX_PATH + 1, found);
+    return toUtf8({found, length});
+}
+
+namespace {
+
+enum class Missing { fail, create };
+
+/// Delimiters, drives, streams and wildcards.
+char const reservedCharacters[] = "\\:*?\"<>|";
+
+/// Opens a directory such that other processes can neither delete nor rename it; flags can prevent
+/// that a link is followed.
+int lockDirectory(char const* path, DWORD flags, FileHandle& opened) {
+    HANDLE const directory = CreateFileW(systemPath(path).c_str(), FILE_LIST_DIRECTORY,
+                                         FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_EXISTING,
+                                         FILE_FLAG_BACKUP_SEMANTICS | flags, nullptr);
+    if (directory == INVALID_HANDLE_VALUE) {
+        return negativeLastError();
+    }
+    opened = reinterpret_cast<FileHandle>(directory);
+    return 0;
+}
+
+/// A walk down from a directory, and the operations in the directory reached. It locks every
+/// directory on its way, so the path to the last one remains what it was when it was checked.
+class Descent {
+public:
+    Descent() = default;
+    Descent(Descent const&) = delete;
+    Descent& operator=(Descent const&) = delete;
+    ~Descent() {
+        for (FileHandle const directory : locked_) {
+            closeFile(directory);
+        }
+    }
+
+    int Start(FileHandle directory) {
+        std::wstring path;
+        int const result = pathOf(directory, path);
+        path_ = toUtf8(path);
+        return result;
+    }
+
+    int Enter(std::string const& name, Missing missing) {
+        path_ = PathOf(name);
+        int const created = missing == Missing::create ? createDirectory(path_.c_str()) : 0;
+        if (created != 0 && created != -EEXIST) {
+            return created;
+        }
+        FileHandle opened = noFile;
+        int result = lockDirectory(path_.c_str(), FILE_FLAG_OPEN_REPARSE_POINT, opened);
+        if (result != 0) {
+            return result;
+        }
+        locked_.push_back(opened);
+        FileStatus status;
+        result = statEntry(path_.c_str(), status);
+        if (result != 0 || status.type == FileType::directory) {
+            return result;
+        }
+        return status.type == FileType::link ? -ELOOP : -ENOTDIR;
+    }
+
+    int Stat(std::string const& name, FileStatus& status) const {
+        return statEntry(PathOf(name).c_str(), status);
+    }
+
+    /// The permissions are those of the directory; RenamePart keeps those of a replaced file.
+    int CreatePart(std::string const&, char const* part, PartPermissions,
+                   FileHandle& opened) const {
+        HANDLE const file = CreateFileW(
+            systemPath(PathOf(part).c_str()).c_str(), GENERIC_READ | GENERIC_WRITE, shareAll,
+            nullptr, CREATE_NEW, FILE_ATTRIBUTE_NORMAL | FILE_FLAG_OPEN_REPARSE_POINT, nullptr);
+        if (file == INVALID_HANDLE_VALUE) {
+            return negativeLastError();
+        }
+        opened = reinterpret_cast<FileHandle>(file);
+        return 0;
+    }
+
+    int RenamePart(std::string const& name, char const* part, PartPermissions permissions,
+                   bool replace) const {
+        std::string const from = PathOf(part);
+        std::string const to = PathOf(name);
+        FileStatus status;
+        if (replace && permissions == PartPermissions::ofTarget && Stat(name, status) == 0 &&
+            status.type == FileType::regular) {
+            return resultOf(ReplaceFileW(systemPath(to.c_str()).c_str(),
+                                         systemPath(from.c_str()).c_str(), nullptr,
+                                         REPLACEFILE_IGNORE_MERGE_ERRORS, nullptr, nullptr) != 0);
+        }
+        return renameFile(from.c_str(), to.c_str(), replace);
+    }
+
+    int Remove(char const* name) const { return removeFile(PathOf(name).c_str()); }
+
+private:
+    std::string PathOf(std::string const& name) const { return path_ + '\\' + name; }
+
+    std::string path_;
+    std::vector<FileHandle> locked_;
+};
+
+}  // namespace
+
+int ConfinedDirectory::Open(char const* path) {
+    Close();
+    FileStatus status;
+    int const result = statPath(path, status);
+    if (result == 0 && status.type != FileType::directory) {
+        return -ENOTDIR;
+    }
+    return result == 0 ? lockDirectory(path, 0, directory_) : result;
+}
+
+bool ConfinedDirectory::AllowsName(std::string_view name) const {
+    DWORD limit = 0;
+    bool const known = GetVolumeInformationByHandleW(asHandle(directory_), nullptr, 0, nullptr,
+                                                     &limit, nullptr, nullptr, 0) != 0;
+    return toUtf16(name).size() <= (known && limit > 0 ? limit : 255);
+}
+
 }  // namespace sys::platform
+
+#include "sys/platform/commonFiles.inl"

@@ -3,13 +3,18 @@
 #include <windows.h>
 #include <shellapi.h>
 
-#include "sys/platform/windows/text.h"
+#include <cstring>
+#include <mutex>
+#include <system_error>
+#include <utility>
+
+#include "sys/platform/windows/system.h"
 
 namespace sys::platform {
 
 namespace {
 
-/// The system ends the process when a handler of a closed console returns, or after some seconds.
+/// The operating system ends the process when this returns, or after some seconds.
 BOOL WINAPI holdClose(DWORD event) {
     if (event == CTRL_CLOSE_EVENT) {
         Sleep(INFINITE);
@@ -20,23 +25,23 @@ BOOL WINAPI holdClose(DWORD event) {
 }  // namespace
 
 void prepareProcess() {
-    // No signal ends a process here, and a standard stream that is closed has no number that a file
-    // could take.
+    // No signal ends a process here, and a closed standard stream has no number that a file could
+    // get.
 }
 
-void outliveTerminal() {
+void ignoreTerminalClose() {
     SetConsoleCtrlHandler(&holdClose, TRUE);
 }
 
-std::vector<std::string> programArguments(int, char const* const*) {
-    // main's own were converted to the system's 8-bit code page and have lost what that lacks.
+std::vector<std::string> Arguments::Read(int, char const* const*) {
+    // Those of main were converted to an 8-bit code page, with loss.
     std::vector<std::string> arguments;
     int count = 0;
-    wchar_t** const words = CommandLineToArgvW(GetCommandLineW(), &count);
+    wchar_t** const values = CommandLineToArgvW(GetCommandLineW(), &count);
     for (int i = 0; i < count; ++i) {
-        arguments.push_back(narrow(words[i]));
+        arguments.push_back(toUtf8(values[i]));
     }
-    LocalFree(words);
+    LocalFree(values);
     return arguments;
 }
 
@@ -46,11 +51,104 @@ unsigned currentThreadId() {
 
 void nameThread(char const* name) {
     using SetDescription = HRESULT(WINAPI*)(HANDLE, wchar_t const*);
-    // Looked up at run time: systems before Windows 10 do not have it.
+    // Look it up at run time: systems before Windows 10 do not have it.
     auto const found = reinterpret_cast<void*>(
         GetProcAddress(GetModuleHandleW(L"kernel32.dll"), "SetThreadDescription"));
     if (found != nullptr && *name != '\0') {
-        reinterpret_cast<SetDescription>(found)(GetCurrentThread(), wide(name).c_str());
+        reinterpret_cast<SetDescription>(found)(GetCurrentThread(), toUtf16(name).c_str());
+    }
+}
+
+bool environmentValue(char const* name, std::string& value) {
+    // Names with "=" are internal: they store the working directory of each drive.
+    if (std::strchr(name, '=') != nullptr) {
+        return false;
+    }
+    std::wstring const utf16Name = toUtf16(name);
+    std::wstring found;
+    for (;;) {
+        SetLastError(ERROR_SUCCESS);
+        DWORD const length = GetEnvironmentVariableW(utf16Name.c_str(), found.data(),
+                                                     static_cast<DWORD>(found.size()));
+        if (length == 0 && GetLastError() != ERROR_SUCCESS) {
+            return false;
+        }
+        if (length <= found.size()) {
+            found.resize(length);
+            value = toUtf8(found);
+            return true;
+        }
+        found.resize(length);  // the size needed, with the terminating 0
+    }
+}
+
+std::vector<std::string> environmentEntries() {
+    std::vector<std::string> entries;
+    wchar_t* const block = GetEnvironmentStringsW();
+    if (block == nullptr) {
+        return entries;
+    }
+    for (wchar_t const* entry = block; *entry != L'\0'; entry += std::wcslen(entry) + 1) {
+        entries.push_back(toUtf8(entry));
+    }
+    FreeEnvironmentStringsW(block);
+    return entries;
+}
+
+std::string errorText(int number) {
+    char text[2048];
+    DWORD const length =
+        FormatMessageA(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr,
+                       static_cast<DWORD>(number), 0, text, sizeof text, nullptr);
+    std::string const message(text, length);
+    return length > 0 ? message.substr(0, message.find_last_not_of("\r\n") + 1)
+                      : std::generic_category().message(number);
+}
+
+namespace {
+
+std::mutex oneAtATime;
+void (*pending)() = nullptr;  ///< the function still to be called
+bool interrupted = false;
+
+/// The operating system creates a thread for each call.
+BOOL WINAPI notice(DWORD event) {
+    {
+        std::lock_guard const locked(oneAtATime);
+        if (pending == nullptr) {
+            return FALSE;
+        }
+        interrupted = true;
+        std::exchange(pending, nullptr)();
+    }
+    if (event == CTRL_CLOSE_EVENT) {
+        // See holdClose.
+        Sleep(INFINITE);
+    }
+    return TRUE;
+}
+
+}  // namespace
+
+struct InterruptHandler::State {};
+
+InterruptHandler::InterruptHandler(void (*act)()) {
+    std::lock_guard const locked(oneAtATime);
+    pending = act;
+    SetConsoleCtrlHandler(&notice, TRUE);
+}
+
+InterruptHandler::~InterruptHandler() {
+    SetConsoleCtrlHandler(&notice, FALSE);
+    std::lock_guard const locked(oneAtATime);
+    pending = nullptr;
+}
+
+void InterruptHandler::EndIfInterrupted() {
+    std::lock_guard const locked(oneAtATime);
+    if (interrupted) {
+        // The exit status that the default handler sets.
+        ExitProcess(STATUS_CONTROL_C_EXIT);
     }
 }
 

@@ -2,13 +2,17 @@
 
 #include <winsock2.h>
 #include <ws2tcpip.h>
+#include <iphlpapi.h>
 #include <mswsock.h>
 
 #include <algorithm>
 #include <cerrno>
+#include <cstddef>
+#include <string>
+#include <vector>
 
 #include "sys/platform/commonSockets.inl"
-#include "sys/platform/windows/errors.h"
+#include "sys/platform/windows/system.h"
 
 namespace sys::platform {
 
@@ -204,6 +208,70 @@ int localAddress(SocketHandle socket, void* address, int& length) {
 
 int peerAddress(SocketHandle socket, void* address, int& length) {
     return countOf(getpeername(asSocket(socket), static_cast<sockaddr*>(address), &length));
+}
+
+namespace {
+
+/// Sets the leading bits of an address that is 0.
+void setLeadingBits(unsigned char* bytes, unsigned count) {
+    for (unsigned bit = 0; bit < count; ++bit) {
+        bytes[bit / 8] = static_cast<unsigned char>(bytes[bit / 8] | (0x80U >> bit % 8));
+    }
+}
+
+/// Returns the netmask of an address, of which the operating system reports the prefix length.
+sockaddr_storage maskOf(IP_ADAPTER_UNICAST_ADDRESS const& entry) {
+    sockaddr_storage mask{};
+    mask.ss_family = entry.Address.lpSockaddr->sa_family;
+    if (mask.ss_family == AF_INET) {
+        auto& bytes = reinterpret_cast<sockaddr_in&>(mask).sin_addr;
+        setLeadingBits(reinterpret_cast<unsigned char*>(&bytes),
+                       entry.OnLinkPrefixLength <= 32 ? entry.OnLinkPrefixLength : 32);
+    } else {
+        setLeadingBits(reinterpret_cast<sockaddr_in6&>(mask).sin6_addr.s6_addr,
+                       entry.OnLinkPrefixLength <= 128 ? entry.OnLinkPrefixLength : 128);
+    }
+    return mask;
+}
+
+/// Stores the list of adapters in the form of the operating system.
+int readAdapters(std::vector<std::max_align_t>& adapters) {
+    ULONG const flags = GAA_FLAG_SKIP_ANYCAST | GAA_FLAG_SKIP_MULTICAST | GAA_FLAG_SKIP_DNS_SERVER;
+    ULONG size = 16 * 1024;
+    ULONG result = ERROR_BUFFER_OVERFLOW;
+    // The list may grow between two calls, but hardly forever.
+    for (int attempt = 0; attempt < 5 && result == ERROR_BUFFER_OVERFLOW; ++attempt) {
+        adapters.resize(size / sizeof(std::max_align_t) + 1);
+        result =
+            GetAdaptersAddresses(AF_UNSPEC, flags, nullptr,
+                                 reinterpret_cast<IP_ADAPTER_ADDRESSES*>(adapters.data()), &size);
+    }
+    return result == ERROR_SUCCESS ? 0 : -errnoOf(result);
+}
+
+}  // namespace
+
+int listInterfaces(void (*each)(InterfaceEntry const& entry, void* context), void* context) {
+    std::vector<std::max_align_t> adapters;
+    int const result = readAdapters(adapters);
+    if (result != 0) {
+        return result;
+    }
+    auto const* adapter = reinterpret_cast<IP_ADAPTER_ADDRESSES const*>(adapters.data());
+    for (; adapter != nullptr; adapter = adapter->Next) {
+        std::string const name = toUtf8(adapter->FriendlyName);
+        for (auto const* entry = adapter->FirstUnicastAddress; entry != nullptr;
+             entry = entry->Next) {
+            int const family = entry->Address.lpSockaddr->sa_family;
+            if (family != AF_INET && family != AF_INET6) {
+                continue;
+            }
+            int const length = entry->Address.iSockaddrLength;
+            sockaddr_storage const mask = maskOf(*entry);
+            each({name.c_str(), entry->Address.lpSockaddr, length, &mask, length}, context);
+        }
+    }
+    return 0;
 }
 
 }  // namespace sys::platform

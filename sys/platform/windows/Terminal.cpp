@@ -4,16 +4,16 @@
 
 #include <string_view>
 
-#include "sys/platform/windows/text.h"
+#include "sys/platform/windows/system.h"
 
 namespace sys::platform {
 
 namespace {
 
-/// In UTF-16, because a console reads 8-bit text in a code page of its own.
+/// As UTF-16: the console decodes 8-bit text in its own code page.
 bool writeToConsole(HANDLE console, std::string_view text) {
-    std::wstring const words = wide(text);
-    for (std::wstring_view rest = words; !rest.empty();) {
+    std::wstring const units = toUtf16(text);
+    for (std::wstring_view rest = units; !rest.empty();) {
         DWORD written = 0;
         if (WriteConsoleW(console, rest.data(), static_cast<DWORD>(rest.size()), &written,
                           nullptr) == 0 ||
@@ -27,8 +27,8 @@ bool writeToConsole(HANDLE console, std::string_view text) {
 
 }  // namespace
 
-bool terminalTakesSequences(StandardStream) {
-    // A console is driven by calls, whatever it may understand besides: see sys::Screen.
+bool supportsControlSequences(StandardStream) {
+    // A console is used by its functions, even if it supports sequences: see sys::Screen.
     return false;
 }
 
@@ -51,3 +51,97 @@ bool writeStandardOutput(char const* text, std::size_t length) {
 }
 
 }  // namespace sys::platform
+
+namespace sys {
+
+namespace {
+
+/// The screen buffer that a handle is connected to.
+class Win32Screen : public Screen {
+public:
+    bool Read(Info& info) override {
+        CONSOLE_SCREEN_BUFFER_INFO found{};
+        if (GetConsoleScreenBufferInfo(Handle(), &found) == 0) {
+            return false;
+        }
+        info = {found.dwSize.X,
+                found.dwSize.Y,
+                {found.dwCursorPosition.X, found.dwCursorPosition.Y},
+                found.wAttributes,
+                found.srWindow.Top};
+        return true;
+    }
+
+    void SetCursor(Position position) override {
+        SetConsoleCursorPosition(Handle(), CellAt(position));
+    }
+
+    void SetAttribute(std::uint16_t attribute) override {
+        SetConsoleTextAttribute(Handle(), attribute);
+    }
+
+    void Write(std::string_view text) override {
+        platform::writeStandardOutput(text.data(), text.size());
+    }
+
+    void FillBlanks(Position from, int count) override {
+        DWORD filled = 0;
+        FillConsoleOutputCharacterA(Handle(), ' ', static_cast<DWORD>(count), CellAt(from),
+                                    &filled);
+    }
+
+    void FillAttribute(Position from, int count, std::uint16_t attribute) override {
+        DWORD filled = 0;
+        FillConsoleOutputAttribute(Handle(), attribute, static_cast<DWORD>(count), CellAt(from),
+                                   &filled);
+    }
+
+    void MoveWindow(std::int16_t rows) override {
+        SMALL_RECT const distance{0, rows, 0, rows};
+        SetConsoleWindowInfo(Handle(), FALSE, &distance);
+    }
+
+private:
+    virtual HANDLE Handle() const = 0;
+    static COORD CellAt(Position position) { return {position.column, position.row}; }
+};
+
+/// The screen of a standard stream. Gets the handle at each call, because the stream may be
+/// redirected at any time.
+class StreamScreen : public Win32Screen {
+public:
+    explicit StreamScreen(DWORD stream) : stream_(stream) {}
+
+private:
+    HANDLE Handle() const override { return GetStdHandle(stream_); }
+
+    DWORD const stream_;
+};
+
+class HandleScreen : public Win32Screen {
+public:
+    explicit HandleScreen(HANDLE handle) : handle_(handle) {}
+
+private:
+    HANDLE Handle() const override { return handle_; }
+
+    HANDLE const handle_;
+};
+
+}  // namespace
+
+Screen* screenOf(platform::StandardStream stream) {
+    static StreamScreen output(STD_OUTPUT_HANDLE);
+    static StreamScreen error(STD_ERROR_HANDLE);
+    Screen& screen = stream == platform::StandardStream::output ? output : error;
+    Screen::Info info;
+    return screen.Read(info) ? &screen : nullptr;
+}
+
+std::unique_ptr<Screen> screenOf(void* handle) {
+    auto screen = std::make_unique<HandleScreen>(handle);
+    Screen::Info info;
+    return screen->Read(info) ? std::move(screen) : nullptr;
+}
+
+}  // namespace sys

@@ -3,7 +3,7 @@
 #include <fstream>
 #include <locale>
 
-#include "sys/platform/Arguments.h"
+#include "sys/platform/Process.h"
 #include "tests/core/archive/golden.h"
 
 // Writes a golden archive for the tests of whole programs:
@@ -13,7 +13,8 @@
 
 int main(int argc, char** argv) {
     sys::platform::Arguments const arguments(argc, argv);
-    std::vector<std::string> const words(arguments.Words(), arguments.Words() + arguments.Count());
+    std::vector<std::string> const words(arguments.Values(),
+                                         arguments.Values() + arguments.Count());
     golden::Archive archive;
     if (words.at(2) == "sample") {
         archive = golden::sample(static_cast<unsigned>(std::stoul(words.at(3), nullptr, 0)),

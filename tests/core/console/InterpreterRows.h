@@ -7,7 +7,7 @@
 #include <string>
 
 #include "core/console/Console.h"
-#include "sys/platform/Screen.h"
+#include "sys/platform/Terminal.h"
 #include "tests/support/lines.h"
 
 /// Sequences and their effects on any screen of at least 80 x 25 cells that shows standard output
@@ -75,7 +75,7 @@ using CellAt = std::function<Cell(sys::Screen::Position)>;
 
 inline std::string picture(sys::Screen& screen, CellAt const& cellAt) {
     sys::Screen::Info info{};
-    EXPECT_TRUE(screen.read(info));
+    EXPECT_TRUE(screen.Read(info));
     std::ostringstream out;
     int attribute = 7;
     bool outside = true;
@@ -110,15 +110,15 @@ inline int check(sys::Screen& screen, CellAt const& cellAt) {
     int count = 0;
     auto const write = [&](std::uint16_t before, std::string const& text) {
         sys::Screen::Info info{};
-        EXPECT_TRUE(screen.read(info));
+        EXPECT_TRUE(screen.Read(info));
         // Resets the state that the last row left in the process.
         core::Console::write(screen, "\x1B[m\x1B[H\x1B[s", false);
-        screen.moveWindow(static_cast<std::int16_t>(-info.windowTop));
-        screen.fillBlanks({0, 0}, info.width * info.height);
-        screen.fillAttribute({0, 0}, info.width * info.height, 7);
-        screen.write("abc\ndef\nghi");
-        screen.setCursor({1, 1});
-        screen.setAttribute(before);
+        screen.MoveWindow(static_cast<std::int16_t>(-info.windowTop));
+        screen.FillBlanks({0, 0}, info.width * info.height);
+        screen.FillAttribute({0, 0}, info.width * info.height, 7);
+        screen.Write("abc\ndef\nghi");
+        screen.SetCursor({1, 1});
+        screen.SetAttribute(before);
         core::Console::write(screen, support::replaced(text, "~", "\x1B").c_str(), false);
         ++count;
         return support::replaced(picture(screen, cellAt), "\x1B", "~");

@@ -7,8 +7,8 @@ using core::Console;
 
 TEST(Interpreter, StartsWithGreyOnBlackAndTheFirstCell) {
     MemoryScreen screen(80, 30, 25);
-    screen.fillAttribute({0, 0}, 1, 1);
-    screen.setCursor({5, 5});
+    screen.FillAttribute({0, 0}, 1, 1);
+    screen.SetCursor({5, 5});
     Console::write(screen, "\x1B[u\x1B[K", false);
     EXPECT_EQ(screen.AttributeAt({0, 0}), 7);
 }

@@ -6,7 +6,7 @@
 #include <chrono>
 #include <thread>
 
-#include "sys/platform/InterruptWatch.h"
+#include "sys/platform/Process.h"
 
 namespace {
 
@@ -16,10 +16,11 @@ void pause(int ms) {
     std::this_thread::sleep_for(std::chrono::milliseconds(ms));
 }
 
-/// Sends the signals, with a pause after each, to a process with a watch, which is destroyed then.
+/// Sends the signals, with a pause after each, to a process with an interrupt handler, then
+/// destroys it.
 [[noreturn]] void interrupt(std::initializer_list<int> signals, int ms) {
     {
-        sys::platform::InterruptWatch watch([] { ++calls; });
+        sys::platform::InterruptHandler handler([] { ++calls; });
         for (int const number : signals) {
             kill(getpid(), number);
             while (calls == 0) {
@@ -27,7 +28,7 @@ void pause(int ms) {
             }
             pause(ms);
         }
-        watch.EndIfInterrupted();
+        handler.EndIfInterrupted();
     }
     _exit(1);
 }
@@ -44,7 +45,7 @@ TEST(Interrupt, IsReportedOnceAndTheNextOneEndsTheProcess) {
         {
             signal(SIGINT, SIG_IGN);
             {
-                sys::platform::InterruptWatch const watch([] { ++calls; });
+                sys::platform::InterruptHandler const handler([] { ++calls; });
                 kill(getpid(), SIGINT);
                 pause(100);
                 calls = calls > 0 ? 7 : 0;  // it is ignored
@@ -54,7 +55,7 @@ TEST(Interrupt, IsReportedOnceAndTheNextOneEndsTheProcess) {
                 }
                 kill(getpid(), SIGTERM);
             }
-            sys::platform::InterruptWatch const another([] { ++calls; });
+            sys::platform::InterruptHandler const another([] { ++calls; });
             kill(getpid(), SIGTERM);
             pause(100);
             _exit(calls == 1 ? 7 : 1);

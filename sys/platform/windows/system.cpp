@@ -1,4 +1,4 @@
-#include "sys/platform/windows/errors.h"
+#include "sys/platform/windows/system.h"
 
 #include <winsock2.h>
 
@@ -97,6 +97,44 @@ int negativeLastError() {
 
 int resultOf(bool succeeded) {
     return succeeded ? 0 : negativeLastError();
+}
+
+namespace {
+
+/// A path of a directory is limited to 260 characters minus a short file name.
+std::size_t const longestPlainPath = 247;
+
+}  // namespace
+
+std::wstring toUtf16(std::string_view text) {
+    auto const length = static_cast<int>(text.size());
+    int const needed = MultiByteToWideChar(CP_UTF8, 0, text.data(), length, nullptr, 0);
+    std::wstring result(static_cast<std::size_t>(needed), L'\0');
+    MultiByteToWideChar(CP_UTF8, 0, text.data(), length, result.data(), needed);
+    return result;
+}
+
+std::string toUtf8(std::wstring_view text) {
+    auto const length = static_cast<int>(text.size());
+    int const needed =
+        WideCharToMultiByte(CP_UTF8, 0, text.data(), length, nullptr, 0, nullptr, nullptr);
+    std::string result(static_cast<std::size_t>(needed), '\0');
+    WideCharToMultiByte(CP_UTF8, 0, text.data(), length, result.data(), needed, nullptr, nullptr);
+    return result;
+}
+
+std::wstring systemPath(char const* path) {
+    std::wstring const plain = toUtf16(path);
+    if (plain.size() <= longestPlainPath || plain.starts_with(L"\\\\?\\")) {
+        return plain;
+    }
+    DWORD const needed = GetFullPathNameW(plain.c_str(), 0, nullptr, nullptr);
+    std::wstring full(needed, L'\0');
+    full.resize(GetFullPathNameW(plain.c_str(), needed, full.data(), nullptr));
+    if (full.starts_with(L"\\\\")) {
+        return L"\\\\?\\UNC" + full.substr(1);
+    }
+    return L"\\\\?\\" + full;
 }
 
 }  // namespace sys::platform

@@ -1,9 +1,0 @@
-#include "sys/platform/PathStyle.h"
-
-namespace sys {
-
-PathStyle const& pathStyle() {
-    return windowsPathStyle;
-}
-
-}  // namespace sys
