@@ -19,19 +19,15 @@ using Text = core::StreamDescriptor::Text;
 
 TEST(TextSlot, EndsAtAZeroUnitAndReplacesUnpairedSurrogates) {
     std::string const odd = "\uFFFD";
-    std::pair<std::u16string, std::string> const rows[] = {
-        {u"", ""},
-        {u"abcd", "abcd"},
-        {std::u16string(u"a\0bc", 4), "a"},
-        {{0xD800}, odd},
-        {u"\u007F\u0080\u07FF\u0800", "\u007F\u0080\u07FF\u0800"},
-        {{0xDC00}, odd},
-        {u"\U00010000\U0010FFFF", "\U00010000\U0010FFFF"},
-        {u"\uD7FF\uE000\uFFFF\uFFFD", "\uD7FF\uE000\uFFFF\uFFFD"},
-        {{0xDC00, 0xD800, u'x'}, odd + odd + "x"},
-        {{u'a', u'b', u'c', 0xDBFF}, "abc" + odd},
-        {{0xD800, 0xD83D, 0xDE80}, odd + "\U0001F680"}};
-    for (auto const& [units, text] : rows) {
+    using Row = std::pair<std::u16string, std::string>;
+    for (auto const& [units, text] :
+         {Row{u"", ""}, Row{u"abcd", "abcd"}, Row{std::u16string(u"a\0bc", 4), "a"},
+          Row{{0xD800}, odd}, Row{u"\u007F\u0080\u07FF\u0800", "\u007F\u0080\u07FF\u0800"},
+          Row{{0xDC00}, odd}, Row{u"\U00010000\U0010FFFF", "\U00010000\U0010FFFF"},
+          Row{u"\uD7FF\uE000\uFFFF\uFFFD", "\uD7FF\uE000\uFFFF\uFFFD"},
+          Row{{0xDC00, 0xD800, u'x'}, odd + odd + "x"},
+          Row{{u'a', u'b', u'c', 0xDBFF}, "abc" + odd},
+          Row{{0xD800, 0xD83D, 0xDE80}, odd + "\U0001F680"}}) {
         std::string const bytes = golden::slot(units, 8);
         auto const* const slot = reinterpret_cast<unsigned char const*>(bytes.data());
         EXPECT_EQ(core::archive::readTextSlot(slot, 4), text.c_str());

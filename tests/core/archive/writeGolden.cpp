@@ -1,5 +1,4 @@
 #include <codecvt>
-#include <cstdlib>
 #include <fstream>
 #include <locale>
 
@@ -33,5 +32,4 @@ int main(int argc, char** argv) {
         }
     }
     std::ofstream(words[1], std::ios::binary) << golden::bytesOf(archive);
-    return EXIT_SUCCESS;
 }
