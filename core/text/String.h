@@ -91,14 +91,14 @@ public:
 
     // Assignment: each function replaces this string.
 
-    /// Copies text up to its NUL, but at most length characters; a negative length is no limit.
+    /// Copies text up to its NUL, but at most length characters; a negative length means no limit.
     void SetString(char const* text, int length = -1);
     /// Repeats c count times; an empty string if count is below 1 or c is NUL.
     void SetString(char c, int count);
     /// Shares the record of other.
     void SetString(String const& other) { *this = other; }
     /// Copies the low 8 bits of each code unit, up to the first that are NUL, but at most length
-    /// units; a negative length is no limit.
+    /// units; a negative length means no limit.
     void SetString(unsigned short const* units, int length = -1);
     void SetString(unsigned int const* units, int length = -1);
     /// Copies the bytes up to the first NUL, but at most size.
