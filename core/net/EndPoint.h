@@ -44,7 +44,7 @@ public:
     bool SameAs(EndPoint const& other) const;
     /// Removes the resolved address; keeps text, domain and type.
     void ResetAddress();
-    /// Resets all fields to those of EndPoint().
+    /// Resets all fields to their initial values.
     void VoidFields();
 
 private:

@@ -209,9 +209,11 @@ public:
 
 private:
     Socket() = default;
-    /// Returns result, or -1 with errno set if it is a negative errno value.
+    /// Returns result; if it is a negative errno value, sets errno and returns -1.
     static int SetErrno(int result);
+    /// SetErrno, and stores the error, or 0, for LastError.
     int Remember(int result);
+    /// Stores the error of a negative errno value for LastError and returns its SocketResult.
     SocketResult Fail(int result);
     void SetPeer(SocketAddr const& peer);
     SocketResult ConnectOpen(SocketAddr const& address);

@@ -8,8 +8,8 @@
 namespace core {
 
 SocketAddr::SocketAddr(void const* bytes, int length) {
-    int const room = sys::platform::maxAddressLength;
-    if (length != 0 && length >= -room && length <= room) {
+    int const capacity = static_cast<int>(bytes_.size());
+    if (length != 0 && length >= -capacity && length <= capacity) {
         length_ = length;
         std::memcpy(bytes_.data(), bytes, static_cast<std::size_t>(GetSize()));
     }

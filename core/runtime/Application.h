@@ -17,8 +17,8 @@ namespace core {
 /// The application object of a process: name, version, command-line options, main loop and
 /// termination request. A program derives its own class, constructs it once in main, calls
 /// CommandLinePrepare and then Run.
-/// Only RequestTermination, the queries of a request, Sleep, WakeLoop and Dispatch may be called
-/// from other threads than the main thread.
+/// Other threads may only call RequestTermination, TerminationRequested, IsTerminationRequested,
+/// Sleep, WakeLoop and Dispatch.
 class Application : public BasicClass {
 public:
     enum TerminationRequest {
@@ -103,7 +103,8 @@ public:
     static int AddToArguments(String const& key, String const& values, StringArray const& grammar,
                               StringArray& errors);
 
-    /// Initialises, then runs the main loop until termination is requested.
+    /// Calls InitOnce and Init, runs the main loop until termination is requested, and calls Done.
+    /// Writes the phases to the status file.
     void Run();
     /// Returns the exit status of the process; 0 by default.
     virtual int Result();
