@@ -53,7 +53,7 @@ std::string textOf(Outcome const& outcome) {
     }
     Failure const& failure = *outcome.failure;
     return std::string(nameOf(failure.phase)) + " " + nameOf(failure.kind) +
-           (failure.status ? " " + std::to_string(*failure.status) : "");
+           (failure.status ? std::string(" ").append(std::to_string(*failure.status)) : "");
 }
 
 TEST(Session, ReturnsWhereAndWhyItFailed) {
