@@ -61,20 +61,17 @@ TEST(IPv4Address, ComputesNetworks) {
     using Row = std::pair<char const*, char const*>;
     IPv4Address const address("192.168.1.77|80");
     for (auto const& [text, expected] :
-         {Row{"255.255.255.0", "192.168.1.0|192.168.1.255|192.168.1.1|192.168.1.254|"},
-          Row{"255.0.255.0", "192.168.1.0|192.168.1.255|192.168.1.1|192.168.1.254|"},
-          Row{"0.0.0.64", "192.168.1.64|192.168.1.127|192.168.1.65|192.168.1.126|"},
-          Row{"255.255.255.255", "192.168.1.77|192.168.1.77|192.168.1.78|192.168.1.76|"},
-          Row{"0.0.0.0", "0.0.0.0|255.255.255.255|0.0.0.1|255.255.255.254|"}}) {
+         {Row{"255.255.255.0", "192.168.1.0|192.168.1.255|192.168.1.1|192.168.1.254"},
+          Row{"255.0.255.0", "192.168.1.0|192.168.1.255|192.168.1.1|192.168.1.254"},
+          Row{"0.0.0.64", "192.168.1.64|192.168.1.127|192.168.1.65|192.168.1.126"},
+          Row{"255.255.255.255", "192.168.1.77|192.168.1.77|192.168.1.78|192.168.1.76"},
+          Row{"0.0.0.0", "0.0.0.0|255.255.255.255|0.0.0.1|255.255.255.254"}}) {
         IPv4Address const mask(text);
-        IPv4Address const all[] = {address.GetNetwork(mask), address.GetBroadcast(mask),
-                                   address.GetPreferredGateway(mask, true),
-                                   address.GetPreferredGateway(mask, false)};
-        String shown;
-        for (IPv4Address const& each : all) {
-            shown += each.GetAsString(true) + '|';
-        }
-        EXPECT_EQ(shown, expected);
+        EXPECT_EQ(address.GetNetwork(mask).GetAsString(true) + '|' +
+                      address.GetBroadcast(mask).GetAsString(true) + '|' +
+                      address.GetPreferredGateway(mask, true).GetAsString(true) + '|' +
+                      address.GetPreferredGateway(mask, false).GetAsString(true),
+                  expected);
     }
 }
 
@@ -161,10 +158,8 @@ TEST(IPv6Address, ParsesTextsAndWritesTheCanonicalForm) {
     for (auto const& [error, texts] : invalid) {
         for (char const* const bad : texts) {
             IPv6Address address("1::1|7");
-            EXPECT_FALSE(address.Set(bad)) << bad << ": " << error;
-            EXPECT_TRUE(address.IsNull()) << bad;
-            EXPECT_EQ(address.Port(), 7) << bad;
-            EXPECT_FALSE(IPv6Address::IsValid(bad)) << bad;
+            EXPECT_FALSE(address.Set(bad) || IPv6Address::IsValid(bad)) << bad << ": " << error;
+            EXPECT_TRUE(address.IsNull() && address.Port() == 7) << bad;
         }
     }
 }
@@ -187,6 +182,9 @@ TEST(EndPoint, IsCreatedFromTextsNumbersAndAddresses) {
 
     EndPoint six(IPv6Address("::1|80"), SocketType::datagram);
     EXPECT_EQ(six.GetDomain(), SocketDomain::IPv6);
+    EXPECT_TRUE(IPv6Address("::1|80").SameAs(IPv6Address("0::1|80"), true) &&
+                IPv6Address("::1|80").SameAs(IPv6Address("::1"), false) &&
+                !IPv6Address("::1|80").SameAs(IPv6Address("::1"), true));
     EXPECT_TRUE(six.SameAs(EndPoint(Address::GetInfo("::1|80", true), six.GetType())));
     six.ResetAddress();
     EXPECT_TRUE(!six.GetSocketAddress() && six.GetPort() == 80 && !six.SameAs(EndPoint()));
