@@ -1,24 +1,13 @@
 # cmake -D DIRECTORY=<scratch> -D BUILD=<build> | -D INSTALLED=<prefix> -D COMPILER=<compiler>
 #       [-D LINKING=<options> -D TOOLCHAIN=<file> -D EMULATOR=<command> -D SUFFIX=<of programs>]
 #       -P CheckConsumer.cmake
-# Builds two other projects with an installation, which is made first if it is not given: the consumer of
-# the foundation library, and the example of docs/embedding.md, which updates a simulated device.
+# Builds the example of docs/embedding.md with an installation, which is made first if it is not given, and
+# updates a simulated device with it.
 cmake_minimum_required(VERSION 3.25)
 file(REMOVE_RECURSE ${DIRECTORY})
 
 function(run)
-  execute_process(COMMAND ${ARGV} OUTPUT_VARIABLE output ECHO_ERROR_VARIABLE COMMAND_ERROR_IS_FATAL ANY)
-  set(output ${output} PARENT_SCOPE)
-endfunction()
-
-# Builds the project of the directory source below DIRECTORY/<name>.
-function(build name source)
-  run(${CMAKE_COMMAND} -S ${source} -B ${DIRECTORY}/${name} -G Ninja
-      -D CMAKE_BUILD_TYPE=Release -D CMAKE_CXX_COMPILER=${COMPILER}
-      -D CMAKE_TOOLCHAIN_FILE=${TOOLCHAIN} -D CMAKE_CXX_FLAGS=-Werror
-      -D CMAKE_EXE_LINKER_FLAGS=${LINKING}
-      -D ravelink_ROOT=${INSTALLED} -D CMAKE_FIND_ROOT_PATH=${INSTALLED})
-  run(${CMAKE_COMMAND} --build ${DIRECTORY}/${name})
+  execute_process(COMMAND ${ARGV} OUTPUT_QUIET COMMAND_ERROR_IS_FATAL ANY)
 endfunction()
 
 function(expect expected)
@@ -33,9 +22,6 @@ if(BUILD)
   set(INSTALLED ${DIRECTORY}/installed)
   run(${CMAKE_COMMAND} --install ${BUILD} --prefix ${INSTALLED})
 endif()
-build(consumer ${CMAKE_CURRENT_LIST_DIR}/consumer)
-run(${EMULATOR} ${DIRECTORY}/consumer/consumer${SUFFIX})
-expect("3421780262 10.0.0.7|3007")
 
 file(READ ${CMAKE_CURRENT_LIST_DIR}/../../docs/embedding.md document)
 foreach(file IN ITEMS cmake/CMakeLists.txt cpp/main.cpp)
@@ -44,21 +30,27 @@ foreach(file IN ITEMS cmake/CMakeLists.txt cpp/main.cpp)
   string(REGEX MATCH "\n```${kind}\n([^`]*)```" block "${document}")
   file(WRITE ${DIRECTORY}/source/${name} "${CMAKE_MATCH_1}")
 endforeach()
-build(embedding ${DIRECTORY}/source)
-# The bytes do not matter.
-set(update ${DIRECTORY}/source/main.cpp)
-set(embedding ${EMULATOR} ${DIRECTORY}/embedding/embedding${SUFFIX} ${update})
+# Programs that need no more than the foundation library link this.
+file(APPEND ${DIRECTORY}/source/CMakeLists.txt "target_link_libraries(embedding PRIVATE ravelink::core)\n")
+run(${CMAKE_COMMAND} -S ${DIRECTORY}/source -B ${DIRECTORY}/build -G Ninja
+    -D CMAKE_BUILD_TYPE=Release -D CMAKE_CXX_COMPILER=${COMPILER}
+    -D CMAKE_TOOLCHAIN_FILE=${TOOLCHAIN} -D CMAKE_CXX_FLAGS=-Werror
+    -D CMAKE_EXE_LINKER_FLAGS=${LINKING}
+    -D ravelink_ROOT=${INSTALLED} -D CMAKE_FIND_ROOT_PATH=${INSTALLED})
+run(${CMAKE_COMMAND} --build ${DIRECTORY}/build)
 
 # On Windows the programs are at the root of the installation.
 find_file(device ravelink-device${SUFFIX} PATHS ${INSTALLED}/bin ${INSTALLED} REQUIRED NO_DEFAULT_PATH)
-# The device ends after one update, with 0 if it is complete. Its second line names its address.
+# The example sends its own source. The device prints its address in the second line and ends after one
+# update, with 0 if that is complete.
+set(embedding ${EMULATOR} ${DIRECTORY}/build/embedding${SUFFIX} ${DIRECTORY}/source/main.cpp)
 set(client "read banner; read line; line=$(echo \"$line\" | tr -d '\\r'); \"$@\" \"\${line##* }\"; cat >&2")
 execute_process(COMMAND ${EMULATOR} ${device} --once -b 127.0.0.1:0
                 COMMAND sh -c "${client}" sh ${embedding}
                 OUTPUT_VARIABLE output TIMEOUT 60 COMMAND_ERROR_IS_FATAL ANY)
 expect("Accepted\nReceived\nChecked\nProcessing\nComplete")
 
-execute_process(COMMAND ${embedding} 127.0.0.1:0 OUTPUT_VARIABLE output RESULT_VARIABLE result)
+execute_process(COMMAND ${embedding} 127.0.0.1:0 OUTPUT_VARIABLE output)
 expect("Invalid port: The address provided (127.0.0.1|0) does not contain a valid port. Please use the \
 form IP|Port\nkind: input, phase: start, delivered: nothing, retry: never")
 file(REMOVE_RECURSE ${DIRECTORY})

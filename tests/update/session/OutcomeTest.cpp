@@ -12,32 +12,29 @@ namespace {
 using namespace update;
 
 TEST(Failure, DeliveredAndRetryFollowFromPhaseKindAndStatus) {
-    using Row = std::pair<std::string, std::string>;
-    Row const phases[] = {{"start", "nothing"},        {"connection", "nothing"},
-                          {"request", "request"},      {"header", "request"},
-                          {"transfer", "partOfFile"},  {"trailer", "perhapsAll"},
-                          {"completion", "perhapsAll"}};
-    Row const kinds[] = {{"input", "never"},   {"system", "never"}, {"connection", "safe"},
-                         {"lost", "safe"},     {"timeout", "safe"}, {"protocol", "never"},
-                         {"rejected", "never"}};
-    for (int i = 0; auto const& [phase, delivered] : phases) {
-        Phase const reached{i++};
-        EXPECT_EQ(nameOf(reached), phase);
-        bool const isLate = delivered == "perhapsAll";
-        for (int j = 0; auto const& [kind, retry] : kinds) {
-            Failure const failure{{}, Failure::Kind{j++}, reached};
-            EXPECT_EQ(nameOf(failure.kind), kind);
-            EXPECT_EQ(nameOf(failure.GetDelivered()), delivered);
-            EXPECT_EQ(nameOf(failure.GetRetry()), isLate ? "checkFirst" : retry) << phase << kind;
+    std::string table;
+    for (int phase = 0; phase < 7; ++phase) {
+        Failure failure{{}, Failure::Kind::input, Phase{phase}};
+        table += std::string(nameOf(failure.phase)) + ' ' + nameOf(failure.GetDelivered());
+        for (int kind = 0; kind < 7; ++kind) {
+            failure.kind = Failure::Kind{kind};
+            table += std::string(" ") + nameOf(failure.kind) + ' ' + nameOf(failure.GetRetry());
         }
-        for (std::uint32_t status = 0; status <= 16; ++status) {
-            bool const isTransient = status == 6 || status == 7 || status == 9;
-            Failure const failure{{}, Failure::Kind::rejected, reached, status};
-            EXPECT_EQ(nameOf(failure.GetRetry()), std::string(isLate        ? "checkFirst"
-                                                              : isTransient ? "safe"
-                                                                            : "never"));
+        for (failure.status = 0; failure.status <= 16u; ++*failure.status) {
+            bool const differs = failure.GetRetry() == Retry::safe;
+            table += differs ? ' ' + std::to_string(*failure.status) : "";
         }
+        table += '\n';
     }
+    std::string const early =
+        " input never system never connection safe lost safe timeout safe protocol never rejected "
+        "never 6 7 9\n";
+    std::string const late =
+        " input checkFirst system checkFirst connection checkFirst lost checkFirst timeout "
+        "checkFirst protocol checkFirst rejected checkFirst\n";
+    EXPECT_EQ(table, "start nothing" + early + "connection nothing" + early + "request request" +
+                         early + "header request" + early + "transfer partOfFile" + early +
+                         "trailer perhapsAll" + late + "completion perhapsAll" + late);
 }
 
 Task taskFor(std::string const& path, std::string const& address) {
