@@ -138,13 +138,13 @@ std::vector<Action> readActions(String const& text, String const& step, sys::Con
         bool const isAfter = words.Count() > 0 && words[0].CompareIC("after") == 0;
         if (isAfter) {
             if (words.Count() != 2 || !readUint32(words[1], after) || after < 1 || step != "data") {
-                file.Wrong(step + ":", "after needs a positive number and works in data only");
+                file.AddError(step + ":", "after needs a positive number and works in data only");
             }
             continue;
         }
         ActionSyntax const* const syntax = words.Count() > 0 ? syntaxOf(words[0]) : nullptr;
         if (syntax == nullptr) {
-            file.Wrong(step + ":", core::message("unknown action \"%1\"", parts[i].Trim()));
+            file.AddError(step + ":", core::message("unknown action \"%1\"", parts[i].Trim()));
             continue;
         }
         Action action;
@@ -152,7 +152,7 @@ std::vector<Action> readActions(String const& text, String const& step, sys::Con
         action.after = after;
         String const fault = readAction(words, *syntax, action);
         if (!fault.IsEmpty()) {
-            file.Wrong(step + ":", fault);
+            file.AddError(step + ":", fault);
         }
         actions.push_back(std::move(action));
     }
@@ -185,7 +185,7 @@ bool loadScenario(String const& path, Scenario& scenario, std::vector<core::Faul
     }
     takeNumber("seed", UINT32_MAX, file, scenario.seed);
     takeNumber("receiveBuffer", bytes.largest, file, scenario.receiveBuffer);
-    file.RefuseTheRest();
+    file.RejectUnknown();
     return errors.size() == before;
 }
 

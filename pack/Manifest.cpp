@@ -58,7 +58,7 @@ bool Manifest::Load(String const& path, StreamSequencerBuilder& builder) {
     ReadCrypt(builder);
     ReadAttributes(builder);
     ReadFiles(path.GetFilePath(), builder);
-    file_.RefuseTheRest();
+    file_.RejectUnknown();
     return errors_.size() == before;
 }
 
@@ -68,7 +68,7 @@ void Manifest::ReadIdentity(StreamSequencerBuilder& builder) {
         unsigned version = 0;
         if (!readVersion(text, version) || version < core::archive::oldestVersion ||
             version > core::archive::newestVersion) {
-            file_.Wrong("version", "must be from 1.0 to 2.0");
+            file_.AddError("version", "must be from 1.0 to 2.0");
         }
         builder.SetVersion(version);
     }
@@ -95,12 +95,12 @@ void Manifest::ReadCrypt(StreamSequencerBuilder& builder) {
         }
     }
     if (!known) {
-        file_.Wrong("crypt", "must be None, Headers, Data or All");
+        file_.AddError("crypt", "must be None, Headers, Data or All");
     }
     unsigned long long key = 0;
     bool const given = file_.TakeNumber("key", 0, UINT32_MAX, key);
     if (known && given && builder.GetCryptMode() == Mode::None) {
-        file_.Wrong("key", "requires crypt");
+        file_.AddError("key", "requires crypt");
     } else if (builder.GetCryptMode() != Mode::None) {
         auto const seed = static_cast<unsigned>(builder.uniqueId.value_or(0));
         builder.SetCryptKey(given ? static_cast<unsigned>(key)
@@ -119,7 +119,7 @@ void Manifest::ReadAttributes(StreamSequencerBuilder& builder) {
             builder.AddAttribute(text);
             continue;
         }
-        file_.Wrong(name, "must be name=value");
+        file_.AddError(name, "must be name=value");
         if (!given) {
             return;  // report a count that is too high once
         }
@@ -129,7 +129,7 @@ void Manifest::ReadAttributes(StreamSequencerBuilder& builder) {
 void Manifest::ReadFiles(String const& directory, StreamSequencerBuilder& builder) {
     unsigned long long count = 0;
     if (!file_.Has("file.count")) {
-        file_.Wrong("file.count", "is missing");
+        file_.AddError("file.count", "is missing");
     }
     file_.TakeNumber("file.count", 0, INT_MAX, count);
     for (unsigned i = 0; i < count; ++i) {
@@ -144,7 +144,7 @@ bool Manifest::ReadFile(String const& name, String const& directory,
                         StreamSequencerBuilder& builder) {
     String origin;
     if (!file_.Take(name + ".origin", origin) || origin.IsEmpty()) {
-        file_.Wrong(name + ".origin", "is missing");
+        file_.AddError(name + ".origin", "is missing");
         return false;
     }
     StreamDescriptor& file =

@@ -10,7 +10,6 @@
 #include "program/usage.h"
 #include "sys/AtomicFile.h"
 #include "sys/file.h"
-#include "sys/openRegular.h"
 
 namespace pack {
 
@@ -225,7 +224,7 @@ void PackApplication::Extract() {
 
 bool PackApplication::ReadArchive(StreamSequencerReader& reader, core::ICopyCallback& progress) {
     String const path = Value(command_->option);
-    int result = sys::openRegular(archive_, path);
+    int result = sys::file::openRegularFile(archive_, path);
     if (result != 0) {
         errors_.push_back(fileError("Archive not readable", path, result));
         return false;

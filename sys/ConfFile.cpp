@@ -6,7 +6,7 @@
 #include "core/stream/MemoryStream.h"
 #include "core/text/StringArray.h"
 #include "core/text/parseNumber.h"
-#include "sys/openRegular.h"
+#include "sys/file.h"
 
 namespace sys {
 
@@ -14,31 +14,31 @@ using core::String;
 
 namespace {
 
-std::string keyOf(String const& name) {
-    return std::string(name.LowerCase().View());
+String keyOf(String const& name) {
+    return name.LowerCase();
 }
 
 }  // namespace
 
 int ConfFile::Load(String const& path) {
     core::MemoryStream content;
-    int const result = readRegular(content, path);
+    int const result = file::readRegularFile(content, path);
     if (result != 0) {
         return result;
     }
     std::string_view const bytes = content.View();
     if (std::size_t const nul = bytes.find('\0'); nul != bytes.npos) {
         auto const line = std::count(bytes.begin(), bytes.begin() + static_cast<long>(nul), '\n');
-        Wrong(core::message("line %1", line + 1), "contains a NUL character");
+        AddError(core::message("line %1", line + 1), "contains a NUL character");
     }
     core::StringArray lines;
     lines.LoadAsConfFileFrom(&content);
     for (int i = 0; i < lines.Count(); ++i) {
         String const name = lines.GetNameByIndex(i);
         if (name.IsEmpty()) {
-            Wrong(lines[i], "is no pair of name and value");
+            AddError(lines[i], "is not a name-value pair");
         } else if (!entries_.emplace(keyOf(name), lines.GetValueByIndex(i)).second) {
-            Wrong(name, "is there twice");
+            AddError(name, "appears twice");
         }
     }
     return 0;
@@ -65,23 +65,23 @@ bool ConfFile::TakeNumber(String const& name, int base, unsigned long long large
         return false;
     }
     if (!core::parseWhole(text.View(), base, largest, value)) {
-        Wrong(name, String::format("must be %1 number from 0 to %2")
-                        .argi(1, base == 8 ? "an octal" : "a")
-                        .argi(2, largest, 0, base == 8 ? 8 : 10));
+        AddError(name, String::format("must be %1 number from 0 to %2")
+                           .argi(1, base == 8 ? "an octal" : "a")
+                           .argi(2, largest, 0, base == 8 ? 8 : 10));
         value = 0;
         return false;
     }
     return true;
 }
 
-void ConfFile::RefuseTheRest() {
+void ConfFile::RejectUnknown() {
     for (auto const& [name, value] : entries_) {
-        Wrong(name.c_str(), "means nothing here");
+        AddError(name, "is unknown");
     }
 }
 
-void ConfFile::Wrong(String const& name, String const& what) {
-    errors_.push_back({title_, name.AppendNew(" ").AppendNew(what)});
+void ConfFile::AddError(String const& name, String const& fact) {
+    errors_.push_back(core::fault(title_, "%1 %2", name, fact));
 }
 
 }  // namespace sys

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <map>
-#include <string>
 #include <vector>
 
 #include "core/text/String.h"
@@ -9,11 +8,11 @@
 
 namespace sys {
 
-/// The names and values of a configuration file, to be removed one by one: the rest is unknown and
+/// The entries of a configuration file, removed as they are read: any left at the end are unknown,
 /// most likely misspelt. Names are case-insensitive.
 class ConfFile {
 public:
-    /// Errors in the file are added to errors, under title. Both must outlive this object.
+    /// Adds errors in the file to errors, under title. Both must outlive this object.
     ConfFile(char const* title, std::vector<core::Fault>& errors)
         : title_(title), errors_(errors) {}
 
@@ -25,19 +24,19 @@ public:
     bool Has(core::String const& name) const;
     /// Removes an entry and stores its value. Returns false if it is missing; value is unchanged.
     bool Take(core::String const& name, core::String& value);
-    /// The same for a number, see core::parseWhole. Any other value is an error: false, and
-    /// value is 0.
+    /// Removes an entry and stores its value as a number, see core::parseWhole. If it is not a
+    /// number up to largest, adds an error, stores 0 and returns false.
     bool TakeNumber(core::String const& name, int base, unsigned long long largest,
                     unsigned long long& value);
     /// Adds an error for every remaining entry.
-    void RefuseTheRest();
-    /// Adds an error, "name what".
-    void Wrong(core::String const& name, core::String const& what);
+    void RejectUnknown();
+    /// Adds an error, "name fact".
+    void AddError(core::String const& name, core::String const& fact);
 
 private:
     char const* const title_;
     std::vector<core::Fault>& errors_;
-    std::map<std::string, core::String> entries_;  ///< by name in lower case
+    std::map<core::String, core::String> entries_;  ///< by name in lower case
 };
 
 }  // namespace sys

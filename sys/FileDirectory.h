@@ -1,5 +1,6 @@
 #pragma once
 
+#include <string_view>
 #include <vector>
 
 #include "core/object/BasicClass.h"
@@ -7,35 +8,36 @@
 
 namespace core {
 
-/// The entries of a folder, as they were when it was last scanned, sorted by the bytes of their
-/// names. An int result is 0 or a negative error code: an errno value with its sign changed.
+/// The entries of a directory as of the last scan, sorted by the bytes of their names. An int
+/// result is 0 or a negative errno value.
 class FileDirectory : public BasicClass {
 public:
     char const* ClassName() const override;
 
-    /// Scans the folder path, and with subFolders all those below it; a directory comes before
-    /// its entries. Clears the list of a directory opened before, even on failure.
+    /// Scans the directory path, with subFolders recursively; a directory comes before its entries.
+    /// Clears the list of a directory opened before, even on failure.
     int Open(String const& path, bool subFolders);
-    /// Scans the opened folder again (-EBADF: there is none). When that fails, the list stays.
+    /// Scans the opened directory again (-EBADF if there is none). On failure the list is
+    /// unchanged.
     int Refresh();
-    /// Empties the list.
+    /// Clears the list.
     void Close();
     bool IsOpened() const { return opened_; }
 
-    /// Fills the list with those entries of the folder path whose name matches pattern ("*" any
-    /// characters, "?" any one). When the folder cannot be read, the list stays.
+    /// Fills the list with the entries of the directory path whose names match pattern ("*" matches
+    /// any characters, "?" any one byte). On failure the list is unchanged.
     int ScanDir(String const& path, String const& pattern);
 
     int Count() const { return paths_.Count(); }
-    /// The path of the entry: that of its folder, as it was given, and its name. Empty outside the
-    /// list.
+    /// Returns the path of an entry, which starts with the path given to the scan; empty for an
+    /// index outside the list.
     String GetPath(int index) const;
-    /// The size in bytes, 0 for a folder. A negative error code for an entry that nothing is known
-    /// of, such as a link that leads nowhere; -EINVAL outside the list.
+    /// Returns the size in bytes, 0 for a directory. Returns a negative errno value for an entry
+    /// without a status, such as a dangling link; -EINVAL for an index outside the list.
     long long GetSize(int index) const;
 
 private:
-    bool has(int index) const { return index >= 0 && index < Count(); }
+    bool IsInList(int index) const { return index >= 0 && index < Count(); }
 
     String path_;
     bool subFolders_ = false;
@@ -45,3 +47,11 @@ private:
 };
 
 }  // namespace core
+
+namespace sys {
+
+/// Whether the whole name matches pattern, in which "*" matches any characters, even none, "?" any
+/// one byte, and every other character itself.
+bool matchesPattern(std::string_view name, std::string_view pattern);
+
+}  // namespace sys

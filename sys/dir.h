@@ -2,18 +2,17 @@
 
 #include "core/text/String.h"
 
-/// Folders by their path. An int result is 0 or a negative error code: an errno value with its sign
-/// changed.
+/// Directories by path. An int result is 0 or a negative errno value.
 namespace sys::dir {
 
-/// Sets the working folder, which relative paths begin in, for the whole process.
+/// Sets the working directory of the whole process, where relative paths start.
 int change(core::String const& path);
-/// The absolute path of the working folder; empty when there is none any more.
+/// Returns the absolute path of the working directory; empty if it no longer exists.
 core::String current();
 
-/// Makes a folder. With recursive all missing parents are made too, and a folder that is there
-/// already is as good as a new one; without, it is an error (-EEXIST). A file in the way of
-/// recursive gives -ENOTDIR. After a failure the parents made so far stay.
+/// Creates a directory. With recursive, creates missing parents too and accepts an existing
+/// directory; otherwise that is an error (-EEXIST). With recursive, a file in the path gives
+/// -ENOTDIR. After a failure, parents created until then remain.
 int create(core::String const& path, bool recursive);
 
 }  // namespace sys::dir

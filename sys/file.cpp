@@ -4,17 +4,17 @@
 #include <string>
 
 #include "core/crc/crc32.h"
+#include "core/stream/FileStream.h"
 #include "sys/dir.h"
-#include "sys/openRegular.h"
 #include "sys/platform/Files.h"
 
 namespace sys::file {
 
 namespace {
 
-int const pieceSize = 4096;
+int const chunkSize = 4096;
 
-/// Opens the file and reads its status: 0, or the negative error code of that step.
+/// Opens the file and stores its status.
 int statOf(core::String const& path, stats& status) {
     core::FileStream file;
     int const result = file.Open(path, platform::openRead);
@@ -43,14 +43,14 @@ unsigned int calculatesCRC32(core::String const& path) {
 int calculatesCRC32(core::String const& path, unsigned int& crc) {
     crc = 0;
     core::FileStream file;
-    int const result = openRegular(file, path);
+    int const result = openRegularFile(file, path);
     if (result != 0) {
         return result;
     }
-    char piece[pieceSize];
-    int got = file.Read(piece, pieceSize);
-    for (; got > 0; got = file.Read(piece, pieceSize)) {
-        crc = core::crc32::update(piece, got, crc);
+    char chunk[chunkSize];
+    int got = file.Read(chunk, chunkSize);
+    for (; got > 0; got = file.Read(chunk, chunkSize)) {
+        crc = core::crc32::update(chunk, got, crc);
     }
     return got;
 }
@@ -69,8 +69,8 @@ int stat(core::String const& path, stats* status) {
 }
 
 core::String getTempPath() {
-    core::String const folder(platform::temporaryDirectory().c_str());
-    return folder.ForceNoTrailingPathDelimiter().ForceTrailingPathDelimiter();
+    core::String const directory(platform::temporaryDirectory().c_str());
+    return directory.ForceNoTrailingPathDelimiter().ForceTrailingPathDelimiter();
 }
 
 core::String getTempFileName() {
@@ -88,8 +88,9 @@ int remove(core::String const& path) {
 }
 
 int createPathOfFile(core::String const& path) {
-    core::String const folder = path.GetFilePath();
-    return folder.IsEmpty() ? 0 : dir::create(folder, true);
+    core::String const directory = path.GetFilePath();
+    bool const recursive = true;
+    return directory.IsEmpty() ? 0 : dir::create(directory, recursive);
 }
 
 int setFileAttributes(core::String const& /*path*/, unsigned /*attributes*/) {

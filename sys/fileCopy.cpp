@@ -1,42 +1,43 @@
 #include <cerrno>
 
+#include "core/stream/FileStream.h"
 #include "sys/AtomicFile.h"
 #include "sys/file.h"
-#include "sys/openRegular.h"
 
 namespace sys::file {
 
 namespace {
 
-/// Copies source, which is closed then, into a file that takes the name to: 0, or a negative error
-/// code.
-int copyInto(core::String const& to, bool replace, core::FileStream& source, bool sparse, bool sync,
-             core::ICopyCallback* callback) {
+using Existing = AtomicFile::Existing;
+
+/// Copies source to the path to, and closes source. Returns 0 or a negative errno value.
+int copyInto(core::String const& to, Existing existing, core::FileStream& source,
+             core::CopyOptions const& options) {
     AtomicFile target;
     int const created = target.Create(to);
     if (created != 0) {
         return created;
     }
-    long long const copied =
-        source.CopyTo(target, {.sparse = sparse, .sync = sync, .callback = callback});
+    long long const copied = source.CopyTo(target, options);
     if (copied < 0) {
         return static_cast<int>(copied);
     }
     target.CopyPermissionsFrom(source);
-    source.Close();  // which may be what is replaced, and some systems replace no open file
-    return target.Commit(replace ? AtomicFile::Existing::replace : AtomicFile::Existing::keep,
-                         AtomicFile::Durable::no);  // unless sync is set, and then CopyTo did
+    // Source and target may be the same file, and Windows cannot replace an open one.
+    source.Close();
+    // Not durable, unless the options have made CopyTo flush the data.
+    return target.Commit(existing, AtomicFile::Durable::no);
 }
 
 /// Moves a regular file to another file system.
-int moveAcross(core::String const& from, core::String const& to, bool replace) {
-    if (!replace && getType(to) != Type::none) {
+int moveAcross(core::String const& from, core::String const& to, Existing existing) {
+    if (existing == Existing::keep && getType(to) != Type::none) {
         return -EEXIST;
     }
     core::FileStream source;
-    int result = openRegular(source, from);
+    int result = openRegularFile(source, from);
     if (result == 0) {
-        result = copyInto(to, replace, source, true, true, nullptr);
+        result = copyInto(to, existing, source, {.sparse = true, .sync = true});
     }
     return result == 0 ? remove(from) : result;
 }
@@ -46,14 +47,16 @@ int moveAcross(core::String const& from, core::String const& to, bool replace) {
 int copy(core::String const& from, core::String const& to, bool sparse, bool sync,
          core::ICopyCallback* callback) {
     core::FileStream source;
-    int const result = openRegular(source, from);
-    return result == 0 ? copyInto(to, true, source, sparse, sync, callback) : result;
+    int const result = openRegularFile(source, from);
+    return result == 0 ? copyInto(to, Existing::replace, source,
+                                  {.sparse = sparse, .sync = sync, .callback = callback})
+                       : result;
 }
 
 int rename(core::String const& from, core::String const& to, bool replace) {
     int const result = platform::renameFile(from.getCString(), to.getCString(), replace);
     bool const across = result == -EXDEV && getType(from) == Type::regular;
-    return across ? moveAcross(from, to, replace) : result;
+    return across ? moveAcross(from, to, replace ? Existing::replace : Existing::keep) : result;
 }
 
 }  // namespace sys::file

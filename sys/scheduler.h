@@ -2,9 +2,9 @@
 
 #include <cstdint>
 
-/// Time as the whole library measures it: the system's millisecond tick. It is 32 bits wide and
-/// wraps after about 49.7 days; a timer that runs across the wrap sees time jump back. The finer
-/// units are the same tick multiplied.
+/// Time as the library measures it: a tick of one millisecond. It is 32 bits wide and wraps after
+/// about 49.7 days; a timer that runs across the wrap sees time jump back. The finer units are
+/// multiples of the same tick.
 namespace sys::scheduler {
 
 unsigned long long getcurrtickms();
@@ -19,9 +19,9 @@ void sleepms(int ms);
 void sleepus(int us);
 void sleepns(int ns);
 
-/// Where ticks come from; tests put a clock of their own in the place of the system's.
+/// A clock, which tests can replace by their own.
 using TickSource = std::uint32_t (*)();
-/// Takes ticks from source from now on; null takes the system's again.
+/// Sets the clock; null restores that of the platform.
 void setTickSource(TickSource source);
 
 }  // namespace sys::scheduler

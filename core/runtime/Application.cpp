@@ -3,8 +3,8 @@
 #include <cstdlib>
 
 #include "core/crc/crc32.h"
-#include "sys/pid.h"
 #include "sys/platform/Process.h"
+#include "sys/process.h"
 #include "sys/scheduler.h"
 
 namespace core {

@@ -10,9 +10,9 @@ TEST(Scenario, ReportsEveryErrorOfItsFile) {
     std::string const bad = "*** Bad scenario: ";
     std::string const after = "after needs a positive number and works in data only";
     for (auto const& [text, error] : std::vector<std::pair<std::string, std::string>>{
-             {"nonsense", bad + "nonsense is no pair of name and value"},
-             {"trial = close", bad + "trial means nothing here"},
-             {"data = close\nDATA = close", bad + "DATA is there twice"},
+             {"nonsense", bad + "nonsense is not a name-value pair"},
+             {"trial = close", bad + "trial is unknown"},
+             {"data = close\nDATA = close", bad + "DATA appears twice"},
              {"seed = -1", bad + "seed must be a number from 0 to 4294967295"},
              {"receiveBuffer = 1 MB", bad + "receiveBuffer must be a number from 0 to 1000000000"},
              {"request = %1 %2", bad + "request: unknown action \"%1 %2\""},

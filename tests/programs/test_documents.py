@@ -46,8 +46,8 @@ WAYS = (
     (r'DeviceStatus::\w+,\s*"([^"]+)",\s*"([^"]+)"', r"\1: \2"),
     (r'file(?:Fault|Error)\("([^"]+)"', r"\1: `...`: ..."),
     (r'"((?:it (?!changed)|a |another )[^"]+)"', r"File not extracted: file[...], `...`: \1"),
-    (r'(?:Wrong\(step \+ ":",[^";]*|(?="%1 [a-z]+ ))"([^"]+)"', r"Bad scenario: ...: \1"),
-    (r'Wrong\([^;"]*(?:"[^"]+")?,[^";]*"([^"]+)"', r"Bad CONF: ... \1"),
+    (r'(?:AddError\(step \+ ":",[^";]*|(?="%1 [a-z]+ ))"([^"]+)"', r"Bad scenario: ...: \1"),
+    (r'AddError\((?!String)[^;"]*(?:"[^"]+")?,[^";]*"([^"]+)"', r"Bad CONF: ... \1"),
 )
 UNDOCUMENTED = re.compile(r"(- | |>  ).*|.*\\n|((?![A-Za-z] [A-Za-z]).)*", re.S)
 

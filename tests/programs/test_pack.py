@@ -61,10 +61,10 @@ def test_builds_the_golden_archives_and_extracts_their_files(pack, directory, ve
 @pytest.mark.parametrize("manifest, errors", [
     ("file.count = 2\nfile[0].origin = f", bad("file[1].origin is missing")),
     ("file.count = 3000000000", bad("file.count must be a number from 0 to 2147483647")),
-    ("file.count = 0\nfile[0].name = f", bad("file[0].name means nothing here")),
-    (FILE + "FILE.COUNT = 1", bad("FILE.COUNT is there twice")),
-    (FILE + "nonsense", bad("nonsense is no pair of name and value")),
-    (FILE.encode() + b"\x1B[2J\xD8\x9C=\xFF = 1", bad("?[2j? means nothing here")),
+    ("file.count = 0\nfile[0].name = f", bad("file[0].name is unknown")),
+    (FILE + "FILE.COUNT = 1", bad("FILE.COUNT appears twice")),
+    (FILE + "nonsense", bad("nonsense is not a name-value pair")),
+    (FILE.encode() + b"\x1B[2J\xD8\x9C=\xFF = 1", bad("?[2j? is unknown")),
     (FILE + "targetId = a\0b", bad("line 3 contains a NUL character")),
     (FILE + "version = 2.1\nuniqueId = -1\nattribute.count = 1024\nfile[0].attributes = 8\n"
      "file[0].flags = 1 2",
@@ -89,7 +89,7 @@ def test_builds_the_golden_archives_and_extracts_their_files(pack, directory, ve
     (OTHER + ".", ['File not readable: "@.": Is a directory']),
     ("\n".join(f"n{i} = 1" for i in range(10, 50)),
      ["Bad manifest: file.count is missing",
-      *(f"Bad manifest: n{i} means nothing here" for i in range(10, 29)),
+      *(f"Bad manifest: n{i} is unknown" for i in range(10, 29)),
       "More errors: There are 21 more"]),
 ])
 def test_rejects_manifests_and_keeps_the_old_archive(pack, directory, manifest, errors):

@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "sys/matchesPattern.h"
+#include "sys/FileDirectory.h"
 
 namespace {
 

@@ -4,11 +4,9 @@
 #include <string>
 #include <thread>
 
-#include "sys/cmd.h"
-#include "sys/env.h"
-#include "sys/pid.h"
 #include "sys/platform/Process.h"
 #include "sys/platform/locker.h"
+#include "sys/process.h"
 #include "tests/support/PrintText.h"
 #include "tests/support/system.h"
 
