@@ -18,9 +18,9 @@ int const transferPollInterval = 5;  ///< ms between two checks of the timer in 
 /// expires. Returns the number of bytes moved, or the negative result of the first attempt.
 template <class Check, class Move>
 int transferUntil(int length, int timeoutMs, Check check, Move move) {
-    int const limit = std::max(timeoutMs, 0);
-    int const interval = std::min(limit, transferPollInterval);
-    CountDownTimer timer(static_cast<unsigned long long>(limit));
+    int const timeout = std::max(timeoutMs, 0);
+    int const interval = std::min(timeout, transferPollInterval);
+    CountDownTimer timer(static_cast<unsigned long long>(timeout));
     for (int done = 0; done < length;) {
         int const ready = check(interval);
         int const moved = ready > 0 ? move(done) : ready;
