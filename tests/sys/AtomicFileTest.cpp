@@ -3,8 +3,8 @@
 #include "sys/AtomicFile.h"
 #include "sys/dir.h"
 #include "sys/file.h"
-#include "tests/support/TemporaryDirectory.h"
 #include "tests/support/PrintText.h"
+#include "tests/support/TemporaryDirectory.h"
 
 namespace {
 

@@ -15,7 +15,7 @@ namespace {
 using FileContentsTest = support::DirectoryTest;
 namespace file = sys::file;
 
-TEST_F(FileContentsTest, WrittenAndReadAgain) {
+TEST_F(FileContentsTest, WritesAndReadsText) {
     directory_.Write("f", std::string(50, 'x'));
     EXPECT_EQ(file::setFileContents(Path("f"), "long text", true), 0);
     EXPECT_EQ(file::setFileContents(Path("f"), "LONG", false), 0);
@@ -23,13 +23,13 @@ TEST_F(FileContentsTest, WrittenAndReadAgain) {
     core::String const big = core::String::OfChar('b', 10'000);
     EXPECT_EQ(file::addFileContents(Path("new"), big) + file::addFileContents(Path("new"), big), 0);
     EXPECT_EQ(file::getFileContents(Path("new")), big + big);
-    directory_.Write("zero", "ab" + std::string(5000, '\0') + "behind");
+    directory_.Write("zero", "ab" + std::string(5000, '\0') + "after");
     EXPECT_EQ(file::getFileContents(Path("zero")), "ab");
     EXPECT_EQ(file::remove(Path("f")), 0);
     EXPECT_EQ(file::remove(Path("f")), -ENOENT);
 }
 
-TEST_F(FileContentsTest, EveryFailureHasItsCode) {
+TEST_F(FileContentsTest, ReturnsTheErrorOfEachFailure) {
     core::StringArray list;
     list.Add("%1\t\xff");
     using Row = std::tuple<core::String, int, int>;
@@ -54,7 +54,7 @@ TEST_F(FileContentsTest, EveryFailureHasItsCode) {
     EXPECT_EQ(list.AsString(), "%1\t\xff\r\n");
 }
 
-TEST_F(FileContentsTest, ListsOfLinesAndOfValues) {
+TEST_F(FileContentsTest, LoadsAndSavesLists) {
     directory_.Write("f", "\xEF\xBB\xBF# comment\n a = 1\r\n\nb=2");
     core::StringArray list;
     EXPECT_EQ(file::loadConfFile(list, Path("f")), 0);
@@ -65,7 +65,7 @@ TEST_F(FileContentsTest, ListsOfLinesAndOfValues) {
     EXPECT_EQ(list.AsString(), "a=1\r\nb=2\r\n");
 }
 
-TEST_F(FileContentsTest, Numbers) {
+TEST_F(FileContentsTest, ReadsNumbers) {
     using Row = std::pair<std::string, long long>;
     for (auto const& [content, expected] :
          {Row{"  42  ", 42}, Row{"\n \t\r\n-7\n8", -7}, Row{"5 apples", 5}, Row{"abc\n1", -71},

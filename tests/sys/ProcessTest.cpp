@@ -16,7 +16,7 @@ namespace env = sys::env;
 namespace cmd = sys::cmd;
 namespace pid = sys::pid;
 
-TEST(Env, ValuesAndEntries) {
+TEST(Env, ReadsValuesAndEntries) {
     for (int const length : {0, 1, 32766, 32767, 100'000}) {
         core::String const value = core::String::OfChar('v', length);
         support::setVariable("RAVE", nullptr);
@@ -60,7 +60,7 @@ TEST(Locker, LocksBeforeInit) {
     EXPECT_EQ(count, 1'000'000);
 }
 
-TEST(Process, RunsNothingAndSaysSo) {
+TEST(Process, RunsNoCommands) {
     core::StringArray const none;
     core::StringArray some;
     some.Add("exit 0");

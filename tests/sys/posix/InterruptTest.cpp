@@ -33,10 +33,10 @@ void pause(int ms) {
     _exit(1);
 }
 
-TEST(Interrupt, IsReportedOnceAndTheNextOneEndsTheProcess) {
+TEST(Interrupt, CallsOnceAndThenEndsTheProcess) {
     GTEST_FLAG_SET(death_test_style, "threadsafe");
     for (int const number : {SIGINT, SIGTERM}) {
-        // Whether it is the second signal that ends the process, or the first in the end.
+        // The second signal ends the process, or EndIfInterrupted does for the first one.
         int const other = number == SIGINT ? SIGTERM : SIGINT;
         EXPECT_EXIT(interrupt({number, other}, 400), testing::KilledBySignal(other), "");
         EXPECT_EXIT(interrupt({number, number}, 0), testing::KilledBySignal(number), "");

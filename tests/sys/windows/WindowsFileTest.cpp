@@ -5,19 +5,15 @@
 
 #include "core/stream/FileStream.h"
 #include "sys/FileDirectory.h"
-#include "sys/dir.h"
-#include "sys/file.h"
-#include "tests/support/PrintText.h"
-#include "tests/sys/ListedFolderTest.h"
-#include "tests/sys/expectPaths.h"
+#include "tests/sys/ListedDirectoryTest.h"
 
 namespace {
 
-using WindowsFileTest = ListedFolderTest;
+using WindowsFileTest = ListedDirectoryTest;
 using sys::file::Type;
 namespace file = sys::file;
 
-TEST_F(WindowsFileTest, KindsOfThings) {
+TEST_F(WindowsFileTest, DistinguishesTypesOfFiles) {
     directory_.Write("f", "12345");
     expectKinds({Kind{Path("f"), Type::regular, 0, 5}, Kind{Path("F"), Type::regular, 0, 5},
                  Kind{Path("."), Type::directory, 0, -EISDIR}, Kind{"NUL", Type::device, 0, 0},
@@ -28,7 +24,7 @@ TEST_F(WindowsFileTest, KindsOfThings) {
                  Kind{Path("\xff\xfe"), Type::none, -ENOENT, -ENOENT}});
 }
 
-TEST_F(WindowsFileTest, FoldersAreMadeListedAndSearched) {
+TEST_F(WindowsFileTest, CreatesListsAndSearchesDirectories) {
     directory_.Write("file", "");
     expectCreated({Created{Path("new"), 0, 0}, Created{Path("a\\b/c"), -ENOENT, 0},
                    Created{"\\\\?\\" + Path("a\\b\\c\\e"), 0, 0},
@@ -47,7 +43,7 @@ TEST_F(WindowsFileTest, FoldersAreMadeListedAndSearched) {
     sys::dir::change(Path(".."));
 }
 
-TEST_F(WindowsFileTest, AnOpenFileCanBeReadAndRemovedButNotReplaced) {
+TEST_F(WindowsFileTest, AllowsReadingAndRemovingAnOpenFile) {
     directory_.Write("f", "old");
     directory_.Write("new", "new");
     core::FileStream open;
@@ -63,7 +59,7 @@ TEST_F(WindowsFileTest, AnOpenFileCanBeReadAndRemovedButNotReplaced) {
     EXPECT_EQ(Names(), "new ");
 }
 
-TEST_F(WindowsFileTest, AFileThatMayOnlyBeReadIsCopiedWithThatRight) {
+TEST_F(WindowsFileTest, CopiesTheReadOnlyAttribute) {
     directory_.Write("from", "x");
     SetFileAttributesA(Path("from").getCString(), FILE_ATTRIBUTE_READONLY);
     EXPECT_EQ(file::copy(Path("from"), Path("to"), false, false, nullptr), 0);

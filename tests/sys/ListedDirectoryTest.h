@@ -1,12 +1,22 @@
 #pragma once
 
-#include <gtest/gtest.h>
-
 #include <initializer_list>
 #include <tuple>
 
 #include "sys/dir.h"
 #include "sys/file.h"
+#include "tests/support/PrintText.h"
+#include "tests/support/TemporaryDirectory.h"
+
+/// A test with a new directory that can list its entries.
+class ListedDirectoryTest : public support::DirectoryTest {
+protected:
+    core::String Found(core::String const& pattern, bool subFolders, bool folders) const {
+        core::StringArray const paths = sys::file::search(pattern, subFolders, folders);
+        return paths.AsString().Replace(Path(""), "").ReplaceNewLine(" ");
+    }
+    core::String Names() const { return Found(Path("*"), true, true); }
+};
 
 /// A path, its type, and the results of stat and of getFileSize: 5 for a regular file.
 using Kind = std::tuple<core::String, sys::file::Type, int, long long>;
@@ -19,11 +29,12 @@ inline void expectKinds(std::initializer_list<Kind> rows) {
         EXPECT_EQ(sys::file::getFileSize(path), size) << path.getCString();
         EXPECT_EQ(sys::file::isDirectory(path), type == sys::file::Type::directory);
         EXPECT_EQ(sys::file::exists(path), size == 5) << path.getCString();
-        EXPECT_EQ(sys::file::calculatesCRC32(path) != 0, size == 5) << "and it comes back";
+        EXPECT_EQ(sys::file::calculatesCRC32(path) != 0, size == 5)
+            << "returns, even for an endless device";
     }
 }
 
-/// A path, and the results of creating it without its parents and after that with them.
+/// A path, and the results of creating it without its parents and then with them.
 using Created = std::tuple<core::String, int, int>;
 
 inline void expectCreated(std::initializer_list<Created> rows) {
