@@ -73,9 +73,9 @@ bool matchesPattern(std::string_view name, std::string_view pattern) {
     return pattern.find_first_not_of('*', next) == none;
 }
 
-core::StringArray file::search(core::String const& pattern, bool subFolders, bool folders) {
+core::StringArray file::search(core::String const& pattern, bool recursive, bool directories) {
     core::StringArray paths;
-    findPaths(pattern.GetFilePath(), pattern.GetFileName(), subFolders, folders, paths);
+    findPaths(pattern.GetFilePath(), pattern.GetFileName(), recursive, directories, paths);
     return paths;
 }
 
@@ -87,9 +87,9 @@ char const* FileDirectory::ClassName() const {
     return "FileDirectory";
 }
 
-int FileDirectory::Open(String const& path, bool subFolders) {
+int FileDirectory::Open(String const& path, bool recursive) {
     Close();
-    subFolders_ = subFolders;
+    recursive_ = recursive;
     int const result = ScanDir(path, "*");
     if (result == 0) {
         path_ = path;
@@ -111,7 +111,7 @@ void FileDirectory::Close() {
 int FileDirectory::ScanDir(String const& path, String const& pattern) {
     StringArray paths;
     bool const directories = true;
-    int const result = sys::findPaths(path, pattern, subFolders_, directories, paths);
+    int const result = sys::findPaths(path, pattern, recursive_, directories, paths);
     if (result != 0) {
         return result;
     }

@@ -14,9 +14,9 @@ class FileDirectory : public BasicClass {
 public:
     char const* ClassName() const override;
 
-    /// Scans the directory path, with subFolders recursively; a directory comes before its entries.
-    /// Clears the list of a directory opened before, even on failure.
-    int Open(String const& path, bool subFolders);
+    /// Scans the directory path and, with recursive, all below it; a directory comes before its
+    /// entries. Clears the list of a directory opened before, even on failure.
+    int Open(String const& path, bool recursive);
     /// Scans the opened directory again (-EBADF if there is none). On failure the list is
     /// unchanged.
     int Refresh();
@@ -40,7 +40,7 @@ private:
     bool IsInList(int index) const { return index >= 0 && index < Count(); }
 
     String path_;
-    bool subFolders_ = false;
+    bool recursive_ = false;
     bool opened_ = false;
     StringArray paths_;
     std::vector<long long> sizes_;

@@ -101,11 +101,11 @@ int addFileContents(core::String const& path, core::String const& text);
 /// Returns the paths whose last part matches the last part of pattern, in which "*" matches any
 /// characters and "?" any one byte; the directory of pattern is used as it is. The paths are sorted
 /// by the bytes of the names, and each directory comes before its entries.
-/// - subFolders: searches subdirectories too. Links to directories are not followed: they may form
+/// - recursive: searches subdirectories too. Links to directories are not followed: they may form
 ///   a cycle.
-/// - folders: includes matching directories.
+/// - directories: includes matching directories.
 /// An unreadable directory counts as empty.
-core::StringArray search(core::String const& pattern, bool subFolders, bool folders);
+core::StringArray search(core::String const& pattern, bool recursive, bool directories);
 
 // No-ops: permissions, owners and caches are left to the operating system.
 

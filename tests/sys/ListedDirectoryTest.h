@@ -11,8 +11,8 @@
 /// A test with a new directory that can list its entries.
 class ListedDirectoryTest : public support::DirectoryTest {
 protected:
-    core::String Found(core::String const& pattern, bool subFolders, bool folders) const {
-        core::StringArray const paths = sys::file::search(pattern, subFolders, folders);
+    core::String Found(core::String const& pattern, bool recursive, bool directories) const {
+        core::StringArray const paths = sys::file::search(pattern, recursive, directories);
         return paths.AsString().Replace(Path(""), "").ReplaceNewLine(" ");
     }
     core::String Names() const { return Found(Path("*"), true, true); }

@@ -122,6 +122,27 @@ TEST_F(PosixFileTest, ReportsAFullDiskAndLeavesNothing) {
     EXPECT_EQ(Names(), "big disk disk/directory moved ");
 }
 
+TEST_F(PosixFileTest, CreatesAtomicFilesWithTheirPermissions) {
+    sys::platform::ConfinedDirectory directory;
+    ASSERT_EQ(directory.Open(Path("").getCString()), 0);
+    directory_.Write("old", "");
+    chmod(Path("old").getCString(), 0666);
+    mode_t const before = umask(027);
+    sys::AtomicFile file;
+    std::string modes;
+    for (char const* const name : {"owned", "old", "new"}) {
+        int const created = name == std::string("owned") ? file.Create(Path(name))
+                                                         : file.CreateConfined(directory, name);
+        ASSERT_EQ(created, 0);
+        ASSERT_EQ(file.Commit(sys::AtomicFile::Existing::replace, sys::AtomicFile::Durable::no), 0);
+        struct stat status {};
+        stat(Path(name).getCString(), &status);
+        modes += std::to_string(status.st_mode & 0777) + " ";
+    }
+    umask(before);
+    EXPECT_EQ(modes, "384 438 416 ") << "0600, that of the replaced file, 0666 less the umask";
+}
+
 TEST_F(PosixFileTest, CopiesToTheTargetsOfLinks) {
     directory_.Write("from", "new");
     directory_.Write("real", "old");
