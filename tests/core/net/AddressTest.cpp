@@ -89,6 +89,15 @@ TEST(IPv4Address, ConvertsNumbersAndTexts) {
     EXPECT_EQ(IPv4Address::ToString(1, 2, 3, 4), "1.2.3.4");
 }
 
+TEST(Address, SplitsAtTheFirstBar) {
+    String host("h");
+    String service("s");
+    EXPECT_EQ(Address::DecomposeAddress("|5000", host, service), 11u);
+    EXPECT_EQ(host + service, "hs") << "unchanged";
+    EXPECT_EQ(Address::DecomposeAddress(" a| b|c", host, service), 0u);
+    EXPECT_EQ(host + '+' + service, " a+ b|c");
+}
+
 TEST(Address, FindsTheBestMatch) {
     IPv4Address const four("127.0.0.1|3007");
     auto const any = four.GetAddressInfo(SocketDomain::IPv4, SocketType::unspecified, true);
