@@ -1,5 +1,6 @@
 #include "update/UpdateApplication.h"
 
+#include "core/console/lines.h"
 #include "sys/platform/Process.h"
 #include "update/ConsoleReporter.h"
 #include "update/print.h"
@@ -106,9 +107,10 @@ void UpdateApplication::AddError(core::Fault const& fault) {
 
 void UpdateApplication::showErrors() const {
     for (int i = 0; i < errors.Count(); ++i) {
-        println(errorLine(errors[i]), true);
+        // Every "=", even in a message: scripts that read the output expect it.
+        core::printLine(core::message("*** %1", errors[i].Replace("=", ": ")));
     }
-    println("", true);
+    core::printLine("");
 }
 
 }  // namespace update

@@ -1,7 +1,6 @@
 #include "update/print.h"
 
 #include "core/console/lines.h"
-#include "core/text/message.h"
 #include "program/usage.h"
 
 namespace update {
@@ -26,10 +25,6 @@ void print(int indent, String const& text, bool lineEnd) {
 
 void println(int indent, String const& text, bool lineEnd) {
     print(indent, text, lineEnd);
-}
-
-String errorLine(String const& entry) {
-    return core::message("*** %1", entry.Replace("=", ": "));
 }
 
 void showUsage() {

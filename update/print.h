@@ -17,10 +17,6 @@ void println(core::String const& text, bool lineEnd);
 void print(int indent, core::String const& text, bool lineEnd);
 void println(int indent, core::String const& text, bool lineEnd);
 
-/// Returns the line of an error, an entry of title "=" message: "*** title: message". An "=" inside
-/// the message becomes ": " as well; scripts that read the output expect it.
-core::String errorLine(core::String const& entry);
-
 /// Prints the usage screen.
 void showUsage();
 

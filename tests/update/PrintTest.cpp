@@ -23,8 +23,4 @@ TEST(Print, OnlyAReportAfterAReportReplacesIt) {
               "ab\nfirst\nsecond          \n\nthird\n\t\tc\nd\t\n");
 }
 
-TEST(Print, ErrorLineReplacesEveryEqualsSign) {
-    EXPECT_EQ(errorLine("Bad address=The (a=b) %1"), "*** Bad address: The (a: b) %1");
-}
-
 }  // namespace

@@ -6,8 +6,8 @@ namespace update {
 
 namespace {
 
-/// Whether the device rejected the moment or the connection, not the update or itself. It cannot be
-/// asked about the others again without a person who has removed the cause.
+/// Whether the cause may pass by itself: the device was busy, or the connection disturbed. All
+/// others are in the update or in the device, and sending again does not remove them.
 bool isTransient(std::uint32_t status) {
     switch (DeviceStatus{status}) {
         case DeviceStatus::SystemBusy:

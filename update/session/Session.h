@@ -51,7 +51,7 @@ public:
 
     /// Runs the whole session and closes the connection; call once. Connecting waits as long as the
     /// operating system does, all else as long as the timeouts. Initialises the socket library
-    /// meanwhile. Throws nothing of its own: std::bad_alloc, and what the observer throws, at most.
+    /// meanwhile. Throws nothing but std::bad_alloc and the exceptions of the observer.
     [[nodiscard]] Outcome Run();
 
 private:

@@ -7,11 +7,11 @@
 #include "update/protocol/records.h"
 #include "update/session/Outcome.h"
 
-/// Bytes and records of a session, each within its timeout. The phase of a Failure is the caller's.
+/// Bytes and records of a session, each within its timeout. Callers set the phase of a Failure.
 namespace update {
 
-/// Initialises the socket library. Returns nothing, and the caller owes a core::Socket::done(), or
-/// returns the failure.
+/// Initialises the socket library. Returns the failure, or nothing: the caller then calls
+/// core::Socket::done() when no socket is left.
 [[nodiscard]] std::optional<Failure> initSockets();
 
 /// The result of an attempt to send a number of bytes.

