@@ -113,7 +113,8 @@ TEST(Reader, RejectsTruncatedAndChangedArchives) {
             ASSERT_EQ(read.code, -2) << size;
             auto const& now = read.reader.GetReadPosition();
             ASSERT_EQ(now.end, static_cast<long long>(size));
-            ASSERT_EQ(now.begin, size < last.begin + last.size ? last.begin : now.end) << size;
+            bool const inLast = size < static_cast<std::uint64_t>(last.begin) + last.size;
+            ASSERT_EQ(now.begin, inLast ? last.begin : now.end) << size;
             last = now;
         }
         std::size_t const trailer = bytes.size() - 16;
