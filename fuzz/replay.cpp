@@ -7,7 +7,8 @@
 
 extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size);
 
-// Runs the target of a fuzzer on all files of directories, without a fuzzer. A fault aborts the process.
+// Runs the target of a fuzzer on all files of directories, without a fuzzer. A fault aborts the
+// process.
 int main(int argc, char** argv) {
     int count = 0;
     for (int i = 1; i < argc; ++i) {
