@@ -1,5 +1,6 @@
 #include "core/archive/archiveFormat.h"
 
+#include <cstddef>
 #include <cstring>
 
 #include "core/text/unicode.h"
@@ -71,7 +72,7 @@ SlotResult writeTextSlot(String const& text, unsigned char* slot, int units) {
         if (stored == 0) {
             return SlotResult::tooLong;
         }
-        slot += 2 * stored;
+        slot += std::ptrdiff_t{2} * stored;
         units -= stored;
     }
     return SlotResult::written;
