@@ -30,7 +30,7 @@ void writeTo(sys::Screen* screen, StandardStream stream, String const& text, boo
     // Write line and line feed at once, so that lines of several threads do not mix.
     auto const length = static_cast<std::size_t>(out.GetLength());
     std::fflush(stdout);
-    if (!sys::platform::writeStandardOutput(out.getCString(), length)) {
+    if (!sys::platform::writeStandardStream(StandardStream::output, out.getCString(), length)) {
         writeFailed = true;
     }
 }

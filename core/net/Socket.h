@@ -68,6 +68,8 @@ public:
     SocketResult Connect(ClassRef<AddressInfo> const& info);
     SocketResult Connect(ClassRef<SocketAddr> const& address);
     SocketResult Connect(EndPoint const& endPoint);
+    /// Does the same, but waits at most ms milliseconds; the socket is non-blocking afterwards.
+    SocketResult Connect(EndPoint const& endPoint, int ms);
     /// Connects to the target; true if connected or already open.
     bool Connect() override;
     /// Whether the socket is open and usable; a closed connection is not detected.

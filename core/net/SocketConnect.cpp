@@ -85,6 +85,16 @@ SocketResult Socket::Connect(EndPoint const& endPoint) {
     return Connect(endPoint.GetSocketAddress());
 }
 
+SocketResult Socket::Connect(EndPoint const& endPoint, int ms) {
+    ClassRef<SocketAddr> const& address = endPoint.GetSocketAddress();
+    if (!address || !setBlocking(false)) {
+        return socket_result::failed;
+    }
+    int const result =
+        platform::connectSocket(handle_, address->GetBytes(), address->GetSize(), ms);
+    return result == 0 ? address->GetName(target_, true) : Fail(result);
+}
+
 SocketResult Socket::ConnectOpen(SocketAddr const& address) {
     int const result = platform::connectSocket(handle_, address.GetBytes(), address.GetSize());
     return result == 0 ? address.GetName(target_, true) : Fail(result);

@@ -45,6 +45,10 @@ int HandleStream::Truncate(long long size) {
     return IsOpened() ? platform::resizeFile(handle_, size) : -EBADF;
 }
 
+int HandleStream::Lock() {
+    return IsOpened() ? platform::lockFile(handle_) : -EBADF;
+}
+
 int HandleStream::Stat(platform::FileStatus& status) const {
     return IsOpened() ? platform::statFile(handle_, status) : -EBADF;
 }

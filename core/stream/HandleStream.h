@@ -23,6 +23,9 @@ public:
     /// Sets the size of the file. Returns 0 or a negative errno value.
     int Truncate(long long size);
 
+    /// Locks the file until it is closed: see sys::platform::lockFile. Returns 0 or a negative
+    /// errno value.
+    int Lock();
     /// Stores the status of the open file. Returns 0 or a negative errno value.
     int Stat(sys::platform::FileStatus& status) const;
     /// Closes the file, if one is open. Returns 0 or a negative errno value.

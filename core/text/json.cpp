@@ -25,6 +25,22 @@ String jsonString(String const& text) {
     return json.AsString();
 }
 
+JsonValue JsonValue::Thousandths(long long number) {
+    long long const decimals = number % 1000;
+    JsonValue value(nullptr);
+    value.json_ = message(decimals < 10    ? "%1.00%2"
+                          : decimals < 100 ? "%1.0%2"
+                                           : "%1.%2",
+                          number / 1000, decimals);
+    return value;
+}
+
+JsonValue JsonValue::Object(std::initializer_list<JsonMember> members) {
+    JsonValue value(nullptr);
+    value.json_ = message("{%1}", jsonMembers(members));
+    return value;
+}
+
 String jsonMembers(std::initializer_list<JsonMember> members) {
     TextBuilder json;
     for (JsonMember const& member : members) {

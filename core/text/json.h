@@ -1,7 +1,9 @@
 #pragma once
 
 #include <concepts>
+#include <cstddef>
 #include <initializer_list>
+#include <optional>
 
 #include "core/text/String.h"
 #include "core/text/message.h"
@@ -12,7 +14,7 @@ namespace core {
 /// invalid UTF-8 becomes U+FFFD.
 [[nodiscard]] String jsonString(String const& text);
 
-/// A value as JSON: a string, a truth value or an integer.
+/// A value as JSON: a string, a truth value, a number, null or an object.
 class JsonValue {
 public:
     JsonValue(String const& text) : json_(jsonString(text)) {}
@@ -20,6 +22,14 @@ public:
     JsonValue(bool value) : json_(value ? "true" : "false") {}
     template <std::integral Number>
     JsonValue(Number number) : json_(message("%1", number)) {}
+
+    JsonValue(std::nullptr_t) : json_("null") {}
+    template <class Value>
+    JsonValue(std::optional<Value> const& value)
+        : JsonValue(value ? JsonValue(*value) : JsonValue(nullptr)) {}
+    /// Returns the number of thousandths as a number with three decimals.
+    static JsonValue Thousandths(long long number);
+    static JsonValue Object(std::initializer_list<struct JsonMember> members);
 
     String const& AsString() const { return json_; }
 

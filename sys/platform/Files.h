@@ -26,7 +26,8 @@ enum class FileType { none, regular, directory, link, pipe, socket, device, othe
 enum class SeekOrigin { begin, current, end };
 
 struct FileStatus {
-    long long size = 0;  ///< bytes
+    long long size = 0;      ///< bytes
+    long long modified = 0;  ///< the time of the last change, in ms since 1970 in UTC
     FileType type = FileType::other;
     // Two paths name the same file if both numbers are equal.
     std::uint64_t volume = 0;
@@ -49,6 +50,9 @@ int writeFile(FileHandle file, void const* data, int count);
 /// Moves the position, possibly past the end, and returns it as an offset from the start; -EINVAL
 /// before the start, -ESPIPE for a file without a position.
 long long seekFile(FileHandle file, long long offset, SeekOrigin origin);
+/// Locks the file for this process, or another one, until it is closed. Returns -EWOULDBLOCK if
+/// another handle has it locked. Others can still read the file.
+int lockFile(FileHandle file);
 /// Waits until all written data is on disk.
 int syncFile(FileHandle file);
 int statFile(FileHandle file, FileStatus& status);

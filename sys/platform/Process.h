@@ -46,11 +46,16 @@ std::uint32_t tickCount();
 /// Sleeps ms milliseconds, even if signals arrive; 0 gives up the rest of the time slice.
 void sleepMilliseconds(std::uint32_t ms);
 
+/// Returns the number of the process.
+int processId();
+
 /// Returns the number of the calling thread, unique among the running threads of the process.
 unsigned currentThreadId();
 /// Names the calling thread for debuggers and system tools. A long name is truncated, an empty one
 /// is ignored.
 void nameThread(char const* name);
+
+enum class Interruption { none, user, termination };
 
 /// While alive, calls a function on Ctrl-C, Ctrl-Break or a termination request instead of ending
 /// the process. A second one ends it at once. Only one handler may exist. Create it before other
@@ -66,6 +71,11 @@ public:
     /// process is about to exit.
     ~InterruptHandler();
 
+    /// The first interruption, if there was one.
+    Interruption Received() const;
+    /// Ends the process at once: by the signal of the interruption, or with the exit status where
+    /// there are no signals. Returns if there was no interruption.
+    void EndAtOnce(int exitStatus);
     /// Ends the process the way the interruption would have ended it without this handler. Returns
     /// if there was none.
     void EndIfInterrupted();

@@ -33,6 +33,8 @@ int shutdownBoth(SocketHandle socket);
 
 /// Connects to an address of length bytes, without a timeout but the platform's.
 int connectSocket(SocketHandle socket, void const* address, int length);
+/// Does the same for a non-blocking socket, but waits at most ms milliseconds (-ETIMEDOUT).
+int connectSocket(SocketHandle socket, void const* address, int length, int ms);
 /// Binds to a local address. A listener may use the port of a listener just closed, but not a port
 /// in use.
 int bindSocket(SocketHandle socket, void const* address, int length);

@@ -13,9 +13,14 @@ enum class StandardStream { output, error };
 /// terminals that support them.
 bool supportsControlSequences(StandardStream stream);
 
-/// Writes all bytes to standard output, unbuffered, so that the reader of a pipe receives them at
-/// once. Returns false if the output is closed or full, which must not end an update.
-bool writeStandardOutput(char const* text, std::size_t length);
+/// Whether the stream is a terminal that can redraw a line after a carriage return.
+bool redrawsLines(StandardStream stream);
+/// Returns the columns of the terminal; 80 if they are not known.
+int terminalWidth(StandardStream stream);
+
+/// Writes all bytes to the stream, unbuffered, so that the reader of a pipe receives them at once.
+/// Returns false if the stream is closed or full, which must not end an update.
+bool writeStandardStream(StandardStream stream, char const* text, std::size_t length);
 
 }  // namespace sys::platform
 

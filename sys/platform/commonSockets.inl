@@ -13,6 +13,14 @@ addrinfo const* asInfo(ResolvedEntry const* entry) {
     return reinterpret_cast<addrinfo const*>(entry);
 }
 
+int waitForConnect(SocketHandle socket, int ms, int (*result)(SocketHandle)) {
+    int const ready = waitWritable(socket, ms);
+    if (ready <= 0) {
+        return ready == 0 ? -ETIMEDOUT : ready;
+    }
+    return result(socket);
+}
+
 struct OptionName {
     int level;
     int name;

@@ -23,10 +23,13 @@ constexpr Named status(DeviceStatus status, char const* name) {
     return {static_cast<std::uint32_t>(status), name};
 }
 
-constexpr Named values[] = {
+constexpr Named restarts[] = {
     {UpdateNotification::FirmwareRestart, "FirmwareRestart"},
     {UpdateNotification::HardwareRestart, "HardwareRestart"},
     {UpdateNotification::PowerCycle, "PowerCycle"},
+};
+
+constexpr Named statuses[] = {
     status(DeviceStatus::InvalidMagic, "InvalidMagic"),
     status(DeviceStatus::InvalidCrc, "InvalidCrc"),
     status(DeviceStatus::InvalidDataSize, "InvalidDataSize"),
@@ -55,15 +58,24 @@ std::optional<std::uint32_t> find(Named const (&rows)[count], std::string_view n
     return {};
 }
 
-}  // namespace
-
-char const* nameOfCode(std::uint32_t code) {
-    for (Named const& row : codes) {
-        if (row.number == code) {
+template <std::size_t count>
+char const* nameIn(Named const (&rows)[count], std::uint32_t number) {
+    for (Named const& row : rows) {
+        if (row.number == number) {
             return row.name;
         }
     }
     return "Unknown";
+}
+
+}  // namespace
+
+char const* nameOfCode(std::uint32_t code) {
+    return nameIn(codes, code);
+}
+
+char const* nameOfStatus(std::uint32_t status) {
+    return nameIn(statuses, status);
 }
 
 std::optional<std::uint32_t> codeOfName(std::string_view name) {
@@ -71,7 +83,8 @@ std::optional<std::uint32_t> codeOfName(std::string_view name) {
 }
 
 std::optional<std::uint32_t> valueOfName(std::string_view name) {
-    return find(values, name);
+    auto const restart = find(restarts, name);
+    return restart ? restart : find(statuses, name);
 }
 
 }  // namespace update

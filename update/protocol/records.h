@@ -97,6 +97,11 @@ constexpr bool isError(std::uint32_t code) {
     return code == UpdateNotification::Error || code == UpdateNotification::ErrorAlt;
 }
 
+/// Whether a notification with this code reports a stage of the installation.
+constexpr bool isStage(std::uint32_t code) {
+    return code >= UpdateNotification::Received && code <= UpdateNotification::Processing;
+}
+
 /// Converts a word between host order and wire order, in either direction.
 constexpr std::uint32_t bigEndian(std::uint32_t word) {
     if constexpr (std::endian::native == std::endian::big) {

@@ -69,6 +69,7 @@ int storeStatus(int result, struct stat const& found, FileStatus& status) {
         return -errno;
     }
     status.size = found.st_size;
+    status.modified = found.st_mtim.tv_sec * 1000LL + found.st_mtim.tv_nsec / 1'000'000;
     status.type = fileTypeOf(found.st_mode);
     status.volume = found.st_dev;
     status.number = found.st_ino;
@@ -155,6 +156,14 @@ long long seekFile(FileHandle file, long long offset, SeekOrigin origin) {
                                                        : SEEK_END;
     off_t const position = lseek(descriptor(file), offset, whence);
     return position >= 0 ? position : -errno;
+}
+
+int lockFile(FileHandle file) {
+    // A lock of the open file, not of the process, which would lose it with any other handle.
+    struct flock whole {};
+    whole.l_type = F_WRLCK;
+    whole.l_whence = SEEK_SET;
+    return retryOnEintr([&] { return fcntl(descriptor(file), F_OFD_SETLK, &whole); });
 }
 
 int syncFile(FileHandle file) {

@@ -34,6 +34,10 @@ std::vector<std::string> Arguments::Read(int argc, char const* const* argv) {
     return {argv, argv + argc};
 }
 
+int processId() {
+    return getpid();
+}
+
 unsigned currentThreadId() {
     return static_cast<unsigned>(gettid());
 }
@@ -146,6 +150,17 @@ InterruptHandler::~InterruptHandler() {
     state_->thread.join();
     signal(SIGTERM, SIG_IGN);
     pthread_sigmask(SIG_SETMASK, &state_->before, nullptr);
+}
+
+Interruption InterruptHandler::Received() const {
+    int const number = state_->interruption;
+    return number == 0        ? Interruption::none
+           : number == SIGINT ? Interruption::user
+                              : Interruption::termination;
+}
+
+void InterruptHandler::EndAtOnce(int /*exitStatus*/) {
+    EndIfInterrupted();
 }
 
 void InterruptHandler::EndIfInterrupted() {

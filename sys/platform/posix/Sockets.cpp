@@ -61,15 +61,20 @@ int waitFor(SocketHandle socket, short events, int ms) {
 }
 
 /// Waits for the result of a connect that a signal interrupted: the attempt continues.
+/// Returns the result of a connect that went on while the caller waited.
+int resultOfConnect(SocketHandle socket) {
+    int error = 0;
+    socklen_t size = sizeof error;
+    return getsockopt(socket, SOL_SOCKET, SO_ERROR, &error, &size) == 0 ? -error : -errno;
+}
+
 int finishConnect(SocketHandle socket) {
     pollfd waiting{socket, POLLOUT, 0};
     int const result = retryOnEintr([&] { return poll(&waiting, 1, -1); });
     if (result < 0) {
         return result;
     }
-    int error = 0;
-    socklen_t size = sizeof error;
-    return getsockopt(socket, SOL_SOCKET, SO_ERROR, &error, &size) == 0 ? -error : -errno;
+    return resultOfConnect(socket);
 }
 
 using NameCall = int (*)(int, sockaddr*, socklen_t*);
@@ -117,6 +122,11 @@ int connectSocket(SocketHandle socket, void const* address, int length) {
     int const result =
         negativeErrno(connect(socket, asAddress(address), static_cast<socklen_t>(length)));
     return result == -EINTR ? finishConnect(socket) : result;
+}
+
+int connectSocket(SocketHandle socket, void const* address, int length, int ms) {
+    int const begun = connectSocket(socket, address, length);
+    return begun == -EINPROGRESS ? waitForConnect(socket, ms, resultOfConnect) : begun;
 }
 
 int bindSocket(SocketHandle socket, void const* address, int length) {

@@ -196,6 +196,17 @@ int resizeFile(FileHandle file, long long size) {
                : negativeLastError();
 }
 
+int lockFile(FileHandle file) {
+    // A byte that no file has: locked bytes cannot be read by others.
+    OVERLAPPED position{};
+    position.OffsetHigh = 0x7FFF'FFFF;
+    if (LockFileEx(asHandle(file), LOCKFILE_EXCLUSIVE_LOCK | LOCKFILE_FAIL_IMMEDIATELY, 0, 1, 0,
+                   &position) != 0) {
+        return 0;
+    }
+    return GetLastError() == ERROR_LOCK_VIOLATION ? -EWOULDBLOCK : negativeLastError();
+}
+
 int syncFile(FileHandle file) {
     return resultOf(FlushFileBuffers(asHandle(file)) != 0);
 }
@@ -217,6 +228,10 @@ int statFile(FileHandle file, FileStatus& status) {
     if (GetFileInformationByHandle(asHandle(file), &info) == 0) {
         return negativeLastError();
     }
+    // In units of 100 ns since 1601.
+    long long const ticks = static_cast<long long>(info.ftLastWriteTime.dwHighDateTime) << 32 |
+                            info.ftLastWriteTime.dwLowDateTime;
+    status.modified = ticks / 10'000 - 11'644'473'600'000;
     status.size = static_cast<long long>(info.nFileSizeHigh) << 32 | info.nFileSizeLow;
     status.type = (info.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0 ? FileType::directory
                                                                           : FileType::regular;

@@ -3,6 +3,7 @@
 #include <windows.h>
 #include <shellapi.h>
 
+#include <atomic>
 #include <cstring>
 #include <mutex>
 #include <system_error>
@@ -43,6 +44,10 @@ std::vector<std::string> Arguments::Read(int, char const* const*) {
     }
     LocalFree(values);
     return arguments;
+}
+
+int processId() {
+    return static_cast<int>(GetCurrentProcessId());
 }
 
 unsigned currentThreadId() {
@@ -109,7 +114,7 @@ namespace {
 
 std::mutex oneAtATime;
 void (*pending)() = nullptr;  ///< the function still to be called
-bool interrupted = false;
+std::atomic<Interruption> received = Interruption::none;
 
 /// The operating system creates a thread for each call.
 BOOL WINAPI notice(DWORD event) {
@@ -118,7 +123,8 @@ BOOL WINAPI notice(DWORD event) {
         if (pending == nullptr) {
             return FALSE;
         }
-        interrupted = true;
+        received = event == CTRL_C_EVENT || event == CTRL_BREAK_EVENT ? Interruption::user
+                                                                      : Interruption::termination;
         std::exchange(pending, nullptr)();
     }
     if (event == CTRL_CLOSE_EVENT) {
@@ -144,9 +150,19 @@ InterruptHandler::~InterruptHandler() {
     pending = nullptr;
 }
 
+Interruption InterruptHandler::Received() const {
+    return received;
+}
+
+void InterruptHandler::EndAtOnce(int exitStatus) {
+    if (received != Interruption::none) {
+        TerminateProcess(GetCurrentProcess(), static_cast<UINT>(exitStatus));
+    }
+}
+
 void InterruptHandler::EndIfInterrupted() {
     std::lock_guard const locked(oneAtATime);
-    if (interrupted) {
+    if (received != Interruption::none) {
         // The exit status that the default handler sets.
         ExitProcess(STATUS_CONTROL_C_EXIT);
     }

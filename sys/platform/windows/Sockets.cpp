@@ -33,6 +33,16 @@ int countOf(int result) {
     return result >= 0 ? result : negativeSocketError();
 }
 
+/// Returns the result of a connect that went on while the caller waited.
+int resultOfConnect(SocketHandle socket) {
+    int error = 0;
+    int size = sizeof error;
+    return getsockopt(asSocket(socket), SOL_SOCKET, SO_ERROR, reinterpret_cast<char*>(&error),
+                      &size) == 0
+               ? -errnoOf(static_cast<unsigned long>(error))
+               : negativeSocketError();
+}
+
 SocketHandle handleOf(SOCKET socket) {
     return socket == INVALID_SOCKET ? negativeSocketError() : static_cast<SocketHandle>(socket);
 }
@@ -115,6 +125,11 @@ int shutdownBoth(SocketHandle socket) {
 
 int connectSocket(SocketHandle socket, void const* address, int length) {
     return countOf(connect(asSocket(socket), asAddress(address), length));
+}
+
+int connectSocket(SocketHandle socket, void const* address, int length, int ms) {
+    int const begun = connectSocket(socket, address, length);
+    return begun == -EWOULDBLOCK ? waitForConnect(socket, ms, resultOfConnect) : begun;
 }
 
 int bindSocket(SocketHandle socket, void const* address, int length) {

@@ -10,6 +10,10 @@ namespace sys::platform {
 
 namespace {
 
+HANDLE handleOf(StandardStream stream) {
+    return GetStdHandle(stream == StandardStream::output ? STD_OUTPUT_HANDLE : STD_ERROR_HANDLE);
+}
+
 /// As UTF-16: the console decodes 8-bit text in its own code page.
 bool writeToConsole(HANDLE console, std::string_view text) {
     std::wstring const units = toUtf16(text);
@@ -32,8 +36,18 @@ bool supportsControlSequences(StandardStream) {
     return false;
 }
 
-bool writeStandardOutput(char const* text, std::size_t length) {
-    HANDLE const output = GetStdHandle(STD_OUTPUT_HANDLE);
+bool redrawsLines(StandardStream stream) {
+    DWORD mode = 0;
+    return GetConsoleMode(handleOf(stream), &mode) != 0;
+}
+
+int terminalWidth(StandardStream stream) {
+    CONSOLE_SCREEN_BUFFER_INFO info{};
+    return GetConsoleScreenBufferInfo(handleOf(stream), &info) != 0 ? info.dwSize.X : 80;
+}
+
+bool writeStandardStream(StandardStream stream, char const* text, std::size_t length) {
+    HANDLE const output = handleOf(stream);
     DWORD mode = 0;
     if (GetConsoleMode(output, &mode) != 0) {
         return writeToConsole(output, {text, length});
@@ -81,7 +95,7 @@ public:
     }
 
     void Write(std::string_view text) override {
-        platform::writeStandardOutput(text.data(), text.size());
+        platform::writeStandardStream(StandardStream::output, text.data(), text.size());
     }
 
     void FillBlanks(Position from, int count) override {
