@@ -1,25 +1,22 @@
 #pragma once
 
 #include "core/text/StringArray.h"
-#include "update/session/SessionObserver.h"
+#include "update/session/LineReporter.h"
 
 namespace update {
 
-/// Prints a line for each event of a session.
-class ConsoleReporter : public SessionObserver {
+/// Prints the events of a session on standard output.
+class ConsoleReporter : public LineReporter {
 public:
     /// errors, which must outlive the reporter, receives an entry for each timeout of a
     /// notification: after a long wait they are all printed if the session fails.
     explicit ConsoleReporter(core::StringArray& errors) : errors_(errors) {}
 
-    void OnConnecting(core::IPv4Address const& device) override;
-    void OnConnected() override;
-    void OnNotification(UpdateNotification const& notification) override;
-    void OnSent(int bytes, int fileSize) override;
-    void OnFileSent(int fileSize) override;
-    void OnWaiting() override;
     void OnNotificationTimeout(core::Interval const& left) override;
-    void OnComplete() override;
+
+protected:
+    void Print(core::String const& line) override;
+    void PrintProgress(core::String const& line) override;
 
 private:
     core::StringArray& errors_;

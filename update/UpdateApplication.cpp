@@ -72,7 +72,7 @@ int UpdateApplication::GetResponse(core::Socket& socket, UpdateNotification& res
                                    bool) {
     if (auto const failure = receiveResponse(socket, response, ms)) {
         AddError(failure->fault);
-        return failure->kind == Failure::Kind::timeout ? 1 : -1;
+        return failure->cause == Cause::noAnswer ? 1 : -1;
     }
     ConsoleReporter(errors).OnNotification(response);
     return 0;

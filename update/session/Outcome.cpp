@@ -4,6 +4,8 @@
 
 namespace update {
 
+using Kind = Failure::Kind;
+
 namespace {
 
 /// Whether the cause may pass by itself: the device was busy, or the connection disturbed. All
@@ -19,12 +21,51 @@ bool isTransient(std::uint32_t status) {
     }
 }
 
+Kind kindOf(Cause cause) {
+    switch (cause) {
+        case Cause::badAddress:
+        case Cause::fileMissing:
+        case Cause::fileUnreadable:
+        case Cause::fileEmpty:
+        case Cause::fileTooBig:
+        case Cause::fileChanged:
+            return Kind::input;
+        case Cause::noSockets:
+            return Kind::system;
+        case Cause::connectRefused:
+        case Cause::connectTimeout:
+        case Cause::unreachable:
+        case Cause::connectFailed:
+            return Kind::connection;
+        case Cause::connectionEnded:
+        case Cause::connectionReset:
+        case Cause::sendFailed:
+            return Kind::lost;
+        case Cause::noAnswer:
+        case Cause::stalled:
+        case Cause::timeUp:
+        case Cause::completionTimeout:
+            return Kind::timeout;
+        case Cause::notTheProtocol:
+        case Cause::damagedRecord:
+        case Cause::unexpectedRecord:
+            return Kind::protocol;
+        case Cause::deviceError:
+            break;
+    }
+    return Kind::rejected;
+}
+
 template <class Enumeration, std::size_t count>
 char const* nameIn(char const* const (&names)[count], Enumeration value) {
     return names[static_cast<std::size_t>(value)];
 }
 
 }  // namespace
+
+Failure::Failure(core::Fault const& error, Cause reason, Phase reached,
+                 std::optional<std::uint32_t> reported)
+    : fault(error), cause(reason), kind(kindOf(reason)), phase(reached), status(reported) {}
 
 Delivered Failure::GetDelivered() const {
     switch (phase) {
@@ -47,6 +88,9 @@ Retry Failure::GetRetry() const {
     // Not even an error of the device proves that it has stopped installing.
     if (GetDelivered() == Delivered::perhapsAll) {
         return Retry::checkFirst;
+    }
+    if (cause == Cause::timeUp) {
+        return Retry::never;
     }
     switch (kind) {
         case Kind::connection:
@@ -83,6 +127,17 @@ char const* nameOf(Failure::Kind kind) {
     static constexpr char const* names[] = {"input",   "system",   "connection", "lost",
                                             "timeout", "protocol", "rejected"};
     return nameIn(names, kind);
+}
+
+char const* nameOf(Cause cause) {
+    static constexpr char const* names[] = {
+        "noSockets",       "badAddress",       "fileMissing",   "fileUnreadable",
+        "fileEmpty",       "fileTooBig",       "fileChanged",   "connectRefused",
+        "connectTimeout",  "unreachable",      "connectFailed", "noAnswer",
+        "connectionEnded", "connectionReset",  "sendFailed",    "stalled",
+        "timeUp",          "notTheProtocol",   "damagedRecord", "unexpectedRecord",
+        "deviceError",     "completionTimeout"};
+    return nameIn(names, cause);
 }
 
 }  // namespace update

@@ -20,6 +20,32 @@ enum class Retry {
     checkFirst,  ///< the device may be installing: wait minutes and do not switch it off
 };
 
+/// The reason why a session did not complete, by the names that scripts use.
+enum class Cause {
+    noSockets,       ///< the socket library cannot be used
+    badAddress,      ///< not an IPv4 address and port
+    fileMissing,     ///< not a readable regular file
+    fileUnreadable,  ///< opening or reading the file failed
+    fileEmpty,       ///< strict sessions only
+    fileTooBig,
+    fileChanged,  ///< since it was measured; strict sessions only
+    connectRefused,
+    connectTimeout,
+    unreachable,      ///< no route to the device
+    connectFailed,    ///< for any other reason
+    noAnswer,         ///< no record in time
+    connectionEnded,  ///< the device closed the connection; strict sessions only
+    connectionReset,  ///< the device reset the connection; strict sessions only
+    sendFailed,
+    stalled,            ///< the device accepted no data in time
+    timeUp,             ///< the deadline passed before the trailer; strict sessions only
+    notTheProtocol,     ///< the magic of a record is wrong
+    damagedRecord,      ///< the CRC of a record is wrong
+    unexpectedRecord,   ///< a valid record that the step does not allow
+    deviceError,        ///< the device reported an error
+    completionTimeout,  ///< the device did not report the end in time
+};
+
 /// The end of a session that did not complete.
 struct Failure {
     enum class Kind {
@@ -32,16 +58,20 @@ struct Failure {
         rejected,    ///< the device reported an error
     };
 
+    Failure(core::Fault const& error, Cause reason, Phase reached = Phase::start,
+            std::optional<std::uint32_t> reported = {});
+
     core::Fault fault;  ///< for users
-    Kind kind = Kind::input;
-    Phase phase = Phase::start;
+    Cause cause;
+    Kind kind;  ///< follows from the cause
+    Phase phase;
     /// The status that the device reported, if it reported an error: a DeviceStatus, or any other
     /// number.
-    std::optional<std::uint32_t> status = {};
+    std::optional<std::uint32_t> status;
 
     /// Follows from the phase.
     Delivered GetDelivered() const;
-    /// Follows from phase, kind and status.
+    /// Follows from phase, cause and status.
     Retry GetRetry() const;
 };
 
@@ -59,5 +89,6 @@ char const* nameOf(Phase phase);
 char const* nameOf(Delivered delivered);
 char const* nameOf(Retry retry);
 char const* nameOf(Failure::Kind kind);
+char const* nameOf(Cause cause);
 
 }  // namespace update

@@ -1,10 +1,13 @@
 #include "update/session/Session.h"
 
 #include <algorithm>
+#include <cerrno>
 
+#include "core/crc/crc32.h"
+#include "core/net/EndPoint.h"
 #include "core/stream/FileStream.h"
 #include "sys/file.h"
-#include "update/session/exchange.h"
+#include "update/session/UpdateFile.h"
 
 namespace update {
 
@@ -13,16 +16,37 @@ using core::fault;
 using core::Interval;
 using core::IPv4Address;
 using core::String;
-using Kind = Failure::Kind;
 
 namespace {
 
 int const reportStep = 262'144;  ///< bytes between two OnSent events
+int const reportPeriod = 200;    ///< ms between two OnSending events
 
-/// Whether the notification reports progress with a file that has arrived.
-bool isStage(UpdateNotification const& notification) {
-    return notification.code >= UpdateNotification::Received &&
-           notification.code <= UpdateNotification::Processing;
+core::Fault communicationFault() {
+    return fault("Unable to communicate", "Error sending data to the device");
+}
+
+Failure timeUp() {
+    return {fault("Time is up", "The update was stopped before its end was sent"), Cause::timeUp};
+}
+
+Failure unexpectedRecord() {
+    return {fault("Unexpected error", "We received something unexpected. Check the device"),
+            Cause::unexpectedRecord};
+}
+
+Cause connectCause(int error) {
+    switch (error) {
+        case ECONNREFUSED:
+            return Cause::connectRefused;
+        case ETIMEDOUT:
+            return Cause::connectTimeout;
+        case EHOSTUNREACH:
+        case ENETUNREACH:
+            return Cause::unreachable;
+        default:
+            return Cause::connectFailed;
+    }
 }
 
 }  // namespace
@@ -31,8 +55,7 @@ std::optional<Failure> checkFile(String const& path) {
     if (sys::file::exists(path)) {
         return {};
     }
-    return Failure{fault("Update file missing",
-                         "Cannot find the file \"%1\". Please provide the correct path", path)};
+    return fileMissing(path);
 }
 
 std::optional<Failure> readDevice(String const& text, IPv4Address& device) {
@@ -44,7 +67,8 @@ std::optional<Failure> readDevice(String const& text, IPv4Address& device) {
         return Failure{fault("Bad address",
                              "The address provided (%1) is not a valid IPv4 address. Please use "
                              "the form IP:Port",
-                             address)};
+                             address),
+                       Cause::badAddress};
     }
     if (device.Port() == IPv4Address::noPort) {
         device.SetPortA(defaultPort);
@@ -53,7 +77,8 @@ std::optional<Failure> readDevice(String const& text, IPv4Address& device) {
         return Failure{fault("Invalid port",
                              "The address provided (%1) does not contain a valid port. Please use "
                              "the form IP|Port",
-                             address)};
+                             address),
+                       Cause::badAddress};
     }
     return {};
 }
@@ -83,30 +108,44 @@ bool Session::Connect() {
     phase_ = Phase::connection;
     observer_.OnConnecting(task_.device);
     String const peer = task_.device.GetAsString(true);
-    if (socket_->Connect(peer) != core::socket_result::success) {
+    if (!ConnectTo(peer)) {
         return Fail(
             {fault("Connection failed",
                    "Unable to connect to (%1). Please check the address and try again", peer),
-             Kind::connection});
+             IsTimeUp() ? Cause::timeUp : connectCause(socket_->LastError())});
     }
-    observer_.OnConnected();
-    return socket_->setBlocking(false) || FailToCommunicate(Kind::system);
+    core::EndPoint local;
+    socket_->GetSockName(local);
+    observer_.OnConnected(IPv4Address(local.GetComposedAddress()));
+    return socket_->setBlocking(false) || Fail({communicationFault(), Cause::noSockets});
+}
+
+bool Session::ConnectTo(String const& peer) {
+    return task_.strict == nullptr
+               ? socket_->Connect(peer) == core::socket_result::success
+               : socket_->Connect(core::EndPoint(task_.device, core::SocketType::stream),
+                                  Limited(task_.strict->connectTimeout)) ==
+                     core::socket_result::success;
 }
 
 bool Session::ReadSizeAndCrc() {
     phase_ = Phase::request;
+    if (task_.strict != nullptr) {
+        request_.fileSize = static_cast<std::uint32_t>(task_.strict->file.Size());
+        request_.fileCrc = task_.strict->file.Crc();
+        return true;
+    }
     long long const size = sys::file::getFileSize(task_.path);
     if (size < 0) {
-        return FailToOpen();
+        return Fail(fileNotOpened(task_.path));
     }
     if (size > largestFile) {
-        return Fail({fault("Update file too big", "The file \"%1\" exceeds the maximum of %2 bytes",
-                           task_.path, largestFile),
-                     Kind::input});
+        return Fail(fileTooBig(task_.path));
     }
     request_.fileSize = static_cast<std::uint32_t>(size);
     // With a partial CRC the device would reject the file only after the transfer.
-    return sys::file::calculatesCRC32(task_.path, request_.fileCrc) == 0 || FailToRead();
+    return sys::file::calculatesCRC32(task_.path, request_.fileCrc) == 0 ||
+           Fail(fileNotRead(task_.path));
 }
 
 bool Session::SendRequest() {
@@ -119,7 +158,7 @@ bool Session::SendRequest() {
     }
     if (answer.code != UpdateNotification::Accepted) {
         return Fail({fault("The device do not recognize us", "Something very bad happened here"),
-                     Kind::protocol});
+                     Cause::unexpectedRecord});
     }
     acceptToken_ = answer.value;
     return true;
@@ -136,33 +175,47 @@ bool Session::SendHeader() {
     UpdateNotification answer;
     auto const failure = Receive(answer, timeouts_.headerAnswer);
     // Devices need not answer the header.
-    return !failure || failure->kind == Kind::timeout || Fail(*failure);
+    if (failure) {
+        return failure->cause == Cause::noAnswer || Fail(*failure);
+    }
+    return task_.strict == nullptr || answer.code != UpdateNotification::Complete ||
+           Fail(unexpectedRecord());
 }
 
 bool Session::SendFile() {
     phase_ = Phase::transfer;
-    core::FileStream file;
-    if (file.Open(task_.path, sys::platform::openRead) != 0) {
-        return FailToOpen();
+    core::FileStream opened;
+    if (task_.strict == nullptr && opened.Open(task_.path, sys::platform::openRead) != 0) {
+        return Fail(fileNotOpened(task_.path));
     }
+    core::FileStream& file = task_.strict != nullptr ? task_.strict->file.Stream() : opened;
+    file.Seek(0);
     CountDownTimer stall{Interval(timeouts_.transferStall)};
     char chunk[chunkSize];
-    int sent = 0;
+    std::uint32_t crc = 0;
     long long nextReport = reportStep;
-    while (sent < FileSize()) {
+    while (sent_ < FileSize()) {
         // Never more than announced, even if the file has grown.
-        int const length = file.Read(chunk, std::min(chunkSize, FileSize() - sent));
+        int const length = file.Read(chunk, std::min(chunkSize, FileSize() - sent_));
         if (length < 1) {
-            return FailToRead();
+            return Fail(task_.strict != nullptr && length == 0 ? fileChanged(task_.path)
+                                                               : fileNotRead(task_.path));
         }
-        if (!SendChunk(chunk, length, stall)) {
+        if (!SendChunk(chunk, length, stall) || !LookBack()) {
             return false;
         }
-        sent += length;
-        if (sent >= nextReport) {
-            nextReport += reportStep;
-            observer_.OnSent(sent, FileSize());
+        sent_ += length;
+        if (task_.strict != nullptr) {
+            crc = core::crc32::update(chunk, length, crc);
         }
+        if (sent_ >= nextReport) {
+            nextReport += reportStep;
+            observer_.OnSent(sent_, FileSize());
+        }
+        ReportSending(stall);
+    }
+    if (task_.strict != nullptr && crc != request_.fileCrc) {
+        return Fail(fileChanged(task_.path));
     }
     observer_.OnFileSent(FileSize());
     return true;
@@ -177,6 +230,7 @@ bool Session::SendTrailer() {
     // Otherwise the trailer waits until the device has acknowledged the file's end, up to 40 ms.
     // Set it only now: a fast network transfers the file in larger segments without it.
     socket_->setTCPNoDelay(true);
+    observer_.OnTrailer();
     return SendRecord(trailer);
 }
 
@@ -188,7 +242,7 @@ bool Session::AwaitCompletion() {
         CountDownTimer wait{Interval(timeouts_.notification)};
         UpdateNotification notification;
         auto const failure = Receive(notification, timeouts_.notification);
-        if (failure && failure->kind != Kind::timeout) {
+        if (failure && failure->cause != Cause::noAnswer) {
             return Fail(*failure);
         }
         if (failure) {
@@ -200,56 +254,91 @@ bool Session::AwaitCompletion() {
             outcome_.restart = notification.value;
             observer_.OnComplete();
             return true;
-        } else if (!isStage(notification)) {
-            return Fail(
-                {fault("Unexpected error", "We received something unexpected. Check the device"),
-                 Kind::protocol});
+        } else if (!isStage(notification.code)) {
+            return Fail(unexpectedRecord());
         }
         if (completion.Expired()) {
             return Fail({fault("Timeout error",
                                "Maybe the system is still updating, but we waited %1 minutes and "
                                "we are tired",
                                SessionTimeouts::completionMinutes),
-                         Kind::timeout});
+                         Cause::completionTimeout});
         }
     }
 }
 
 bool Session::SendChunk(char const* chunk, int length, CountDownTimer& stall) {
-    switch (sendAll(*socket_, chunk, length, stall)) {
-        case SendResult::failed:
-            return Fail({fault("Error sending the file",
-                               "It was impossible to send a bucket of data of \"%1\". This is a "
-                               "triple mess",
-                               task_.path),
-                         Kind::lost});
-        case SendResult::stalled:
-            return Fail({fault("Timeout sending the file",
-                               "It was impossible to complete the transfer of \"%1\". This is a "
-                               "double mess",
-                               task_.path),
-                         Kind::timeout});
-        case SendResult::sent:
-            break;
-    }
-    return true;
+    SendResult const result = Send(chunk, length, stall);
+    return result == SendResult::sent ||
+           FailToSend(result, result == SendResult::stalled
+                                  ? fault("Timeout sending the file",
+                                          "It was impossible to complete the transfer of \"%1\". "
+                                          "This is a double mess",
+                                          task_.path)
+                                  : fault("Error sending the file",
+                                          "It was impossible to send a bucket of data of \"%1\". "
+                                          "This is a triple mess",
+                                          task_.path));
 }
 
 template <class Record>
 bool Session::SendRecord(Record const& record) {
     Record const onWire = swapped(record);
     CountDownTimer stall{Interval(timeouts_.transferStall)};
-    SendResult const result = sendAll(*socket_, &onWire, recordSize, stall);
-    return result == SendResult::sent ||
-           FailToCommunicate(result == SendResult::stalled ? Kind::timeout : Kind::lost);
+    SendResult const result = Send(&onWire, recordSize, stall);
+    return result == SendResult::sent || FailToSend(result, communicationFault());
+}
+
+SendResult Session::Send(void const* data, int length, CountDownTimer& stall) {
+    return sendAll(*socket_, data, length, stall, [this, &stall] {
+        ReportSending(stall);
+        return LookBack() && !IsTimeUp();
+    });
+}
+
+void Session::ReportSending(CountDownTimer const& stall) {
+    if (phase_ == Phase::transfer && report_.Elapsed() >= reportPeriod) {
+        report_.Reset(reportPeriod);
+        observer_.OnSending(sent_, FileSize(), static_cast<long long>(stall.Elapsed()));
+    }
 }
 
 std::optional<Failure> Session::Receive(UpdateNotification& notification, int ms) {
-    auto failure = receiveResponse(*socket_, notification, ms);
+    auto failure = task_.strict != nullptr ? reader_.Receive(*socket_, notification, Limited(ms))
+                                           : receiveResponse(*socket_, notification, ms);
     if (!failure) {
         observer_.OnNotification(notification);
+    } else if (failure->cause == Cause::noAnswer && IsTimeUp()) {
+        failure = timeUp();
     }
     return failure;
+}
+
+bool Session::LookBack() {
+    // From the trailer on, AwaitCompletion receives all records.
+    while (task_.strict != nullptr && phase_ <= Phase::transfer) {
+        UpdateNotification notification;
+        auto const failure = reader_.Receive(*socket_, notification, 0);
+        if (failure) {
+            return failure->cause == Cause::noAnswer || Fail(*failure);
+        }
+        observer_.OnNotification(notification);
+        if (!isStage(notification.code)) {
+            return Fail(unexpectedRecord());
+        }
+    }
+    return true;
+}
+
+int Session::Limited(int ms) const {
+    CountDownTimer const* const deadline = task_.strict->deadline;
+    return deadline == nullptr || phase_ >= Phase::trailer
+               ? ms
+               : static_cast<int>(deadline->RemainingTimeout(0, static_cast<unsigned>(ms)));
+}
+
+bool Session::IsTimeUp() const {
+    return task_.strict != nullptr && phase_ < Phase::trailer && Limited(1) == 0;
 }
 
 bool Session::Fail(Failure const& failure) {
@@ -258,21 +347,23 @@ bool Session::Fail(Failure const& failure) {
     return false;
 }
 
-bool Session::FailToCommunicate(Kind kind) {
-    return Fail({fault("Unable to communicate", "Error sending data to the device"), kind});
-}
-
-bool Session::FailToOpen() {
-    return Fail(
-        {fault("Error opening the file",
-               "Cannot open the file \"%1\". Please provide the correct rights", task_.path),
-         Kind::input});
-}
-
-bool Session::FailToRead() {
-    return Fail({fault("Error reading from the file",
-                       "Error occurred reading the file \"%1\". This is a mess", task_.path),
-                 Kind::input});
+bool Session::FailToSend(SendResult result, core::Fault const& fault) {
+    int const error = socket_->LastError();
+    // What the device has sent is the better reason.
+    if (outcome_.failure || !LookBack()) {
+        return false;
+    }
+    switch (result) {
+        case SendResult::stalled:
+            return Fail({fault, Cause::stalled});
+        case SendResult::abandoned:
+            return Fail(timeUp());
+        case SendResult::failed:
+        case SendResult::sent:
+            break;
+    }
+    return Fail({fault, error == ECONNRESET || error == EPIPE ? Cause::connectionReset
+                                                              : Cause::sendFailed});
 }
 
 }  // namespace update

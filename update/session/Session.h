@@ -10,13 +10,29 @@
 #include "update/protocol/records.h"
 #include "update/session/Outcome.h"
 #include "update/session/SessionObserver.h"
+#include "update/session/exchange.h"
 
 namespace update {
+
+class UpdateFile;
+
+/// What makes a session strict, so that a script may repeat what has failed. A strict session
+/// - sends a file that was measured before, and no trailer if the file has changed since;
+/// - treats a closed or reset connection as the end, once it has read what came before;
+/// - looks for records of the device while it sends: an error, or anything but the report of a
+///   stage, ends the session before the trailer;
+/// - gives up connecting after a time of its own, and all steps before the trailer at a deadline.
+struct StrictRules {
+    UpdateFile& file;
+    int connectTimeout;                              ///< ms
+    core::CountDownTimer const* deadline = nullptr;  ///< null: none
+};
 
 /// A file and the device to update with it.
 struct Task {
     core::String path;
-    core::IPv4Address device;  ///< with its port
+    core::IPv4Address device;             ///< with its port
+    StrictRules const* strict = nullptr;  ///< null: a plain session
 };
 
 /// Returns the failure if path is not a readable regular file.
@@ -64,18 +80,29 @@ private:
     bool SendTrailer();
     bool AwaitCompletion();
 
+    bool ConnectTo(core::String const& peer);
     bool SendChunk(char const* chunk, int length, core::CountDownTimer& stall);
+    SendResult Send(void const* data, int length, core::CountDownTimer& stall);
+    /// Reports progress if it is time to.
+    void ReportSending(core::CountDownTimer const& stall);
     template <class Record>
     bool SendRecord(Record const& record);
     /// Receives and checks a notification within ms milliseconds and passes a valid one on to the
     /// observer.
     std::optional<Failure> Receive(UpdateNotification& notification, int ms);
+    /// Judges what a strict session has received, without waiting. Returns false if the session has
+    /// failed.
+    bool LookBack();
+    /// Returns ms, or the time until the deadline if that is shorter.
+    int Limited(int ms) const;
+    /// Whether a strict session has reached its deadline before the trailer.
+    bool IsTimeUp() const;
 
     /// Ends the session with a failure of the current phase. Returns false.
     bool Fail(Failure const& failure);
-    bool FailToCommunicate(Failure::Kind kind);
-    bool FailToOpen();
-    bool FailToRead();
+    /// Fails for a result other than SendResult::sent, with the fault unless the device or the
+    /// deadline gives a better reason.
+    bool FailToSend(SendResult result, core::Fault const& fault);
 
     int FileSize() const { return static_cast<int>(request_.fileSize); }
 
@@ -85,6 +112,9 @@ private:
     std::optional<core::Socket> socket_;  ///< while the session runs
     UpdateRequest request_;
     std::uint32_t acceptToken_ = 0;
+    RecordReader reader_;  ///< of a strict session
+    int sent_ = 0;         ///< bytes of the file
+    core::CountDownTimer report_;
     Phase phase_ = Phase::start;
     Outcome outcome_;
 };

@@ -14,12 +14,18 @@ public:
     virtual ~SessionObserver() = default;
 
     virtual void OnConnecting(core::IPv4Address const& /*device*/) {}
-    virtual void OnConnected() {}
+    /// local is this computer's end of the connection.
+    virtual void OnConnected(core::IPv4Address const& /*local*/) {}
     /// A valid record arrived that reports no error, expected or not. It is in host byte order.
     virtual void OnNotification(UpdateNotification const& /*notification*/) {}
     /// bytes of fileSize bytes have been sent; called every 262,144 bytes.
     virtual void OnSent(int /*bytes*/, int /*fileSize*/) {}
+    /// bytes of fileSize bytes have been sent, the last of them stalled milliseconds ago; called
+    /// about every 200 ms, also while the device accepts nothing.
+    virtual void OnSending(int /*bytes*/, int /*fileSize*/, long long /*stalled*/) {}
     virtual void OnFileSent(int /*fileSize*/) {}
+    /// The next bytes are those of the trailer: until this returns, none of them has been sent.
+    virtual void OnTrailer() {}
     /// The trailer has been sent: from here on the device may be installing.
     virtual void OnWaiting() {}
     /// No notification arrived in time; left is the time until the session gives up.

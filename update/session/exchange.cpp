@@ -1,5 +1,8 @@
 #include "update/session/exchange.h"
 
+#include <climits>
+#include <cstring>
+
 namespace update {
 
 using core::fault;
@@ -53,11 +56,11 @@ std::optional<Failure> initSockets() {
         return {};
     }
     return Failure{fault("Socket init error", "Unable to initialize the WinSock stack correctly"),
-                   Failure::Kind::system};
+                   Cause::noSockets};
 }
 
-SendResult sendAll(core::Socket& socket, void const* data, int length,
-                   core::CountDownTimer& stall) {
+SendResult sendAll(core::Socket& socket, void const* data, int length, core::CountDownTimer& stall,
+                   std::function<bool()> const& mayWait) {
     auto const* const bytes = static_cast<char const*>(data);
     for (int done = 0; done < length;) {
         // Send first and wait only when the socket is full: this saves a wait for each chunk.
@@ -74,8 +77,34 @@ SendResult sendAll(core::Socket& socket, void const* data, int length,
         if (stall.Expired()) {
             return SendResult::stalled;
         }
+        if (!mayWait()) {
+            return SendResult::abandoned;
+        }
     }
     return SendResult::sent;
+}
+
+std::optional<Failure> RecordReader::Receive(core::Socket& socket, UpdateNotification& record,
+                                             int ms) {
+    core::CountDownTimer wait(static_cast<unsigned long long>(ms));
+    while (count_ < recordSize) {
+        int const received = socket.Recv(bytes_ + count_, recordSize - count_);
+        if (received > 0) {
+            count_ += received;
+            wait.Reset(core::CountDownTimer::samePeriod);
+        } else if (received == 0) {
+            return Failure{fault("Connection ended", "The device closed the connection"),
+                           Cause::connectionEnded};
+        } else if (!socket.WouldBlock()) {
+            return Failure{fault("Connection reset", "The device reset the connection"),
+                           Cause::connectionReset};
+        } else if (!socket.CanRecv(static_cast<int>(wait.RemainingTimeout(0, INT_MAX)))) {
+            return Failure{timeoutFault(), Cause::noAnswer};
+        }
+    }
+    std::memcpy(&record, bytes_, recordSize);
+    count_ = 0;
+    return checkResponse(record);
 }
 
 core::Fault timeoutFault() {
@@ -85,7 +114,7 @@ core::Fault timeoutFault() {
 std::optional<Failure> receiveResponse(core::Socket& socket, UpdateNotification& response, int ms) {
     response = UpdateNotification();
     if (socket.RecvUntil(&response, recordSize, ms) < recordSize) {
-        return Failure{timeoutFault(), Failure::Kind::timeout};
+        return Failure{timeoutFault(), Cause::noAnswer};
     }
     return checkResponse(response);
 }
@@ -95,14 +124,14 @@ std::optional<Failure> checkResponse(UpdateNotification& response) {
     response = swapped(response);
     if (response.magic != wireMagic) {
         return Failure{fault("Invalid response", "The server responded onion for garlic"),
-                       Failure::Kind::protocol};
+                       Cause::notTheProtocol};
     }
     if (response.crc != crc) {
         return Failure{fault("Invalid CRC", "The server response cannot even check itself"),
-                       Failure::Kind::protocol};
+                       Cause::damagedRecord};
     }
     if (isError(response.code)) {
-        return Failure{statusFault(response.value), Failure::Kind::rejected, Phase::start,
+        return Failure{statusFault(response.value), Cause::deviceError, Phase::start,
                        response.value};
     }
     return {};

@@ -11,30 +11,38 @@ namespace {
 
 using namespace update;
 
-TEST(Failure, DeliveredAndRetryFollowFromPhaseKindAndStatus) {
-    std::string table;
-    for (int phase = 0; phase < 7; ++phase) {
-        Failure failure{{}, Failure::Kind::input, Phase{phase}};
-        table += std::string(nameOf(failure.phase)) + ' ' + nameOf(failure.GetDelivered());
-        for (int kind = 0; kind < 7; ++kind) {
-            failure.kind = Failure::Kind{kind};
-            table += std::string(" ") + nameOf(failure.kind) + ' ' + nameOf(failure.GetRetry());
-        }
-        for (failure.status = 0; failure.status <= 16u; ++*failure.status) {
-            bool const differs = failure.GetRetry() == Retry::safe;
-            table += differs ? ' ' + std::to_string(*failure.status) : "";
-        }
-        table += '\n';
+TEST(Failure, KindFollowsFromCauseAndRetryFromPhaseCauseAndStatus) {
+    std::string kinds;
+    for (int cause = 0; cause < 22; ++cause) {
+        Failure const failure({}, Cause{cause});
+        kinds += std::string(nameOf(failure.cause)) + ' ' + nameOf(failure.kind) +
+                 (failure.GetRetry() == Retry::safe ? " safe\n" : "\n");
     }
-    std::string const early =
-        " input never system never connection safe lost safe timeout safe protocol never rejected "
-        "never 6 7 9\n";
-    std::string const late =
-        " input checkFirst system checkFirst connection checkFirst lost checkFirst timeout "
-        "checkFirst protocol checkFirst rejected checkFirst\n";
-    EXPECT_EQ(table, "start nothing" + early + "connection nothing" + early + "request request" +
-                         early + "header request" + early + "transfer partOfFile" + early +
-                         "trailer perhapsAll" + late + "completion perhapsAll" + late);
+    EXPECT_EQ(kinds,
+              "noSockets system\nbadAddress input\nfileMissing input\nfileUnreadable input\n"
+              "fileEmpty input\nfileTooBig input\nfileChanged input\n"
+              "connectRefused connection safe\nconnectTimeout connection safe\n"
+              "unreachable connection safe\nconnectFailed connection safe\nnoAnswer timeout safe\n"
+              "connectionEnded lost safe\nconnectionReset lost safe\nsendFailed lost safe\n"
+              "stalled timeout safe\ntimeUp timeout\nnotTheProtocol protocol\n"
+              "damagedRecord protocol\nunexpectedRecord protocol\ndeviceError rejected\n"
+              "completionTimeout timeout safe\n");
+    std::string phases;
+    for (int phase = 0; phase < 7; ++phase) {
+        Failure failure({}, Cause::deviceError, Phase{phase}, 0);
+        phases += std::string(nameOf(failure.phase)) + ' ' + nameOf(failure.GetDelivered()) + ' ' +
+                  nameOf(failure.GetRetry());
+        for (; failure.status <= 16u; ++*failure.status) {
+            bool const isSafe = failure.GetRetry() == Retry::safe;
+            phases += isSafe ? ' ' + std::to_string(*failure.status) : "";
+        }
+        phases += '\n';
+    }
+    EXPECT_EQ(phases,
+              "start nothing never 6 7 9\nconnection nothing never 6 7 9\n"
+              "request request never 6 7 9\nheader request never 6 7 9\n"
+              "transfer partOfFile never 6 7 9\ntrailer perhapsAll checkFirst\n"
+              "completion perhapsAll checkFirst\n");
 }
 
 Task taskFor(std::string const& path, std::string const& address) {
