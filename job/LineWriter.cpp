@@ -1,0 +1,96 @@
+#include "job/LineWriter.h"
+
+#include <chrono>
+#include <condition_variable>
+#include <deque>
+#include <mutex>
+#include <system_error>
+#include <thread>
+
+namespace job {
+
+namespace {
+
+std::size_t const capacity = 65'536;  ///< bytes
+
+}  // namespace
+
+struct LineWriter::State {
+    sys::platform::StandardStream stream;
+    std::mutex lock = {};
+    std::condition_variable changed = {};
+    std::deque<core::String> queue = {};  ///< the first one is being written
+    std::size_t bytes = 0;
+    int dropped = 0;
+
+    void WriteAll();
+    void Queue(core::String const& text);
+};
+
+void LineWriter::State::WriteAll() {
+    std::unique_lock locked(lock);
+    for (;;) {
+        changed.wait(locked, [this] { return !queue.empty(); });
+        // Only this thread removes texts, and a deque keeps the others in place.
+        core::String const& text = queue.front();
+        locked.unlock();
+        bool const written = sys::platform::writeStandardStream(
+            stream, text.getCString(), static_cast<std::size_t>(text.GetLength()));
+        locked.lock();
+        dropped += written ? 0 : 1;
+        bytes -= static_cast<std::size_t>(text.GetLength());
+        queue.pop_front();
+        changed.notify_all();
+    }
+}
+
+void LineWriter::State::Queue(core::String const& text) {
+    core::String own = text;
+    own.Unique();
+    bytes += static_cast<std::size_t>(own.GetLength());
+    queue.push_back(std::move(own));
+    changed.notify_all();
+}
+
+LineWriter::LineWriter(sys::platform::StandardStream stream)
+    : state_(std::make_shared<State>(stream)) {
+    // The thread never ends: a write to a pipe that nobody reads cannot be cancelled.
+    std::thread([state = state_] { state->WriteAll(); }).detach();
+}
+
+void LineWriter::Write(core::String const& text) {
+    std::lock_guard const locked(state_->lock);
+    if (state_->bytes + static_cast<std::size_t>(text.GetLength()) > capacity) {
+        ++state_->dropped;
+    } else {
+        state_->Queue(text);
+    }
+}
+
+void LineWriter::WriteIfIdle(core::String const& text) {
+    std::lock_guard const locked(state_->lock);
+    if (state_->queue.empty()) {
+        state_->Queue(text);
+    } else {
+        ++state_->dropped;
+    }
+}
+
+void LineWriter::Drain(int ms) {
+    std::unique_lock locked(state_->lock);
+    state_->changed.wait_for(locked, std::chrono::milliseconds(ms),
+                             [this] { return state_->queue.empty(); });
+    // The first one stays: it is being written.
+    while (state_->queue.size() > 1) {
+        state_->bytes -= static_cast<std::size_t>(state_->queue.back().GetLength());
+        state_->queue.pop_back();
+        ++state_->dropped;
+    }
+}
+
+int LineWriter::Dropped() const {
+    std::lock_guard const locked(state_->lock);
+    return state_->dropped;
+}
+
+}  // namespace job

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <memory>
+
+#include "core/text/String.h"
+#include "sys/platform/Terminal.h"
+
+namespace job {
+
+/// Writes to a standard stream on a thread of its own, so that a reader that is slow, or has
+/// stopped reading, never delays the caller. Thread-safe.
+class LineWriter {
+public:
+    explicit LineWriter(sys::platform::StandardStream stream);
+    LineWriter(LineWriter const&) = delete;
+    LineWriter& operator=(LineWriter const&) = delete;
+    /// Does not wait: what is not written by then is lost.
+    ~LineWriter() = default;
+
+    /// Queues text, which is then written at once. Drops it if 64 KiB are queued.
+    void Write(core::String const& text);
+    /// Does the same, but drops text if earlier text is still queued.
+    void WriteIfIdle(core::String const& text);
+    /// Waits up to ms milliseconds until all queued text is written, then drops the rest.
+    void Drain(int ms);
+    /// Returns how many texts were dropped or could not be written.
+    int Dropped() const;
+
+private:
+    struct State;
+    std::shared_ptr<State> state_;  ///< shared with the thread, which may block for ever
+};
+
+}  // namespace job

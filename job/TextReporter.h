@@ -1,0 +1,48 @@
+#pragma once
+
+#include "core/text/String.h"
+#include "job/LineWriter.h"
+#include "update/session/LineReporter.h"
+
+namespace job {
+
+/// Prints a run for people: the lines of ravelink, and the progress as a line that is redrawn in
+/// place on a terminal, or as a line for each tenth elsewhere. Not thread-safe.
+class TextReporter : public update::LineReporter {
+public:
+    /// What is printed.
+    enum class Content { nothing, progressOnTerminal, everything };
+
+    /// Prints to the stream of the writer, which must outlive the reporter.
+    TextReporter(LineWriter& writer, sys::platform::StandardStream stream, Content content);
+
+    void OnSent(int /*bytes*/, int /*fileSize*/) override {}
+    /// Shows the progress of the transfer. rate is in bytes/s; stalled is the time since the
+    /// device accepted a byte, elapsed that since the start of the transfer, in ms.
+    void ShowSending(int bytes, int fileSize, int rate, long long stalled, long long elapsed);
+    /// Shows the stage of the installation, for elapsed of at most limit milliseconds.
+    void ShowWaiting(char const* stage, long long elapsed, long long limit);
+    /// Shows the pause before the attempt of this number.
+    void ShowPause(int seconds, int number, int count);
+    /// Removes the line that is redrawn, if there is one.
+    void EndProgress();
+
+    void Print(core::String const& line) override;
+
+protected:
+    void PrintProgress(core::String const& line) override { Print(line); }
+
+private:
+    void Draw(core::String const& text);
+    core::String BarOf(int percent) const;
+
+    LineWriter& writer_;
+    Content content_;
+    bool isTerminal_;
+    int width_;               ///< columns
+    int drawn_ = 0;           ///< characters of the line that is redrawn
+    int tenths_ = 0;          ///< that have a line
+    long long nextLine_ = 0;  ///< ms since the start of the transfer
+};
+
+}  // namespace job

@@ -1,0 +1,5 @@
+#include "job/JobApplication.h"
+
+int main(int argc, char** argv) {
+    return program::run<job::JobApplication>(argc, argv);
+}
