@@ -1,9 +1,12 @@
-# Completes the command lines of ravelink, ravelink-pack and ravelink-device in bash.
+# Completes the command lines of ravelink, ravelink-job, ravelink-pack and ravelink-device in bash.
 
-# The options of each program, as short:long:value. The value is "rvl" or "conf" for files with that
-# extension, "directory", "text", or empty for none.
+# The options of each program, as short:long:value. The value is "rvl", "conf" or "jsonl" for files
+# with that extension, "directory", "text", or empty for none.
 declare -gA _ravelink_options=(
   [ravelink]='-o:--origin:rvl -a:--address:text -h:--help:'
+  [ravelink-job]='-o:--origin:rvl -a:--address:text -n:--name:text -c:--check: -r:--retry:text
+    -w:--wait:text -k:--connect-timeout:text -m:--max-time:text -j:--json: -l:--log:jsonl
+    -q:--quiet: -v:--version: -h:--help:'
   [ravelink-pack]='-b:--build:conf -o:--output:rvl -l:--list:rvl -j:--json: -c:--check:rvl
     -x:--extract:rvl -d:--directory:directory -f:--force: -h:--help:'
   [ravelink-device]='-b:--bind:text -n:--count:text -s:--scenario:conf -c:--check:
@@ -28,7 +31,7 @@ _ravelink() {
   case $kind in
     '') mapfile -t COMPREPLY < <(compgen -W "${names[*]}" -- "$word") ;;
     directory) mapfile -t COMPREPLY < <(compgen -d -- "$word") ;;
-    rvl | conf)
+    rvl | conf | jsonl)
       mapfile -t COMPREPLY < <(compgen -d -- "$word"; compgen -f -X "!*.$kind" -- "$word")
       ;;
   esac

@@ -1,6 +1,9 @@
 """The documents, compared with the sources and with the behaviour of the programs."""
 
+import json
 import re
+import socket
+from itertools import groupby
 
 import pytest
 
@@ -49,7 +52,7 @@ WAYS = (
     (r'(?:AddError\(step \+ ":",[^";]*|(?="%1 [a-z]+ ))"([^"]+)"', r"Bad scenario: ...: \1"),
     (r'AddError\((?!String)[^;"]*(?:"[^"]+")?,[^";]*"([^"]+)"', r"Bad CONF: ... \1"),
 )
-UNDOCUMENTED = re.compile(r"(- | |>  ).*|.*\\n|((?![A-Za-z] [A-Za-z]).)*", re.S)
+UNDOCUMENTED = re.compile(r"(- | |>  |Result: ).*|.*\\n|((?![A-Za-z] [A-Za-z]).)*", re.S)
 
 
 def sources(program, look=r".*\.(cpp|h)"):
@@ -60,7 +63,7 @@ def sources(program, look=r".*\.(cpp|h)"):
 
 def code_of(program):
     shared = ["core/runtime/ApplicationOptions.cpp", "program/Program.cpp"]
-    if program != "ravelink":
+    if program in ("ravelink-pack", "ravelink-device"):
         shared += ["sys/ConfFile.cpp", "core/text/message.cpp"]
     text = sources(program, r"(?!Listing).*\.(cpp|h)") + "".join(map(source, shared))
     text = re.sub(r"^void showUsage\(\) \{.*?^\}", "", text, flags=re.M | re.S)
@@ -69,6 +72,15 @@ def code_of(program):
 
 def as_line(text):
     return re.sub(r"%\d", "...", text).replace("`", '"')
+
+
+def strict_errors():
+    """Returns the error lines of the sessions of ravelink-job only."""
+    causes = re.findall(r"(\w+), *///<.* strict sessions only", source("update/session/Outcome.h"))
+    found = re.findall(r'\bfault\("([^"]+)", "([^"]+)"[^()]*\),\s*Cause::(\w+)', code_of("ravelink"))
+    lines = {as_line(f"{title}: {text}") for title, text, cause in found if cause in causes}
+    assert len(lines) == len(causes)
+    return lines
 
 
 def errors_of(program):
@@ -80,6 +92,10 @@ def errors_of(program):
         lines |= {as_line(found.expand(line)).replace("CONF", conf)
                   for found in re.finditer(look, code)}
         code = re.sub(look, "", code)
+    if program == "ravelink":
+        lines -= strict_errors()
+    elif program == "ravelink-job":
+        lines |= strict_errors()
     return lines, [as_line(text) for text in re.findall(r'"([^"]*)"', code)]
 
 
@@ -120,17 +136,17 @@ IFS=,; echo "${COMPREPLY[*]}\""""
 @pytest.mark.parametrize("program", PROGRAMS)
 def test_option_descriptions_agree(program):
     page = source(f"docs/{program}.md")
-    grammar = re.search(r'optionGrammar\[\] =\s*"([^"]*)"', sources(program))[1]
-    assert names(page, r"`-(.)`, `--(\w+)`( \*[A-Z]+\*|,| and)?") == names(
-        grammar, r"(.)\|(\w+)=(?:0|(1))")
+    grammar = re.search(r'optionGrammar\[\] =\s*"([^;]*)";', sources(program))[1]
+    assert names(page, r"`-(.)`, `--([\w-]+)`( \*[A-Z]+\*|,| and)?") == names(
+        grammar, r"(.)\|([\w-]+)=(?:0|(1))")
     zsh = part(source("completions/_ravelink"), program + ")", ";;")
-    assert names(zsh, r"\{-(.)(?=,--\w+\}|=,.+=\})=?,--(\w+)(=)?\}") == names(
-        page, r"\n\| `-(.)`, `--(\w+)`( \*[A-Z]+\*)? \|")
-    shown = names(page, r"\n\| `-(.)`, `--(\w+)`")
+    assert names(zsh, r"\{-(.)(?=,--[\w-]+\}|=,.+=\})=?,--([\w-]+)(=)?\}") == names(
+        page, r"\n\| `-(.)`, `--([\w-]+)`( \*[A-Z]+\*)? \|")
+    shown = names(page, r"\n\| `-(.)`, `--([\w-]+)`")
     screen = "\n".join(run(built(DIRECTORIES[program] + "_program") + ["-h"]).lines)
-    assert names(screen, r"\n\t-(.), --(\w+) ") == shown
+    assert names(screen, r"\n\t-(.), --([\w-]+) ") == shown
     all_words = offered(program, "-")
-    assert names(all_words, r"-(.),--(\w+)") == shown
+    assert names(all_words, r"-(.),--([\w-]+)") == shown
     for word in all_words.split(","):
         plain = offered(program, word, "") == all_words
         assert bool(re.search(rf"\n\|[^|]*`{word}`[^|*]*\|", page)) == plain, word
@@ -228,6 +244,41 @@ def test_numbers_of_the_protocol_agree():
     minutes = limits.pop("completionMinutes")
     assert numbers(document, "### Time limits", "\n#") == limits
     assert limits["completion"] == minutes * 60_000
+
+
+def test_json_lines_are_documented(device, directory):
+    """Compares tables, examples and real streams: members, their order and types."""
+    document = source("docs/json.md")
+
+    def members(section):
+        return re.findall(r"^\| `(\w+)` \| ([a-z ]+) \|", section, re.M)
+
+    common = members(part(document, "\n## Members", "\n## Events"))
+    events = {name: common + members(section) for name, section in re.findall(
+        r"^### (\w+)\n(.*?)(?=^##)", document, re.M | re.S)}
+    assert events.keys() == set(re.findall(
+        r'(?:\bWrite|\bLine)\(\s*"(\w+)"', sources("ravelink-job")))
+    types = {str: "string", int: "integer", float: "number", bool: "boolean", dict: "object",
+             type(None): "null"}
+    update = directory.write("update.rvl", bytes(8_000_000))
+    slow = directory.write("s.conf", "receiveBuffer = 65536\nheader = notify Accepted\n"
+                           "data = after 1, wait 1500")
+    with socket.socket() as unused:
+        unused.bind(("127.0.0.1", 0))
+        for kind, address, options in (
+                ("updated", device("-s", slow).address, ()),
+                ("refused", "127.0.0.1:%d" % unused.getsockname()[1], ("-r", "1", "-w", "1"))):
+            example = blocks(document, f"json {kind}").splitlines()
+            streams = [list(map(json.loads, lines)) for lines in (example, run(
+                built("job_program") + ["-j", "-o", update, "-a", address, *options]).lines)]
+            for line in streams[0] + streams[1]:
+                expected = events[line["event"]]
+                assert list(line) == [name for name, _ in expected]
+                for name, kinds in expected:
+                    assert types[type(line[name])] in kinds.split(" or "), (line, name)
+            first, second = ([event for event, _ in groupby(line["event"] for line in stream)]
+                             for stream in streams)
+            assert first == second
 
 
 # Links
