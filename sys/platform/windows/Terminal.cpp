@@ -95,7 +95,7 @@ public:
     }
 
     void Write(std::string_view text) override {
-        platform::writeStandardStream(StandardStream::output, text.data(), text.size());
+        platform::writeStandardStream(platform::StandardStream::output, text.data(), text.size());
     }
 
     void FillBlanks(Position from, int count) override {
