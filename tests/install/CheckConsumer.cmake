@@ -52,5 +52,5 @@ expect("Accepted\nReceived\nChecked\nProcessing\nComplete")
 
 execute_process(COMMAND ${embedding} 127.0.0.1:0 OUTPUT_VARIABLE output)
 expect("Invalid port: The address provided (127.0.0.1|0) does not contain a valid port. Please use the \
-form IP|Port\nkind: input, phase: start, delivered: nothing, retry: never")
+form IP|Port\ncause: badAddress, kind: input, phase: start, delivered: nothing, retry: never")
 file(REMOVE_RECURSE ${DIRECTORY})

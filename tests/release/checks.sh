@@ -60,14 +60,14 @@ check_debian_package() {
   # The files that man and the shells look for.
   local file program page option
   for file in zsh/vendor-completions/_ravelink \
-    doc/ravelink/{copyright,README.md,docs/errors.md,examples/packing/update.conf}; do
+    doc/ravelink/{copyright,README.md,docs/{errors,json}.md,examples/packing/update.conf}; do
     [ -s "$root/usr/share/$file" ] || die "Not in the package: $file"
   done
   for program in $(programs); do
     [ -s "$root/usr/share/bash-completion/completions/$program" ] || die "No completion of $program"
     # Tests compare the documents with the options; the conversion to man pages must not lose any.
     page=$(zcat "$root/usr/share/man/man1/$program.1.gz")
-    for option in $(chroot "$root" "$program" -h | grep -oE -- '-[a-z0-9], --[a-z]+' | tr -d ,); do
+    for option in $(chroot "$root" "$program" -h | grep -oE -- '-[a-z0-9], --[a-z-]+' | tr -d ,); do
       [[ $page == *"\f[B]$option\f[R]"* ]] || die "Not in the man page of $program: $option"
     done
   done
@@ -78,6 +78,7 @@ check_debian_package() {
   mount --bind "$directory" "$root$directory"
   at_exit umount "$root$directory"
   rehearse "$directory" chroot "$root" %s
+  rehearse_job "$directory" chroot "$root" %s
 
   chroot "$root" apt-get purge -y ravelink
   names_in "$root" >build/after
@@ -98,6 +99,7 @@ check_tar() {
   tar xzf build/packages/*.tar.gz --strip-components=1 -C "$directory"
   mkdir "$directory/rehearsal"
   rehearse "$directory/rehearsal" "$directory/bin/%s"
+  rehearse_job "$directory/rehearsal" "$directory/bin/%s"
   cmake -D INSTALLED="$directory" -D DIRECTORY="$directory/consumer" -D COMPILER=g++ \
     -P tests/install/CheckConsumer.cmake
 }
@@ -110,10 +112,14 @@ check_windows_package() {
   new_directory
   unzip -q build/packages/*.zip -d "$directory"
   local unpacked=("$directory"/*)
-  [ -s "${unpacked[0]}/docs/ravelink.html" ] || die 'No manual in the ZIP'
+  local program
+  for program in $(programs); do
+    [ -s "${unpacked[0]}/docs/$program.html" ] || die "No manual of $program in the ZIP"
+  done
   start_wine
   mkdir "$directory/rehearsal"
   rehearse "$directory/rehearsal" cmake/run-wine "${unpacked[0]}/%s.exe"
+  rehearse_job "$directory/rehearsal" cmake/run-wine "${unpacked[0]}/%s.exe"
 }
 
 # Runs the dissector on captures of real updates.
