@@ -5,10 +5,10 @@ set(CPACK_PACKAGE_CONTACT "ravelink maintainers <maintainers@ravelink.invalid>")
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "installs updates on networked devices over Ethernet")
 set(CPACK_PACKAGE_DESCRIPTION
 "ravelink sends an update archive to a device by TCP and follows it until the
-device has installed it. ravelink-job does the same for scripts, with exit statuses,
-JSON lines and retries. ravelink-pack builds, lists, checks and extracts update
-archives. ravelink-device simulates a device, to rehearse updates and their
-failures.")
+device has installed it. ravelink-job does the same for scripts, with exit
+statuses, JSON lines and retries. ravelink-pack builds, lists, checks and
+extracts update archives. ravelink-device simulates a device, to rehearse
+updates and their failures.")
 set(CPACK_RESOURCE_FILE_LICENSE ${PROJECT_SOURCE_DIR}/LICENSE)
 set(CPACK_STRIP_FILES ON)
 set(CPACK_VERBATIM_VARIABLES ON)

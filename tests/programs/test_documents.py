@@ -116,6 +116,17 @@ def test_each_error_is_documented_once_and_nothing_else():
         assert sections["ravelink"].count(f"\n- {label}: ") == count, label
 
 
+def test_causes_are_documented_once_and_nothing_else():
+    causes = re.findall(r"^\| `(\w+)` \|", part(
+        source("docs/errors.md"), "\n### Causes", "\n## "), re.M)
+    session = part(source("update/session/Outcome.cpp"), "nameOf(Cause", "};")
+    known = set(re.findall(r'"(\w+)"', session) + re.findall(
+        r'"(\w+)", CauseClass', source("job/verdict.cpp")))
+    assert sorted(causes) == sorted(known)
+    manual = part(source("docs/ravelink-job.md"), "\n| Outcome", "\n\n")
+    assert set(re.findall(r"`(\w+)`", re.sub(r"\n\|[^|]*", "", manual))) == known
+
+
 # Options
 
 
