@@ -37,10 +37,11 @@ int countOf(int result) {
 int resultOfConnect(SocketHandle socket) {
     int error = 0;
     int size = sizeof error;
-    return getsockopt(asSocket(socket), SOL_SOCKET, SO_ERROR, reinterpret_cast<char*>(&error),
-                      &size) == 0
-               ? -errnoOf(static_cast<unsigned long>(error))
-               : negativeSocketError();
+    if (getsockopt(asSocket(socket), SOL_SOCKET, SO_ERROR, reinterpret_cast<char*>(&error),
+                   &size) != 0) {
+        return negativeSocketError();
+    }
+    return error == 0 ? 0 : -errnoOf(static_cast<unsigned long>(error));
 }
 
 SocketHandle handleOf(SOCKET socket) {
