@@ -241,6 +241,27 @@ class Comparison:
         self.table.add("start, banner and exit", "ms", results["ravelink"], "nc -h", results["nc"],
                        0.9, False)
 
+    def job(self):
+        """Updates a device from start to exit, with a file that hardly takes time."""
+        small = f"{self.directory}/small"
+        with open(small, "wb") as file:
+            file.write(b"1")
+
+        def updated_by(name):
+            def contest():
+                receiver = sink.Sink(sink.device(lambda: 0), SINK_CPU)
+                seconds = elapsed([self.program(name), "-o", small, "-a",
+                                   f"127.0.0.1:{receiver.port}"])
+                receiver.result()
+                return 1000 * seconds
+            return contest
+
+        os.sched_setaffinity(0, {SENDER_CPU})
+        results = rounds({name: updated_by(name) for name in ("ravelink-job", "ravelink")}, 301)
+        os.sched_setaffinity(0, {SENDER_CPU, SINK_CPU})
+        self.table.add("ravelink-job, update of 1 byte", "ms", results["ravelink-job"], "ravelink",
+                       results["ravelink"], 1.2, False)
+
     def footprint(self):
         """Measures memory by GNU time: that of a child of Python would include Python's own."""
 
@@ -259,6 +280,9 @@ class Comparison:
         reference = memory(sink.raw(GIB), "nc", "-N", "127.0.0.1", "{port}")
         self.table.add("memory, file of 1 GiB", "MB", [measured], "nc", [reference], None, False)
         self.table.limit("memory, file of 1 GiB", "MB", measured, 4)
+        measured = memory(sink.device(lambda: 0), self.program("ravelink-job"), "-o", self.file, "-a",
+                          "127.0.0.1:{port}")
+        self.table.limit("memory of ravelink-job, file of 1 GiB", "MB", measured, 5)
         stripped = f"{self.directory}/stripped"
         run(["strip", "-o", stripped, self.program("ravelink")])
         self.table.limit("stripped program", "KB", os.path.getsize(stripped) / 1000, 400)
@@ -290,7 +314,8 @@ def main():
         comparison = Comparison(programs, directory, output)
         comparison.make_file()
         for measure in (comparison.streaming, comparison.session, comparison.checksum,
-                        comparison.archive, comparison.start, comparison.footprint):
+                        comparison.archive, comparison.start, comparison.job,
+                        comparison.footprint):
             measure()
         micro.measure(programs, comparison.table)
         growth.measure(programs, comparison.table)
