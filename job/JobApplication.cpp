@@ -1,8 +1,10 @@
 #include "job/JobApplication.h"
 
 #include <algorithm>
+#include <atomic>
 #include <new>
-#include <set>
+#include <optional>
+#include <utility>
 
 #include "core/console/Console.h"
 #include "core/console/lines.h"
@@ -49,38 +51,47 @@ void showUsage() {
            {"-h, --help", "Show this screen"}});
 }
 
-JobRun* running = nullptr;  ///< what an interruption ends
+// What an interruption ends.
+std::atomic<JobRun*> running = nullptr;
 sys::platform::InterruptHandler* handler = nullptr;
 
 void interrupt() {
+    running.wait(nullptr);
     Signal const signal = handler->Received() == sys::platform::Interruption::user
                               ? Signal::interrupt
                               : Signal::terminate;
-    handler->EndAtOnce(running->Interrupt(signal));
+    if (auto const exitStatus = running.load()->Interrupt(signal)) {
+        handler->EndAtOnce(*exitStatus);
+    }
 }
 
 Error usageError(char const* cause, core::Fault const& fault) {
     return {cause, fault, Step::commandLine};
 }
 
-/// The grammar drops the arguments before the first option and joins the values of a repeated
-/// option: a script that does either is mistaken.
+/// The options without a value, of which the grammar allows any number.
+constexpr std::pair<char const*, char const*> flags[] = {
+    {"-c", "--check"}, {"-j", "--json"}, {"-q", "--quiet"}};
+
+/// Whether a word of the command line is the option, with or without a wrong value.
+int countOf(std::pair<char const*, char const*> const& flag, int argc, char const* const* argv) {
+    return static_cast<int>(std::count_if(argv + 1, argv + argc, [&](char const* word) {
+        return String(word).CompareIC(flag.first) == 0 || String(word).CompareIC(flag.second) == 0;
+    }));
+}
+
+/// Adds the errors that the grammar does not find: it drops the words before the first option and
+/// allows to repeat a flag. A script that does either is mistaken.
 void checkWords(int argc, char const* const* argv, std::vector<Error>& errors) {
     for (int i = 1; i < argc && argv[i][0] != '-'; ++i) {
         errors.push_back(
             usageError("wrongArguments",
                        fault("Invalid arguments", "\"%1\" follows no option", String(argv[i]))));
     }
-    std::set<std::string> flags;
-    for (int i = 1; i < argc; ++i) {
-        String const word(argv[i]);
-        for (auto const& [letter, name] :
-             {std::pair{"-c", "--check"}, {"-j", "--json"}, {"-q", "--quiet"}}) {
-            if ((word.CompareIC(letter) == 0 || word.CompareIC(name) == 0) &&
-                !flags.insert(letter).second) {
-                errors.push_back(usageError(
-                    "wrongArguments", fault("Invalid arguments", "%1 appears twice", letter)));
-            }
+    for (auto const& flag : flags) {
+        if (countOf(flag, argc, argv) > 1) {
+            errors.push_back(usageError(
+                "wrongArguments", fault("Invalid arguments", "%1 appears twice", flag.first)));
         }
     }
 }
@@ -121,9 +132,12 @@ std::vector<Error> JobApplication::ReadOptions(int argc, char const* const* argv
         bool const isInvalid = fault.title.CompareIC("Invalid option") == 0;
         errors.push_back(usageError(isInvalid ? "invalidOption" : "wrongArguments", fault));
     }
+    // The grammar does not store an option that has the wrong number of values.
+    bool const isComplete = errors.empty();
     checkWords(argc, argv, errors);
     options.checksArchive = FindOption("c");
-    options.printsJson = FindOption("j");
+    // Also for a script that gives it a value.
+    options.printsJson = countOf(flags[1], argc, argv) > 0;
     options.isQuiet = FindOption("q");
     GetOptionValues("l", options.log);
     GetOptionValues("o", options.origin);
@@ -135,11 +149,10 @@ std::vector<Error> JobApplication::ReadOptions(int argc, char const* const* argv
     ReadNumber("w", 0, longestWait, options.wait, errors);
     ReadNumber("k", 1, longestConnectTimeout, options.connectTimeout, errors);
     ReadNumber("m", 0, longestRun, options.maxTime, errors);
-    // A missing option that is present with the wrong number of values has its error already.
     if (FindOption("h") || FindOption("v")) {
         return errors;
     }
-    if (errors.empty() && !FindOption("o")) {
+    if (isComplete && !FindOption("o")) {
         errors.push_back(usageError("missingOption",
                                     fault("Option missing", "-o is missing: the update to send")));
     }
@@ -150,7 +163,7 @@ std::vector<Error> JobApplication::ReadOptions(int argc, char const* const* argv
                 fault("Bad address", "\"%1\" is not an IPv4 address or host name with a port",
                       options.address)));
         }
-    } else if (errors.empty()) {
+    } else if (isComplete) {
         errors.push_back(
             usageError("missingOption", fault("Option missing", "-a is missing: the device")));
     }
@@ -178,17 +191,20 @@ void JobApplication::ReadNumber(char const* option, int smallest, int largest, i
 }
 
 void JobApplication::RunJob(JobOptions const& options) {
-    JobRun run(options);
-    run.PrintBanner(getVersionLong(true));
-    running = &run;
+    std::optional<JobRun> run;
+    // The handler must be there before the threads of the run, and end before the run is destroyed.
     sys::platform::InterruptHandler ending(interrupt);
     handler = &ending;
+    run.emplace(options);
+    running = &*run;
+    running.notify_all();
+    run->PrintBanner(getVersionLong(true));
     try {
-        exitStatus_ = run.Run(timeouts);
+        exitStatus_ = run->Run(timeouts);
     } catch (std::bad_alloc const& exception) {
-        exitStatus_ = run.Abort("noMemory", program::errorFromException(exception));
+        exitStatus_ = run->Abort("noMemory", program::errorFromException(exception));
     } catch (std::exception const& exception) {
-        exitStatus_ = run.Abort("internal", program::errorFromException(exception));
+        exitStatus_ = run->Abort("internal", program::errorFromException(exception));
     }
 }
 

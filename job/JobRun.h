@@ -1,17 +1,17 @@
 #pragma once
 
 #include <cstdint>
-#include <deque>
 #include <mutex>
 #include <optional>
+#include <vector>
 
 #include "core/runtime/CountDownTimer.h"
 #include "core/text/String.h"
 #include "job/Address.h"
-#include "job/JsonLines.h"
+#include "job/EventWriter.h"
 #include "job/LineWriter.h"
-#include "job/LogFile.h"
 #include "job/TextReporter.h"
+#include "job/TransferMeter.h"
 #include "job/verdict.h"
 #include "update/session/Session.h"
 #include "update/session/UpdateFile.h"
@@ -47,10 +47,11 @@ public:
     int RejectCommandLine(std::vector<Error> const& errors);
     /// Runs all attempts and returns the exit status.
     int Run(update::SessionTimeouts const& timeouts);
-    /// Reports the end of the run by a signal and returns the exit status. The caller ends the
-    /// process: no other event is reported any more.
-    int Interrupt(Signal signal);
-    /// Reports an error that ends the run wherever it is. Returns the exit status.
+    /// Reports the end of the run by a signal and returns the exit status. The caller then ends the
+    /// process: no other event is reported any more. Returns nothing if the update is complete or
+    /// the result reported: Run then returns at once, with the exit status of its own.
+    std::optional<int> Interrupt(Signal signal);
+    /// Reports an error that ends the run, whatever its step. Returns the exit status.
     int Abort(char const* cause, core::Fault const& fault);
 
 private:
@@ -64,60 +65,50 @@ private:
     void OnNotificationTimeout(core::Interval const& left) override;
     void OnComplete() override;
 
-    void ReportStart();
-    std::optional<Error> OpenFiles();
+    std::optional<Error> OpenLog();
+    std::optional<Error> OpenFile();
     std::optional<Error> CheckArchive();
     std::optional<Error> Attempt(update::SessionTimeouts const& timeouts);
+    /// Returns the seconds before the next attempt, or nothing if the run ends with the error.
+    std::optional<int> PauseBeforeRetry(Error const& error) const;
+    void ReportRetry(Error const& error, int pause);
+    void Pause(int pause);
+
+    // The caller holds lock_.
+    bool ReportStart();
     void ReportStage(std::uint32_t code);
+    void ShowWaiting();
     void ReportError(Error const& error);
     int ReportResult(Error const* error, Signal signal);
-    /// Returns the seconds before attempt number attempt_ + 1, or nothing if there is none.
-    std::optional<int> PauseBeforeRetry(Error const& error) const;
-    void Retry(Error const& error, int pause);
 
-    /// Writes an event to the log and, with -j, to standard output.
-    template <class... Members>
-    void Write(char const* event, Members... members);
-    void WriteToLog(core::String const& line, bool isOnDisk);
-    void WriteToOutput(core::String const& line);
-    void Warn(char const* cause, char const* message);
+    /// Whether the device can have received the trailer. No attempt follows then.
+    bool IsTrailerBegun() const { return step_ >= Step::trailer; }
 
-    int SentRate() const;
-
-    JobOptions options_;
+    JobOptions const options_;
     update::UpdateFile file_;
     Address address_;
-    LogFile log_;
-    JsonLines json_;
     LineWriter output_;
     LineWriter errors_;
-    TextReporter text_;
-    core::CountDownTimer deadline_;
+    core::CountDownTimer const deadline_;
+    int waitingLimit_ = 0;  ///< ms from the trailer to the end
 
-    std::mutex lock_;  ///< of everything below, and of everything that is written
+    std::mutex lock_;  ///< of everything below, and of the order of all that is written
+    EventWriter events_;
+    TextReporter text_;
+    bool isOver_ = false;  ///< whether the result is reported
     Step step_ = Step::commandLine;
     int attempts_ = 0;
+    bool isMeasured_ = false;  ///< whether the size and CRC of the file are known
     core::IPv4Address peer_;
-    bool hasFile_ = false;
-    bool isAccepted_ = false;
-    bool isTrailerBegun_ = false;
     int sent_ = 0;  ///< bytes of the file, in this attempt
+    TransferMeter transfer_;
     std::uint32_t restart_ = 0;
-    bool logHasFailed_ = false;
-    bool outputHasFailed_ = false;
-    long long attemptStart_ = 0;  ///< ms since the start, as the next ones
-    long long transferStart_ = 0;
-    long long lastRecord_ = 0;
-    long long lastProgress_ = 0;
-    long long lastLoggedProgress_ = 0;
-    long long lastStageReport_ = 0;
+    // Times are in milliseconds since the start.
+    long long lastRecord_ = 0;  ///< when the device was last heard, or its turn began
+    long long waitingStart_ = 0;
+    long long lastStageTime_ = 0;
     std::uint32_t lastStage_ = 0;
     int stageCounts_[3] = {};
-    struct Sample {
-        long long time;
-        int sent;
-    };
-    std::deque<Sample> samples_;  ///< of the last seconds of the transfer
 };
 
 }  // namespace job

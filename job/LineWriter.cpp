@@ -22,8 +22,13 @@ struct LineWriter::State {
     std::deque<core::String> queue = {};  ///< the first one is being written
     std::size_t bytes = 0;
     int dropped = 0;
+    bool hasThread = true;
 
     void WriteAll();
+    bool WriteNow(core::String const& text) const {
+        return sys::platform::writeStandardStream(stream, text.getCString(),
+                                                  static_cast<std::size_t>(text.GetLength()));
+    }
     void Queue(core::String const& text);
 };
 
@@ -34,8 +39,7 @@ void LineWriter::State::WriteAll() {
         // Only this thread removes texts, and a deque keeps the others in place.
         core::String const& text = queue.front();
         locked.unlock();
-        bool const written = sys::platform::writeStandardStream(
-            stream, text.getCString(), static_cast<std::size_t>(text.GetLength()));
+        bool const written = WriteNow(text);
         locked.lock();
         dropped += written ? 0 : 1;
         bytes -= static_cast<std::size_t>(text.GetLength());
@@ -45,6 +49,10 @@ void LineWriter::State::WriteAll() {
 }
 
 void LineWriter::State::Queue(core::String const& text) {
+    if (!hasThread) {
+        dropped += WriteNow(text) ? 0 : 1;
+        return;
+    }
     core::String own = text;
     own.Unique();
     bytes += static_cast<std::size_t>(own.GetLength());
@@ -54,8 +62,12 @@ void LineWriter::State::Queue(core::String const& text) {
 
 LineWriter::LineWriter(sys::platform::StandardStream stream)
     : state_(std::make_shared<State>(stream)) {
-    // The thread never ends: a write to a pipe that nobody reads cannot be cancelled.
-    std::thread([state = state_] { state->WriteAll(); }).detach();
+    // The thread never ends: a write to a pipe without a reader cannot be cancelled.
+    try {
+        std::thread([state = state_] { state->WriteAll(); }).detach();
+    } catch (std::system_error const&) {
+        state_->hasThread = false;
+    }
 }
 
 void LineWriter::Write(core::String const& text) {
@@ -67,13 +79,13 @@ void LineWriter::Write(core::String const& text) {
     }
 }
 
-void LineWriter::WriteIfIdle(core::String const& text) {
+bool LineWriter::WriteIfIdle(core::String const& text) {
     std::lock_guard const locked(state_->lock);
-    if (state_->queue.empty()) {
-        state_->Queue(text);
-    } else {
-        ++state_->dropped;
+    if (!state_->queue.empty()) {
+        return false;
     }
+    state_->Queue(text);
+    return true;
 }
 
 void LineWriter::Drain(int ms) {

@@ -8,9 +8,11 @@
 namespace job {
 
 /// Writes to a standard stream on a thread of its own, so that a reader that is slow, or has
-/// stopped reading, never delays the caller. Thread-safe.
+/// stopped reading, never delays the caller. If no thread can be started, it writes on the
+/// caller's. Thread-safe.
 class LineWriter {
 public:
+    /// Throws nothing but std::bad_alloc.
     explicit LineWriter(sys::platform::StandardStream stream);
     LineWriter(LineWriter const&) = delete;
     LineWriter& operator=(LineWriter const&) = delete;
@@ -19,11 +21,11 @@ public:
 
     /// Queues text, which is then written at once. Drops it if 64 KiB are queued.
     void Write(core::String const& text);
-    /// Does the same, but drops text if earlier text is still queued.
-    void WriteIfIdle(core::String const& text);
+    /// Queues text if all earlier text is written. Returns false otherwise.
+    bool WriteIfIdle(core::String const& text);
     /// Waits up to ms milliseconds until all queued text is written, then drops the rest.
     void Drain(int ms);
-    /// Returns how many texts were dropped or could not be written.
+    /// Returns how many texts Write and Drain dropped, or could not be written.
     int Dropped() const;
 
 private:

@@ -7,15 +7,21 @@ namespace job {
 using core::fault;
 using core::String;
 
-std::optional<Error> LogFile::Open(String const& path) {
+std::optional<Error> LogFile::Open(String const& path, String const& origin) {
     // Reading, too, to look at the end of an existing log.
     unsigned const mode = sys::platform::openRead | sys::platform::openWrite |
                           sys::platform::openCreate | sys::platform::openAppend;
     if (stream_.Open(path, mode) != 0) {
         return logUnwritable(path);
     }
-    int const locked = stream_.Lock();
-    if (locked == -EWOULDBLOCK) {
+    sys::platform::FileStatus log;
+    sys::platform::FileStatus update;
+    if (stream_.Stat(log) == 0 && sys::platform::statPath(origin.getCString(), update) == 0 &&
+        log.volume == update.volume && log.number == update.number) {
+        stream_.Close();
+        return logUnwritable(path);
+    }
+    if (stream_.Lock() == -EWOULDBLOCK) {
         stream_.Close();
         return Error{"logInUse", fault("Log in use", "Another run writes to \"%1\"", path),
                      Step::file};

@@ -11,9 +11,10 @@ namespace job {
 /// A file that JSON lines are appended to, and that one run at a time may use. Not thread-safe.
 class LogFile {
 public:
-    /// Opens or creates the file and locks it as long as it is open. Returns the error if that is
-    /// not possible.
-    [[nodiscard]] std::optional<Error> Open(core::String const& path);
+    /// Opens or creates the file, which must not be that at origin, and locks it as long as it is
+    /// open. Returns the error if that is not possible.
+    [[nodiscard]] std::optional<Error> Open(core::String const& path, core::String const& origin);
+    void Close() { stream_.Close(); }
     bool IsOpen() const { return stream_.IsOpened(); }
 
     /// Appends a line, with its line feed, after one that could not be written as a whole. Returns

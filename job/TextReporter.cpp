@@ -37,6 +37,12 @@ TextReporter::TextReporter(LineWriter& writer, sys::platform::StandardStream str
       isTerminal_(sys::platform::redrawsLines(stream)),
       width_(isTerminal_ ? sys::platform::terminalWidth(stream) : 0) {}
 
+void TextReporter::OnConnecting(core::IPv4Address const& device) {
+    tenths_ = 0;
+    nextLine_ = 0;
+    LineReporter::OnConnecting(device);
+}
+
 void TextReporter::ShowSending(int bytes, int fileSize, int rate, long long stalled,
                                long long elapsed) {
     int const percent = static_cast<int>(100LL * bytes / fileSize);
@@ -60,14 +66,11 @@ void TextReporter::ShowSending(int bytes, int fileSize, int rate, long long stal
     Draw(text);
 }
 
-void TextReporter::ShowWaiting(char const* stage, long long elapsed, long long limit) {
-    Draw(message("  Waiting for the device: %1  %2 of at most %3", stage, minutes(elapsed),
-                 minutes(limit)));
+void TextReporter::ShowWaiting(long long elapsed, long long limit) {
+    Draw(message("  Waiting for the device  %1 of at most %2", minutes(elapsed), minutes(limit)));
 }
 
 void TextReporter::ShowPause(int seconds, int number, int count) {
-    tenths_ = 0;
-    nextLine_ = 0;
     Draw(message("  Trying again in %1 s (%2 of %3)", seconds, number, count));
 }
 

@@ -16,14 +16,16 @@ public:
     /// Prints to the stream of the writer, which must outlive the reporter.
     TextReporter(LineWriter& writer, sys::platform::StandardStream stream, Content content);
 
+    /// Begins an attempt.
+    void OnConnecting(core::IPv4Address const& device) override;
     void OnSent(int /*bytes*/, int /*fileSize*/) override {}
     /// Shows the progress of the transfer. rate is in bytes/s; stalled is the time since the
     /// device accepted a byte, elapsed that since the start of the transfer, in ms.
     void ShowSending(int bytes, int fileSize, int rate, long long stalled, long long elapsed);
-    /// Shows the stage of the installation, for elapsed of at most limit milliseconds.
-    void ShowWaiting(char const* stage, long long elapsed, long long limit);
     /// Shows the pause before the attempt of this number.
     void ShowPause(int seconds, int number, int count);
+    /// Shows that the device is working, for elapsed of at most limit ms since the trailer.
+    void ShowWaiting(long long elapsed, long long limit);
     /// Removes the line that is redrawn, if there is one.
     void EndProgress();
 

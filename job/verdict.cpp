@@ -6,6 +6,8 @@
 
 namespace job {
 
+using core::message;
+using core::String;
 using update::DeviceStatus;
 using update::Phase;
 
@@ -170,6 +172,7 @@ Verdict verdictOf(Error const* error, bool trailerBegun, std::uint32_t restart, 
     Verdict verdict{"unknown", 15, "no", adviceAfterTrailer};
     if (!trailerBegun) {
         verdict = verdictBeforeTrailer(*error);
+        verdict.isTransient = error->isTransient;
     } else if (error->status) {
         verdict.outcome = "deviceFailed";
         verdict.exitStatus = 14;
@@ -179,6 +182,22 @@ Verdict verdictOf(Error const* error, bool trailerBegun, std::uint32_t restart, 
         verdict.exitStatus = 128 + static_cast<int>(signal);
     }
     return verdict;
+}
+
+String resultLine(Verdict const& verdict, Error const* error) {
+    static constexpr char const* places[] = {
+        " on the command line", " at the file",       " at the connection",
+        " at the request",      " at the header",     " in the transfer",
+        " at the trailer",      " after the trailer", " at the end"};
+    bool const isBeforeTrailer = error != nullptr && error->step < Step::trailer;
+    std::string_view const powerOff = isBeforeTrailer ? verdict.powerOff : "";
+    return message("Result: %1 (exit %2)%3%4%5. %6", verdict.outcome, verdict.exitStatus,
+                   error != nullptr ? places[static_cast<int>(error->step)] : "",
+                   verdict.isTransient ? "; it may be tried again" : "",
+                   powerOff == "no"      ? "; do not switch the device off"
+                   : powerOff == "avoid" ? "; leave the device on"
+                                         : "",
+                   verdict.advice);
 }
 
 }  // namespace job

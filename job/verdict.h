@@ -44,13 +44,17 @@ enum class Signal { none = 0, interrupt = 2, terminate = 15 };
 struct Verdict {
     char const* outcome;
     int exitStatus;
-    char const* powerOff;  ///< whether to switch the device off: yes, avoid, no or must
-    char const* advice;    ///< what to do next, a sentence
+    char const* powerOff;      ///< whether to switch the device off: yes, avoid, no or must
+    char const* advice;        ///< what to do next, a sentence
+    bool isTransient = false;  ///< whether a run with the same arguments may succeed
 };
 
 /// Returns the verdict of a run. error is null if the update is complete; restart is then the
 /// device's RestartKind. trailerBegun is whether the device can have received the trailer.
 [[nodiscard]] Verdict verdictOf(Error const* error, bool trailerBegun, std::uint32_t restart,
                                 Signal signal);
+
+/// Returns the last line of a run for people.
+[[nodiscard]] core::String resultLine(Verdict const& verdict, Error const* error);
 
 }  // namespace job

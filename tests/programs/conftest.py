@@ -96,14 +96,14 @@ def directory(tmp_path):
 
 
 class Device:
-    """ravelink-device with these options. It exits after one update on each address."""
+    """ravelink-device with these options. With once it exits after one update on each address."""
 
-    def __init__(self, log, options, count, prefix, **started):
+    def __init__(self, log, options, count, prefix, once, address, **started):
         self.log = log
+        options = [*options, "--once"] if once else options
         with open(log, "wb") as output:
             self.process = subprocess.Popen(
-                [*prefix, *DEVICE, "-b", "127.0.0.1:0", "--once", *options], stdout=output,
-                **started)
+                [*prefix, *DEVICE, "-b", address, *options], stdout=output, **started)
         wait_until(lambda: len(self.addresses) == count or self.process.poll() is not None)
 
     @property
@@ -118,6 +118,10 @@ class Device:
     def address(self):
         return self.addresses[0]
 
+    @property
+    def connections(self):
+        return sum("Connection from: " in line for line in self.lines)
+
     def wait(self):
         """Waits for the device to exit and returns its exit status."""
         return self.process.wait(60)
@@ -128,15 +132,36 @@ def device(tmp_path_factory):
     """Starts devices. Those still running after the test are killed."""
     started = []
 
-    def start(*options, count=1, prefix=(), **how):
+    def start(*options, count=1, prefix=(), once=True, address="127.0.0.1:0", **how):
         log = tmp_path_factory.mktemp("device") / "log"
-        started.append(Device(log, options, count, prefix, **how))
+        started.append(Device(log, options, count, prefix, once, address, **how))
         return started[-1]
 
     yield start
     for each in started:
         each.process.kill()
         each.process.wait()
+
+
+@pytest.fixture
+def namespace(directory, monkeypatch):
+    """Returns the prefix of commands that run in a network namespace with loopback only."""
+    root = run(["unshare", "--net", "true"], stderr=subprocess.DEVNULL).status == 0
+    options = ["--net"] if root else ["--map-root-user", "--net"]
+    sleeper = subprocess.Popen(["unshare", *options, "sh", "-c",
+                               "ip link set lo up && echo up && exec sleep 600"],
+                              stdout=subprocess.PIPE, stderr=subprocess.DEVNULL)
+    if sleeper.stdout.readline() != b"up\n":
+        pytest.skip("no network namespaces")
+    # Wine's server, which owns the sockets, must run in the namespace.
+    wine = directory.path / "wine"
+    monkeypatch.setenv("WINEPREFIX", str(wine))
+    as_root = [] if root else ["--user", "--preserve-credentials"]
+    yield ["nsenter", "--target", str(sleeper.pid), "--net", *as_root]
+    if wine.exists():
+        run(["wineserver", "-k"], env={**os.environ, "TMPDIR": str(wine)})
+    sleeper.kill()
+    sleeper.wait()
 
 
 @pytest.fixture
@@ -178,3 +203,27 @@ class Pack:
 @pytest.fixture
 def pack(directory):
     return Pack(directory)
+
+
+class Job:
+    """ravelink-job with short timeouts. In its arguments "@a" is a file of a new directory."""
+
+    def __init__(self, directory):
+        self.directory = directory
+        self.command = built("short_timeout_job")
+
+    def start(self, arguments, prefix=(), **options):
+        words = map(self.directory.at, shlex.split(arguments))
+        how = {"stdout": subprocess.PIPE, "stderr": subprocess.PIPE, **options}
+        return subprocess.Popen([*prefix, *self.command, *words], **how)
+
+    def __call__(self, arguments, **options):
+        """Returns the output, the lines of errors and the exit status of a run."""
+        with self.start(arguments, **options) as process:
+            output, errors = process.communicate(timeout=120)
+        return output, (errors or b"").decode().splitlines(), process.returncode
+
+
+@pytest.fixture
+def job(directory):
+    return Job(directory)

@@ -118,27 +118,6 @@ def test_updates_with_the_terminal_closed(device, directory, tmux):
     assert served.wait() == 0
 
 
-@pytest.fixture
-def namespace(directory, monkeypatch):
-    """Returns the prefix of commands that run in a network namespace with loopback only."""
-    root = run(["unshare", "--net", "true"], stderr=subprocess.DEVNULL).status == 0
-    options = ["--net"] if root else ["--map-root-user", "--net"]
-    sleeper = subprocess.Popen(["unshare", *options, "sh", "-c",
-                               "ip link set lo up && echo up && exec sleep 600"],
-                              stdout=subprocess.PIPE, stderr=subprocess.DEVNULL)
-    if sleeper.stdout.readline() != b"up\n":
-        pytest.skip("no network namespaces")
-    # Wine's server, which owns the sockets, must run in the namespace.
-    wine = directory.path / "wine"
-    monkeypatch.setenv("WINEPREFIX", str(wine))
-    as_root = [] if root else ["--user", "--preserve-credentials"]
-    yield ["nsenter", "--target", str(sleeper.pid), "--net", *as_root]
-    if wine.exists():
-        run(["wineserver", "-k"], env={**os.environ, "TMPDIR": str(wine)})
-    sleeper.kill()
-    sleeper.wait()
-
-
 def test_needs_loopback_only_and_reports_an_unreachable_peer(device, directory, namespace):
     update = directory.write("u", "x")
     command = [*namespace, *UPDATER, "-o", update, "-a"]

@@ -78,6 +78,7 @@ struct Failure {
 /// The result of a session.
 struct Outcome {
     std::optional<Failure> failure;  ///< nothing if the update is complete
+    int sent = 0;                    ///< bytes of the file that were sent, in whole chunks
     /// The RestartKind that the device reported on completion, or any other number.
     std::uint32_t restart = 0;
 

@@ -109,10 +109,14 @@ bool Session::Connect() {
     observer_.OnConnecting(task_.device);
     String const peer = task_.device.GetAsString(true);
     if (!ConnectTo(peer)) {
+        Cause const cause = connectCause(socket_->LastError());
         return Fail(
-            {fault("Connection failed",
-                   "Unable to connect to (%1). Please check the address and try again", peer),
-             IsTimeUp() ? Cause::timeUp : connectCause(socket_->LastError())});
+            IsTimeUp()
+                ? timeUp()
+                : Failure{fault("Connection failed",
+                                "Unable to connect to (%1). Please check the address and try again",
+                                peer),
+                          cause});
     }
     core::EndPoint local;
     socket_->GetSockName(local);
@@ -194,6 +198,8 @@ bool Session::SendFile() {
     char chunk[chunkSize];
     std::uint32_t crc = 0;
     long long nextReport = reportStep;
+    observer_.OnSending(0, FileSize(), 0);
+    report_.Reset(reportPeriod);
     while (sent_ < FileSize()) {
         // Never more than announced, even if the file has grown.
         int const length = file.Read(chunk, std::min(chunkSize, FileSize() - sent_));
@@ -201,10 +207,16 @@ bool Session::SendFile() {
             return Fail(task_.strict != nullptr && length == 0 ? fileChanged(task_.path)
                                                                : fileNotRead(task_.path));
         }
-        if (!SendChunk(chunk, length, stall) || !LookBack()) {
+        if (!SendChunk(chunk, length, stall)) {
             return false;
         }
         sent_ += length;
+        if (!LookBack()) {
+            return false;
+        }
+        if (IsTimeUp()) {
+            return Fail(timeUp());
+        }
         if (task_.strict != nullptr) {
             crc = core::crc32::update(chunk, length, crc);
         }
@@ -252,6 +264,7 @@ bool Session::AwaitCompletion() {
                 static_cast<long long>(completion.Remaining(1000, CountDownTimer::unlimited))));
         } else if (notification.code == UpdateNotification::Complete) {
             outcome_.restart = notification.value;
+            outcome_.sent = sent_;
             observer_.OnComplete();
             return true;
         } else if (!isStage(notification.code)) {
@@ -315,8 +328,7 @@ std::optional<Failure> Session::Receive(UpdateNotification& notification, int ms
 }
 
 bool Session::LookBack() {
-    // From the trailer on, AwaitCompletion receives all records.
-    while (task_.strict != nullptr && phase_ <= Phase::transfer) {
+    while (task_.strict != nullptr) {
         UpdateNotification notification;
         auto const failure = reader_.Receive(*socket_, notification, 0);
         if (failure) {
@@ -344,6 +356,7 @@ bool Session::IsTimeUp() const {
 bool Session::Fail(Failure const& failure) {
     outcome_.failure = failure;
     outcome_.failure->phase = phase_;
+    outcome_.sent = sent_;
     return false;
 }
 

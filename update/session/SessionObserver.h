@@ -21,7 +21,7 @@ public:
     /// bytes of fileSize bytes have been sent; called every 262,144 bytes.
     virtual void OnSent(int /*bytes*/, int /*fileSize*/) {}
     /// bytes of fileSize bytes have been sent, the last of them stalled milliseconds ago; called
-    /// about every 200 ms, also while the device accepts nothing.
+    /// before the first byte and then about every 200 ms, also while the device accepts nothing.
     virtual void OnSending(int /*bytes*/, int /*fileSize*/, long long /*stalled*/) {}
     virtual void OnFileSent(int /*fileSize*/) {}
     /// The next bytes are those of the trailer: until this returns, none of them has been sent.

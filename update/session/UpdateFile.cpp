@@ -25,6 +25,10 @@ std::optional<Failure> UpdateFile::Open(String const& path) {
     char chunk[chunkSize];
     int length = 0;
     while ((length = stream_.Read(chunk, chunkSize)) > 0) {
+        // The file may be growing.
+        if (static_cast<std::uint32_t>(length) > largestFile - static_cast<std::uint32_t>(size_)) {
+            return fileTooBig(path);
+        }
         crc_ = core::crc32::update(chunk, length, crc_);
         size_ += length;
     }

@@ -1,0 +1,299 @@
+"""ravelink-job as scripts run it: verdicts, JSON lines, log, signals and terminal."""
+
+import fcntl
+import json
+import os
+import pty
+import re
+import shlex
+import shutil
+import signal
+import socket
+import struct
+import subprocess
+import termios
+import time
+import zlib
+
+import pytest
+
+from conftest import SOURCE, WINDOWS, built, wait_until
+
+COMMON = "schema:i event:s time:s elapsed:n device:s attempt:i "
+ERROR = "title:s message:s source:s status:i? statusName:s?"
+# The members of each event, in order. s is a string, i an integer, n a number with three decimals,
+# b a truth value, o an object; with ? it may be null.
+EVENTS = {
+    "start": "program:s version:s pid:i origin:s? address:s? retry:i wait:i connectTimeout:i "
+             "maxTime:i check:b",
+    "file": "size:i crc:s modified:s sound:b?",
+    "connect": "peer:s limit:i",
+    "connected": "peer:s local:s",
+    "accepted": "after:n",
+    "progress": "sent:i total:i percent:i rate:i eta:i? still:n",
+    "sent": "sent:i duration:n rate:i",
+    "trailer": "",
+    "stage": "stage:s count:i",
+    "waiting": "silent:n left:i",
+    "complete": "restart:s value:i",
+    "error": "cause:s title:s message:s step:s source:s status:i? statusName:s?",
+    "retry": "outcome:s cause:s wait:i left:i",
+    "warning": "cause:s message:s",
+    "result": "outcome:s exit:i signal:s? cause:s? step:s trailer:b transient:b powerOff:s "
+              "attempts:i sent:i size:i? crc:s? restart:s? duration:n dropped:i error:o? advice:s",
+}
+TYPES = {"s": str, "i": int, "n": float, "b": bool, "o": dict}
+TIME = re.compile(r"\d{4}-\d\d-\d\dT\d\d:\d\d:\d\d\.\d{3}Z")
+
+
+def number(text):
+    assert re.fullmatch(r"\d+\.\d{3}", text)
+    return float(text)
+
+
+def check_members(members, described):
+    rules = [rule.split(":") for rule in described.split()]
+    assert list(members) == [name for name, _ in rules]
+    for name, kind in rules:
+        value = members[name]
+        assert type(value) is TYPES[kind[0]] or (value is None and kind.endswith("?")), name
+        assert name not in ("time", "modified") or TIME.fullmatch(value)
+        assert name != "crc" or value is None or re.fullmatch("0x[0-9A-F]{8}", value)
+
+
+def parse(stream):
+    """Checks a stream of JSON lines, whole or not yet ended, and returns its events."""
+    events = []
+    for line in stream.decode().splitlines(keepends=True):
+        assert line.endswith("\n") and len(line.encode()) < 4096
+        event = json.loads(line, parse_float=number)
+        check_members(event, COMMON + EVENTS[event["event"]])
+        if event["event"] == "result" and event["error"] is not None:
+            check_members(event["error"], ERROR)
+        events.append(event)
+    assert [event["schema"] for event in events] == len(events) * [1]
+    assert [event["elapsed"] for event in events] == sorted(event["elapsed"] for event in events)
+    if shutil.which("jq"):
+        subprocess.run(["jq", "-e", "."], input=stream, stdout=subprocess.DEVNULL, check=True)
+    return events
+
+
+def names(events, *without):
+    return [event["event"] for event in events if event["event"] not in without]
+
+
+def of(events, name):
+    return [event for event in events if event["event"] == name]
+
+
+def ended(stream, status):
+    """Checks a whole stream and returns its events and its result."""
+    events = parse(stream)
+    assert names(events)[0] == "start" and names(events).count("result") == 1
+    result = events[-1]
+    assert result["event"] == "result" and result["exit"] == status, result
+    assert result["trailer"] == ("trailer" in names(events))
+    if result["error"] is not None:
+        described = {**result["error"], "step": result["step"], "cause": result["cause"]}
+        assert any({**error, **described} == error for error in of(events, "error"))
+    return events, result
+
+
+def log(directory):
+    path = directory.path / "log"
+    return path.read_bytes() if path.exists() else b""
+
+
+def logged(directory, event):
+    wait_until(lambda: f'"event":"{event}"'.encode() in log(directory))
+
+
+SLOW = "receiveBuffer = 65536\nheader = notify Accepted\ndata = slow 16384 "
+
+
+@pytest.fixture
+def update(directory):
+    """Writes the file of an update and returns its path."""
+    def write(size=100_000):
+        path = directory.write("u", os.urandom(min(size, 100_000)))
+        os.truncate(path, size)
+        return path
+    return write
+
+
+@pytest.fixture
+def scenario(device, directory):
+    """Starts a device with an example scenario, or with the lines of one."""
+    def start(lines, **how):
+        text = lines if "=" in lines else (
+            SOURCE / f"examples/scenarios/{lines}.conf").read_text(encoding="utf-8")
+        return device("-s", directory.write("s.conf", text), **how)
+    return start
+
+
+@pytest.mark.parametrize("arguments, causes", [
+    *((f"-o @u -a {address}", ["badAddress"]) for address in (
+        "10.0.0.7:80x", "10.0.0", "10.0.0.999", "010.0.0.7", "0x0a000007", "10.1", "127.0.0.1:",
+        "127.0.0.1:0", "127.0.0.1:03007", "127.0.0.1:65536", "[::1]:3007", "0.0.0.0", "224.0.0.1",
+        "a..b", "a_b", "10.0.0.7.", "a" * 64)),
+    ("u.rvl -o @u -a 127.0.0.1", ["wrongArguments"]),
+    ("-o @u -a 127.0.0.1 -r 3x", ["badNumber"]),
+    ("-o @u -a 127.0.0.1 -k 0", ["badNumber"]),
+    ("-o @u -a 127.0.0.1 -w +1", ["badNumber"]),
+    ("-o @u -o @u -a 127.0.0.1", ["wrongArguments"]),
+    ("-o @u -a 127.0.0.1 -c --CHECK", ["wrongArguments"]),
+    ("-o @u -a 127.0.0.1 -t x", ["invalidOption"]),
+    ("-o @u -a 127.0.0.1 -n 'a|b'", ["wrongArguments"]),
+    ("-o @u -a 127.0.0.1 -l ''", ["wrongArguments"]),
+    ("-o @u -a 10.1 -r 101 -m -1", ["wrongArguments", "invalidOption", "badNumber", "badAddress"]),
+    ("-o @u -r 3x", ["badNumber", "missingOption"]),
+    ("-r 0", ["missingOption", "missingOption"]),
+    ("-j x", ["wrongArguments"]),
+])
+def test_rejects_command_lines(job, arguments, causes):
+    output, errors, status = job(arguments + (" -j" if "-j" not in arguments else ""))
+    assert status == 2
+    events, result = ended(output, 2)
+    assert [(error["cause"], error["step"]) for error in of(events, "error")] == [
+        (cause, "commandLine") for cause in causes]
+    assert names(events) == ["start", *len(causes) * ["error"], "result"]
+    assert [line[:4] for line in errors] == len(causes) * ["*** "]
+    assert (result["outcome"], result["step"], result["powerOff"]) == ("usage", "commandLine", "yes")
+
+
+def test_prints_help_and_version(job):
+    for option, lines in (("-v", 1), ("--HELP -o @u", 10)):
+        output, errors, status = job(option)
+        assert (status, errors) == (0, []) and output.startswith(b"ravelink-job ")
+        assert len(output.splitlines()) >= lines
+
+
+@pytest.mark.parametrize("arguments, cause", [
+    ("-o @none", "fileMissing"),
+    ("-o @@", "fileMissing"),
+    ("-o @empty", "fileEmpty"),
+    ("-o @huge", "fileTooBig"),
+    pytest.param("-o /proc/self/mem", "fileUnreadable",
+                 marks=pytest.mark.skipif(WINDOWS, reason="no such file")),
+    ("-c -o @u", "archiveUnsound"),
+    ("-c -o @flipped", "archiveUnsound"),
+    ("-o @u -l @@", "logUnwritable"),
+    ("-o @u -l @no/log", "logUnwritable"),
+    ("-o @u -l @u", "logUnwritable"),
+    pytest.param("-o @u -l /dev/full", "logUnwritable",
+                 marks=pytest.mark.skipif(WINDOWS, reason="no such device")),
+])
+def test_connects_only_with_a_good_file_and_log(job, pack, directory, device, update, arguments,
+                                                cause):
+    update()
+    before = directory.read("u")
+    directory.write("empty", "")
+    directory.write("huge", "")
+    os.truncate(directory.path / "huge", 2 ** 31)
+    archive = bytearray(pack.golden("flipped", "files"))
+    archive[-30] ^= 1
+    directory.write("flipped", bytes(archive))
+    served = device()
+    output, errors, status = job(f"{arguments} -a {served.address} -r 3 -j")
+    events, result = ended(output, 10)
+    assert (status, result["cause"], result["outcome"], result["step"], result["powerOff"]) == (
+        10, cause, "file", "file", "yes")
+    assert names(events, "file") == ["start", "error", "result"] and len(errors) == 1
+    assert served.connections == 0
+    assert directory.read("u") == before
+
+
+def test_reports_each_step_on_output_and_in_the_log(job, pack, directory, device):
+    directory.write("log", '{"torn":')
+    archive = pack.golden("u", "files")
+    served = device()
+    output, errors, status = job(f"-c -o @u -a {served.address} -n 'Zürich \x1b' -j -l @log")
+    events, result = ended(output, 0)
+    assert names(events) == ["start", "file", "connect", "connected", "accepted", "sent",
+                             "trailer", "stage", "stage", "stage", "complete", "result"]
+    assert [stage["stage"] for stage in of(events, "stage")] == [
+        "received", "checked", "processing"]
+    assert (status, errors, served.wait()) == (0, [], 0)
+    assert log(directory) == b'{"torn":\n' + output
+    assert {event["device"] for event in events} == {"Zürich \x1b"}
+    file = events[1]
+    assert (file["size"], file["crc"], file["sound"]) == (
+        len(archive), f"0x{zlib.crc32(archive):08X}", True)
+    described = {"outcome": "updated", "cause": None, "step": "done", "trailer": True,
+                 "transient": False, "powerOff": "no", "attempts": 1, "sent": len(archive),
+                 "size": len(archive), "crc": file["crc"], "restart": "firmware", "dropped": 0}
+    assert {**result, **described} == result
+
+
+@pytest.mark.skipif(WINDOWS or not shutil.which("strace"), reason="no strace")
+def test_has_the_trailer_on_disk_before_it_sends_it(job, directory, device, update):
+    update()
+    prefix = ["strace", "-f", "-o", directory.at("@trace"), "-e",
+              "trace=write,fsync,fdatasync,sendto"]
+    assert job(f"-o @u -a {device().address} -l @log", prefix=prefix)[2] == 0
+    calls = directory.read("trace").decode().splitlines()
+    written = next(i for i, call in enumerate(calls) if "write(" in call and "trailer" in call
+                   or "trailer" in call)
+    after = [re.search(r"(\w+)\(", call)[1] for call in calls[written:] if "(" in call]
+    assert "sync" in after[1] and after[2] == "sendto", after[:5]
+
+
+# The attempts are those that reach the device, of the two allowed. 0: one is allowed, as the device is
+# not ready for another.
+@pytest.mark.parametrize("lines, exit_status, cause, step, attempts", [
+    ("status-06-system-busy", 12, "deviceError", "request", 2),
+    ("status-05-data-size-too-big", 12, "deviceError", "request", 1),
+    ("status-03-invalid-data-size", 12, "deviceError", "header", 1),
+    ("garbage", 12, "notTheProtocol", "request", 1),
+    ("answer-of-another-stage", 12, "unexpectedRecord", "request", 1),
+    ("silent-request", 12, "noAnswer", "request", 2),
+    ("close-before-answer", 12, "connectionEnded", "request", 2),
+    ("reset-in-transfer", 13, "connectionReset", "transfer", 2),
+    ("close-in-transfer", 13, "connectionEnded", "transfer", 2),
+    ("stall", 13, "stalled", "transfer", 0),
+    ("receiveBuffer = 65536\ndata = after 65536, notify Error:DataSizeTooBig", 13, "deviceError",
+     "transfer", 1),
+    ("data = after 65536, notify Complete", 13, "unexpectedRecord", "transfer", 1),
+    ("status-12-wrong-file-crc", 14, "deviceError", "waiting", 1),
+    ("status-14-ghost-error", 14, "deviceError", "waiting", 1),
+    ("status-02-invalid-crc", 14, "deviceError", "waiting", 1),
+    ("unknown-code", 15, "unexpectedRecord", "waiting", 1),
+    ("wrong-crc", 15, "damagedRecord", "waiting", 1),
+    ("close-before-complete", 15, "connectionEnded", "waiting", 1),
+    ("reset-before-complete", 15, "connectionReset", "waiting", 1),
+    ("silent-complete", 15, "completionTimeout", "waiting", 1),
+    ("flood", 15, "completionTimeout", "waiting", 1),
+    ("restart-power-cycle", 0, None, "done", 1),
+])
+def test_gives_a_verdict_and_repeats_only_what_is_safe(job, scenario, update, lines, exit_status,
+                                                       cause, step, attempts):
+    update(32_000_000)
+    served = scenario(lines, once=False)
+    output, errors, status = job(f"-o @u -a {served.address} -r {min(attempts, 1)} -w 0 -j")
+    is_transient = attempts != 1
+    attempts = max(attempts, 1)
+    events, result = ended(output, exit_status)
+    assert status == exit_status
+    if WINDOWS and cause == "connectionReset":
+        # Wine may report a reset as the end of the connection.
+        assert result["cause"] in (cause, "connectionEnded")
+    else:
+        assert result["cause"] == cause
+    assert (result["step"], result["attempts"], served.connections) == (step, attempts, attempts)
+    assert result["transient"] == is_transient
+    assert len(errors) == len(of(events, "error")) == attempts - (exit_status == 0)
+    assert len(of(events, "retry")) == attempts - 1
+    trailer = exit_status in (0, 14, 15)
+    assert result["trailer"] == trailer
+    assert trailer or not any("Trailer" in line for line in served.lines)
+    outcome, power_off = {0: ("updated", "must"), 12: ("refused", "yes"),
+                          13: ("brokenOff", "avoid"), 14: ("deviceFailed", "no"),
+                          15: ("unknown", "no")}[exit_status]
+    if lines in ("status-06-system-busy", "answer-of-another-stage"):
+        power_off = "no"  # it may be serving another updater
+    if step == "header":
+        power_off = "avoid"
+    assert (result["outcome"], result["powerOff"]) == (outcome, power_off)
+    assert (result["sent"] > 0) == (exit_status != 12)
+    assert (cause == "completionTimeout") == bool(of(events, "waiting")) or lines == "flood"
+    assert len(of(events, "stage")) <= 5
