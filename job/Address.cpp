@@ -91,17 +91,18 @@ bool isName(std::string_view host) {
     return true;
 }
 
-Error nameError(char const* cause, core::Fault const& fault, bool isTransient) {
-    return {cause, fault, Step::connection, {}, isTransient};
+Error nameError(char const* cause, core::Fault const& fault) {
+    return {cause, fault, Step::connection};
 }
 
-/// Returns the different addresses of a resolver's chain.
+/// Returns the different addresses of a resolver's chain, without those that are no device's:
+/// 0.0.0.0 in a hosts file blocks a name, but would connect to this computer.
 std::vector<String> addressesOf(core::ClassRef<core::AddressInfo> const& info) {
     std::vector<String> addresses;
     for (auto entry = info; entry; entry = entry->Next()) {
         core::ClassRef<core::SocketAddr> const address(entry->GetSocketAddress().Get());
         String const text = core::EndPoint(address, core::SocketType::stream).GetAddress();
-        if (std::ranges::find(addresses, text) == addresses.end()) {
+        if (readOctets(text.View()) && std::ranges::find(addresses, text) == addresses.end()) {
             addresses.push_back(text);
         }
     }
@@ -133,26 +134,28 @@ std::optional<Error> Address::Resolve(IPv4Address& device) const {
     sys::platform::ResolvedEntry* chain = nullptr;
     int const failed = sys::platform::resolve(host_.getCString(), nullptr, core::SocketDomain::IPv4,
                                               core::SocketType::stream, chain);
-    if (failed != 0) {
-        bool const isTemporary =
-            sys::platform::resolverFailure(failed) == sys::platform::ResolverFailure::temporary;
-        return isTemporary
-                   ? nameError(
-                         "nameTemporary",
-                         fault("Name not resolved", "No name server could resolve \"%1\"", host_),
-                         true)
-                   : nameError("nameUnknown",
-                               fault("Name unknown", "\"%1\" has no IPv4 address", host_), false);
+    if (failed != 0 &&
+        sys::platform::resolverFailure(failed) == sys::platform::ResolverFailure::temporary) {
+        Error error =
+            nameError("nameTemporary",
+                      fault("Name not resolved", "No name server could resolve \"%1\"", host_));
+        error.isTransient = true;
+        return error;
     }
-    std::vector<String> const addresses = addressesOf(new core::AddressInfo(chain));
-    if (addresses.size() != 1) {
-        String list;
-        for (String const& address : addresses) {
-            list = list.GetLength() > 0 ? core::message("%1, %2", list, address) : address;
+    std::vector<String> addresses;
+    if (failed == 0) {
+        addresses = addressesOf(new core::AddressInfo(chain));
+    }
+    if (addresses.empty()) {
+        return nameError("nameUnknown", fault("Name unknown", "\"%1\" has no IPv4 address", host_));
+    }
+    if (addresses.size() > 1) {
+        String list = addresses[0];
+        for (std::size_t i = 1; i < addresses.size(); ++i) {
+            list = core::message("%1, %2", list, addresses[i]);
         }
         return nameError("nameAmbiguous",
-                         fault("Name ambiguous", "\"%1\" has several addresses: %2", host_, list),
-                         false);
+                         fault("Name ambiguous", "\"%1\" has several addresses: %2", host_, list));
     }
     device = IPv4Address(addresses[0]);
     device.SetPortA(port_);

@@ -38,10 +38,11 @@ bool EventWriter::WriteStart(Members members) {
 
 void EventWriter::Write(char const* event, Members members) {
     String const line = Line(event, members);
-    WriteToLog(line);
     if (output_ != nullptr) {
         output_->Write(line);
     }
+    // Last: a failure is an event that follows this one.
+    WriteToLog(line);
 }
 
 void EventWriter::WriteThrough(char const* event, Members members) {
@@ -53,7 +54,7 @@ void EventWriter::WriteThrough(char const* event, Members members) {
 
 void EventWriter::WriteProgress(Members members) {
     String const line = Line("progress", members);
-    if (output_ != nullptr && !output_->WriteIfIdle(line)) {
+    if (output_ != nullptr && !output_->WriteProgress(line)) {
         ++skipped_;
     }
     if (Elapsed() - lastLoggedProgress_ >= loggedProgressPeriod) {

@@ -122,8 +122,10 @@ std::optional<int> JobRun::Interrupt(Signal signal) {
     if (isOver_ || step_ == Step::done) {
         return {};
     }
-    Error const error{"interrupted",
-                      fault("Interrupted", "The run was ended by SIG%1", nameOf(signal)), step_};
+    Error const error{
+        "interrupted",
+        fault("Interrupted", "The run was ended by %1", String("SIG").AppendNew(nameOf(signal))),
+        step_};
     ReportError(error);
     int const exitStatus = ReportResult(&error, signal);
     // For good: the session must not send the trailer after this result.

@@ -11,7 +11,9 @@ namespace job {
 
 namespace {
 
-std::size_t const capacity = 65'536;  ///< bytes
+// In bytes.
+std::size_t const capacity = 65'536;
+std::size_t const progressCapacity = 4'096;
 
 }  // namespace
 
@@ -79,9 +81,9 @@ void LineWriter::Write(core::String const& text) {
     }
 }
 
-bool LineWriter::WriteIfIdle(core::String const& text) {
+bool LineWriter::WriteProgress(core::String const& text) {
     std::lock_guard const locked(state_->lock);
-    if (!state_->queue.empty()) {
+    if (state_->bytes >= progressCapacity) {
         return false;
     }
     state_->Queue(text);

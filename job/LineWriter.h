@@ -21,8 +21,8 @@ public:
 
     /// Queues text, which is then written at once. Drops it if 64 KiB are queued.
     void Write(core::String const& text);
-    /// Queues text if all earlier text is written. Returns false otherwise.
-    bool WriteIfIdle(core::String const& text);
+    /// Queues text that the next one of its kind will replace. Returns false if 4 KiB are queued.
+    bool WriteProgress(core::String const& text);
     /// Waits up to ms milliseconds until all queued text is written, then drops the rest.
     void Drain(int ms);
     /// Returns how many texts Write and Drain dropped, or could not be written.

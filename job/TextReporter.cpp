@@ -58,7 +58,7 @@ void TextReporter::ShowSending(int bytes, int fileSize, int rate, long long stal
         Draw(message("  Sending ... stalled for %1 s", stalled / 1000));
         return;
     }
-    String text = message("  Sending %1 %2%  %3 of %4 MiB  %5 MiB/s", BarOf(percent), percent,
+    String text = message("  Sending %1%2%  %3 of %4 MiB  %5 MiB/s", BarOf(percent), percent,
                           mebibytes(bytes), mebibytes(fileSize), mebibytes(rate));
     if (rate > 0) {
         text.Append(message("  %1 left", minutes(1000LL * (fileSize - bytes) / rate)));
@@ -95,7 +95,7 @@ void TextReporter::Draw(String const& text) {
     // The last column stays empty: some terminals begin a new line after it.
     String const line = text.Left(std::max(width_ - 1, 0));
     int const covered = std::max(drawn_ - line.GetLength(), 0);
-    writer_.WriteIfIdle(message("\r%1%2", line, String::OfChar(' ', covered)));
+    writer_.WriteProgress(message("\r%1%2", line, String::OfChar(' ', covered)));
     drawn_ = line.GetLength() + covered;
 }
 
@@ -104,7 +104,7 @@ String TextReporter::BarOf(int percent) const {
         return "";
     }
     int const full = barCells * percent / 100;
-    return message("[%1%2] ", String::OfChar('#', full), String::OfChar('.', barCells - full));
+    return message("[%1%2]  ", String::OfChar('#', full), String::OfChar('.', barCells - full));
 }
 
 }  // namespace job

@@ -6,7 +6,7 @@ namespace {
 class ShortTimeoutJob : public job::JobApplication {
 public:
     ShortTimeoutJob() {
-        timeouts.requestAnswer = 1'500;
+        timeouts.requestAnswer = 3'000;
         timeouts.headerAnswer = 20;
         timeouts.transferStall = 1'500;
         timeouts.completion = 1'500;

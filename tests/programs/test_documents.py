@@ -52,7 +52,7 @@ WAYS = (
     (r'(?:AddError\(step \+ ":",[^";]*|(?="%1 [a-z]+ ))"([^"]+)"', r"Bad scenario: ...: \1"),
     (r'AddError\((?!String)[^;"]*(?:"[^"]+")?,[^";]*"([^"]+)"', r"Bad CONF: ... \1"),
 )
-UNDOCUMENTED = re.compile(r"(- | |>  |Result: ).*|.*\\n|((?![A-Za-z] [A-Za-z]).)*", re.S)
+UNDOCUMENTED = re.compile(r"(- | |>  |Result: |; ).*|.*\\n|((?![A-Za-z] [A-Za-z]).)*", re.S)
 
 
 def sources(program, look=r".*\.(cpp|h)"):
@@ -268,7 +268,7 @@ def test_json_lines_are_documented(device, directory):
     events = {name: common + members(section) for name, section in re.findall(
         r"^### (\w+)\n(.*?)(?=^##)", document, re.M | re.S)}
     assert events.keys() == set(re.findall(
-        r'(?:\bWrite|\bLine)\(\s*"(\w+)"', sources("ravelink-job")))
+        r'\b(?:Write|WriteThrough|Line)\(\s*"(\w+)"', sources("ravelink-job")))
     types = {str: "string", int: "integer", float: "number", bool: "boolean", dict: "object",
              type(None): "null"}
     update = directory.write("update.rvl", bytes(8_000_000))

@@ -246,7 +246,7 @@ def test_has_the_trailer_on_disk_before_it_sends_it(job, directory, device, upda
     ("status-03-invalid-data-size", 12, "deviceError", "header", 1),
     ("garbage", 12, "notTheProtocol", "request", 1),
     ("answer-of-another-stage", 12, "unexpectedRecord", "request", 1),
-    ("silent-request", 12, "noAnswer", "request", 2),
+    ("silent-request", 12, "noAnswer", "request", 0),
     ("close-before-answer", 12, "connectionEnded", "request", 2),
     ("reset-in-transfer", 13, "connectionReset", "transfer", 2),
     ("close-in-transfer", 13, "connectionEnded", "transfer", 2),
@@ -297,3 +297,293 @@ def test_gives_a_verdict_and_repeats_only_what_is_safe(job, scenario, update, li
     assert (result["sent"] > 0) == (exit_status != 12)
     assert (cause == "completionTimeout") == bool(of(events, "waiting")) or lines == "flood"
     assert len(of(events, "stage")) <= 5
+
+
+@pytest.fixture
+def unused_address():
+    with socket.socket() as unused:
+        unused.bind(("127.0.0.1", 0))
+        yield f"127.0.0.1:{unused.getsockname()[1]}"
+
+
+def test_repeats_with_doubled_pauses(job, update, unused_address):
+    update()
+    output, _, _ = job(f"-o @u -a {unused_address} -r 2 -w 1 -j")
+    events, result = ended(output, 11)
+    assert [(retry["outcome"], retry["cause"], retry["wait"], retry["left"])
+            for retry in of(events, "retry")] == [("notConnected", "connectRefused", 1, 1),
+                                                  ("notConnected", "connectRefused", 2, 0)]
+    assert result["attempts"] == 3 and 3 <= result["duration"] < 4
+    assert [event["attempt"] for event in of(events, "connect")] == [1, 2, 3]
+    # A pause that would end after the deadline is not begun.
+    _, result = ended(job(f"-o @u -a {unused_address} -r 2 -w 2 -m 2 -j")[0], 11)
+    assert result["attempts"] == 1 and result["duration"] < 1
+
+
+def test_updates_once_the_device_is_ready(job, directory, device, scenario, update):
+    update()
+    busy = scenario("status-06-system-busy")
+    with job.start(f"-o @u -a {busy.address} -r 9 -w 1 -j") as process:
+        busy.wait()
+        ready = device(address=busy.address)
+        events, result = ended(process.communicate(timeout=60)[0], 0)
+    assert result["attempts"] == len(of(events, "connect")) > 1 and ready.wait() == 0
+
+
+def test_limits_an_attempt_to_connect(job, update):
+    update()
+    with socket.socket() as full:
+        full.bind(("127.0.0.1", 0))
+        full.listen(0)
+        waiting = [socket.socket() for _ in range(4)]
+        for client in waiting:
+            client.setblocking(False)
+            client.connect_ex(full.getsockname())
+        address = f"127.0.0.1:{full.getsockname()[1]}"
+        for options, cause in (("-k 1", "connectTimeout"), ("-m 1", "timeUp")):
+            _, result = ended(job(f"-o @u -a {address} -j {options}")[0], 11)
+            assert (result["cause"], result["step"]) == (cause, "connection")
+            assert 0.9 <= result["duration"] < 2
+        for client in waiting:
+            client.close()
+
+
+@pytest.mark.skipif(WINDOWS, reason="needs a hosts file of its own")
+def test_resolves_names_that_have_one_address(job, directory, device, update, namespace):
+    update()
+    hosts = directory.write("hosts", "127.0.0.1 one\n127.0.0.1 two\n127.0.0.2 two\n0.0.0.0 none\n")
+    switch = directory.write("nsswitch", "hosts: files\n")
+    prefix = [*namespace, "unshare", "--mount", "sh", "-c",
+              # Loopback alone does not count as a network to the resolver.
+              "ip address add 10.0.0.1/32 dev lo 2>&-; "
+              f"mount --bind {hosts} /etc/hosts; mount --bind {switch} /etc/nsswitch.conf; "
+              'exec "$@"', "sh"]
+    port = device(prefix=namespace).address.split(":")[1]
+    for name, status, cause in (("one", 0, None), ("two", 11, "nameAmbiguous"),
+                                ("none", 11, "nameUnknown"), ("other.example", 11, "nameUnknown")):
+        output, errors, _ = job(f"-o @u -a {name}:{port} -r 3 -w 0 -j", prefix=prefix)
+        events, result = ended(output, status)
+        assert (result["cause"], result["attempts"]) == (cause, 1)
+        if status == 0:
+            assert of(events, "connect")[0]["peer"] == f"127.0.0.1:{port}"
+        else:
+            assert result["error"]["message"].startswith(f'"{name}" has ') and len(errors) == 1
+
+
+def test_sends_no_trailer_of_a_file_that_changes(job, directory, scenario, update):
+    path = update(16_000_000)
+    served = scenario(SLOW + "10")
+    with job.start(f"-o @u -a {served.address} -j -l @log") as process:
+        logged(directory, "accepted")
+        with open(path, "r+b") as file:
+            file.seek(-1, os.SEEK_END)
+            file.write(b"x")
+        _, result = ended(process.communicate(timeout=60)[0], 10)
+    assert (result["cause"], result["step"], result["powerOff"]) == (
+        "fileChanged", "transfer", "avoid")
+
+
+def test_ends_at_the_deadline_before_the_trailer_only(job, directory, scenario, update):
+    update(16_000_000)
+    output, _, _ = job(f"-o @u -a {scenario(SLOW + '10').address} -m 2 -r 3 -j")
+    events, result = ended(output, 13)
+    assert (result["cause"], result["attempts"], result["transient"]) == ("timeUp", 1, False)
+    assert 1.9 <= result["duration"] < 3
+    progress = of(events, "progress")
+    assert progress and 0 < progress[0]["percent"] < 100 and progress[0]["rate"] > 0
+    update()
+    assert ended(job(f"-o @u -a {scenario('complete = wait 1200, notify Complete').address} -m 1 "
+                     "-j")[0], 0)
+
+
+@pytest.fixture
+def interrupted(job, directory):
+    """Runs a job until its log has the event, sends a signal, and returns the events and result."""
+    def run(arguments, event, number):
+        with job.start(f"{arguments} -l @log") as process:
+            logged(directory, event)
+            process.send_signal(number)
+            process.communicate(timeout=20)
+        assert process.returncode == -number
+        events, result = ended(log(directory), 128 + number)
+        assert result["signal"] == signal.Signals(number).name[3:]
+        return events, result
+    return run
+
+
+@pytest.mark.skipif(WINDOWS, reason="no signals")
+def test_ends_by_a_signal(interrupted, directory, scenario, update, unused_address):
+    update(2_000_000_000)
+    address = scenario(SLOW + "10").address
+    for arguments, event, step, number in (
+            (f"-a {address}", "start", "file", signal.SIGTERM),
+            (f"-a {unused_address} -r 1 -w 60", "retry", "connection", signal.SIGINT),
+            (f"-a {address}", "accepted", "transfer", signal.SIGINT)):
+        directory.write("log", "")
+        events, result = interrupted(f"-o @u {arguments}", event, number)
+        assert (result["outcome"], result["cause"]) == ("interrupted", "interrupted")
+        assert result["step"] == step or (step, result["step"]) == ("transfer", "header")
+        assert result["duration"] < 5 and "trailer" not in names(events)
+        time.sleep(0.1)
+    update()
+    directory.write("log", "")
+    _, result = interrupted(f"-o @u -a {scenario('silent-complete').address}", "trailer",
+                            signal.SIGTERM)
+    assert (result["outcome"], result["trailer"], result["powerOff"]) == ("unknown", True, "no")
+
+
+def test_ends_by_ctrl_c_on_a_terminal(job, directory, scenario, update):
+    update(16_000_000)
+    command = [*job.command, "-o", directory.at("@u"), "-l", directory.at("@log"), "-a",
+               scenario(SLOW + "10").address]
+    # exec: dash would stay as the parent, be interrupted too, and exit with a status of its own.
+    with subprocess.Popen(["script", "-qec", "exec " + shlex.join(command), "/dev/null"],
+                          stdin=subprocess.PIPE, stdout=subprocess.DEVNULL) as process:
+        logged(directory, "accepted")
+        process.stdin.write(b"\x03")
+        process.stdin.flush()
+        assert process.wait(30) == 130
+    assert ended(log(directory), 130)[1]["outcome"] == "interrupted"
+
+
+@pytest.mark.skipif(WINDOWS, reason="a signal, and a pipe of known size")
+def test_a_second_signal_ends_it_at_once(job, directory, scenario, update):
+    update(16_000_000)
+    reader, writer = full_pipe()
+    with job.start(f"-o @u -a {scenario(SLOW + '10').address} -j -l @log", stdout=writer) as process:
+        logged(directory, "accepted")
+        for _ in range(2):
+            process.send_signal(signal.SIGINT)
+            time.sleep(0.5)
+        assert process.wait(1) == -signal.SIGINT
+    os.close(reader)
+    os.close(writer)
+
+
+def full_pipe():
+    reader, writer = os.pipe()
+    os.set_blocking(writer, False)
+    try:
+        while True:
+            os.write(writer, 1024 * b"x")
+    except BlockingIOError:
+        os.set_blocking(writer, True)
+    return reader, writer
+
+
+@pytest.mark.skipif(WINDOWS, reason="a POSIX shell")
+@pytest.mark.parametrize("output, events", [
+    (">&-", None), ("| head -n 1", None), (">/dev/full", "outputBehind"),
+    ("| (ulimit -f unlimited; cat)", "logFailed")])
+def test_updates_whatever_happens_to_the_output(job, directory, device, update, output, events):
+    update(1_000_000)
+    served = device()
+    limit = "ulimit -f 2; " if events == "logFailed" else ""
+    command = shlex.join([*job.command, "-o", directory.at("@u"), "-j", "-l", directory.at("@log"),
+                          "-a", served.address])
+    shown = subprocess.run(f"{limit}{command} {output}", shell=True, stdout=subprocess.PIPE,
+                           check=False, timeout=60).stdout
+    assert served.wait() == 0
+    events_shown, result = ended(shown if limit else log(directory), 0)
+    assert (result["dropped"] > 0) == (output in ("| head -n 1", ">/dev/full"))
+    assert [each["cause"] for each in of(events_shown, "warning")] == (
+        ["logFailed"] if limit else ["outputBehind"] if result["dropped"] else [])
+
+
+@pytest.mark.skipif(WINDOWS, reason="a pipe of known size")
+def test_updates_with_a_reader_that_does_not_read(job, directory, scenario, update):
+    update(8_000_000)
+    reader, writer = full_pipe()
+    served = scenario(SLOW + "5")
+    assert job(f"-o @u -a {served.address} -j -l @log", stdout=writer)[2] == 0
+    os.close(reader)
+    os.close(writer)
+    _, result = ended(log(directory), 0)
+    assert served.wait() == 0 and result["dropped"] > 0 and result["duration"] < 12
+
+
+def test_uses_a_log_in_one_run_at_a_time(job, directory, scenario, device, update):
+    update(16_000_000)
+    served = device()
+    with job.start(f"-o @u -a {scenario(SLOW + '10').address} -l @log -m 3") as process:
+        logged(directory, "accepted")
+        _, result = ended(job(f"-o @u -a {served.address} -l @log -j")[0], 10)
+        assert result["cause"] == "logInUse" and served.connections == 0
+        process.communicate(timeout=60)
+    ended(log(directory), 13)
+
+
+def test_prints_lines_for_people(job, directory, device, update, unused_address):
+    update()
+    output, errors, _ = job(f"-o @u -a {device().address}")
+    lines = output.decode().splitlines()
+    assert lines[0].startswith("ravelink-job ") and lines[2].strip() == "Connected!"
+    assert lines[-2:] == ["The device is updated and it will restart itself if needed.",
+                          "Result: updated (exit 0). Let the device restart."]
+    assert not errors and b"\r" not in output and b"\x1B" not in output
+    output, errors, _ = job(f"-o @u -a {unused_address} -r 1 -w 0")
+    assert output.decode().splitlines()[-1] == (
+        "Result: notConnected (exit 11) at the connection; it may be tried again. "
+        "Check the address, the cable and the power of the device.")
+    assert len(errors) == 2
+    assert job(f"-o @u -a {unused_address} -q")[0] == b""
+
+
+def on_terminal(command, columns, stream, **variables):
+    """Returns what a command prints to a terminal of that width: as its output, or its errors."""
+    reader, terminal = pty.openpty()
+    fcntl.ioctl(terminal, termios.TIOCSWINSZ, struct.pack("HHHH", 24, columns, 0, 0))
+    shown = b""
+    with subprocess.Popen(command, stdin=subprocess.DEVNULL, env={**os.environ, **variables},
+                          **{"stdout": subprocess.DEVNULL, stream: terminal}):
+        os.close(terminal)
+        try:
+            while part := os.read(reader, 4096):
+                shown += part
+        except OSError:  # the command has ended
+            pass
+    os.close(reader)
+    return shown.decode().replace("\r\n", "\n")
+
+
+BAR = re.compile(r"\r  Sending \[#*\.*\] +\d+%  \d+\.\d of 7\.6 MiB  \d+\.\d MiB/s  \d+:\d\d left")
+NARROW = re.compile(r"\r  Sending \d+%  \d+\.\d of 7\.6 MiB")
+
+
+@pytest.mark.skipif(WINDOWS, reason="a Win32 console is no stream")
+@pytest.mark.parametrize("columns, options, stream, variables, shown", [
+    (100, "", "stdout", {"TERM": "xterm"}, BAR),
+    (100, "", "stdout", {"TERM": "xterm", "NO_COLOR": "1"}, BAR),
+    (100, "-j", "stderr", {"TERM": "xterm"}, BAR),
+    (40, "", "stdout", {"TERM": "xterm"}, NARROW),
+    (100, "", "stdout", {"TERM": "dumb"}, None),
+    (100, "-j -q", "stderr", {"TERM": "xterm"}, None),
+])
+def test_redraws_one_line_on_a_terminal(job, directory, scenario, update, columns, options, stream,
+                                        variables, shown):
+    update(8_000_000)
+    served = scenario(SLOW + "3")
+    text = on_terminal([*job.command, "-o", directory.at("@u"), "-a", served.address,
+                        *options.split()], columns, stream, **variables)
+    assert served.wait() == 0 and "\x1B" not in text
+    if shown is None:
+        assert "\r" not in text and ("  Sending " in text) == (stream == "stdout")
+    else:
+        assert shown.search(text) and "\r  Waiting for the device  0:0" in text
+        drawn = [line for part in text.split("\n") for line in part.split("\r")[1:-1]]
+        assert all(len(line) < columns for line in drawn)
+        assert text.endswith("\r" if stream == "stderr" else "Let the device restart.\n")
+
+
+# The default timeouts: minutes of waiting, so only ./dev test slow runs these.
+@pytest.mark.slow
+@pytest.mark.skipif(WINDOWS, reason="takes minutes")
+@pytest.mark.parametrize("lines, waiting", [("silent-complete", 30), ("flood", 0)])
+def test_waits_five_minutes_for_the_end(job, scenario, update, lines, waiting):
+    update()
+    job.command = built("job_program")
+    output = job.start(f"-o @u -a {scenario(lines).address} -r 3 -j").communicate(timeout=390)[0]
+    events, result = ended(output, 15)
+    assert (result["cause"], result["attempts"]) == ("completionTimeout", 1)
+    assert 300 <= result["duration"] < 315 and abs(len(of(events, "waiting")) - waiting) <= 1
+    assert len(of(events, "stage")) <= 305

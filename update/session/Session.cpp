@@ -362,8 +362,10 @@ bool Session::Fail(Failure const& failure) {
 
 bool Session::FailToSend(SendResult result, core::Fault const& fault) {
     int const error = socket_->LastError();
-    // What the device has sent is the better reason.
-    if (outcome_.failure || !LookBack()) {
+    // What the device has sent is the better reason. After a reset, which sending has reported, its
+    // data only ends.
+    bool const isEnd = outcome_.failure || !LookBack();
+    if (isEnd && (error != ECONNRESET || outcome_.failure->cause != Cause::connectionEnded)) {
         return false;
     }
     switch (result) {

@@ -105,6 +105,15 @@ struct InterruptHandler::State {
     std::atomic<bool> ending = false;
     std::atomic<int> interruption = 0;  ///< the number of the first signal
     std::thread thread;
+    std::thread acting;  ///< runs the function: a second signal must not wait for its end
+
+    void Act(void (*act)()) {
+        try {
+            acting = std::thread(act);
+        } catch (std::system_error const&) {
+            act();
+        }
+    }
 
     void Watch(void (*act)()) {
         steady_clock::time_point first;
@@ -115,7 +124,7 @@ struct InterruptHandler::State {
             if (interruption == 0) {
                 first = steady_clock::now();
                 interruption = number;
-                act();
+                Act(act);
             } else if (steady_clock::now() - first > sameRequest) {
                 endBy(number);
             }
@@ -148,6 +157,9 @@ InterruptHandler::~InterruptHandler() {
     // NOLINTNEXTLINE(bugprone-bad-signal-to-kill-thread)
     pthread_kill(state_->thread.native_handle(), SIGTERM);
     state_->thread.join();
+    if (state_->acting.joinable()) {
+        state_->acting.join();
+    }
     signal(SIGTERM, SIG_IGN);
     pthread_sigmask(SIG_SETMASK, &state_->before, nullptr);
 }

@@ -113,19 +113,24 @@ std::string errorText(int number) {
 namespace {
 
 std::mutex oneAtATime;
+std::mutex acting;            ///< locked while the function runs
 void (*pending)() = nullptr;  ///< the function still to be called
 std::atomic<Interruption> received = Interruption::none;
 
 /// The operating system creates a thread for each call.
 BOOL WINAPI notice(DWORD event) {
     {
-        std::lock_guard const locked(oneAtATime);
+        std::unique_lock locked(oneAtATime);
         if (pending == nullptr) {
             return FALSE;
         }
+        std::lock_guard const running(acting);
         received = event == CTRL_C_EVENT || event == CTRL_BREAK_EVENT ? Interruption::user
                                                                       : Interruption::termination;
-        std::exchange(pending, nullptr)();
+        auto const act = std::exchange(pending, nullptr);
+        // A second interruption must not wait for the function.
+        locked.unlock();
+        act();
     }
     if (event == CTRL_CLOSE_EVENT) {
         // See holdClose.
@@ -146,8 +151,11 @@ InterruptHandler::InterruptHandler(void (*act)()) {
 
 InterruptHandler::~InterruptHandler() {
     SetConsoleCtrlHandler(&notice, FALSE);
-    std::lock_guard const locked(oneAtATime);
-    pending = nullptr;
+    {
+        std::lock_guard const locked(oneAtATime);
+        pending = nullptr;
+    }
+    std::lock_guard const ended(acting);
 }
 
 Interruption InterruptHandler::Received() const {
