@@ -1,6 +1,5 @@
 """The documents, compared with the sources and with the behaviour of the programs."""
 
-import json
 import re
 import socket
 from itertools import groupby
@@ -8,6 +7,7 @@ from itertools import groupby
 import pytest
 
 from conftest import SOURCE, built, run, source
+from test_job import COMMON, EVENTS, names as names_of, parse
 
 PROGRAMS = re.search(r"^set\(programs (.*)\)$", source("CMakeLists.txt"), re.M)[1].split()
 DIRECTORIES = {name: name.partition("-")[2] or "update" for name in PROGRAMS}
@@ -258,38 +258,30 @@ def test_numbers_of_the_protocol_agree():
 
 
 def test_json_lines_are_documented(device, directory):
-    """Compares tables, examples and real streams: members, their order and types."""
+    """test_job compares all streams with EVENTS. The examples are compared with two of them."""
     document = source("docs/json.md")
 
     def members(section):
-        return re.findall(r"^\| `(\w+)` \| ([a-z ]+) \|", section, re.M)
+        return [name + ":" + kind[0] + ("?" if kind.endswith(" or null") else "") for name, kind in
+                re.findall(r"^\| `(\w+)` \| ([a-z ]+) \|", section, re.M)]
 
-    common = members(part(document, "\n## Members", "\n## Events"))
-    events = {name: common + members(section) for name, section in re.findall(
-        r"^### (\w+)\n(.*?)(?=^##)", document, re.M | re.S)}
-    assert events.keys() == set(re.findall(
-        r'\b(?:Write|WriteThrough|Line)\(\s*"(\w+)"', sources("ravelink-job")))
-    types = {str: "string", int: "integer", float: "number", bool: "boolean", dict: "object",
-             type(None): "null"}
-    update = directory.write("update.rvl", bytes(8_000_000))
-    slow = directory.write("s.conf", "receiveBuffer = 65536\nheader = notify Accepted\n"
-                           "data = after 1, wait 1500")
+    assert members(part(document, "\n## Members", "\n## Events")) == COMMON.split()
+    sections = re.findall(r"^### (\w+)\n(.*?)(?=^##)", document, re.M | re.S)
+    assert {name: members(section) for name, section in sections} == {
+        name: described.split() for name, described in EVENTS.items()}
+    directory.write("u", bytes(8_000_000))
+    pausing = directory.write("s.conf", "receiveBuffer = 65536\nheader = notify Accepted\n"
+                              "data = after 1, wait 1500")
     with socket.socket() as unused:
         unused.bind(("127.0.0.1", 0))
         for kind, address, options in (
-                ("updated", device("-s", slow).address, ()),
+                ("updated", device("-s", pausing).address, ()),
                 ("refused", "127.0.0.1:%d" % unused.getsockname()[1], ("-r", "1", "-w", "1"))):
-            example = blocks(document, f"json {kind}").splitlines()
-            streams = [list(map(json.loads, lines)) for lines in (example, run(
-                built("job_program") + ["-j", "-o", update, "-a", address, *options]).lines)]
-            for line in streams[0] + streams[1]:
-                expected = events[line["event"]]
-                assert list(line) == [name for name, _ in expected]
-                for name, kinds in expected:
-                    assert types[type(line[name])] in kinds.split(" or "), (line, name)
-            first, second = ([event for event, _ in groupby(line["event"] for line in stream)]
-                             for stream in streams)
-            assert first == second
+            command = built("job_program") + ["-j", "-o", directory.at("@u"), "-a", address, *options]
+            real = "".join(line + "\n" for line in run(command).lines)
+            example, real = ([event for event, _ in groupby(names_of(parse(stream.encode())))]
+                             for stream in (blocks(document, f"json {kind}"), real))
+            assert example == real
 
 
 # Links
