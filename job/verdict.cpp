@@ -77,7 +77,7 @@ CauseRow const& rowOf(std::string_view cause) {
 char const* adviceOnStatus(DeviceStatus status) {
     switch (status) {
         case DeviceStatus::SystemBusy:
-            return "Wait some minutes and try again. Check that nobody else updates it.";
+            return "Wait some minutes and try again. Check that no other updater is running.";
         case DeviceStatus::InvalidTarget:
         case DeviceStatus::InvalidVersion:
             return "Use the file for this device.";
