@@ -75,9 +75,11 @@ constexpr std::pair<char const*, char const*> flags[] = {
 
 /// Whether a word of the command line is the option, with or without a wrong value.
 int countOf(std::pair<char const*, char const*> const& flag, int argc, char const* const* argv) {
-    return static_cast<int>(std::count_if(argv + 1, argv + argc, [&](char const* word) {
-        return String(word).CompareIC(flag.first) == 0 || String(word).CompareIC(flag.second) == 0;
-    }));
+    return static_cast<int>(
+        std::count_if(argv + 1, argv + std::max(argc, 1), [&](char const* word) {
+            return String(word).CompareIC(flag.first) == 0 ||
+                   String(word).CompareIC(flag.second) == 0;
+        }));
 }
 
 /// Adds the errors that the grammar does not find: it drops the words before the first option and

@@ -18,10 +18,12 @@ std::size_t const progressCapacity = 4'096;
 }  // namespace
 
 struct LineWriter::State {
-    sys::platform::StandardStream stream;
-    std::mutex lock = {};
-    std::condition_variable changed = {};
-    std::deque<core::String> queue = {};  ///< the first one is being written
+    explicit State(sys::platform::StandardStream destination) : stream(destination) {}
+
+    sys::platform::StandardStream const stream;
+    std::mutex lock;
+    std::condition_variable changed;
+    std::deque<core::String> queue;  ///< the first one is being written
     std::size_t bytes = 0;
     int dropped = 0;
     bool hasThread = true;

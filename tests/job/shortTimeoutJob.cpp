@@ -7,7 +7,7 @@ class ShortTimeoutJob : public job::JobApplication {
 public:
     ShortTimeoutJob() {
         timeouts.requestAnswer = 3'000;
-        timeouts.headerAnswer = 20;
+        timeouts.headerAnswer = 250;
         timeouts.transferStall = 1'500;
         timeouts.completion = 1'500;
         timeouts.notification = 500;
