@@ -21,7 +21,8 @@ std::optional<Error> LogFile::Open(String const& path, String const& origin) {
         stream_.Close();
         return logUnwritable(path);
     }
-    if (stream_.Lock() == -EWOULDBLOCK) {
+    // Any number of runs may write to a device, such as /dev/null.
+    if (log.type == sys::platform::FileType::regular && stream_.Lock() == -EWOULDBLOCK) {
         stream_.Close();
         return Error{"logInUse", fault("Log in use", "Another run writes to \"%1\"", path),
                      Step::file};
