@@ -13,8 +13,6 @@
 namespace {
 
 namespace env = sys::env;
-namespace cmd = sys::cmd;
-namespace pid = sys::pid;
 
 TEST(Env, ReadsValuesAndEntries) {
     for (int const length : {0, 1, 32766, 32767, 100'000}) {
@@ -61,16 +59,9 @@ TEST(Locker, LocksBeforeInit) {
 }
 
 TEST(Process, RunsNoCommands) {
-    core::StringArray const none;
-    core::StringArray some;
-    some.Add("exit 0");
-    EXPECT_EQ(cmd::commands(some, true, "") + cmd::services(some, cmd::start, ""), -2);
-    EXPECT_EQ(cmd::commands(none, true, "") + cmd::services(none, cmd::start, ""), 0);
-    EXPECT_EQ(cmd::serviceLine("x", cmd::restart), "service x restart");
-    EXPECT_EQ(cmd::service("x", static_cast<cmd::ServiceOp>(3), ""), -1);
-    EXPECT_FALSE(pid::exists("x", false) || pid::store("x", 1) || pid::clear("x") ||
-                 pid::isRunning(1) || pid::isRunning("x") || pid::get("x", true) != 0);
-    EXPECT_EQ(pid::getFileName("x") + pid::cmdline(1) + pid::cmdline("x"), "");
+    EXPECT_EQ(sys::cmd::service("x", sys::cmd::start, ""), -1);
+    EXPECT_EQ(sys::cmd::serviceLine("x", sys::cmd::restart), "service x restart");
+    EXPECT_EQ(sys::cmd::service("x", static_cast<sys::cmd::ServiceOp>(3), ""), -1);
 }
 
 }  // namespace
