@@ -156,7 +156,7 @@ std::optional<Error> JobRun::OpenFile() {
     if (auto const failure = file_.Open(options_.origin)) {
         return errorOf(*failure);
     }
-    auto const error = options_.checksArchive ? CheckArchive() : std::nullopt;
+    auto error = options_.checksArchive ? CheckArchive() : std::nullopt;
     std::lock_guard const locked(lock_);
     isMeasured_ = true;
     events_.Write("file",
@@ -189,7 +189,7 @@ std::optional<Error> JobRun::Attempt(update::SessionTimeouts const& timeouts) {
     update::StrictRules const rules{file_, options_.connectTimeout * 1000,
                                     options_.maxTime > 0 ? &deadline_ : nullptr};
     update::Task task{options_.origin, {}, &rules};
-    if (auto const error = address_.Resolve(task.device)) {
+    if (auto error = address_.Resolve(task.device)) {
         return error;
     }
     update::Outcome const outcome = update::Session(task, *this, timeouts).Run();

@@ -16,12 +16,14 @@ namespace update {
 
 class UpdateFile;
 
-/// What makes a session strict, so that a script may repeat what has failed. A strict session
-/// - sends a file that was measured before, and no trailer if the file has changed since;
-/// - treats a closed or reset connection as the end, once it has read what came before;
-/// - looks for records of the device while it sends: an error, or anything but the report of a
-///   stage, ends the session before the trailer;
-/// - gives up connecting after a time of its own, and all steps before the trailer at a deadline.
+/// The rules of a strict session, whose failures show whether a script can repeat the update.
+/// Unlike a plain session it
+/// - sends an opened and measured file, without a trailer if the file has changed since;
+/// - fails when the connection is closed or reset, after reading the records before that;
+/// - reads records while it sends: any but the report of a stage ends the session before the
+///   trailer;
+/// - has a timeout for connecting, and a deadline for all steps before the trailer.
+/// File and deadline must outlive the session.
 struct StrictRules {
     UpdateFile& file;
     int connectTimeout;                              ///< ms
@@ -32,7 +34,7 @@ struct StrictRules {
 struct Task {
     core::String path;
     core::IPv4Address device;             ///< with its port
-    StrictRules const* strict = nullptr;  ///< null: a plain session
+    StrictRules const* strict = nullptr;  ///< must outlive the session; null: a plain session
 };
 
 /// Returns the failure if path is not a readable regular file.
@@ -65,9 +67,10 @@ public:
     Session(Session const&) = delete;
     Session& operator=(Session const&) = delete;
 
-    /// Runs the whole session and closes the connection; call once. Connecting waits as long as the
-    /// operating system does, all else as long as the timeouts. Initialises the socket library
-    /// meanwhile. Throws nothing but std::bad_alloc and the exceptions of the observer.
+    /// Runs the whole session and closes the connection; call once. Unless the session is strict,
+    /// connecting waits as long as the operating system does, all else as long as the timeouts.
+    /// Initialises the socket library meanwhile. Throws nothing but std::bad_alloc and the
+    /// exceptions of the observer.
     [[nodiscard]] Outcome Run();
 
 private:

@@ -44,7 +44,7 @@ private:
 [[nodiscard]] core::Fault timeoutFault();
 
 /// Receives a record and checks it. Returns nothing and leaves the record in host byte order, or
-/// returns the failure: of Kind::timeout if the connection ended or no byte arrived for ms
+/// returns the failure: noAnswer if the connection ended or no byte arrived for ms
 /// milliseconds, otherwise that of checkResponse.
 [[nodiscard]] std::optional<Failure> receiveResponse(core::Socket& socket,
                                                      UpdateNotification& response, int ms);
