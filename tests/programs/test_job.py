@@ -345,6 +345,8 @@ def test_limits_an_attempt_to_connect(job, update):
 @pytest.mark.skipif(WINDOWS, reason="needs a hosts file of its own")
 def test_resolves_names_that_have_one_address(job, directory, device, update, namespace):
     update()
+    if subprocess.run([*namespace, "unshare", "--mount", "true"], check=False).returncode != 0:
+        pytest.skip("no mounts of its own, as in a changed root")
     hosts = directory.write("hosts", "127.0.0.1 one\n127.0.0.1 two\n127.0.0.2 two\n0.0.0.0 none\n")
     switch = directory.write("nsswitch", "hosts: files\n")
     prefix = [*namespace, "unshare", "--mount", "sh", "-c",
