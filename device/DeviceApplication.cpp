@@ -47,8 +47,14 @@ void showUsage() {
     });
 }
 
+/// Ports below this one may be reserved for privileged users.
+int const firstUserPort = 1024;
+
 /// Returns why listening on an address failed. Not every C library describes the errors of sockets.
-String listenError(int error) {
+String listenError(int error, int port) {
+    if (error == EACCES && port < firstUserPort) {
+        return "no permission for ports below 1024";
+    }
     switch (error) {
         case EADDRINUSE:
             return "already in use";
@@ -157,7 +163,7 @@ bool DeviceApplication::StartDevice(int index) {
     if (device.server->StartListen() < 1) {
         return Quit({fault("Unable to listen", "The address %1 cannot be used: %2",
                            address.GetAsString(true).Replace("|", ":"),
-                           listenError(device.server->LastError()))},
+                           listenError(device.server->LastError(), address.Port()))},
                     ExitStatus::failed);
     }
     String const name = core::printable(device.server->GetBoundName(0).Replace("|", ":"));

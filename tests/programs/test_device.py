@@ -100,6 +100,14 @@ def test_reports_updates_not_stored_or_checked(device, directory, ravelink, opti
     assert line in [re.sub(r"\.1-[0-9]+-", ".1-PORT-", each) for each in served.lines]
 
 
+@pytest.mark.skipif(WINDOWS_DEVICE, reason="no such ports")
+def test_reports_ports_reserved_for_root(namespace):
+    unprivileged = [*namespace, "setpriv", "--bounding-set", "-net_bind_service", *DEVICE]
+    assert run([*unprivileged, "-b", "127.0.0.1:1023"]).lines[1] == (
+        "*** Unable to listen: The address 127.0.0.1:1023 cannot be used: no permission for ports "
+        "below 1024")
+
+
 @pytest.mark.parametrize("arguments, error, status", [
     ("-x", "Invalid option: -x ", 2),
     ("-b nowhere", 'Bad address: "nowhere" is not an IPv4 address in the form IP:Port', 2),
