@@ -1,7 +1,6 @@
 # The files of an installation. The component "programs" has what users of the programs need,
 # "development" the libraries for other projects.
 include(CMakePackageConfigHelpers)
-include(GNUInstallDirs)
 
 set(programs_directory ${CMAKE_INSTALL_BINDIR})
 set(documents_directory ${CMAKE_INSTALL_DOCDIR})
@@ -49,13 +48,33 @@ add_library(session INTERFACE)
 add_library(ravelink::session ALIAS session)
 target_link_libraries(session INTERFACE update_session)
 
-# In its own directories: names like "core/text/String.h" could clash.
+# In directories of their own, because names like "core/text/String.h" could clash.
 set(package_directory ${CMAKE_INSTALL_LIBDIR}/cmake/ravelink)
-install(TARGETS ${foundation} foundation update_protocol update_session session EXPORT ravelink
-        ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR}/ravelink COMPONENT development
-        FILE_SET HEADERS DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/ravelink COMPONENT development)
+set(libraries ${foundation} update_protocol update_session)
+install(TARGETS ${libraries} foundation session EXPORT ravelink
+        ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR}/ravelink COMPONENT development)
+foreach(library IN LISTS libraries)
+  get_target_property(source ${library} SOURCE_DIR)
+  get_target_property(headers ${library} RAVELINK_HEADERS)
+  file(RELATIVE_PATH directory ${PROJECT_SOURCE_DIR} ${source})
+  list(TRANSFORM headers PREPEND ${source}/)
+  install(FILES ${headers} DESTINATION ${headers_directory}/${directory} COMPONENT development)
+endforeach()
 install(EXPORT ravelink NAMESPACE ravelink:: FILE ravelinkTargets.cmake
         DESTINATION ${package_directory} COMPONENT development)
 write_basic_package_version_file(ravelinkConfigVersion.cmake COMPATIBILITY SameMajorVersion)
 install(FILES cmake/ravelinkConfig.cmake ${PROJECT_BINARY_DIR}/ravelinkConfigVersion.cmake
         DESTINATION ${package_directory} COMPONENT development)
+
+# The example of docs/embedding.md as files.
+set(embedding ${PROJECT_SOURCE_DIR}/docs/embedding.md)
+set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${embedding})
+file(READ ${embedding} document)
+foreach(file IN ITEMS cmake/CMakeLists.txt cpp/main.cpp)
+  cmake_path(GET file PARENT_PATH language)
+  cmake_path(GET file FILENAME name)
+  string(REGEX MATCH "\n```${language}\n([^`]*)```" block "${document}")
+  file(CONFIGURE OUTPUT embedding/${name} CONTENT "${CMAKE_MATCH_1}" @ONLY)
+endforeach()
+install(DIRECTORY ${PROJECT_BINARY_DIR}/embedding DESTINATION ${documents_directory}/examples
+        COMPONENT development)

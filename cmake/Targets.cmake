@@ -1,17 +1,31 @@
+# Compiles each header alone.
+add_custom_target(header_checks)
+
 # ravelink_library(name SOURCES ... HEADERS ... USES ...)
 # Defines the library of one directory, with the alias ravelink::<name> that find_package defines too.
-# USES names the libraries that it depends on. The headers form a header set: the build checks that each
-# compiles alone, and an installation keeps their directories.
+# USES names the libraries that it depends on.
 function(ravelink_library name)
   cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;HEADERS;USES")
-  add_library(${name} STATIC ${arg_SOURCES})
+  add_library(${name} STATIC ${arg_SOURCES} ${arg_HEADERS})
   add_library(ravelink::${name} ALIAS ${name})
-  target_sources(${name} PUBLIC FILE_SET HEADERS BASE_DIRS ${PROJECT_SOURCE_DIR}
-                                FILES ${arg_HEADERS})
-  set_target_properties(${name} PROPERTIES VERIFY_INTERFACE_HEADER_SETS ON)
+  set_target_properties(${name} PROPERTIES RAVELINK_HEADERS "${arg_HEADERS}")
   target_compile_features(${name} PUBLIC cxx_std_20)
+  # Only quoted includes find the headers: <sys/file.h> is that of the operating system.
+  set(root $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}>$<INSTALL_INTERFACE:$<INSTALL_PREFIX>/${headers_directory}>)
+  target_compile_options(${name} PUBLIC $<$<COMPILE_LANGUAGE:CXX>:-iquote${root}>)
   # Users of the installed library choose their own warning and link options.
   target_link_libraries(${name} PUBLIC $<BUILD_INTERFACE:options> ${arg_USES})
+
+  file(RELATIVE_PATH directory ${PROJECT_SOURCE_DIR} ${CMAKE_CURRENT_SOURCE_DIR})
+  set(checks)
+  foreach(header IN LISTS arg_HEADERS)
+    set(check ${CMAKE_CURRENT_BINARY_DIR}/headers/${header}.cpp)
+    file(CONFIGURE OUTPUT ${check} CONTENT "#include \"${directory}/${header}\"\n" @ONLY)
+    list(APPEND checks ${check})
+  endforeach()
+  add_library(${name}_headers OBJECT EXCLUDE_FROM_ALL ${checks})
+  target_link_libraries(${name}_headers PRIVATE ${name})
+  add_dependencies(header_checks ${name}_headers)
 endfunction()
 
 # ravelink_executable(name library)

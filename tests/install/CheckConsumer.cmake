@@ -1,8 +1,8 @@
 # cmake -D DIRECTORY=<scratch> -D BUILD=<build> | -D INSTALLED=<prefix> -D COMPILER=<compiler>
 #       [-D LINKING=<options> -D TOOLCHAIN=<file> -D EMULATOR=<command> -D SUFFIX=<of programs>]
 #       -P CheckConsumer.cmake
-# Builds the example of docs/embedding.md with an installation, which is made first if it is not given, and
-# updates a simulated device with it.
+# Builds the example of an installation, which is made first if it is not given, and updates a simulated
+# device with it.
 cmake_minimum_required(VERSION 3.25)
 file(REMOVE_RECURSE ${DIRECTORY})
 
@@ -23,15 +23,16 @@ if(BUILD)
   run(${CMAKE_COMMAND} --install ${BUILD} --prefix ${INSTALLED})
 endif()
 
-file(READ ${CMAKE_CURRENT_LIST_DIR}/../../docs/embedding.md document)
-foreach(file IN ITEMS cmake/CMakeLists.txt cpp/main.cpp)
-  cmake_path(GET file PARENT_PATH kind)
-  cmake_path(GET file FILENAME name)
-  string(REGEX MATCH "\n```${kind}\n([^`]*)```" block "${document}")
-  file(WRITE ${DIRECTORY}/source/${name} "${CMAKE_MATCH_1}")
-endforeach()
+find_path(example main.cpp PATHS ${INSTALLED}/share/doc/ravelink ${INSTALLED}
+          PATH_SUFFIXES examples/embedding REQUIRED NO_DEFAULT_PATH)
+file(COPY ${example}/ DESTINATION ${DIRECTORY}/source)
 # Programs that need no more than the foundation library link this.
 file(APPEND ${DIRECTORY}/source/CMakeLists.txt "target_link_libraries(embedding PRIVATE ravelink::core)\n")
+if(NOT SUFFIX)
+  # This finds the header of the operating system, not that of the library.
+  file(APPEND ${DIRECTORY}/source/main.cpp
+       "#include <sys/file.h>\nint lock(int file) { return flock(file, LOCK_EX); }\n")
+endif()
 run(${CMAKE_COMMAND} -S ${DIRECTORY}/source -B ${DIRECTORY}/build -G Ninja
     -D CMAKE_BUILD_TYPE=Release -D CMAKE_CXX_COMPILER=${COMPILER}
     -D CMAKE_TOOLCHAIN_FILE=${TOOLCHAIN} -D CMAKE_CXX_FLAGS=-Werror
