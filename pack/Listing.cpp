@@ -106,7 +106,7 @@ String jsonOf(StreamDescriptor const& file) {
     return json +
            jsonMembers({{"attributes", octal(file.GetAttributes())},
                         {"flags", hex(file.GetFlags(), 8)},
-                        {"scrambled", file.IsCryptEnabled()},
+                        {"scrambled", file.IsScrambled()},
                         {"offset", file.GetOffset()},
                         {"size", file.GetSize()}}) +
            "}";

@@ -42,11 +42,14 @@ public:
         size_ = size;
     }
 
-    /// Whether the flags or the archive's mode require scrambled data. In mode None data are plain
-    /// even then, because the archive has no key.
+    /// Whether the flags or the archive's mode ask for scrambled data. The flags can ask for it in
+    /// mode None, too: only IsScrambled describes the data in the archive.
     bool IsCryptEnabled() const;
+    /// Whether the data in the archive are scrambled: IsCryptEnabled, and the archive has a key,
+    /// which it has in every mode but None.
+    bool IsScrambled() const;
     /// Scrambles or unscrambles (the same operation) length bytes of the data, which start at
-    /// position. Does nothing in mode None or unless IsCryptEnabled.
+    /// position. Does nothing unless IsScrambled.
     void CryptBlock(void* data, int length, unsigned long long position) const;
 
 private:

@@ -26,8 +26,12 @@ bool StreamDescriptor::IsCryptEnabled() const {
     return (flags_ & archive::neverScrambled) == 0 && owner_.IsCryptDataEnabled();
 }
 
+bool StreamDescriptor::IsScrambled() const {
+    return IsCryptEnabled() && owner_.GetCryptMode() != StreamSequencer::CryptMode::None;
+}
+
 void StreamDescriptor::CryptBlock(void* data, int length, unsigned long long position) const {
-    if (IsCryptEnabled() && owner_.GetCryptMode() != StreamSequencer::CryptMode::None) {
+    if (IsScrambled()) {
         owner_.CryptBlock(data, length, position);
     }
 }

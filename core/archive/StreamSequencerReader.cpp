@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstdint>
+#include <tuple>
 
 #include "core/archive/descriptorRecord.h"
 #include "core/crc/crc32.h"
@@ -198,17 +199,20 @@ int StreamSequencerReader::ReadIdentity() {
         }
         uniqueId = archive::getWord<std::uint64_t>(word);
     }
-    if ((headerFlags_ & archive::sourceIdFlag) != 0 &&
-        !ReadText(Section::sourceId, sourceId.emplace())) {
-        return truncated;
-    }
-    if ((headerFlags_ & archive::targetIdFlag) != 0 &&
-        !ReadText(Section::targetId, targetId.emplace())) {
-        return truncated;
+    String text;
+    for (auto const& [flag, section, id] :
+         {std::tuple(archive::sourceIdFlag, Section::sourceId, &sourceId),
+          std::tuple(archive::targetIdFlag, Section::targetId, &targetId)}) {
+        if ((headerFlags_ & flag) == 0) {
+            continue;
+        }
+        if (!ReadText(section, text)) {
+            return truncated;
+        }
+        *id = text;
     }
     int const attributes = static_cast<int>(headerFlags_ & archive::attributeCountMask);
     for (int i = 0; i < attributes; ++i) {
-        String text;
         if (!ReadText(Section::attribute, text, i)) {
             return truncated;
         }
