@@ -108,35 +108,53 @@ void Manifest::ReadCrypt(StreamSequencerBuilder& builder) {
     }
 }
 
-void Manifest::ReadAttributes(StreamSequencerBuilder& builder) {
+bool Manifest::ReadList(List const& list, std::function<bool(String const& name)> const& read) {
     unsigned long long count = 0;
-    file_.TakeNumber("attribute.count", 0, core::archive::attributeCountMask, count);
-    for (unsigned i = 0; i < count; ++i) {
-        String const name = core::message("attribute[%1]", i);
+    if (file_.Has(list.count)) {
+        file_.TakeNumber(list.count, 0, list.most, count);
+        for (unsigned long long i = 0; i < count; ++i) {
+            // Report a count that is too high once.
+            if (!read(core::message(list.entry, i))) {
+                break;
+            }
+        }
+        return true;
+    }
+    for (unsigned long long const number : file_.NumbersOf(String(list.entry).LeftOf('['))) {
+        String const name = core::message(list.entry, number);
+        if (number > count) {
+            file_.AddError(core::message(list.entry, count),
+                           "is missing: numbers begin with 0 and have no gaps");
+        }
+        if (number >= list.most) {
+            file_.AddError(name, core::message("exceeds the limit of %1 entries", list.most));
+        }
+        read(name);
+        count = number + 1;
+    }
+    return count > 0;
+}
+
+void Manifest::ReadAttributes(StreamSequencerBuilder& builder) {
+    List const list{"attribute.count", "attribute[%1]", core::archive::attributeCountMask};
+    ReadList(list, [&](String const& name) {
         String text;
         bool const given = file_.Take(name, text);
         if (text.Find('=') > 0) {
             builder.AddAttribute(text);
-            continue;
+        } else {
+            file_.AddError(name, "must be name=value");
         }
-        file_.AddError(name, "must be name=value");
-        if (!given) {
-            return;  // report a count that is too high once
-        }
-    }
+        return given;
+    });
 }
 
 void Manifest::ReadFiles(String const& directory, StreamSequencerBuilder& builder) {
-    unsigned long long count = 0;
-    if (!file_.Has("file.count")) {
-        file_.AddError("file.count", "is missing");
-    }
-    file_.TakeNumber("file.count", 0, INT_MAX, count);
-    for (unsigned i = 0; i < count; ++i) {
-        // Report a count that is too high once.
-        if (!ReadFile(core::message("file[%1]", i), directory, builder)) {
-            return;
-        }
+    bool const found = ReadList({"file.count", "file[%1]", INT_MAX}, [&](String const& name) {
+        return ReadFile(name, directory, builder);
+    });
+    if (!found) {
+        file_.AddError("file[0].origin", "is missing");
     }
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <vector>
 
 #include "core/archive/StreamSequencerBuilder.h"
@@ -21,8 +22,18 @@ public:
     bool Load(core::String const& path, core::StreamSequencerBuilder& builder);
 
 private:
+    struct List {
+        char const* count;        ///< the name of its number of entries
+        char const* entry;        ///< the pattern of an entry's name
+        unsigned long long most;  ///< entries
+    };
+
     void ReadIdentity(core::StreamSequencerBuilder& builder);
     void ReadCrypt(core::StreamSequencerBuilder& builder);
+    /// Calls read with the name of each entry of a list: as many as its count or, without a count,
+    /// all that the manifest contains, whose numbers must begin with 0 and have no gaps. With a
+    /// count, stops when read returns false. Returns false if there is neither count nor entry.
+    bool ReadList(List const& list, std::function<bool(core::String const& name)> const& read);
     void ReadAttributes(core::StreamSequencerBuilder& builder);
     void ReadFiles(core::String const& directory, core::StreamSequencerBuilder& builder);
     /// Returns false, with an error, if the file of that name has no origin.

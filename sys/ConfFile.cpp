@@ -1,6 +1,7 @@
 #include "sys/ConfFile.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <string_view>
 
 #include "core/stream/MemoryStream.h"
@@ -46,6 +47,23 @@ int ConfFile::Load(String const& path) {
 
 bool ConfFile::Has(String const& name) const {
     return entries_.count(keyOf(name)) > 0;
+}
+
+std::set<unsigned long long> ConfFile::NumbersOf(String const& list) const {
+    std::set<unsigned long long> numbers;
+    String const prefix = keyOf(list) + "[";
+    for (auto entry = entries_.lower_bound(prefix);
+         entry != entries_.end() && entry->first.StartsWith(prefix); ++entry) {
+        String const digits = entry->first.Copy(prefix.GetLength()).LeftOf(']');
+        String const name = prefix + digits + "]";
+        unsigned long long number = 0;
+        if ((entry->first == name || entry->first.StartsWith(name + ".")) &&
+            core::parseWhole(digits.View(), 10, UINT64_MAX, number) &&
+            core::message("%1", number) == digits) {
+            numbers.insert(number);
+        }
+    }
+    return numbers;
 }
 
 bool ConfFile::Take(String const& name, String& value) {

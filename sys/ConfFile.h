@@ -1,6 +1,7 @@
 #pragma once
 
 #include <map>
+#include <set>
 #include <vector>
 
 #include "core/text/String.h"
@@ -22,6 +23,9 @@ public:
     int Load(core::String const& path);
 
     bool Has(core::String const& name) const;
+    /// Returns the numbers of a list's entries, sorted: n for each name that is "list[n]" or begins
+    /// with "list[n].", where n is a decimal number without leading zeros.
+    std::set<unsigned long long> NumbersOf(core::String const& list) const;
     /// Removes an entry and stores its value. Returns false if it is missing; value is unchanged.
     bool Take(core::String const& name, core::String& value);
     /// Removes an entry and stores its value as a number, see core::parseWhole. If it is not a

@@ -52,6 +52,7 @@ def test_builds_the_golden_archives_and_extracts_their_files(pack, directory, ve
         directory.write("m.conf", golden_manifest(version, crypt))
         assert len(pack("-b @m.conf -o @a.rvl")) == 1
         assert directory.read("a.rvl") == sample, crypt
+        assert pack("-l @a.rvl -j")[0].count('"scrambled":true') == (0, 1, 3, 3)[crypt]
         assert pack("--extract=@a.rvl -d @out -f") == ["- Extracted: 4 files"]
         assert [directory.read("out/" + name) for name in (
             "opt/app/app.bin", "etc/empty", "café-\U0001F4E6", "always")] == list(files.values())
@@ -78,6 +79,13 @@ def test_builds_the_golden_archives_and_extracts_their_files(pack, directory, ve
     (FILE + "crypt = All\nkey = 0x100000000", bad("key must be a number from 0 to 4294967295")),
     (FILE + "attribute.count = 9\nattribute[0] = =b\nattribute[1] = a=",
      bad(*(f"attribute[{i}] must be name=value" for i in (0, 2)))),
+    ("file[0].origin = f\nfile[2].origin = f\nFILE[3].origin = f\nfile[07].origin = f\n"
+     "attribute[1] = a=\nattribute[1023] = a=",
+     bad(*(name + " is missing: numbers begin with 0 and have no gaps"
+           for name in ("attribute[0]", "attribute[2]")),
+         "attribute[1023] exceeds the limit of 1023 entries",
+         "file[1] is missing: numbers begin with 0 and have no gaps",
+         "file[07].origin is unknown")),
     (FILE + "version = 1.0\nfile[0].owner = root",
      ["Unsupported text: file[0].owner is not part of this format version"]),
     (FILE + "targetId = " + 65 * "x", ["Text too long: targetId may have up to 64 UTF-16 units"]),
@@ -88,7 +96,7 @@ def test_builds_the_golden_archives_and_extracts_their_files(pack, directory, ve
     (OTHER + "none", ['File not readable: "@none": No such file or directory']),
     (OTHER + ".", ['File not readable: "@.": Is a directory']),
     ("\n".join(f"n{i} = 1" for i in range(10, 50)),
-     ["Bad manifest: file.count is missing",
+     ["Bad manifest: file[0].origin is missing",
       *(f"Bad manifest: n{i} is unknown" for i in range(10, 29)),
       "More errors: There are 21 more"]),
 ])
@@ -135,7 +143,7 @@ def test_rejects_command_lines(pack, arguments, error):
 def test_reports_the_error_of_an_archive_and_its_offset(pack, directory):
     directory.write("a", "first")
     directory.write("b", "second")
-    directory.write("m.conf", "file.count = 2\nfile[0].origin = a\nfile[1].origin = b\n")
+    directory.write("m.conf", "file[0].origin = a\nfile[1].origin = b\n")
     pack("-b @m.conf -o @a.rvl")
     valid = directory.read("a.rvl")
     trailer = len(valid) - 16
