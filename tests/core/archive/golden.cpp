@@ -1,6 +1,6 @@
 #include "tests/core/archive/golden.h"
 
-#include <zlib.h>
+#include "tests/support/bitwiseCrc32.h"
 
 namespace golden {
 
@@ -35,9 +35,8 @@ std::string slot(std::u16string const& text, unsigned size) {
 }
 
 std::string withValidCrc(std::string bytes) {
-    auto const size = static_cast<uInt>(bytes.size() - 16);
-    auto const crc = crc32(0, reinterpret_cast<Bytef const*>(bytes.data()), size);
-    return bytes.replace(size + 4, 4, number(crc, 4));
+    std::size_t const size = bytes.size() - 16;
+    return bytes.replace(size + 4, 4, number(bitwiseCrc32(bytes.data(), size), 4));
 }
 
 std::string bytesOf(Archive const& archive) {
