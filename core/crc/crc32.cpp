@@ -25,14 +25,8 @@ unsigned int update(void const* data, int length, unsigned int crc) {
     }
     auto const* bytes = static_cast<unsigned char const*>(data);
     auto size = static_cast<std::size_t>(length);
-    std::uint32_t c = ~crc;
-    if (size >= foldBlockSize && canFold()) {
-        std::size_t const blocks = size / foldBlockSize;
-        c = updateByFolding(bytes, blocks, c);
-        bytes += blocks * foldBlockSize;
-        size %= foldBlockSize;
-    }
-    return ~updateWithTables(bytes, size, c);
+    auto const calculate = size < shortSize ? updateWithTables : supportedWays().front().update;
+    return ~calculate(bytes, size, ~crc);
 }
 
 unsigned int update(unsigned char byte, unsigned int crc) {

@@ -2,24 +2,28 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <span>
 
-// The two ways to calculate a CRC-32. Both continue the CRC register, which is the inverted running
-// value.
+// The ways to calculate a CRC-32. Each continues the CRC register, which is the inverted running
+// value. Thread-safe.
 
 namespace core::crc32 {
 
-/// Returns the register c continued over size bytes, by eight tables: works on every processor and
-/// for every size.
+/// Returns the register c continued over size bytes, by tables: works on every processor and is the
+/// fastest way for less than shortSize bytes.
 std::uint32_t updateWithTables(unsigned char const* bytes, std::size_t size, std::uint32_t c);
 
-/// Number of bytes in a block of updateByFolding.
-inline constexpr std::size_t foldBlockSize = 64;
+inline constexpr std::size_t shortSize = 64;
 
-/// Whether the CPU has carry-less multiplication; detected on the first call.
-bool canFold();
+/// A way with its name, unique among the ways of all processors.
+struct Way {
+    char const* name;
+    /// Returns the register c continued over size bytes.
+    std::uint32_t (*update)(unsigned char const* bytes, std::size_t size, std::uint32_t c);
+};
 
-/// Returns the register c continued over blocks * foldBlockSize bytes, blocks being at least 1.
-/// Call it only if canFold. It is 5 times as fast as the tables, with 512-bit registers 15 times.
-std::uint32_t updateByFolding(unsigned char const* bytes, std::size_t blocks, std::uint32_t c);
+/// Returns the ways that the CPU supports, the fastest first and the tables last; detected on the
+/// first call.
+std::span<Way const> supportedWays();
 
 }  // namespace core::crc32

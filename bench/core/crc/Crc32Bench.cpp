@@ -2,6 +2,7 @@
 #include <libdeflate.h>
 #include <zlib.h>
 
+#include <string>
 #include <vector>
 
 #include "core/crc/crc32.h"
@@ -9,7 +10,7 @@
 
 namespace {
 
-// The CRC-32, its portable implementation, and two libraries as baselines, with the same data.
+// The CRC-32, each way that the CPU supports, and two libraries as baselines, with the same data.
 
 std::vector<unsigned char> const& data(std::size_t size) {
     static std::vector<unsigned char> bytes;
@@ -35,12 +36,6 @@ void Crc32(benchmark::State& state) {
     });
 }
 
-void Crc32Tables(benchmark::State& state) {
-    run(state, [](unsigned char const* bytes, std::size_t size) {
-        return core::crc32::updateWithTables(bytes, size, 0);
-    });
-}
-
 void Crc32Zlib(benchmark::State& state) {
     run(state,
         [](unsigned char const* bytes, std::size_t size) { return ::crc32_z(0, bytes, size); });
@@ -59,6 +54,17 @@ void sizes(benchmark::internal::Benchmark* each) {
 BENCHMARK(Crc32)->Apply(sizes);
 BENCHMARK(Crc32Zlib)->Apply(sizes);
 BENCHMARK(Crc32Libdeflate)->Apply(sizes);
-BENCHMARK(Crc32Tables)->Apply(sizes);
+
+[[maybe_unused]] bool const waysRegistered = [] {
+    for (core::crc32::Way const& way : core::crc32::supportedWays()) {
+        sizes(benchmark::RegisterBenchmark(
+            (std::string("Crc32Way/") + way.name).c_str(), [&way](benchmark::State& state) {
+                run(state, [&way](unsigned char const* bytes, std::size_t size) {
+                    return way.update(bytes, size, 0);
+                });
+            }));
+    }
+    return true;
+}();
 
 }  // namespace

@@ -13,6 +13,7 @@ namespace core::crc32 {
 
 namespace {
 
+std::size_t const narrowBlockSize = 64;
 std::size_t const wideBlockSize = 256;
 
 /// Returns x^n mod P in the bit order for multiplying reflected data: bit 32 - i is the coefficient
@@ -64,7 +65,7 @@ static_assert(by128Low == 0x1751997D0 && by128High == 0x0CCAA009E);
     __m128i lane2 = load(bytes + 32);
     __m128i lane3 = load(bytes + 48);
     for (std::size_t block = 1; block < blocks; ++block) {
-        bytes += foldBlockSize;
+        bytes += narrowBlockSize;
         lane0 = fold(lane0, by512, load(bytes));
         lane1 = fold(lane1, by512, load(bytes + 16));
         lane2 = fold(lane2, by512, load(bytes + 32));
@@ -109,58 +110,65 @@ static_assert(by128Low == 0x1751997D0 && by128High == 0x0CCAA009E);
     for (std::size_t i = 0; i < 4; ++i) {
         _mm512_storeu_si512(rest + 64 * i, lanes[i]);
     }
-    return foldNarrow(rest, wideBlockSize / foldBlockSize, 0);
+    return foldNarrow(rest, wideBlockSize / narrowBlockSize, 0);
 }
 
-struct CpuFeatures {
-    bool narrow = false;  ///< for foldNarrow
-    bool wide = false;    ///< for foldWide
-};
+std::uint32_t updateNarrow(unsigned char const* bytes, std::size_t size, std::uint32_t c) {
+    if (std::size_t const blocks = size / narrowBlockSize; blocks > 0) {
+        c = foldNarrow(bytes, blocks, c);
+        bytes += blocks * narrowBlockSize;
+        size %= narrowBlockSize;
+    }
+    return updateWithTables(bytes, size, c);
+}
 
-/// Returns the features that both the CPU and the operating system support.
-[[gnu::target("xsave")]] CpuFeatures detectCpuFeatures() {
+std::uint32_t updateWide(unsigned char const* bytes, std::size_t size, std::uint32_t c) {
+    if (std::size_t const blocks = size / wideBlockSize; blocks > 0) {
+        c = foldWide(bytes, blocks, c);
+        bytes += blocks * wideBlockSize;
+        size %= wideBlockSize;
+    }
+    return updateNarrow(bytes, size, c);
+}
+
+// A CPU that supports a way also supports the later ones.
+constexpr Way ways[] = {{"512-bit folding", updateWide},
+                        {"128-bit folding", updateNarrow},
+                        {"tables", updateWithTables}};
+constexpr std::size_t wide = 0;
+constexpr std::size_t narrow = 1;
+constexpr std::size_t tables = 2;
+
+/// Returns the index of the first way that both the CPU and the operating system support.
+[[gnu::target("xsave")]] std::size_t detectFirstWay() {
     unsigned int a = 0;
     unsigned int b = 0;
     unsigned int c = 0;
     unsigned int d = 0;
     unsigned const needed = bit_PCLMUL | bit_AVX | bit_OSXSAVE;
     if (__get_cpuid(1, &a, &b, &c, &d) == 0 || (c & needed) != needed) {
-        return {};
+        return tables;
     }
     // Registers that the OS saves on a context switch (XCR0).
     unsigned long long const saved = _xgetbv(0);
     unsigned long long const registersOf128And256 = 0x06;
     unsigned long long const registersOf512 = 0xE6;
-    CpuFeatures features;
-    features.narrow = (saved & registersOf128And256) == registersOf128And256;
-    features.wide = features.narrow && (saved & registersOf512) == registersOf512 &&
-                    __get_cpuid_count(7, 0, &a, &b, &c, &d) != 0 && (b & bit_AVX512F) != 0 &&
-                    (c & bit_VPCLMULQDQ) != 0;
-    return features;
-}
-
-// Detected on first use, without __builtin_cpu_supports: that detects all features before main,
-// which on a virtual machine costs 5 % of a program's start.
-CpuFeatures const& cpuFeatures() {
-    static CpuFeatures const detected = detectCpuFeatures();
-    return detected;
+    if ((saved & registersOf128And256) != registersOf128And256) {
+        return tables;
+    }
+    bool const isWide = (saved & registersOf512) == registersOf512 &&
+                        __get_cpuid_count(7, 0, &a, &b, &c, &d) != 0 && (b & bit_AVX512F) != 0 &&
+                        (c & bit_VPCLMULQDQ) != 0;
+    return isWide ? wide : narrow;
 }
 
 }  // namespace
 
-bool canFold() {
-    return cpuFeatures().narrow;
-}
-
-std::uint32_t updateByFolding(unsigned char const* bytes, std::size_t blocks, std::uint32_t c) {
-    std::size_t const blocksPerWideBlock = wideBlockSize / foldBlockSize;
-    if (blocks >= blocksPerWideBlock && cpuFeatures().wide) {
-        std::size_t const wideBlocks = blocks / blocksPerWideBlock;
-        c = foldWide(bytes, wideBlocks, c);
-        bytes += wideBlocks * wideBlockSize;
-        blocks %= blocksPerWideBlock;
-    }
-    return blocks > 0 ? foldNarrow(bytes, blocks, c) : c;
+std::span<Way const> supportedWays() {
+    // Without __builtin_cpu_supports: that detects all features before main, which on a virtual
+    // machine costs 5 % of a program's start.
+    static std::size_t const first = detectFirstWay();
+    return std::span(ways).subspan(first);
 }
 
 }  // namespace core::crc32
