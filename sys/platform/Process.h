@@ -55,6 +55,9 @@ unsigned currentThreadId();
 /// is ignored.
 void nameThread(char const* name);
 
+/// Whether the CPU is an ARMv8 with CRC-32 instructions, as the operating system reports.
+bool hasArmCrcInstructions();
+
 enum class Interruption { none, user, termination };
 
 /// While alive, calls a function on Ctrl-C, Ctrl-Break or a termination request instead of ending

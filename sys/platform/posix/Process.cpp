@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <pthread.h>
 #include <signal.h>
+#include <sys/auxv.h>
 #include <unistd.h>
 
 #include <atomic>
@@ -71,6 +72,14 @@ std::vector<std::string> environmentEntries() {
 
 std::string errorText(int number) {
     return std::generic_category().message(number);
+}
+
+bool hasArmCrcInstructions() {
+#ifdef HWCAP_CRC32  // defined only for 64-bit ARM: on other processors the bit has another meaning
+    return (getauxval(AT_HWCAP) & HWCAP_CRC32) != 0;
+#else
+    return false;
+#endif
 }
 
 namespace {

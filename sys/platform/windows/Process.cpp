@@ -110,6 +110,10 @@ std::string errorText(int number) {
                       : std::generic_category().message(number);
 }
 
+bool hasArmCrcInstructions() {
+    return IsProcessorFeaturePresent(PF_ARM_V8_CRC32_INSTRUCTIONS_AVAILABLE) != FALSE;
+}
+
 namespace {
 
 std::mutex oneAtATime;
