@@ -10,7 +10,7 @@ declare -gA _ravelink_options=(
   [ravelink-pack]='-b:--build:conf -o:--output:rvl -l:--list:rvl -j:--json: -c:--check:rvl
     -x:--extract:rvl -d:--directory:directory -f:--force: -h:--help:'
   [ravelink-device]='-b:--bind:text -n:--count:text -s:--scenario:conf -c:--check:
-    -d:--directory:directory -1:--once: -v:--verbose: -h:--help:'
+    -t:--target:text -m:--max-size:text -d:--directory:directory -1:--once: -v:--verbose: -h:--help:'
 )
 
 # Completes the last argument. Bash passes the command and the text to complete, which begins after "=".

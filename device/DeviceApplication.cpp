@@ -28,7 +28,8 @@ char const defaultBind[] = "127.0.0.1";
 int const largestCount = 1000;
 
 char const optionGrammar[] =
-    "h|help=0>b|bind=1>n|count=1>1|once=0>c|check=0>d|directory=1>s|scenario=1>v|verbose=0";
+    "h|help=0>b|bind=1>n|count=1>1|once=0>c|check=0>t|target=1>m|max-size=1>d|directory=1>"
+    "s|scenario=1>v|verbose=0";
 
 void showUsage() {
     using namespace program::usage;
@@ -40,6 +41,8 @@ void showUsage() {
         {"-n, --count", "Run N devices on consecutive ports (1)"},
         {"-s, --scenario", "Behave as this scenario file specifies"},
         {"-c, --check", "Accept only valid update archives"},
+        {"-t, --target", "Accept only valid archives for this target ID, or without one"},
+        {"-m, --max-size", "Accept updates of up to N bytes (2147483647)"},
         {"-d, --directory", "Store complete updates there, as Address-Port-Number.rvl"},
         {"-1, --once", "Exit after one update on each device; status 1 if one was not completed"},
         {"-v, --verbose", "Log all traffic as a timed hex dump"},
@@ -49,6 +52,14 @@ void showUsage() {
 
 /// Ports below this one may be reserved for privileged users.
 int const firstUserPort = 1024;
+
+/// Reads a number from 1 to most. Returns false if text is not one.
+bool readNumber(String const& text, int most, int& number) {
+    unsigned long long value = 0;
+    bool const isNumber = core::parseWhole(text.View(), 10, static_cast<unsigned>(most), value);
+    number = static_cast<int>(value);
+    return isNumber && number > 0;
+}
 
 /// Returns why listening on an address failed. Not every C library describes the errors of sockets.
 String listenError(int error, int port) {
@@ -77,10 +88,13 @@ bool DeviceApplication::Init() {
         return Quit({fault("Socket init error", "Unable to start the socket library")},
                     ExitStatus::failed);
     }
-    if (!ReadAddress() || !ReadCount() || !ReadDirectory() || !ReadScenario()) {
+    if (!ReadAddress() || !ReadCount() || !ReadMaxSize() || !ReadDirectory() || !ReadScenario()) {
         return false;
     }
     policy_.archivesOnly = FindOption("c");
+    if (String target; GetOptionValues("t", target)) {
+        policy_.target = target.View();
+    }
     awaited_ = count_;
     for (int i = 0; i < count_; ++i) {
         if (!StartDevice(i)) {
@@ -111,16 +125,26 @@ bool DeviceApplication::ReadAddress() {
 
 bool DeviceApplication::ReadCount() {
     String text;
-    if (!GetOptionValues("n", text)) {
+    int const most = std::min(largestCount, update::largestPort - address_.Port() + 1);
+    if (!GetOptionValues("n", text) || readNumber(text, most, count_)) {
         return true;
     }
-    unsigned long long count = 0;
-    int const most = std::min(largestCount, update::largestPort - address_.Port() + 1);
-    if (!core::parseWhole(text.View(), 10, static_cast<unsigned>(most), count) || count < 1) {
-        return Quit({fault("Bad count", "-n must be from 1 to %1, not %2", most, text)},
-                    ExitStatus::wrongUsage);
+    return Quit({fault("Bad count", "-n must be from 1 to %1, not %2", most, text)},
+                ExitStatus::wrongUsage);
+}
+
+bool DeviceApplication::ReadMaxSize() {
+    String text;
+    int bytes = 0;
+    if (!GetOptionValues("m", text)) {
+        return true;
     }
-    count_ = static_cast<int>(count);
+    if (!readNumber(text, update::largestFile, bytes)) {
+        return Quit(
+            {fault("Bad size", "-m must be from 1 to %1, not %2", update::largestFile, text)},
+            ExitStatus::wrongUsage);
+    }
+    policy_.maxSize = static_cast<std::uint32_t>(bytes);
     return true;
 }
 

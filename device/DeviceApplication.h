@@ -33,6 +33,7 @@ private:
     // Each reads an option and returns false if it has quit.
     bool ReadAddress();
     bool ReadCount();
+    bool ReadMaxSize();
     bool ReadDirectory();
     bool ReadScenario();
 

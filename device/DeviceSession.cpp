@@ -58,7 +58,7 @@ bool DeviceSession::ReceiveRequest() {
         {request_.magic == update::wireMagic, DeviceStatus::InvalidMagic},
         {request_.magicComplement == update::wireMagicComplement,
          DeviceStatus::InvalidMagicComplement},
-        {request_.fileSize <= update::largestFile, DeviceStatus::DataSizeTooBig},
+        {request_.fileSize <= receivedUpdate_.Policy().maxSize, DeviceStatus::DataSizeTooBig},
     };
     if (auto const status = firstFailure(checks)) {
         return Reject(Step::request, *status);
@@ -156,7 +156,12 @@ std::optional<DeviceStatus> DeviceSession::CheckArchive() {
         observer_.OnNotChecked(error, receivedUpdate_.Path());
         return DeviceStatus::ReadWriteError;
     }
-    observer_.OnArchive(result, reader.FileCount());
+    ArchiveCheck check = {result, reader.FileCount(), reader.FindMisplacedFile(), {}};
+    auto const& target = receivedUpdate_.Policy().target;
+    if (target && reader.targetId && reader.targetId->View() != *target) {
+        check.otherTarget = reader.targetId;
+    }
+    observer_.OnArchive(check);
     Check const checks[] = {
         {result != Reader::truncated, DeviceStatus::InvalidDataSize},
         {result != Reader::notAnArchive && result != Reader::wrongTrailer,
@@ -164,7 +169,8 @@ std::optional<DeviceStatus> DeviceSession::CheckArchive() {
         {result != Reader::versionTooOld && result != Reader::versionTooNew,
          DeviceStatus::InvalidVersion},
         {result == Reader::valid, DeviceStatus::WrongFileCrc},
-        {reader.FindMisplacedFile() < 0, DeviceStatus::InvalidDataSize},
+        {check.misplacedFile < 0, DeviceStatus::InvalidDataSize},
+        {!check.otherTarget, DeviceStatus::InvalidTarget},
     };
     return firstFailure(checks);
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 
 #include "core/text/String.h"
 #include "update/protocol/records.h"
@@ -16,6 +17,15 @@ enum class UpdateResult {
     stopped,    ///< the device was stopped
     aborted,    ///< the behaviour ended the session
     exhausted,  ///< the device ran out of memory
+};
+
+/// The check of an update as an archive.
+struct ArchiveCheck {
+    int result;         ///< of StreamSequencerReader::Check
+    int files;          ///< number of files
+    int misplacedFile;  ///< the first file with a wrong offset, or -1
+    /// The target ID of an archive for another device.
+    std::optional<core::String> otherTarget;
 };
 
 /// Receives the events of connections, in order; by default ignores them. Sessions on several
@@ -38,9 +48,8 @@ public:
     virtual void OnData(void const* /*bytes*/, int /*length*/) {}
     /// The whole file was received; crc is the CRC-32 of the received bytes.
     virtual void OnFile(std::uint32_t /*size*/, std::uint32_t /*crc*/) {}
-    /// The update was read as an archive of this many files; result is that of
-    /// StreamSequencerReader::Check. Only if the device accepts only archives.
-    virtual void OnArchive(int /*result*/, int /*files*/) {}
+    /// The update was read as an archive. Only if the device accepts only archives.
+    virtual void OnArchive(ArchiveCheck const& /*check*/) {}
     /// The update could not be checked: its file at path failed with error, a negative errno value.
     /// Replaces OnArchive.
     virtual void OnNotChecked(int /*error*/, core::String const& /*path*/) {}

@@ -1,9 +1,12 @@
 #pragma once
 
+#include <cstdint>
+#include <optional>
 #include <string>
 
 #include "core/text/String.h"
 #include "sys/AtomicFile.h"
+#include "update/protocol/records.h"
 
 namespace device {
 
@@ -11,9 +14,15 @@ namespace device {
 struct UpdatePolicy {
     /// Whether to reject any file that is not a valid archive.
     bool archivesOnly = false;
-    /// The directory to store complete updates in; empty to store none. Not a core::String: devices
-    /// on several threads read it.
+    // Not core::String: devices on several threads read these.
+
+    /// The directory to store complete updates in; empty to store none.
     std::string directory;
+    /// If set: whether to reject any file that is not a valid archive for this target. An archive
+    /// without a target ID is for any target.
+    std::optional<std::string> target = {};
+    /// The size of the largest update in bytes.
+    std::uint32_t maxSize = update::largestFile;
 };
 
 /// Holds an incoming update in a file if it is to be checked or stored. The file is deleted with
@@ -25,7 +34,8 @@ public:
     ReceivedUpdate(ReceivedUpdate const&) = delete;
     ReceivedUpdate& operator=(ReceivedUpdate const&) = delete;
 
-    bool RequiresArchive() const { return policy_.archivesOnly; }
+    UpdatePolicy const& Policy() const { return policy_; }
+    bool RequiresArchive() const { return policy_.archivesOnly || policy_.target; }
     bool Stores() const { return !policy_.directory.empty(); }
 
     /// Creates the file unless it is open. Returns 0 or a negative errno value.

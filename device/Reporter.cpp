@@ -109,9 +109,13 @@ void Reporter::OnFile(std::uint32_t size, std::uint32_t crc) {
     Print(message("- File received: %1 bytes, CRC-32 %2", size, word(crc)));
 }
 
-void Reporter::OnArchive(int result, int files) {
-    Print(result == 0 ? message("- Archive: valid, files: %1", files)
-                      : message("- Archive: invalid (%1)", result));
+void Reporter::OnArchive(ArchiveCheck const& check) {
+    Print(check.result != 0 ? message("- Archive: invalid (%1)", check.result)
+          : check.misplacedFile >= 0
+              ? message("- Archive: invalid (wrong offset of file[%1])", check.misplacedFile)
+          : check.otherTarget ? message("- Archive: valid, but for target \"%1\"",
+                                        core::printable(*check.otherTarget))
+                              : message("- Archive: valid, files: %1", check.files));
 }
 
 void Reporter::OnNotChecked(int error, String const& path) {

@@ -30,7 +30,7 @@ public:
     void OnRequest(update::UpdateRequest const& request) override;
     void OnHeader(update::UpdateTransferHeader const& header) override;
     void OnFile(std::uint32_t size, std::uint32_t crc) override;
-    void OnArchive(int result, int files) override;
+    void OnArchive(ArchiveCheck const& check) override;
     void OnNotChecked(int error, core::String const& path) override;
     void OnStored(int result, core::String const& path) override;
     void OnTrailer(update::UpdateTransferTrailer const& trailer) override;

@@ -148,6 +148,8 @@ TEST(DeviceSession, AcceptsOnlyValidArchivesIfRequired) {
     archive.version = 0x00010000;
     archive.files = {{u"a", u"", u"", u"", u"", 0, 0, "data"}};
     std::string const valid = bytesOf(archive);
+    archive.targetId = u"p\u00FCmp";
+    std::string const forPump = bytesOf(archive);
     auto const changed = [&](std::size_t at) {
         std::string bytes = valid;
         ++bytes[at];
@@ -156,14 +158,17 @@ TEST(DeviceSession, AcceptsOnlyValidArchivesIfRequired) {
     struct Row {
         std::string bytes;
         std::optional<DeviceStatus> status;
+        std::optional<std::string> target = {};
     };
     using enum DeviceStatus;
     for (Row const& row :  // withValidCrc: a wrong offset but a valid CRC
          {Row{valid, {}}, Row{"", InvalidDataSize}, Row{valid.substr(0, 1000), InvalidDataSize},
           Row{golden::withValidCrc(changed(24)), InvalidDataSize}, Row{"short", InvalidDataSize},
           Row{"a file without a magic", InvalidMagic}, Row{changed(11), InvalidVersion},
-          Row{changed(valid.size() - 1), InvalidMagic}, Row{changed(1000), WrongFileCrc}}) {
-        ScenarioDevice device({}, {}, {true, {}});
+          Row{changed(valid.size() - 1), InvalidMagic}, Row{changed(1000), WrongFileCrc},
+          Row{forPump, {}}, Row{valid, {}, ""}, Row{forPump, {}, "p\u00FCmp"},
+          Row{forPump, InvalidTarget, "p"}, Row{"short", InvalidDataSize, "p"}}) {
+        ScenarioDevice device({}, {}, {!row.target, {}, row.target});
         EXPECT_EQ(Client(device).Answers(Update(1, row.bytes).Bytes()),
                   answers(row.status ? 2 : 5, row.status));
         device.End();

@@ -15,6 +15,7 @@ import time
 import pytest
 
 from conftest import DEVICE, UPDATER, VERSION, WINDOWS_DEVICE, golden, run, wait_until
+from test_pack import with_valid_crc
 
 NONE = bytes(4)
 BANNER = f"ravelink-device {VERSION} (Halvoren) - Simulated Device"
@@ -85,6 +86,7 @@ def test_a_second_signal_ends_a_device_with_blocked_output():
      '*** Update not checked: "a=?/": No such file or directory'),
     ("-c -d a=\x01", {},
      '*** Update not stored: "a=?/127.0.0.1-PORT-1.rvl": No such file or directory'),
+    ("-m 9999", {}, "  Sent: Error, value 0x00000005"),
     ("-d .", {"preexec_fn": lambda: resource.setrlimit(resource.RLIMIT_FSIZE, (8192, 8192))},
      '*** Update not stored: "./127.0.0.1-PORT-1.rvl": File too large'),
 ])
@@ -98,6 +100,16 @@ def test_reports_updates_not_stored_or_checked(device, directory, ravelink, opti
     ravelink("-o", update, "-a", served.address)
     assert served.wait() == 1
     assert line in [re.sub(r"\.1-[0-9]+-", ".1-PORT-", each) for each in served.lines]
+
+
+def test_logs_one_verdict_on_each_archive(device, directory, pack, ravelink):
+    served = device("-t", "other", once=False)
+    good = pack.golden("u", "files", "x")
+    for archive in (with_valid_crc(good[:24] + b"1" + good[25:]), pack.golden("u", "sample", "0x00020000", "3")):
+        ravelink("-o", directory.write("u", archive), "-a", served.address)
+    assert [line for line in served.lines if line.startswith("- Archive")] == [
+        "- Archive: invalid (wrong offset of file[0])",
+        '- Archive: valid, but for target ""']
 
 
 @pytest.mark.skipif(WINDOWS_DEVICE, reason="no such ports")
@@ -117,6 +129,7 @@ def test_reports_ports_reserved_for_root(namespace):
      "Unable to listen: The address 192.0.2.1:3007 cannot be used: not an address of this computer",
      1),
     ("-b 127.0.0.1:65535 -n 2", "Bad count: -n must be from 1 to 1, not 2", 2),
+    ("-m 2147483648", "Bad size: -m must be from 1 to 2147483647, not 2147483648", 2),
     ("-n 0", "Bad count: -n must be from 1 to 1000, not 0", 2),
     ("-d @a=\u061C", 'Directory missing: Cannot find the directory "@a=?" to store updates in', 1),
     ("-s @a=\u061C", 'Scenario not readable: "@a=?": No such file or directory', 1),
@@ -130,5 +143,5 @@ def test_reports_errors_before_it_listens(directory, arguments, error, status):
 
         result = run(DEVICE + shlex.split(at(arguments)))
     assert result.lines[:2] == [BANNER, "*** " + at(error)]
-    assert len(result.lines) == (15 if arguments == "-x" else 2)
+    assert len(result.lines) == (17 if arguments == "-x" else 2)
     assert result.status == status

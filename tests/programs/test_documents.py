@@ -217,7 +217,7 @@ def test_the_examples_of_the_protocol_are_the_traffic(device, directory, ravelin
     independent."""
     text = source("docs/protocol.md")
     update = directory.write("update.rvl", "123456789")
-    served = device("-v", "-d", str(directory.path))
+    served = device("-v", "-d", str(directory.path), "-m", "9")
     ravelink("-o", update, "-a", served.address)
     assert served.wait() == 0
     request, header, trailer = traffic(served.lines, "<")
