@@ -33,6 +33,8 @@ else()
     install(FILES completions/ravelink.bash RENAME ${program} COMPONENT programs
             DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions)
   endforeach()
+  install(PROGRAMS fleet/verdicts DESTINATION ${CMAKE_INSTALL_DATADIR}/ravelink/fleet
+          COMPONENT programs)
   install(FILES completions/_ravelink COMPONENT programs
           DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/site-functions)
 endif()
