@@ -29,7 +29,7 @@ int const largestCount = 1000;
 
 char const optionGrammar[] =
     "h|help=0>b|bind=1>n|count=1>1|once=0>c|check=0>t|target=1>m|max-size=1>d|directory=1>"
-    "s|scenario=1>v|verbose=0";
+    "s|scenario=1>v|verbose=0>V|version=0";
 
 void showUsage() {
     using namespace program::usage;
@@ -46,6 +46,7 @@ void showUsage() {
         {"-d, --directory", "Store complete updates there, as Address-Port-Number.rvl"},
         {"-1, --once", "Exit after one update on each device; status 1 if one was not completed"},
         {"-v, --verbose", "Log all traffic as a timed hex dump"},
+        {"-V, --version", "Print the version"},
         {"-h, --help", "Show this screen"},
     });
 }
@@ -82,6 +83,14 @@ String listenError(int error, int port) {
 DeviceApplication::DeviceApplication()
     : Program({"ravelink-device", "Simulated Device\n", optionGrammar, showUsage,
                program::Interruption::terminate}) {}
+
+String DeviceApplication::OptionGrammar(int argc, char const* const* argv) const {
+    // The parser ignores case and uses the first entry that matches: a literal -V, which prints the
+    // version as in the other programs, must not start a device with -v.
+    bool const printsVersion = std::any_of(argv + std::min(argc, 1), argv + argc,
+                                           [](char const* word) { return String(word) == "-V"; });
+    return printsVersion ? String("V|version=0>") + optionGrammar : String(optionGrammar);
+}
 
 bool DeviceApplication::Init() {
     if (!core::Socket::init()) {

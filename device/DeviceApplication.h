@@ -19,6 +19,8 @@ public:
     DeviceApplication();
 
 protected:
+    /// Makes -V differ from -v.
+    core::String OptionGrammar(int argc, char const* const* argv) const override;
     /// Starts to listen.
     bool Init() override;
     /// Stops the devices.

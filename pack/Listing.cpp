@@ -14,6 +14,7 @@ namespace pack {
 
 using core::hex;
 using core::jsonMembers;
+using core::JsonValue;
 using core::message;
 using core::printable;
 using core::printLine;
@@ -25,6 +26,7 @@ using core::String;
 
 namespace {
 
+using Section = StreamSequencerReader::Section;
 using Text = StreamDescriptor::Text;
 
 struct Column {
@@ -77,13 +79,21 @@ void print(char const* label, String const& value) {
     printLine(message("- %1: %2", label, value));
 }
 
-void printHeaders(StreamSequencer const& archive) {
+bool hasRead(StreamSequencerReader const& reader, Section section) {
+    return reader.GetReadPosition().section > section;
+}
+
+bool hasReadKey(StreamSequencerReader const& reader) {
+    return reader.GetCryptMode() != StreamSequencer::CryptMode::None &&
+           hasRead(reader, Section::keyBlock);
+}
+
+void printHeaders(StreamSequencerReader const& archive) {
     unsigned const version = archive.GetVersion();
     print("Format version", message("%1.%2", version >> 16, version & 0xFFFF));
-    bool const scrambled = archive.GetCryptMode() != StreamSequencer::CryptMode::None;
-    print("Scrambled", scrambled ? message("%1, key %2", nameOf(archive.GetCryptMode()),
-                                           hex(archive.GetCryptKey(), 8))
-                                 : String(nameOf(archive.GetCryptMode())));
+    print("Scrambled", hasReadKey(archive) ? message("%1, key %2", nameOf(archive.GetCryptMode()),
+                                                     hex(archive.GetCryptKey(), 8))
+                                           : String(nameOf(archive.GetCryptMode())));
     if (archive.uniqueId) {
         print("Unique ID", hex(*archive.uniqueId, 16));
     }
@@ -112,11 +122,43 @@ String jsonOf(StreamDescriptor const& file) {
            "}";
 }
 
+/// In parts: a list may be longer than a string can be.
+void printJsonContent(StreamSequencerReader const& reader) {
+    printText("," + jsonMembers({{"version", hex(reader.GetVersion(), 8)},
+                                 {"crypt", nameOf(reader.GetCryptMode())}}));
+    if (hasReadKey(reader)) {
+        printText("," + jsonMembers({{"key", hex(reader.GetCryptKey(), 8)}}));
+    }
+    if (reader.uniqueId) {
+        printText("," + jsonMembers({{"uniqueId", hex(*reader.uniqueId, 16)}}));
+    }
+    if (reader.sourceId) {
+        printText("," + jsonMembers({{"sourceId", *reader.sourceId}}));
+    }
+    if (reader.targetId) {
+        printText("," + jsonMembers({{"targetId", *reader.targetId}}));
+    }
+    printText(",\"attributes\":[");
+    for (int i = 0; i < reader.Attributes().Count(); ++i) {
+        printText((i > 0 ? "," : "") + core::jsonString(reader.Attributes()[i]));
+    }
+    printText("],\"files\":[");
+    for (int i = 0; i < reader.FileCount(); ++i) {
+        printText((i > 0 ? "," : "") + jsonOf(reader.File(i)));
+    }
+    printText("]");
+}
+
 }  // namespace
 
 void printTable(StreamSequencerReader const& reader) {
+    if (!hasRead(reader, Section::header)) {
+        return;
+    }
     printHeaders(reader);
-    print("Files", message("%1", reader.FileCount()));
+    if (hasRead(reader, Section::fileCount)) {
+        print("Files", message("%1", reader.FileCount()));
+    }
     if (reader.FileCount() == 0) {
         return;
     }
@@ -138,37 +180,18 @@ void printTable(StreamSequencerReader const& reader) {
     }
 }
 
-void printJson(String const& path, StreamSequencerReader const& reader) {
-    // In parts: a list may be longer than a string can be.
-    printText("{" + jsonMembers({{"archive", path},
-                                 {"version", hex(reader.GetVersion(), 8)},
-                                 {"crypt", nameOf(reader.GetCryptMode())}}));
-    if (reader.GetCryptMode() != StreamSequencer::CryptMode::None) {
-        printText("," + jsonMembers({{"key", hex(reader.GetCryptKey(), 8)}}));
+void printJson(String const& path, StreamSequencerReader const& reader, core::Fault const* error) {
+    printText("{" + jsonMembers({{"archive", path}}));
+    if (hasRead(reader, Section::header)) {
+        printJsonContent(reader);
     }
-    if (reader.uniqueId) {
-        printText("," + jsonMembers({{"uniqueId", hex(*reader.uniqueId, 16)}}));
-    }
-    if (reader.sourceId) {
-        printText("," + jsonMembers({{"sourceId", *reader.sourceId}}));
-    }
-    if (reader.targetId) {
-        printText("," + jsonMembers({{"targetId", *reader.targetId}}));
-    }
-    printText(",\"attributes\":[");
-    for (int i = 0; i < reader.Attributes().Count(); ++i) {
-        printText((i > 0 ? "," : "") + core::jsonString(reader.Attributes()[i]));
-    }
-    printText("],\"files\":[");
-    for (int i = 0; i < reader.FileCount(); ++i) {
-        printText((i > 0 ? "," : "") + jsonOf(reader.File(i)));
-    }
-    printLine("]," + jsonMembers({{"crc", hex(reader.GetCRC(), 8)}}) + "}");
-}
-
-void printJsonError(String const& path, core::Fault const& error) {
-    printLine("{" + jsonMembers({{"archive", path}}) + ",\"error\":{" +
-              jsonMembers({{"title", error.title}, {"message", error.message}}) + "}}");
+    printLine("," +
+              jsonMembers(
+                  {error != nullptr
+                       ? core::JsonMember{"error", JsonValue::Object({{"title", error->title},
+                                                                      {"message", error->message}})}
+                       : core::JsonMember{"crc", hex(reader.GetCRC(), 8)}}) +
+              "}");
 }
 
 }  // namespace pack

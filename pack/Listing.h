@@ -5,12 +5,13 @@
 
 namespace pack {
 
-/// Prints the headers of an archive and the table of its files.
+/// Prints the headers of an archive and the table of its files; of a damaged archive those that
+/// were read, so nothing if its header is invalid.
 void printTable(core::StreamSequencerReader const& reader);
 
-/// Prints them as a JSON object on one line; path is that of the archive.
-void printJson(core::String const& path, core::StreamSequencerReader const& reader);
-/// Prints the JSON object of an archive that cannot be listed: its path and the error.
-void printJsonError(core::String const& path, core::Fault const& error);
+/// Prints them as a JSON object on one line, with the path of the archive and, unless it is null,
+/// the error of a damaged archive.
+void printJson(core::String const& path, core::StreamSequencerReader const& reader,
+               core::Fault const* error);
 
 }  // namespace pack

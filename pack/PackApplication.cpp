@@ -2,6 +2,8 @@
 
 #include "core/console/Console.h"
 #include "core/console/lines.h"
+#include "core/text/StringArray.h"
+#include "core/text/printable.h"
 #include "pack/Extractor.h"
 #include "pack/Listing.h"
 #include "pack/Manifest.h"
@@ -27,7 +29,32 @@ namespace {
 constexpr auto doneColor = core::Console::Color::brightGreen;
 
 char const optionGrammar[] =
-    "h|help=0>b|build=1>o|output=1>l|list=1>j|json=0>c|check=1>x|extract=1>d|directory=1>f|force=0";
+    "h|help=0>V|version=0>b|build=1>o|output=1>l|list=1>j|json=0>c|check=1>x|extract=1>"
+    "d|directory=1>f|force=0";
+
+/// Returns how many values the command line gives the first time to an option of the grammar.
+int countValues(String const& option, int argc, char const* const* argv) {
+    int count = 0;
+    bool found = false;
+    for (int i = 1; i < argc; ++i) {
+        String const word = argv[i];
+        if (word.FirstChar() != '-') {
+            // Like the parser, which ignores empty values before the first one.
+            count += found && (count > 0 || !word.IsEmpty()) ? 1 : 0;
+            continue;
+        }
+        if (found) {
+            break;
+        }
+        bool const isLong = word.StartsWith("--");
+        String const key = word.Copy(isLong ? 2 : 1);
+        int const end = key.Find('=', 1);
+        String const name = end < 0 ? key : key.Left(end);
+        found = core::Application::SameOption(option, isLong ? "|" + name : name + "|");
+        count = found && end > 0 && end + 1 < key.GetLength() ? 1 : 0;
+    }
+    return count;
+}
 
 void showUsage() {
     using namespace program::usage;
@@ -35,18 +62,19 @@ void showUsage() {
     print({
         {heading("Usage:")},
         {program + " -b manifest -o archive"},
-        {program + " -l archive" + optional(" [-j]")},
-        {program + " -c archive"},
+        {program + " -l archive ..." + optional(" [-j]")},
+        {program + " -c archive ..."},
         {program + " -x archive -d directory" + optional(" [-f]")},
         {heading("where:")},
         {"-b, --build", "Build an archive from a manifest"},
         {"-o, --output", "File name of the archive"},
-        {"-l, --list", "List the content of an archive"},
-        {"-j, --json", "Print only one line of JSON"},
-        {"-c, --check", "Check a whole archive"},
+        {"-l, --list", "List the content of archives"},
+        {"-j, --json", "Print only one line of JSON for each"},
+        {"-c, --check", "Check whole archives"},
         {"-x, --extract", "Extract an archive if it is valid"},
         {"-d, --directory", "Directory to extract into"},
         {"-f, --force", "Replace existing files"},
+        {"-V, --version", "Print the version"},
         {"-h, --help", "Show this screen"},
     });
 }
@@ -71,15 +99,30 @@ PackApplication::PackApplication()
     : Program({"ravelink-pack", "Update Archives\n", optionGrammar, showUsage,
                program::Interruption::terminateAndEndProcess}) {}
 
-void PackApplication::CheckOptions(std::vector<Fault>& errors) {
-    int given = 0;
-    for (Command const& command : commands) {
-        if (FindOption(command.option)) {
-            command_ = &command;
-            ++given;
+String PackApplication::OptionGrammar(int argc, char const* const* argv) const {
+    String grammar = optionGrammar;
+    // The parser requires exact numbers, so the grammar gets that of the archives given.
+    for (char const* const option : {"l|list", "c|check"}) {
+        if (int const count = countValues(option, argc, argv); count > 1) {
+            grammar = grammar.Replace(message("%1=1", option), message("%1=%2", option, count));
         }
     }
-    if (given != 1) {
+    return grammar;
+}
+
+void PackApplication::CheckOptions(std::vector<Fault>& errors) {
+    for (Command const& command : commands) {
+        if (!FindOption(command.option)) {
+            continue;
+        }
+        if (command_ != nullptr) {
+            errors.push_back(core::fault("Invalid options", "-%1 and -%2 cannot be combined",
+                                         command_->option, command.option));
+            return;
+        }
+        command_ = &command;
+    }
+    if (command_ == nullptr) {
         errors.push_back(core::fault("Invalid options", "Give exactly one of -b, -l, -c and -x"));
         return;
     }
@@ -98,25 +141,51 @@ void PackApplication::CheckOptions(std::vector<Fault>& errors) {
 }
 
 bool PackApplication::Init() {
-    try {
-        (this->*command_->run)();
-    } catch (std::exception const& exception) {
-        errors_ = {program::errorFromException(exception)};
-    }
-    // An interrupted program ends by its signal, not with an error.
-    if (!errors_.empty() && !IsTerminationRequested()) {
-        RaiseStatus(ExitStatus::failed);
-        PrintErrors();
+    core::StringArray paths(16);
+    Value(command_->option).Split(paths, '|');
+    for (int i = 0; i < paths.Count() && !IsTerminationRequested(); ++i) {
+        path_ = paths[i];
+        if (paths.Count() == 1 || printsJson_) {
+            RunCommand();
+            continue;
+        }
+        printLine(program::usage::heading(core::printable(path_)));
+        if (RunCommand()) {
+            printLine("");
+        }
     }
     RequestTermination(normalRequest);
     return true;
 }
 
+bool PackApplication::RunCommand() {
+    errors_.clear();
+    try {
+        (this->*command_->run)();
+    } catch (std::exception const& exception) {
+        errors_ = {program::errorFromException(exception)};
+        if (printsJson_) {
+            printJson(path_, {}, &errors_[0]);
+        }
+    }
+    if (errors_.empty()) {
+        return true;
+    }
+    // An interrupted program ends by its signal, not with an error.
+    if (!IsTerminationRequested()) {
+        RaiseStatus(ExitStatus::failed);
+        if (!printsJson_) {
+            program::printErrors(errors_);
+            printLine("");
+        }
+    }
+    return false;
+}
+
 void PackApplication::Build() {
-    String const manifest = Value("b");
     StreamSequencerBuilder builder;
-    if (Manifest(errors_).Load(manifest, builder)) {
-        WriteArchive(builder, manifest);
+    if (Manifest(errors_).Load(path_, builder)) {
+        WriteArchive(builder, path_);
     }
 }
 
@@ -179,8 +248,14 @@ bool PackApplication::RejectSourceAsTarget(StreamSequencerBuilder const& builder
 void PackApplication::List() {
     PackProgress progress(printsJson_ ? "" : "Read");
     StreamSequencerReader reader;
-    if (ReadArchive(reader, progress)) {
-        printsJson_ ? printJson(Value("l"), reader) : printTable(reader);
+    bool const valid = ReadArchive(reader, progress);
+    if (IsTerminationRequested()) {
+        return;
+    }
+    if (printsJson_) {
+        printJson(path_, reader, valid ? nullptr : &errors_[0]);
+    } else {
+        printTable(reader);
     }
     // Output is the only result here: a truncated list must not pass for a whole one.
     if (core::Console::hasWriteFailed()) {
@@ -196,7 +271,7 @@ void PackApplication::Check() {
     }
     long long const size = archive_.Size();
     if (size < 0) {
-        errors_.push_back(fileError("Archive not readable", Value("c"), static_cast<int>(size)));
+        errors_.push_back(fileError("Archive not readable", path_, static_cast<int>(size)));
         return;
     }
     printReport(message("- The archive is valid: %1, %2, CRC-32 %3", fileCount(reader.FileCount()),
@@ -223,31 +298,21 @@ void PackApplication::Extract() {
 }
 
 bool PackApplication::ReadArchive(StreamSequencerReader& reader, core::ICopyCallback& progress) {
-    String const path = Value(command_->option);
-    int result = sys::file::openRegularFile(archive_, path);
+    int result = sys::file::openRegularFile(archive_, path_);
     if (result != 0) {
-        errors_.push_back(fileError("Archive not readable", path, result));
+        errors_.push_back(fileError("Archive not readable", path_, result));
         return false;
     }
     reader.SetStream(&archive_);
     reader.SetProgress(&progress);
     result = FindOption("c") ? reader.Check() : reader.Read();
     auto const error = reader.GetReadError() != 0
-                           ? fileError("Archive not readable", path, reader.GetReadError())
+                           ? fileError("Archive not readable", path_, reader.GetReadError())
                            : archiveError(reader, result);
     if (error) {
         errors_.push_back(*error);
     }
     return !error;
-}
-
-void PackApplication::PrintErrors() const {
-    if (printsJson_) {
-        printJsonError(Value("l"), errors_[0]);
-        return;
-    }
-    program::printErrors(errors_);
-    printLine("");
 }
 
 String PackApplication::Value(char const* option) const {

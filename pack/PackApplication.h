@@ -11,23 +11,27 @@
 
 namespace pack {
 
-/// The program that builds, lists, checks or extracts an update archive.
+/// The program that builds, lists, checks or extracts update archives.
 class PackApplication : public program::Program {
 public:
     PackApplication();
 
 protected:
+    /// -l and -c accept any number of archives.
+    core::String OptionGrammar(int argc, char const* const* argv) const override;
     /// Selects the command. Adds an error unless there is exactly one, with the options that it
     /// needs.
     void CheckOptions(std::vector<core::Fault>& errors) override;
     bool HasBanner() const override { return !printsJson_; }
-    /// Runs the command and requests termination.
+    /// Runs the command on each archive and requests termination.
     bool Init() override;
 
 private:
     struct Command;
     static Command const commands[];
 
+    /// Runs the command on path_ and prints its errors. Returns false if there are any.
+    bool RunCommand();
     void Build();
     void List();
     void Check();
@@ -40,11 +44,11 @@ private:
                               core::String const& manifest, core::String const& path);
     /// Opens the archive and reads it. Adds an error and returns false if it is not valid.
     bool ReadArchive(core::StreamSequencerReader& reader, core::ICopyCallback& progress);
-    void PrintErrors() const;
     core::String Value(char const* option) const;
 
     std::vector<core::Fault> errors_;
     Command const* command_ = nullptr;
+    core::String path_;        ///< the value of the command's option, or one of several
     bool printsJson_ = false;  ///< instead of all other output
     core::FileStream archive_;
 };

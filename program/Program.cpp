@@ -21,10 +21,11 @@ Program::Program(Identity const& identity) : core::Application(identity.name), i
 
 void Program::Main(int argc, char const* const* argv) {
     core::StringArray entries;
-    CommandLinePrepare(argc, argv, identity_.optionGrammar, entries);
+    CommandLinePrepare(argc, argv, OptionGrammar(argc, argv), entries);
     std::vector<Fault> errors = core::faultsFromEntries(entries);
-    bool const isHelp = errors.empty() && FindOption("h");
-    if (errors.empty() && !isHelp) {
+    bool const isHelp = FindOption("h");
+    bool const runs = !isHelp && !FindOption("version");
+    if (errors.empty() && runs) {
         CheckOptions(errors);
     }
     if (HasBanner()) {
@@ -35,6 +36,8 @@ void Program::Main(int argc, char const* const* argv) {
         ShowUsageErrors(errors);
     } else if (isHelp) {
         identity_.showUsage();
+    } else if (!runs) {
+        return;
     } else if (identity_.interruption == Interruption::endProcess) {
         Run();
     } else {
@@ -44,6 +47,10 @@ void Program::Main(int argc, char const* const* argv) {
             handler.EndIfInterrupted();
         }
     }
+}
+
+core::String Program::OptionGrammar(int /*argc*/, char const* const* /*argv*/) const {
+    return identity_.optionGrammar;
 }
 
 void Program::CheckOptions(std::vector<Fault>& /*errors*/) {}

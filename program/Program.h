@@ -24,7 +24,8 @@ enum class Interruption {
 struct Identity {
     char const* name;           ///< as users type it
     char const* description;    ///< the end of the banner, and a line feed
-    char const* optionGrammar;  ///< see core::Application::CommandLinePrepare; has "h|help=0"
+    char const* optionGrammar;  ///< see core::Application::CommandLinePrepare; has "h|help=0", and
+                                ///< a long option "version" to offer that
     void (*showUsage)();        ///< prints the usage screen
     Interruption interruption = Interruption::endProcess;
 };
@@ -36,15 +37,17 @@ public:
     explicit Program(Identity const& identity);
 
     /// Prints the banner. Then shows the errors of the command line, or the usage screen with -h,
-    /// or else calls Run.
+    /// or nothing else with --version, or else calls Run.
     void Main(int argc, char const* const* argv);
 
     /// Returns the exit status.
     int Result() override { return static_cast<int>(status_); }
 
 protected:
+    /// Returns the grammar for this command line, by default that of the identity.
+    virtual core::String OptionGrammar(int argc, char const* const* argv) const;
     /// Adds the errors of options that the grammar accepts. Called before the banner, unless the
-    /// grammar rejects the command line or -h is given.
+    /// grammar rejects the command line or -h or --version is given.
     virtual void CheckOptions(std::vector<core::Fault>& errors);
     /// Whether to print the banner; called after CheckOptions.
     virtual bool HasBanner() const { return true; }

@@ -143,5 +143,5 @@ def test_reports_errors_before_it_listens(directory, arguments, error, status):
 
         result = run(DEVICE + shlex.split(at(arguments)))
     assert result.lines[:2] == [BANNER, "*** " + at(error)]
-    assert len(result.lines) == (17 if arguments == "-x" else 2)
+    assert len(result.lines) == (18 if arguments == "-x" else 2)
     assert result.status == status

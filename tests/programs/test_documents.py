@@ -152,10 +152,14 @@ def test_option_descriptions_agree(program):
         grammar, r"(.)\|([\w-]+)=(?:0|(1))")
     zsh = part(source("completions/_ravelink"), program + ")", ";;")
     assert names(zsh, r"\{-(.)(?=,--[\w-]+\}|=,.+=\})=?,--([\w-]+)(=)?\}") == names(
-        page, r"\n\| `-(.)`, `--([\w-]+)`( \*[A-Z]+\*)? \|")
+        page, r"\n\| `-(.)`, `--([\w-]+)`( \*[A-Z]+\*)?(?:\.\.\.)? \|")
     shown = names(page, r"\n\| `-(.)`, `--([\w-]+)`")
     screen = "\n".join(run(built(DIRECTORIES[program] + "_program") + ["-h"]).lines)
     assert names(screen, r"\n\t-(.), --([\w-]+) ") == shown
+    for short in re.findall("`(-.)`, `--version`", page):
+        version, same = (run(built(DIRECTORIES[program] + "_program") + [option])
+                         for option in (short, "--version"))
+        assert version == same and len(version.lines) == 1 and version.status == 0
     all_words = offered(program, "-")
     assert names(all_words, r"-(.),--([\w-]+)") == shown
     for word in all_words.split(","):
@@ -170,6 +174,7 @@ def test_names_of_files_are_completed(directory):
     for words, expected in ((("ravelink", "--origin", "=", "a"), "a b.rvl"),
                             (("ravelink", "-o", "="), "sub,a b.rvl"),
                             (("ravelink", "-a", "10.0.0.7", ":"), ""),
+                            (("ravelink-pack", "-c", "a b.rvl", ""), "sub,a b.rvl"),
                             (("ravelink-device", "-s", ""), "sub,c.conf"),
                             (("ravelink-device", "-d", ""), "sub")):
         assert offered(*words, cwd=directory.path) == expected

@@ -1,5 +1,6 @@
 """Tests of ravelink-pack as a program."""
 
+import json
 import os
 import signal
 import subprocess
@@ -127,13 +128,16 @@ def test_reports_files_that_cannot_be_used(pack, directory):
 
 @pytest.mark.parametrize("arguments, error", [
     ("-j", NO_COMMAND),
-    ("-l a -c a", NO_COMMAND),
+    ("-l a b -c a", "Invalid options: -l and -c cannot be combined"),
+    ("-l a -l b", "Invalid number of arguments: -l a b"),
+    ("-l a|b", "Invalid number of arguments: -l a b"),
     ("-b m", "Invalid options: -b requires -o"),
     ("-x a", "Invalid options: -x requires -d"),
     ("-c a -j", "Invalid options: -c does not allow -j"),
     ("-l a -f", "Invalid options: -l does not allow -f"),
     ("-z", "Invalid option: -z "),
     ("-c", "Invalid number of arguments: -c "),
+    ("-x a b -d c", "Invalid number of arguments: -x a b"),
 ])
 def test_rejects_command_lines(pack, arguments, error):
     assert pack(arguments, 2)[:3] == ["*** " + error, "", "Usage:"]
@@ -159,6 +163,7 @@ def test_reports_the_error_of_an_archive_and_its_offset(pack, directory):
         directory.write("bad.rvl", archive)
         assert pack.errors("-c @bad.rvl") == [error]
         assert pack.errors("-x @bad.rvl -d @out") == [error]
+        assert pack("-l @bad.rvl", 1)[-2:] == ["*** " + error, ""]
         assert not (directory.path / "out").exists(), "a bad archive is not extracted"
     directory.write("a.rvl", valid + b"...")
     assert pack("-c @a.rvl") == [
@@ -166,9 +171,14 @@ def test_reports_the_error_of_an_archive_and_its_offset(pack, directory):
         "- Trailing data at offset 8243: 3 bytes"]
 
 
-def test_names_the_section_in_which_an_archive_ends(pack, directory):
+def test_names_the_section_in_which_an_archive_ends_and_lists_what_precedes_it(pack, directory):
     archive = pack.golden("a.rvl", "sample", "0x00020000", "3")
     begin = 0
+    members = {"archive", "error"}
+    more = {"the key block": {"version", "crypt", "attributes", "files"}, "the unique ID": {"key"},
+            "the source ID": {"uniqueId"}, "the target ID": {"sourceId"},
+            "attribute[0]": {"targetId"}}
+    entries = 0
     for section, size in (("the header", 16), ("the key block", 8), ("the unique ID", 8),
                           ("the source ID", 128), ("the target ID", 128), ("attribute[0]", 128),
                           ("attribute[1]", 128), ("the file count", 8),
@@ -180,19 +190,32 @@ def test_names_the_section_in_which_an_archive_ends(pack, directory):
         assert pack.errors("-c @a.rvl") == [
             f"Archive truncated: It ends at offset {end}, in {section} (offset {begin}, {size} "
             "bytes)"]
+        listed = json.loads(pack("-l @a.rvl -j", 1)[0])
+        members |= more.get(section, set())
+        assert listed.keys() == members
+        assert len(listed.get("attributes", "")) + len(listed.get("files", "")) == entries
+        entries += section.startswith(("attribute", "the descriptor"))
         begin += size
 
 
 def test_lists_as_a_table_and_as_json(pack, directory):
     archive = pack.golden("a.rvl", "hostile")
-    assert pack("-l @a.rvl") == golden("list.txt").splitlines()
-    assert pack("-l @a.rvl -j") == [golden("list.json").replace("CRC", crc(archive)).strip()]
+    table = golden("list.txt").splitlines()
+    assert pack("-l @a.rvl") == table
     pack.golden("empty.rvl", "files")
     assert pack("-l @empty.rvl")[-1] == "- Files: 0"
     directory.write("bad.rvl", "no archive at all")
-    assert pack("-l @bad.rvl -j", 1) == [
+    assert pack("-l @bad.rvl @a.rvl -j", 1) == [
         '{"archive":"@bad.rvl","error":{"title":"Not an archive","message":'
-        '"No magic \\"QXRB5129\\" at offset 0"}}']
+        '"No magic \\"QXRB5129\\" at offset 0"}}',
+        golden("list.json").replace("CRC", crc(archive)).strip()]
+    directory.write("cut.rvl", archive[:9000])
+    assert pack("--list=@a.rvl @cut.rvl @bad.rvl", 1) == [
+        "@a.rvl", *table, "", "@cut.rvl", *table[:7], "- Files: 2",
+        *(line[1:] for line in table[8:11]),
+        "*** Archive truncated: It ends at offset 9000, in the descriptor of file[2] "
+        "(offset 8744, 4096 bytes)", "",
+        "@bad.rvl", '*** Not an archive: No magic "QXRB5129" at offset 0', ""]
 
 
 def test_reports_long_work(pack, directory):
