@@ -12,6 +12,11 @@ endif()
 target_compile_options(options INTERFACE -ffunction-sections -fdata-sections)
 target_link_options(options INTERFACE -Wl,--gc-sections -Wl,--as-needed)
 
+if(CMAKE_BUILD_TYPE STREQUAL "Release" AND NOT RAVELINK_SANITIZERS)
+  include(Hardening)
+  set(hardened ON)
+endif()
+
 if(RAVELINK_SANITIZERS)
   # Without -fno-sanitize-recover=all, a program exits with 0 despite undefined behaviour.
   set(sanitizer_flags -fsanitize=${RAVELINK_SANITIZERS} -fno-sanitize-recover=all
