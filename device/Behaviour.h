@@ -17,6 +17,7 @@ enum class Step {
     checked,     ///< the CRC of the file is compared
     processing,  ///< the file is being processed
     complete,    ///< the update is complete
+    busy,        ///< the request is received while another update is in progress
 };
 
 /// The state of a session at a step.
@@ -30,7 +31,7 @@ struct StepContext {
 };
 
 /// Decides what a device does at each step. This class is a conforming device; derived classes
-/// deviate from it. Sessions on several addresses call the same object from several threads.
+/// deviate from it. Sessions call the same object from several threads.
 class Behaviour {
 public:
     virtual ~Behaviour() = default;

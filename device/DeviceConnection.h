@@ -16,6 +16,9 @@ struct DeviceTimeouts {
     int idle = 60'000;
     /// For the updater to close its side after the device has shut down sending.
     int close = 2'000;
+    /// For the update in progress to end before the device rejects another updater as busy. The
+    /// same updater may connect again before the device has seen the end of its last session.
+    int busy = 1'000;
 };
 
 /// The content of a valid notification.

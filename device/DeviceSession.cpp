@@ -40,10 +40,21 @@ DeviceSession::DeviceSession(DeviceConnection& connection, Behaviour& behaviour,
       acceptToken_(acceptToken) {}
 
 UpdateResult DeviceSession::Run() {
-    if (RunStep(Step::connect, {}) && ReceiveRequest() && ReceiveHeader() && ReceiveFile() &&
-        ReceiveTrailer() && FinishUpdate()) {
+    if (RunStep(Step::connect, {}) && ReceiveRequest() && AcceptRequest() && ReceiveHeader() &&
+        ReceiveFile() && ReceiveTrailer() && FinishUpdate()) {
         result_ = UpdateResult::complete;
     }
+    return Result();
+}
+
+UpdateResult DeviceSession::RunBusy() {
+    if (ReceiveRequest()) {
+        Reject(Step::busy, DeviceStatus::SystemBusy);
+    }
+    return Result();
+}
+
+UpdateResult DeviceSession::Result() const {
     // The updater disconnects after an error, so the later steps of the device do not count.
     return connection_.HasSentError() && result_ != UpdateResult::timedOut ? UpdateResult::rejected
                                                                            : result_;
@@ -63,6 +74,10 @@ bool DeviceSession::ReceiveRequest() {
     if (auto const status = firstFailure(checks)) {
         return Reject(Step::request, *status);
     }
+    return true;
+}
+
+bool DeviceSession::AcceptRequest() {
     return Reply(Step::request, UpdateNotification::Accepted, acceptToken_);
 }
 

@@ -19,17 +19,24 @@ public:
     DeviceSession(DeviceConnection& connection, Behaviour& behaviour, Observer& observer,
                   ReceivedUpdate& receivedUpdate, std::uint32_t acceptToken);
 
-    /// Runs the session to its end; call once. The connection stays open.
+    // Each runs the session to its end; call one of them, once. The connection stays open.
+
+    /// Receives an update.
     UpdateResult Run();
+    /// Receives a request, and rejects it because of another update.
+    UpdateResult RunBusy();
 
 private:
     // The steps, in order. Each returns false if the session has ended.
     bool ReceiveRequest();
+    bool AcceptRequest();
     bool ReceiveHeader();
     bool ReceiveFile();
     bool ReceiveTrailer();
     bool FinishUpdate();
 
+    /// Returns the result of the session, after its last step.
+    UpdateResult Result() const;
     /// Returns the status to reject the update with, or nothing if it is a valid archive.
     std::optional<update::DeviceStatus> CheckArchive();
     /// Stores the update. Returns false on failure.

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <optional>
 
 #include "core/text/String.h"
@@ -28,12 +29,17 @@ struct ArchiveCheck {
     std::optional<core::String> otherTarget;
 };
 
-/// Receives the events of connections, in order; by default ignores them. Sessions on several
-/// addresses call it from several threads. Records are in host byte order.
+/// Receives the events of the updates of a device, which follow each other; by default ignores
+/// them. Each session calls it from a thread of its own. Records are in host byte order.
 class Observer {
 public:
     virtual ~Observer() = default;
 
+    /// Returns the observer of a session that is rejected while an update is in progress; number
+    /// counts these sessions, from 1. Its events are concurrent with those of this object.
+    virtual std::unique_ptr<Observer> CreateBusyObserver(std::uint32_t /*number*/) {
+        return std::make_unique<Observer>();
+    }
     /// A connection from peer, "IP|Port", was accepted.
     virtual void OnConnection(core::String const& /*peer*/) {}
     /// The bytes of a record in wire order, or those received of an incomplete one. Called before

@@ -68,6 +68,11 @@ String dump(void const* bytes, int length) {
 Reporter::Reporter(String const& prefix, Detail detail, std::atomic<int>* awaited)
     : prefix_(prefix.View()), detail_(detail), awaited_(awaited) {}
 
+std::unique_ptr<Observer> Reporter::CreateBusyObserver(std::uint32_t number) {
+    return std::make_unique<Reporter>(message("%1busy %2: ", prefix_.c_str(), number), detail_,
+                                      nullptr);
+}
+
 void Reporter::Print(String const& line) const {
     core::printLine(String(prefix_.c_str()).AppendNew(line));
 }
@@ -139,12 +144,14 @@ void Reporter::OnNotification(std::uint32_t code, std::uint32_t value) {
 }
 
 void Reporter::OnEnd(UpdateResult result) {
-    completed_ = result == UpdateResult::complete;
     // First, because printing may run out of memory; the application waits for the lines anyway.
-    if (awaited_ != nullptr && std::exchange(awaited_, nullptr)->fetch_sub(1) == 1) {
-        core::Application::RequestTermination(core::Application::normalRequest);
+    if (auto* const awaited = std::exchange(awaited_, nullptr); awaited != nullptr) {
+        completed_ = result == UpdateResult::complete;
+        if (awaited->fetch_sub(1) == 1) {
+            core::Application::RequestTermination(core::Application::normalRequest);
+        }
     }
-    if (completed_) {
+    if (result == UpdateResult::complete) {
         Print(Console::color("- The update is complete.", Console::Color::brightGreen));
     }
     if (auto const error = errorOf(result)) {

@@ -16,14 +16,16 @@ public:
         bytes,  ///< also all traffic in hexadecimal, with the time since the connection opened
     };
 
-    /// Each line begins with prefix. The end of the first session decrements awaited, which
+    /// Each line begins with prefix. The end of the first update decrements awaited, which
     /// terminates the application at 0. A null awaited is ignored; otherwise it must outlive this
     /// object.
     Reporter(core::String const& prefix, Detail detail, std::atomic<int>* awaited);
 
-    /// Whether the last session ended in a complete update.
+    /// Whether the awaited update was completed.
     bool HasCompleted() const { return completed_; }
 
+    /// Its lines begin with "busy NUMBER: " after the prefix.
+    std::unique_ptr<Observer> CreateBusyObserver(std::uint32_t number) override;
     void OnConnection(core::String const& peer) override;
     void OnReceived(void const* bytes, int length) override;
     void OnSent(void const* bytes, int length) override;

@@ -110,7 +110,8 @@ bool Scenario::OnStep(StepContext const& context, DeviceConnection& connection) 
         connection.LimitReceiveBuffer(receiveBuffer);
     }
     auto const found = steps.find(context.step);
-    bool const isRejecting = context.defaultReply && update::isError(context.defaultReply->code);
+    bool const isRejecting = context.step != Step::busy && context.defaultReply &&
+                             update::isError(context.defaultReply->code);
     if (found == steps.end() || isRejecting) {
         return Behaviour::OnStep(context, connection);
     }

@@ -20,10 +20,15 @@ struct StepName {
 };
 
 constexpr StepName stepNames[] = {
-    {"connect", Step::connect},       {"request", Step::request},
-    {"header", Step::header},         {"data", Step::data},
-    {"trailer", Step::trailer},       {"checked", Step::checked},
-    {"processing", Step::processing}, {"complete", Step::complete},
+    {"connect", Step::connect},
+    {"request", Step::request},
+    {"header", Step::header},
+    {"data", Step::data},
+    {"trailer", Step::trailer},
+    {"checked", Step::checked},
+    {"processing", Step::processing},
+    {"complete", Step::complete},
+    {"busy", Step::busy},
 };
 
 struct Range {

@@ -198,6 +198,24 @@ TEST(DeviceSession, ExecutesItsScenario) {
     EXPECT_EQ(late.File().size(), 20U) << "executed in the chunk that contains the byte";
 }
 
+TEST(DeviceSession, RejectsOtherUpdatersDuringAnUpdate) {
+    device::DeviceTimeouts timeouts;
+    timeouts.busy = timeouts.close = 0;
+    ScenarioDevice device({}, timeouts);
+    std::string const bytes = Update(1).Bytes();
+    std::string const request = bytes.substr(0, update::recordSize);
+    Client updater(device);
+    updater.Send(request.data(), update::recordSize);
+    ASSERT_TRUE(updater.CanRecv(20'000));
+    Client const sendsNothing(device);
+    for (int i = 0; i < 2; ++i) {
+        EXPECT_EQ(Client(device).Answers(request), answers(0, DeviceStatus::SystemBusy));
+    }
+    EXPECT_EQ(updater.Answers(bytes.substr(update::recordSize)), answers(5, {}));
+    EXPECT_EQ(Client(device).Answers(Update(2).Bytes()), answers(5, {}, 2));
+    EXPECT_EQ(device.End(2), (std::vector{UpdateResult::complete, UpdateResult::complete}));
+}
+
 TEST(DeviceSession, ReportsATimeoutToTheUpdater) {
     device::DeviceTimeouts timeouts;
     timeouts.idle = 100;

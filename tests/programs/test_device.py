@@ -102,6 +102,23 @@ def test_reports_updates_not_stored_or_checked(device, directory, ravelink, opti
     assert line in [re.sub(r"\.1-[0-9]+-", ".1-PORT-", each) for each in served.lines]
 
 
+def test_rejects_another_updater_as_its_scenario_specifies(device, directory, ravelink):
+    served = device("-s", directory.write("s", "busy = notify ErrorAlt:SystemBusy"))
+    address, port = served.address.split(":")
+    update = directory.write("u", "x")
+    with socket.create_connection((address, int(port))):
+        wait_until(lambda: served.connections)
+        assert ravelink("-o", update, "-a", served.address).lines[-2] == (
+            "*** > System is busy: The system is now busy and the update procedure must be postponed")
+        wait_until(lambda: any("rejected" in line for line in served.lines))
+    assert served.wait() == 1
+    assert [line.partition(".")[0] for line in served.lines[3:]] == [
+        "busy 1: - Connection from: 127", "busy 1: - Request: 1",
+        "busy 1:   Sent: ErrorAlt, value 0x00000006",
+        "busy 1: *** Update rejected: The device reported an error",
+        "*** Connection ended: The updater closed the connection before the end"]
+
+
 def test_logs_one_verdict_on_each_archive(device, directory, pack, ravelink):
     served = device("-t", "other", once=False)
     good = pack.golden("u", "files", "x")
