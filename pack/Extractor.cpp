@@ -2,11 +2,9 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <numeric>
 
-#include "core/text/StringArray.h"
-#include "core/text/unicode.h"
 #include "pack/errorText.h"
+#include "pack/extractionPaths.h"
 #include "sys/dir.h"
 
 namespace pack {
@@ -15,51 +13,6 @@ using core::String;
 using sys::platform::ConfinedDirectory;
 
 namespace {
-
-/// Not part of any name, and less than all characters of names, so that all paths below a path
-/// follow it when sorted.
-char const separator[] = "\1";
-
-/// Whether Windows reserves the name for a device, in any directory and with any extension. Its
-/// digits include superscript 1, 2 and 3.
-bool isReservedName(String const& name) {
-    String const stem = name.LeftOf('.').IsEmpty() ? name : name.LeftOf('.');
-    String const device = stem.TrimRight().UpperCase();
-    for (char const* const plain : {"CON", "PRN", "AUX", "NUL", "CLOCK$", "CONIN$", "CONOUT$"}) {
-        if (device == plain) {
-            return true;
-        }
-    }
-    if (!device.StartsWith("COM") && !device.StartsWith("LPT")) {
-        return false;
-    }
-    String const digit = device.Copy(3);
-    bool const plain = digit.GetLength() == 1 && String::IsNumeric(digit.FirstChar());
-    return plain || digit == "\u00B9" || digit == "\u00B2" || digit == "\u00B3";
-}
-
-/// Returns the error of a name in a path; empty if it is valid.
-String nameError(String const& name) {
-    if (name == "..") {
-        return "it contains ..";
-    }
-    if (name.LastChar() == '.' || name.LastChar() == ' ') {
-        return "a name ends with a dot or space";
-    }
-    for (char const c : name.View()) {
-        if (static_cast<unsigned char>(c) < 0x20 || c == 0x7F ||
-            std::string_view("\\:*?\"<>|").find(c) != std::string_view::npos) {
-            return "a name has a non-portable character";
-        }
-    }
-    return isReservedName(name) ? "a name is reserved" : "";
-}
-
-/// Returns a key that is equal for paths that are the same on some platform: those that differ only
-/// in case.
-String sortKey(String const& path) {
-    return core::unicode::foldCase(path.View()).Replace("/", separator);
-}
 
 /// Reports the progress of one file's copy as that of all files.
 class TotalProgress : public core::ICopyCallback {
@@ -93,26 +46,11 @@ void openNearest(ConfinedDirectory& directory, String path) {
 
 }  // namespace
 
-String extractionPath(core::StreamDescriptor const& file, String& error) {
-    String path = file.GetDestination();
-    if (path.IsEmpty() || path.LastChar() == '/') {
-        path += file.GetName();
-    }
-    path = path.RemoveDuplicatedPathDelimiters(sys::posixPathStyle)
-               .ForceNoLeadingPathDelimiter(sys::posixPathStyle);
-    core::StringArray names(16);
-    path.Split(names, '/');
-    error = path.IsEmpty() || path.LastChar() == '/' ? "it does not name a file" : "";
-    for (int i = 0; i < names.Count() && error.IsEmpty(); ++i) {
-        error = nameError(names[i]);
-    }
-    return error.IsEmpty() ? path : String();
-}
-
 bool Extractor::Extract(String const& path, Existing existing, core::ICopyCallback& progress) {
     std::size_t const before = errors_.size();
-    ResolvePaths();
-    RejectDuplicates();
+    paths_ = extractionPaths(archive_, [this](int index, String const& reason) {
+        Reject(static_cast<std::size_t>(index), reason);
+    });
     RejectLongNames(path);
     ConfinedDirectory directory;
     bool opened = directory.Open(path.getCString()) == 0;
@@ -140,50 +78,6 @@ bool Extractor::Extract(String const& path, Existing existing, core::ICopyCallba
         }
     }
     return true;
-}
-
-void Extractor::ResolvePaths() {
-    paths_.clear();
-    for (int i = 0; i < archive_.FileCount(); ++i) {
-        String error;
-        paths_.push_back(extractionPath(archive_.File(i), error));
-        if (!error.IsEmpty()) {
-            Reject(paths_.size() - 1, error);
-        }
-    }
-}
-
-void Extractor::RejectDuplicates() {
-    std::vector<String> keys;
-    for (String const& path : paths_) {
-        keys.push_back(sortKey(path));
-    }
-    std::vector<std::size_t> order(keys.size());
-    std::iota(order.begin(), order.end(), 0);
-    // By views: comparing strings would treat bytes beyond ASCII as less than the separator.
-    std::stable_sort(order.begin(), order.end(), [&](std::size_t one, std::size_t other) {
-        return keys[one].View() < keys[other].View();
-    });
-    std::vector<char const*> conflicts(keys.size(), nullptr);
-    String file;  ///< the last path that is not below another one
-    for (std::size_t const index : order) {
-        String const& key = keys[index];
-        if (key.IsEmpty()) {
-            continue;
-        }
-        if (key == file) {
-            conflicts[index] = "another file has the same path";
-        } else if (!file.IsEmpty() && key.StartsWith(file + separator)) {
-            conflicts[index] = "a file has its directory's path";
-        } else {
-            file = key;
-        }
-    }
-    for (std::size_t i = 0; i < conflicts.size(); ++i) {
-        if (conflicts[i] != nullptr) {
-            Reject(i, conflicts[i]);
-        }
-    }
 }
 
 void Extractor::RejectLongNames(String const& path) {
@@ -246,7 +140,6 @@ void Extractor::Reject(std::size_t index, String const& reason) {
     String const& destination = file.GetDestination();
     errors_.push_back(core::fault("File not extracted", "file[%1], \"%2\": %3", index,
                                   destination.IsEmpty() ? file.GetName() : destination, reason));
-    paths_[index].Clear();
 }
 
 }  // namespace pack

@@ -10,13 +10,6 @@
 
 namespace pack {
 
-/// Returns the path of an extracted file, relative to the target directory: its destination, to
-/// which its name is added if it ends with "/" or is empty. Absolute paths begin at the target
-/// directory. Names are separated by "/" on every platform. Returns an empty string and stores the
-/// reason in error if any supported platform would treat the path as anything but a plain path
-/// below the directory: an archive is extracted everywhere or nowhere.
-core::String extractionPath(core::StreamDescriptor const& file, core::String& error);
-
 /// Extracts an archive into a directory, never outside it.
 class Extractor {
 public:
@@ -35,8 +28,6 @@ public:
     bool Extract(core::String const& directory, Existing existing, core::ICopyCallback& progress);
 
 private:
-    void ResolvePaths();
-    void RejectDuplicates();
     void RejectLongNames(core::String const& directory);
     void RejectExisting(sys::platform::ConfinedDirectory const& directory, Existing existing);
     int Write(std::size_t index, sys::platform::ConfinedDirectory const& directory,

@@ -8,7 +8,9 @@
 #include "pack/Listing.h"
 #include "pack/Manifest.h"
 #include "pack/PackProgress.h"
+#include "pack/Tree.h"
 #include "pack/errorText.h"
+#include "pack/extractionPaths.h"
 #include "program/usage.h"
 #include "sys/AtomicFile.h"
 #include "sys/file.h"
@@ -62,11 +64,12 @@ void showUsage() {
     print({
         {heading("Usage:")},
         {program + " -b manifest -o archive"},
+        {program + " -b directory -o archive"},
         {program + " -l archive ..." + optional(" [-j]")},
         {program + " -c archive ..."},
         {program + " -x archive -d directory" + optional(" [-f]")},
         {heading("where:")},
-        {"-b, --build", "Build an archive from a manifest"},
+        {"-b, --build", "Build an archive from a manifest or a directory"},
         {"-o, --output", "File name of the archive"},
         {"-l, --list", "List the content of archives"},
         {"-j, --json", "Print only one line of JSON for each"},
@@ -184,18 +187,35 @@ bool PackApplication::RunCommand() {
 
 void PackApplication::Build() {
     StreamSequencerBuilder builder;
-    if (Manifest(errors_).Load(path_, builder)) {
-        WriteArchive(builder, path_);
+    sys::file::stats status;
+    if (sys::file::stat(path_, &status) != 0 || status.type != sys::file::Type::directory) {
+        if (Manifest(errors_).Load(path_, builder)) {
+            WriteArchive(builder, Source::manifest);
+        }
+        return;
     }
+    Tree tree(errors_);
+    if (!tree.Load(path_, builder)) {
+        return;
+    }
+    String const path = Value("o");
+    if (tree.Contains(path)) {
+        errors_.push_back(core::fault("Archive not writable",
+                                      "\"%1\" is in the packed directory \"%2\"", path, path_));
+        return;
+    }
+    WriteArchive(builder, Source::tree);
 }
 
-void PackApplication::WriteArchive(StreamSequencerBuilder& builder, String const& manifest) {
+void PackApplication::WriteArchive(StreamSequencerBuilder& builder, Source source) {
+    using Permissions = sys::platform::PartPermissions;
     String const path = Value("o");
-    if (RejectSourceAsTarget(builder, manifest, path)) {
+    if (RejectSourceAsTarget(builder, path)) {
         return;
     }
     sys::AtomicFile target;
-    int result = target.Create(path);
+    int result = target.Create(
+        path, source == Source::tree ? Permissions::ofTarget : Permissions::ownerOnly);
     if (result != 0) {
         errors_.push_back(fileError("Archive not writable", path, result));
         return;
@@ -203,7 +223,7 @@ void PackApplication::WriteArchive(StreamSequencerBuilder& builder, String const
     PackProgress progress("Packed");
     result = builder.Write(target, &progress);
     if (result != 0) {
-        errors_.push_back(buildError(builder, path, result));
+        errors_.push_back(buildError(builder, source, path, result));
         return;
     }
     long long const size = target.Tell();
@@ -211,10 +231,9 @@ void PackApplication::WriteArchive(StreamSequencerBuilder& builder, String const
         errors_.push_back(fileError("Archive not writable", path, static_cast<int>(size)));
         return;
     }
-    // New files are owner-only; use the manifest's permissions.
-    core::FileStream source;
-    if (source.Open(manifest, sys::platform::openRead) == 0) {
-        target.CopyPermissionsFrom(source);
+    core::FileStream manifest;
+    if (source == Source::manifest && manifest.Open(path_, sys::platform::openRead) == 0) {
+        target.CopyPermissionsFrom(manifest);
     }
     result = target.Commit(sys::AtomicFile::Existing::replace, sys::AtomicFile::Durable::yes);
     if (result != 0) {
@@ -223,16 +242,34 @@ void PackApplication::WriteArchive(StreamSequencerBuilder& builder, String const
     }
     printReport(message("- Archive built: %1, %2", fileCount(builder.FileCount()),
                         sizeInColor(size, doneColor)));
+    WarnOfPaths(builder);
+}
+
+void PackApplication::WarnOfPaths(StreamSequencerBuilder const& builder) {
+    int count = 0;
+    String first;
+    extractionPaths(builder, [&](int index, String const& reason) {
+        if (count++ == 0) {
+            core::StreamDescriptor const& file = builder.File(index);
+            String const& destination = file.GetDestination();
+            first = message("file[%1], \"%2\": %3", index,
+                            destination.IsEmpty() ? file.GetName() : destination, reason);
+        }
+    });
+    if (count > 0) {
+        printLine(core::printable(message(
+            "- Warning: -x will reject this archive because of %1: %2", fileCount(count), first)));
+    }
 }
 
 bool PackApplication::RejectSourceAsTarget(StreamSequencerBuilder const& builder,
-                                           String const& manifest, String const& path) {
+                                           String const& path) {
     sys::file::stats target;
     if (sys::file::stat(path, &target) != 0) {
         return false;
     }
     for (int i = -1; i < builder.FileCount(); ++i) {
-        String const source = i < 0 ? manifest : builder.File(i).GetOriginalPath();
+        String const source = i < 0 ? path_ : builder.File(i).GetOriginalPath();
         sys::file::stats status;
         if (sys::file::stat(source, &status) == 0 && status.volume == target.volume &&
             status.number == target.number) {

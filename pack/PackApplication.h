@@ -7,6 +7,7 @@
 #include "core/stream/FileStream.h"
 #include "core/text/String.h"
 #include "core/text/message.h"
+#include "pack/errorText.h"
 #include "program/Program.h"
 
 namespace pack {
@@ -37,11 +38,13 @@ private:
     void Check();
     void Extract();
 
-    void WriteArchive(core::StreamSequencerBuilder& builder, core::String const& manifest);
+    void WriteArchive(core::StreamSequencerBuilder& builder, Source source);
+    /// Prints a warning if the archive cannot be extracted.
+    void WarnOfPaths(core::StreamSequencerBuilder const& builder);
     /// Adds an error and returns true if the archive at path would replace its manifest or a file
     /// that it contains, also through a link.
     bool RejectSourceAsTarget(core::StreamSequencerBuilder const& builder,
-                              core::String const& manifest, core::String const& path);
+                              core::String const& path);
     /// Opens the archive and reads it. Adds an error and returns false if it is not valid.
     bool ReadArchive(core::StreamSequencerReader& reader, core::ICopyCallback& progress);
     core::String Value(char const* option) const;

@@ -90,7 +90,8 @@ core::Fault fileError(char const* title, String const& path, int result) {
     return core::fault(title, "\"%1\": %2", path, reasonOf(result));
 }
 
-core::Fault buildError(StreamSequencerBuilder const& builder, String const& path, int result) {
+core::Fault buildError(StreamSequencerBuilder const& builder, Source source, String const& path,
+                       int result) {
     Failure const& failure = builder.GetFailure();
     // A cancelled Write has no cause.
     if (failure.cause == Cause::target || failure.cause == Cause::none) {
@@ -100,7 +101,10 @@ core::Fault buildError(StreamSequencerBuilder const& builder, String const& path
         return fileError("File not readable", builder.File(failure.index).GetOriginalPath(),
                          result);
     }
-    String const name = manifestKey(failure);
+    String const name = source == Source::manifest
+                            ? manifestKey(failure)
+                            : core::message("the %1 of \"%2\"", nameOf(*failure.text),
+                                            builder.File(failure.index).GetOriginalPath());
     if (result == -EILSEQ) {
         return core::fault("Bad text", "%1 is not UTF-8", name);
     }

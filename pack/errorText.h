@@ -15,10 +15,13 @@ core::String reasonOf(int result);
 /// Returns the error of a failed call on the file at path.
 core::Fault fileError(char const* title, core::String const& path, int result);
 
-/// Returns the error of the builder's last Write, which failed with result, in terms of the
-/// manifest; path is that of the archive.
-core::Fault buildError(core::StreamSequencerBuilder const& builder, core::String const& path,
-                       int result);
+/// The list of an archive's files.
+enum class Source { manifest, tree };
+
+/// Returns the error of the builder's last Write, which failed with result, in terms of the source;
+/// path is that of the archive.
+core::Fault buildError(core::StreamSequencerBuilder const& builder, Source source,
+                       core::String const& path, int result);
 
 /// Returns the error of an archive that was read with this StreamSequencerReader::Result, with the
 /// offset of the first invalid part; none for a valid archive.

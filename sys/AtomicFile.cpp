@@ -57,7 +57,7 @@ char const* AtomicFile::ClassName() const {
     return "AtomicFile";
 }
 
-int AtomicFile::Create(core::String const& target) {
+int AtomicFile::Create(core::String const& target, PartPermissions permissions) {
     Discard();
     if (target.IsEmpty()) {
         return -ENOENT;
@@ -75,7 +75,7 @@ int AtomicFile::Create(core::String const& target) {
         return result;
     }
     directory_ = &own_;
-    return CreatePart(file.GetFileName(), PartPermissions::ownerOnly);
+    return CreatePart(file.GetFileName(), permissions);
 }
 
 int AtomicFile::CreateConfined(platform::ConfinedDirectory const& directory,

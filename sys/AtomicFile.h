@@ -21,10 +21,10 @@ public:
     // Each of these opens the file for reading and writing and returns 0 or a negative errno value.
     // A file created before and not committed is deleted.
 
-    /// Creates the file, owner-only, next to target or to the file that target links to. An
-    /// existing target must be a regular file with permission to write (-EISDIR, -ENOTSUP,
-    /// -EACCES).
-    int Create(core::String const& target);
+    /// Creates the file next to target or to the file that target links to. An existing target
+    /// must be a regular file with permission to write (-EISDIR, -ENOTSUP, -EACCES).
+    int Create(core::String const& target,
+               platform::PartPermissions permissions = platform::PartPermissions::ownerOnly);
     /// Creates the file and the missing directories of path, an untrusted path in directory: see
     /// platform::ConfinedDirectory. It has the permissions of the existing regular file at path, if
     /// any. directory must be open and outlive this object.

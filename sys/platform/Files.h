@@ -29,6 +29,8 @@ struct FileStatus {
     long long size = 0;      ///< bytes
     long long modified = 0;  ///< the time of the last change, in ms since 1970 in UTC
     FileType type = FileType::other;
+    /// Bits such as 0755; 0644 where the operating system has none.
+    unsigned permissions = 0644;
     // Two paths name the same file if both numbers are equal.
     std::uint64_t volume = 0;
     std::uint64_t number = 0;

@@ -2,6 +2,7 @@
 
 #include "core/archive/StreamSequencerBuilder.h"
 #include "pack/Extractor.h"
+#include "pack/extractionPaths.h"
 #include "tests/core/archive/MemoryBuilder.h"
 #include "tests/core/archive/golden.h"
 #include "tests/support/CopyWatcher.h"

@@ -126,6 +126,14 @@ def test_reports_files_that_cannot_be_used(pack, directory):
     assert directory.read("f") + directory.read("m.conf") == b"data" + FILE.encode()
 
 
+def test_warns_of_archives_that_cannot_be_extracted(pack, directory):
+    directory.write("f", "")
+    directory.write("m.conf", "".join(f"file[{i}].origin = f\nfile[{i}].destination = {path}\n"
+                                      for i, path in enumerate(("a", "../\x1B", "A"))))
+    assert pack("-b @m.conf -o @a.rvl")[1] == (
+        '- Warning: -x will reject this archive because of 2 files: file[1], "../?": it contains ..')
+
+
 @pytest.mark.parametrize("arguments, error", [
     ("-j", NO_COMMAND),
     ("-l a b -c a", "Invalid options: -l and -c cannot be combined"),
@@ -142,6 +150,49 @@ def test_reports_files_that_cannot_be_used(pack, directory):
 def test_rejects_command_lines(pack, arguments, error):
     assert pack(arguments, 2)[:3] == ["*** " + error, "", "Usage:"]
     assert pack("--help")[0] == "Usage:"
+
+
+def test_packs_a_directory_in_the_order_of_bytes(pack, directory):
+    files = ["Z", "a-b", "a/b/c", "a/b0", "x", "é"]
+    for tree, order in (("one", files), ("two", files[::-1])):
+        for name in order:
+            os.chmod(directory.write(f"{tree}/{name}", name), 0o751 if name == "x" else 0o644)
+        (directory.path / tree / "empty").mkdir()
+        before = os.umask(0o026)
+        try:
+            assert pack(f"-b @{tree} -o @{tree}.rvl") == ["- Archive built: 6 files, 24.1 KB"]
+        finally:
+            os.umask(before)
+    assert directory.read("one.rvl") == directory.read("two.rvl")
+    assert WINDOWS or (directory.path / "one.rvl").stat().st_mode & 0o7777 == 0o640
+    entries = [[file[member] for member in ("destination", "name", "attributes", "owner", "size")]
+               for file in json.loads(pack("-l @one.rvl -j")[0])["files"]]
+    assert entries == [
+        ["/" + name, name.rpartition("/")[2], "0751" if name == "x" and not WINDOWS else "0644",
+         "", len(name.encode())] for name in files]
+
+
+@pytest.mark.skipif(WINDOWS, reason="Wine shows the target instead of a link")
+def test_rejects_all_of_a_directory_that_it_cannot_pack(pack, directory):
+    (directory.path / "tree/empty").mkdir(parents=True)
+    assert pack.errors("-b @tree -o @a.rvl") == ['Nothing to pack: "@tree" contains no files']
+    directory.write("tree/f", "data")
+    (directory.path / "link").symlink_to("tree")
+    for output in ("tree/a.rvl", "tree/empty/a.rvl", "link/a.rvl"):
+        assert pack.errors(f"-b @tree -o @{output}") == [
+            f'Archive not writable: "@{output}" is in the packed directory "@tree"']
+    directory.write("long/" + "/".join(7 * [220 * "d"]), "")
+    assert pack.errors("-b @long/ -o @a.rvl") == [
+        f'Text too long: the destination of "@long/{"/".join(7 * [220 * "d"])}" may have up to 1536 '
+        "UTF-16 units"]
+    (directory.path / "tree/empty/link").symlink_to("../f")
+    (directory.path / "tree/dangling").symlink_to("none")
+    os.mkfifo(directory.path / "tree/pipe")
+    assert pack.errors("-b @link -o @a.rvl") == [
+        'File not packed: "@link/dangling" is a link',
+        'File not packed: "@link/pipe" is not a regular file',
+        'File not packed: "@link/empty/link" is a link']
+    assert not (directory.path / "a.rvl").exists()
 
 
 def test_reports_the_error_of_an_archive_and_its_offset(pack, directory):

@@ -71,6 +71,7 @@ int storeStatus(int result, struct stat const& found, FileStatus& status) {
     status.size = found.st_size;
     status.modified = found.st_mtim.tv_sec * 1000LL + found.st_mtim.tv_nsec / 1'000'000;
     status.type = fileTypeOf(found.st_mode);
+    status.permissions = found.st_mode & 07777;
     status.volume = found.st_dev;
     status.number = found.st_ino;
     return 0;
