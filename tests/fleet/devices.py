@@ -1,11 +1,13 @@
 """Fleets of simulated devices."""
 
 import re
+import signal
 from collections import Counter
+from contextlib import contextmanager
 
 import pytest
 
-from conftest import SOURCE
+from conftest import SOURCE, wait_until
 
 
 class Fleet:
@@ -16,8 +18,9 @@ class Fleet:
         self._processes = []
 
     def add(self, count=1, scenario=None, address="127.0.0.1:0"):
-        """Starts devices in one process, with an example scenario, and returns their addresses."""
-        options = ["-s", str(SOURCE / f"examples/scenarios/{scenario}.conf")] if scenario else []
+        """Starts devices in one process and returns their addresses. A scenario is an example's name
+        or a path."""
+        options = ["-s", str(SOURCE / "examples/scenarios" / f"{scenario}.conf")] if scenario else []
         self._processes.append(self._start("-n", str(count), *options, count=count, once=False,
                                            address=address))
         return self._processes[-1].addresses
@@ -28,6 +31,15 @@ class Fleet:
         old.process.kill()
         old.wait()
         self.add(1, scenario, address)
+
+    @contextmanager
+    def frozen(self, text):
+        """Stops the last process when its log contains the text, and lets it go on afterwards."""
+        process = self._processes[-1]
+        wait_until(lambda: text in "".join(process.lines))
+        process.process.send_signal(signal.SIGSTOP)
+        yield
+        process.process.send_signal(signal.SIGCONT)
 
     @property
     def connections(self):
