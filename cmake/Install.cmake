@@ -33,6 +33,10 @@ else()
     install(FILES completions/ravelink.bash RENAME ${program} COMPONENT programs
             DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions)
   endforeach()
+  # Where Ansible of Debian looks for collections.
+  install(DIRECTORY fleet/ansible_collections COMPONENT programs
+          DESTINATION ${CMAKE_INSTALL_DATADIR}/ansible/collections
+          PATTERN __pycache__ EXCLUDE PATTERN .ansible-lint EXCLUDE)
   install(PROGRAMS fleet/verdicts DESTINATION ${CMAKE_INSTALL_DATADIR}/ravelink/fleet
           COMPONENT programs)
   install(FILES completions/_ravelink COMPONENT programs

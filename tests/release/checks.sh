@@ -83,6 +83,15 @@ check_debian_package() {
   chroot "$root" apt-get purge -y ravelink
   names_in "$root" >build/after
   diff build/before build/after || die 'The package leaves files after its removal'
+
+  say 'The collection for Ansible'
+  cp "$package" build/packages/ravelink-fleet-*.tar.gz "$root"
+  chroot "$root" apt-get install -y --no-install-recommends "/${package##*/}" ansible-core
+  rehearse_fleet "$directory" chroot "$root" %s
+  # From its own archive instead of the package.
+  chroot "$root" sh -c 'ansible-galaxy collection install --offline -p /collections /ravelink-fleet-*.tar.gz'
+  rm -r "$root/usr/share/ansible/collections"
+  roll_out "$directory" chroot "$root" env ANSIBLE_COLLECTIONS_PATH=/collections ansible-playbook
 }
 
 # names_in ROOT: lists the files of a system, except /tmp and the records of apt and dpkg.
@@ -96,7 +105,7 @@ check_tar() {
   say 'The tar.gz'
   local directory
   new_directory
-  tar xzf build/packages/*.tar.gz --strip-components=1 -C "$directory"
+  tar xzf build/packages/ravelink-[0-9]*-linux-x86_64.tar.gz --strip-components=1 -C "$directory"
   mkdir "$directory/rehearsal"
   rehearse "$directory/rehearsal" "$directory/bin/%s"
   rehearse_job "$directory/rehearsal" "$directory/bin/%s"
