@@ -24,6 +24,9 @@ if(WIN32)
 else()
   install(FILES README.md CHANGELOG.md LICENSE DESTINATION ${documents_directory} COMPONENT programs)
   install(DIRECTORY docs DESTINATION ${documents_directory} COMPONENT programs)
+  # Once more, because administrators may leave out all documents.
+  install(DIRECTORY examples/scenarios DESTINATION ${CMAKE_INSTALL_DATADIR}/ravelink
+          COMPONENT programs)
   if(PANDOC)
     install(DIRECTORY ${PROJECT_BINARY_DIR}/manual/ DESTINATION ${CMAKE_INSTALL_MANDIR}/man1
             COMPONENT programs FILES_MATCHING PATTERN "*.1" PATTERN docs EXCLUDE)

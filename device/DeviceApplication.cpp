@@ -39,7 +39,7 @@ void showUsage() {
         {heading("where options are:")},
         {"-b, --bind", "Listen on AAA.BBB.CCC.DDD:Port; port 0 picks a free one (127.0.0.1:3007)"},
         {"-n, --count", "Run N devices on consecutive ports (1)"},
-        {"-s, --scenario", "Behave as this scenario file specifies"},
+        {"-s, --scenario", "Behave as this scenario file, or shipped scenario, specifies"},
         {"-c, --check", "Accept only valid update archives"},
         {"-t, --target", "Accept only valid archives for this target ID, or without one"},
         {"-m, --max-size", "Accept updates of up to N bytes (2147483647)"},
@@ -174,7 +174,7 @@ bool DeviceApplication::ReadDirectory() {
 bool DeviceApplication::ReadScenario() {
     String path;
     std::vector<core::Fault> errors;
-    if (!GetOptionValues("s", path) || loadScenario(path, scenario_, errors)) {
+    if (!GetOptionValues("s", path) || loadScenario(findScenario(path), scenario_, errors)) {
         return true;
     }
     return Quit(errors, ExitStatus::failed);

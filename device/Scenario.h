@@ -64,6 +64,11 @@ private:
                  std::mt19937& random) const;
 };
 
+/// Returns the path of a scenario. A name that is neither an existing file nor contains a path
+/// delimiter is that of a shipped scenario, with or without ".conf". Any other name is returned
+/// unchanged.
+core::String findScenario(core::String const& name);
+
 /// Reads a scenario from the configuration file at path; docs/rehearsing.md describes its format.
 /// Adds an error for each mistake and returns false if there are any.
 bool loadScenario(core::String const& path, Scenario& scenario, std::vector<core::Fault>& errors);

@@ -5,6 +5,8 @@
 #include "core/text/parseNumber.h"
 #include "device/Scenario.h"
 #include "sys/ConfFile.h"
+#include "sys/file.h"
+#include "sys/process.h"
 #include "update/protocol/names.h"
 
 namespace device {
@@ -172,6 +174,21 @@ void takeNumber(char const* name, std::uint32_t largest, sys::ConfFile& file,
 }
 
 }  // namespace
+
+String findScenario(String const& name) {
+    if (name.FindPathDelimiter() >= 0 || sys::file::exists(name)) {
+        return name;
+    }
+    String const directory =
+        sys::env::getProgramPath().GetFilePath().AppendNewPath(RAVELINK_SCENARIOS);
+    for (char const* const extension : {"", ".conf"}) {
+        if (String const path = directory.AppendNewPath(name + extension);
+            sys::file::exists(path)) {
+            return path;
+        }
+    }
+    return name;
+}
 
 bool loadScenario(String const& path, Scenario& scenario, std::vector<core::Fault>& errors) {
     std::size_t const before = errors.size();

@@ -29,6 +29,11 @@ bool getEnvironment(core::StringArray& list) {
     return list.Count() > before;
 }
 
+core::String getProgramPath() {
+    std::string path;
+    return platform::programPath(path) == 0 ? path.c_str() : "";
+}
+
 bool getPathDirectories(core::StringArray& list) {
     int const before = list.Count();
     return getEnvironmentVariable("PATH").Split(list, getPathListSeparator()) > before;

@@ -13,6 +13,9 @@ core::String getEnvironmentVariable(core::String const& name);
 /// true if there was one.
 bool getEnvironment(core::StringArray& list);
 
+/// Returns the absolute path of the running program, without links; empty if it is unknown.
+core::String getProgramPath();
+
 /// Appends the directories that the operating system searches for programs to the list, as
 /// String::Split splits them. Returns true if there was one.
 bool getPathDirectories(core::StringArray& list);

@@ -32,6 +32,10 @@ private:
     std::vector<char const*> pointers_;
 };
 
+/// Stores the absolute path of the running program, without links. Returns 0 or a negative errno
+/// value.
+int programPath(std::string& path);
+
 /// Stores the value of an environment variable. Returns false if there is none of that name.
 bool environmentValue(char const* name, std::string& value);
 /// Returns all environment variables as "name=value", in their own order.

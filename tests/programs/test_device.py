@@ -91,11 +91,11 @@ def test_a_second_signal_ends_a_device_with_blocked_output():
      '*** Update not stored: "./127.0.0.1-PORT-1.rvl": File too large'),
 ])
 def test_reports_updates_not_stored_or_checked(device, directory, ravelink, options, limited, line):
-    directory.write("s", "header = notify Accepted")
+    directory.write("silent-request.conf", "header = notify Accepted")  # wins over the shipped one
     update = directory.write("u", 10_000 * "x")
     gone = directory.path / "a=\x01"
     gone.mkdir()
-    served = device("-s", "s", *options.split(), cwd=directory.path, **limited)
+    served = device("-s", "silent-request.conf", *options.split(), cwd=directory.path, **limited)
     shutil.rmtree(gone)
     ravelink("-o", update, "-a", served.address)
     assert served.wait() == 1
@@ -120,7 +120,7 @@ def test_rejects_another_updater_as_its_scenario_specifies(device, directory, ra
 
 
 def test_logs_one_verdict_on_each_archive(device, directory, pack, ravelink):
-    served = device("-t", "other", once=False)
+    served = device("-t", "other", "-s", "answer-to-header.conf", once=False)
     good = pack.golden("u", "files", "x")
     for archive in (with_valid_crc(good[:24] + b"1" + good[25:]), pack.golden("u", "sample", "0x00020000", "3")):
         ravelink("-o", directory.write("u", archive), "-a", served.address)

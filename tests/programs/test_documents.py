@@ -230,7 +230,7 @@ def test_the_examples_of_the_protocol_are_the_traffic(device, directory, ravelin
     assert request + header + stored.read_bytes() + trailer == dumped(
         blocks(text, "hexdump updater"))
     assert b"".join(traffic(served.lines, ">")) == dumped(blocks(text, "hexdump device"))
-    busy = device("-v", "-s", directory.write("s.conf", "request = notify Error:SystemBusy"))
+    busy = device("-v", "-s", "status-06-system-busy")
     ravelink("-o", update, "-a", busy.address)
     assert busy.wait() == 1
     assert b"".join(traffic(busy.lines, ">")) == dumped(blocks(text, "hexdump refusal"))

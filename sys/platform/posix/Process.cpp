@@ -14,6 +14,8 @@
 #include <system_error>
 #include <thread>
 
+#include "sys/platform/Files.h"
+
 namespace sys::platform {
 
 void prepareProcess() {
@@ -33,6 +35,10 @@ void ignoreTerminalClose() {
 
 std::vector<std::string> Arguments::Read(int argc, char const* const* argv) {
     return {argv, argv + argc};
+}
+
+int programPath(std::string& path) {
+    return resolvePath("/proc/self/exe", path);
 }
 
 int processId() {

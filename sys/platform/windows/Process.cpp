@@ -46,6 +46,22 @@ std::vector<std::string> Arguments::Read(int, char const* const*) {
     return arguments;
 }
 
+int programPath(std::string& path) {
+    std::wstring found(MAX_PATH, L'\0');
+    for (;;) {
+        DWORD const length =
+            GetModuleFileNameW(nullptr, found.data(), static_cast<DWORD>(found.size()));
+        if (length == 0) {
+            return negativeLastError();
+        }
+        if (length < found.size()) {
+            path = toUtf8(found.substr(0, length));
+            return 0;
+        }
+        found.resize(2 * found.size());  // it was truncated
+    }
+}
+
 int processId() {
     return static_cast<int>(GetCurrentProcessId());
 }
