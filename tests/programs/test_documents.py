@@ -258,7 +258,10 @@ def test_numbers_of_the_protocol_agree():
             r"int (\w+) = (.+);", part(source("update/session/Session.h"), "struct SessionT", "};")):
         limits[name] = eval(value.replace("'", ""), {}, limits)
     minutes = limits.pop("completionMinutes")
-    assert numbers(document, "### Time limits", "\n#") == limits
+    assert numbers(document, "### Time limits\n", "\n#") == limits
+    device = part(source("device/DeviceConnection.h"), "struct DeviceTimeouts", "};")
+    assert numbers(document, "### Time limits of a device", "\n#") == {
+        name: int(value.replace("'", "")) for name, value in re.findall(r"int (\w+) = (.+);", device)}
     assert limits["completion"] == minutes * 60_000
 
 
