@@ -41,88 +41,72 @@ def test_verdicts_follow_from_logs(directory):
 
 
 @pytest.mark.parametrize("arguments, path, error, status", [
-    ("@devices", None, "Invalid number of arguments: 2 are needed, DEVICES and DIRECTORY, not 1", 2),
-    ("@no @", None, 'List not readable: "@no"', 1),
-    ("@ @", None, 'List not readable: "@"', 1),
-    ("@devices @no", None, 'Directory missing: "@no"', 1),
-    ("@devices @", "/var/empty", "Program missing: jq", 1),
-    ("@unsafe @", None, 'Bad address: "../a" in line 2 of the list', 1),
-    ("@devices @", None, "Log not readable", 1),
-])
-def test_verdicts_reports_errors(directory, monkeypatch, arguments, path, error, status):
-    directory.write("devices", "10.0.0.1\n10.0.0.2")
+    ("@list", "", "Invalid number of arguments: 2 are needed, DEVICES and DIRECTORY, not 1", 2),
+    ("@no @", "", 'List not readable: "@no"', 1),
+    ("@ @", "", 'List not readable: "@"', 1),
+    ("@list @no", "", 'Directory missing: "@no"', 1),
+    ("@list @", "@", "Program missing: jq", 1),
+    ("@unsafe @", "", 'Bad address: "../a" in line 2 of the list', 1),
+    ("@list @", "", "Log not readable", 1)])
+def test_verdicts_prints_errors_or_all_devices(directory, monkeypatch, arguments, path, error, status):
+    directory.write("list", "10.0.0.1\n10.0.0.2")
     directory.write("unsafe", "a\n../a")
     directory.write("10.0.0.2.jsonl/file", "")
-    if path:
-        monkeypatch.setenv("PATH", path)
-    errors = directory.write("errors", "")
-    with open(errors, "w") as stderr:
-        result = run(["/bin/sh", VERDICTS, *map(directory.at, arguments.split())], stderr=stderr)
-    assert result == ([], status)
-    assert directory.read("errors").decode().endswith(directory.at(f"*** {error}\n"))
-
-
-class Recipe:
-    """Runs commands of docs/fleet.md in a directory with an archive."""
-
-    def __init__(self, directory, pack):
-        self.directory = directory
-        directory.write("m.conf", "file[0].origin = m.conf\n")
-        pack("-b @m.conf -o @update.rvl")
-        # Retries do not wait.
-        job = directory.write("bin/ravelink-job", '#!/bin/sh\nexec "$JOB" -w 0 "$@"\n')
-        os.chmod(job, 0o755)
-        self.environment = {**os.environ, "JOB": built("job_program")[0], "PATH": os.pathsep.join(
-            [os.path.dirname(job), str(SOURCE / "fleet"), os.environ["PATH"]])}
-
-    def start(self, *names, address=""):
-        commands = "".join(blocks(source("docs/fleet.md"), f"sh {name}") for name in names)
-        return subprocess.Popen(
-            ["bash", "-c", commands.replace("10.1.0.12:4000", address)], text=True,
-            cwd=self.directory.path, env=self.environment, stdout=subprocess.PIPE)
-
-    def __call__(self, *names, **options):
-        """Runs the blocks with these names after the first one, and returns their output."""
-        return self.start("setup", *names, **options).communicate(timeout=120)[0].splitlines()
-
-    def list(self, *addresses):
-        self.directory.write("devices.txt", "\n".join(addresses))
+    monkeypatch.setenv("PATH", directory.at(path) or os.environ["PATH"])
+    printed = run(["/bin/sh", VERDICTS, *map(directory.at, arguments.split())], stderr=subprocess.STDOUT)
+    assert (printed.lines[-1], printed.status) == (directory.at(f"*** {error}"), status)
+    assert len(printed.lines) == (2 if error == "Log not readable" else 1)
 
 
 @pytest.fixture
-def recipe(directory, pack):
-    return Recipe(directory, pack)
+def recipe(directory, pack, monkeypatch):
+    """Starts commands of docs/fleet.md in a directory with an archive. Retries do not wait."""
+    directory.write("m.conf", "file[0].origin = m.conf\n")
+    pack("-b @m.conf -o @update.rvl")
+    job = built("job_program")[0]
+    os.chmod(directory.write("bin/ravelink-job", f'#!/bin/sh\nexec {job} -w 0 "$@"\n'), 0o755)
+    monkeypatch.setenv("PATH", f"{directory.path}/bin:{SOURCE}/fleet:{os.environ['PATH']}")
+
+    def start(*names, address=""):
+        commands = "".join(blocks(source("docs/fleet.md"), f"sh {name}") for name in ("setup", *names))
+        return subprocess.Popen(["bash", "-c", commands.replace("10.1.0.12:4000", address)],
+                                cwd=directory.path, text=True, stdout=subprocess.PIPE)
+
+    return start
 
 
-def test_the_recipe_updates_each_device_once(fleet, recipe):
+def output(shell):
+    return shell.communicate(timeout=300)[0].splitlines()
+
+
+def test_the_recipe_updates_each_device_once(fleet, recipe, directory):
     devices = fleet.add(10)
     busy, = fleet.add(scenario="status-06-system-busy")
     failing, = fleet.add(scenario="unknown-code")
-    recipe.list(busy, *devices, failing)
-    assert recipe("waves") == [f"refused\t{busy}"]
+    directory.write("devices.txt", "\n".join([busy, *devices, failing]))
+    assert output(recipe("waves")) == [f"refused\t{busy}"]
     assert fleet.connections == {busy: 6}
-    recipe.list(*devices, busy, failing)
-    assert recipe("waves") == [f"refused\t{busy}", f"unknown\t{failing}"]
-    assert recipe("report") == ["      1 refused", "      1 unknown", "     10 updated",
-                                f"refused\t{busy}", f"unknown\t{failing}"]
-    assert [line[:2] for line in recipe("reasons")] == [busy[:2], "  ", "  ", failing[:2], "  ", "  "]
+    directory.write("devices.txt", "\n".join([*devices, busy, failing]))
+    left = [f"refused\t{busy}", f"unknown\t{failing}"]
+    assert output(recipe("waves")) == left
+    assert output(recipe("report")) == ["      1 refused", "      1 unknown", "     10 updated", *left]
+    assert output(recipe("reasons"))[::3] == [f"{busy}: refused", f"{failing}: unknown"]
     fleet.replace(busy)
-    assert recipe("resume", "report")[:2] == ["      1 unknown", "     11 updated"]
+    assert output(recipe("resume", "report"))[:2] == ["      1 unknown", "     11 updated"]
     assert fleet.connections == {**dict.fromkeys(devices, 1), busy: 13, failing: 1}
     fleet.replace(failing)
-    recipe("again", address=failing)
-    assert recipe("report") == ["     12 updated"]
+    assert output(recipe("again", "report", address=failing)) == ["     12 updated"]
 
 
 @pytest.mark.slow
-def test_the_recipe_resumes_after_a_gentle_stop(fleet, recipe):
+def test_the_recipe_resumes_after_a_gentle_stop(fleet, recipe, directory):
     devices = fleet.add(25, "silent-for-a-while")
-    recipe.list(*devices)
-    with recipe.start("setup", "resume") as shell:
-        wait_until(lambda: len(fleet.connections) == 20)
-        parallel, = Path(f"/proc/{shell.pid}/task/{shell.pid}/children").read_text().split()
-        os.kill(int(parallel), signal.SIGHUP)
-        assert len(shell.stdout.readlines()) == 5
-    assert recipe("report")[:2] == ["      5 none", "     20 updated"]
-    assert recipe("resume", "report") == ["     25 updated"]
+    directory.write("devices.txt", "\n".join(devices))
+    shell = recipe("resume")
+    wait_until(lambda: len(fleet.connections) == 20)
+    parallel, = Path(f"/proc/{shell.pid}/task/{shell.pid}/children").read_text().split()
+    os.kill(int(parallel), signal.SIGHUP)
+    assert len(output(shell)) == 5
+    assert output(recipe("report"))[:2] == ["      5 none", "     20 updated"]
+    assert output(recipe("resume", "report")) == ["     25 updated"]
     assert fleet.connections == dict.fromkeys(devices, 1)

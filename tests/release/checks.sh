@@ -59,7 +59,7 @@ check_debian_package() {
   rm "$root/package.deb"
   # The files that man and the shells look for.
   local file program page option
-  for file in zsh/vendor-completions/_ravelink \
+  for file in zsh/vendor-completions/_ravelink ravelink/fleet/verdicts \
     doc/ravelink/{copyright,README.md,docs/{errors,json}.md,examples/packing/update.conf}; do
     [ -s "$root/usr/share/$file" ] || die "Not in the package: $file"
   done
