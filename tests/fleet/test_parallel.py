@@ -24,8 +24,8 @@ LOGS = (  # the last one has no final line feed
     (START + '{"event":"connect"}\n', "brokenOff"), (START + TRAILER, "unknown"), (UPDATED, "updated"),
     (REFUSED, "refused"), (UNKNOWN + REFUSED, "unknown"), (UNKNOWN + START, "unknown"),
     (UNKNOWN + UPDATED + REFUSED, "refused"), (START + TRAILER + "7\n" + START, "unknown"),
-    (UPDATED + UNKNOWN + "\n\0{\n[]\n", "unknown"), (START + result("deviceFailed", "true"),
-                                                     "deviceFailed"),
+    (UPDATED + UNKNOWN + "\n\0{\n[]\n", "unknown"),
+    (UNKNOWN + START + TRAILER + result("deviceFailed", "true") + REFUSED, "deviceFailed"),
     (REFUSED + UPDATED[:-2], "unknown"), (START + TRAILER[:-2], "brokenOff"))
 
 
@@ -46,11 +46,11 @@ def test_verdicts_follow_from_logs(directory):
     ("@ @", "", 'List not readable: "@"', 1),
     ("@list @no", "", 'Directory missing: "@no"', 1),
     ("@list @", "@", "Program missing: jq", 1),
-    ("@unsafe @", "", 'Bad address: "../a" in line 2 of the list', 1),
+    ("@unsafe @", "", 'Bad address: "a/../a" in line 2 of the list', 1),
     ("@list @", "", "Log not readable", 1)])
 def test_verdicts_prints_errors_or_all_devices(directory, monkeypatch, arguments, path, error, status):
     directory.write("list", "10.0.0.1\n10.0.0.2")
-    directory.write("unsafe", "a\n../a")
+    directory.write("unsafe", "a\na/../a")
     directory.write("10.0.0.2.jsonl/file", "")
     monkeypatch.setenv("PATH", directory.at(path) or os.environ["PATH"])
     printed = run(["/bin/sh", VERDICTS, *map(directory.at, arguments.split())], stderr=subprocess.STDOUT)
