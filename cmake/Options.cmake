@@ -12,6 +12,12 @@ endif()
 target_compile_options(options INTERFACE -ffunction-sections -fdata-sections)
 target_link_options(options INTERFACE -Wl,--gc-sections -Wl,--as-needed)
 
+# Release programs do not depend on the directory and the time of the build.
+target_compile_options(options INTERFACE $<$<CONFIG:Release>:-ffile-prefix-map=${PROJECT_SOURCE_DIR}=.>)
+if(WIN32)
+  target_link_options(options INTERFACE LINKER:--no-insert-timestamp)
+endif()
+
 if(CMAKE_BUILD_TYPE STREQUAL "Release" AND NOT RAVELINK_SANITIZERS)
   include(Hardening)
   set(hardened ON)

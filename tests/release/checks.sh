@@ -131,6 +131,16 @@ check_windows_package() {
   rehearse_job "$directory/rehearsal" cmake/run-wine "${unpacked[0]}/%s.exe"
 }
 
+# Builds the packages again, in another directory and without a cache of the compiler.
+check_reproducible() {
+  say 'The packages from another directory'
+  local directory
+  new_directory
+  git clone -q . "$directory/ravelink"
+  CCACHE_DISABLE=1 "$directory/ravelink/dev" package
+  diff -r build/packages "$directory/ravelink/build/packages" || die 'The packages differ'
+}
+
 # Runs the dissector on captures of real updates.
 check_dissector() {
   need iproute2 python3 tshark
