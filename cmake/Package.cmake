@@ -1,5 +1,5 @@
 # The packages of "./dev package": a Debian package of the programs and a tar.gz of programs and
-# libraries for Linux, a ZIP of the programs for Windows.
+# libraries for Linux, a ZIP and an installer of the programs for Windows.
 set(CPACK_PACKAGE_VENDOR ravelink)
 set(CPACK_PACKAGE_CONTACT "ravelink maintainers <maintainers@ravelink.invalid>")
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "installs updates on networked devices over Ethernet")
@@ -32,6 +32,8 @@ set(CPACK_DEBIAN_PACKAGE_SUGGESTS "ansible-core, jq, parallel")
 set(CPACK_DEB_COMPONENT_INSTALL ON)
 set(CPACK_DEBIAN_PACKAGE_CONTROL_EXTRA ${PROJECT_SOURCE_DIR}/cmake/debian/postrm)
 set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
+# Where cpack finds the template of the installer.
+list(APPEND CMAKE_MODULE_PATH ${PROJECT_SOURCE_DIR}/cmake/windows)
 set(CPACK_PROJECT_CONFIG_FILE ${PROJECT_SOURCE_DIR}/cmake/PackageGenerator.cmake)
 
 include(CPack)

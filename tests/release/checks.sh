@@ -131,6 +131,34 @@ check_windows_package() {
   rehearse_job "$directory/rehearsal" cmake/run-wine "${unpacked[0]}/%s.exe"
 }
 
+# Installs, uses and removes the programs, with a PATH that is longer than a string of the installer.
+check_windows_installer() {
+  say 'The installer for Windows'
+  local directory key='HKLM\SYSTEM\CurrentControlSet\Control\Session Manager\Environment'
+  new_directory
+  start_wine "$directory/wine"
+  local installed="$directory/wine/drive_c/Program Files/ravelink"
+  cmake/run-wine reg add "$key" /v Path /t REG_EXPAND_SZ /f /d "$(printf 'C:\windows;%.0s' {1..150})C:\windows"
+  state_of_windows >build/before
+  cmake/run-wine build/packages/*-setup.exe /S
+  state_of_windows >build/installed
+  grep -qF ';C:\windows;C:\Program Files\ravelink' build/installed || die 'Not in PATH'
+  grep -qF 'Start Menu/Programs/ravelink manual.lnk' build/installed || die 'No link to the manual'
+  mkdir "$directory/rehearsal"
+  rehearse "$directory/rehearsal" cmake/run-wine "$installed/%s.exe"
+  cmake/run-wine "$installed/uninstall.exe" /S
+  # The uninstaller continues in a copy of itself.
+  timeout 60 bash -c "while [ -e ${installed@Q} ]; do sleep 0.1; done"
+  state_of_windows | diff build/before - || die 'The uninstaller leaves something, or too little'
+}
+
+# state_of_windows: lists PATH, the installed programs and all files except temporary ones.
+state_of_windows() {
+  cmake/run-wine reg query "$key" /v Path
+  cmake/run-wine reg query 'HKLM\Software\Microsoft\Windows\CurrentVersion\Uninstall'
+  find "$WINEPREFIX/drive_c" -not -path '*/Temp/*' | sort
+}
+
 # Builds the packages again, in another directory and without a cache of the compiler.
 check_reproducible() {
   say 'The packages from another directory'
