@@ -294,13 +294,13 @@ void JobRun::OnSending(int bytes, int fileSize, long long stalled) {
     }
     sent_ = bytes;
     transfer_.Add(now, bytes);
-    int const rate = transfer_.Rate();
+    long long const rate = transfer_.Rate();
     text_.ShowSending(bytes, fileSize, rate, stalled, now - transfer_.StartTime());
     if (transfer_.IsReportDue(now)) {
         JsonValue const left = rate > 0 ? JsonValue((fileSize - bytes) / rate) : JsonValue(nullptr);
         events_.WriteProgress({{"sent", bytes},
                                {"total", fileSize},
-                               {"percent", static_cast<int>(100LL * bytes / fileSize)},
+                               {"percent", program::percentOf(bytes, fileSize)},
                                {"rate", rate},
                                {"eta", left},
                                {"still", seconds(stalled)}});
@@ -313,7 +313,7 @@ void JobRun::OnFileSent(int fileSize) {
     long long const duration = events_.Elapsed() - transfer_.StartTime();
     events_.Write("sent", {{"sent", fileSize},
                            {"duration", seconds(duration)},
-                           {"rate", rateOf(fileSize, duration)}});
+                           {"rate", program::rateOf(fileSize, duration)}});
     text_.OnFileSent(fileSize);
 }
 

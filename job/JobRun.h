@@ -11,8 +11,8 @@
 #include "job/EventWriter.h"
 #include "job/LineWriter.h"
 #include "job/TextReporter.h"
-#include "job/TransferMeter.h"
 #include "job/verdict.h"
+#include "program/TransferMeter.h"
 #include "update/session/Session.h"
 #include "update/session/UpdateFile.h"
 
@@ -101,7 +101,7 @@ private:
     bool isMeasured_ = false;  ///< whether the size and CRC of the file are known
     core::IPv4Address peer_;
     int sent_ = 0;  ///< bytes of the file, in this attempt
-    TransferMeter transfer_;
+    program::TransferMeter transfer_;
     std::uint32_t restart_ = 0;
     // Times are in milliseconds since the start.
     long long lastRecord_ = 0;  ///< when the device was last heard, or its turn began

@@ -2,6 +2,7 @@
 
 #include "core/text/String.h"
 #include "job/LineWriter.h"
+#include "program/ProgressLine.h"
 #include "update/session/LineReporter.h"
 
 namespace job {
@@ -21,7 +22,7 @@ public:
     void OnSent(int /*bytes*/, int /*fileSize*/) override {}
     /// Shows the progress of the transfer. rate is in bytes/s; stalled is the time since the
     /// device accepted a byte, elapsed that since the start of the transfer, in ms.
-    void ShowSending(int bytes, int fileSize, int rate, long long stalled, long long elapsed);
+    void ShowSending(int bytes, int fileSize, long long rate, long long stalled, long long elapsed);
     /// Shows the pause before the attempt of this number.
     void ShowPause(int seconds, int number, int count);
     /// Shows that the device is working, for elapsed of at most limit ms since the trailer.
@@ -36,13 +37,10 @@ protected:
 
 private:
     void Draw(core::String const& text);
-    core::String BarOf(int percent) const;
 
     LineWriter& writer_;
     Content content_;
-    bool isTerminal_;
-    int width_;               ///< columns
-    int drawn_ = 0;           ///< characters of the line that is redrawn
+    program::ProgressLine line_;
     int tenths_ = 0;          ///< that have a line
     long long nextLine_ = 0;  ///< ms since the start of the transfer
 };

@@ -20,7 +20,6 @@ namespace pack {
 using core::Fault;
 using core::message;
 using core::printLine;
-using core::printReport;
 using core::StreamSequencerBuilder;
 using core::StreamSequencerReader;
 using core::String;
@@ -220,8 +219,10 @@ void PackApplication::WriteArchive(StreamSequencerBuilder& builder, Source sourc
         errors_.push_back(fileError("Archive not writable", path, result));
         return;
     }
-    PackProgress progress("Packed");
-    result = builder.Write(target, &progress);
+    {
+        PackProgress progress("Packing");
+        result = builder.Write(target, &progress);
+    }
     if (result != 0) {
         errors_.push_back(buildError(builder, source, path, result));
         return;
@@ -240,8 +241,8 @@ void PackApplication::WriteArchive(StreamSequencerBuilder& builder, Source sourc
         errors_.push_back(fileError("Archive not writable", path, result));
         return;
     }
-    printReport(message("- Archive built: %1, %2", fileCount(builder.FileCount()),
-                        sizeInColor(size, doneColor)));
+    printLine(message("- Archive built: %1, %2", fileCount(builder.FileCount()),
+                      sizeInColor(size, doneColor)));
     WarnOfPaths(builder);
 }
 
@@ -283,9 +284,8 @@ bool PackApplication::RejectSourceAsTarget(StreamSequencerBuilder const& builder
 }
 
 void PackApplication::List() {
-    PackProgress progress(printsJson_ ? "" : "Read");
     StreamSequencerReader reader;
-    bool const valid = ReadArchive(reader, progress);
+    bool const valid = ReadArchive(reader, "Reading");
     if (IsTerminationRequested()) {
         return;
     }
@@ -301,9 +301,8 @@ void PackApplication::List() {
 }
 
 void PackApplication::Check() {
-    PackProgress progress("Checked");
     StreamSequencerReader reader;
-    if (!ReadArchive(reader, progress)) {
+    if (!ReadArchive(reader, "Checking")) {
         return;
     }
     long long const size = archive_.Size();
@@ -311,9 +310,9 @@ void PackApplication::Check() {
         errors_.push_back(fileError("Archive not readable", path_, static_cast<int>(size)));
         return;
     }
-    printReport(message("- The archive is valid: %1, %2, CRC-32 %3", fileCount(reader.FileCount()),
-                        sizeInColor(reader.GetReadPosition().end, doneColor),
-                        core::hex(reader.GetCRC(), 8)));
+    printLine(message("- The archive is valid: %1, %2, CRC-32 %3", fileCount(reader.FileCount()),
+                      sizeInColor(reader.GetReadPosition().end, doneColor),
+                      core::hex(reader.GetCRC(), 8)));
     long long const end = reader.GetReadPosition().end;
     if (size > end) {
         printLine(message("- Trailing data at offset %1: %2 bytes", end, size - end));
@@ -321,28 +320,36 @@ void PackApplication::Check() {
 }
 
 void PackApplication::Extract() {
-    PackProgress checking("Checked");
     StreamSequencerReader reader;
-    if (!ReadArchive(reader, checking)) {
+    if (!ReadArchive(reader, "Checking")) {
         return;
     }
-    PackProgress progress("Extracted");
     auto const existing =
         FindOption("f") ? Extractor::Existing::replace : Extractor::Existing::keep;
-    if (Extractor(reader, errors_).Extract(Value("d"), existing, progress)) {
-        printReport(message("- Extracted: %1", fileCount(reader.FileCount())));
+    bool extracted = false;
+    {
+        PackProgress progress("Extracting");
+        extracted = Extractor(reader, errors_).Extract(Value("d"), existing, progress);
+    }
+    if (extracted) {
+        printLine(message("- Extracted: %1", fileCount(reader.FileCount())));
     }
 }
 
-bool PackApplication::ReadArchive(StreamSequencerReader& reader, core::ICopyCallback& progress) {
+bool PackApplication::ReadArchive(StreamSequencerReader& reader, char const* verb) {
     int result = sys::file::openRegularFile(archive_, path_);
     if (result != 0) {
         errors_.push_back(fileError("Archive not readable", path_, result));
         return false;
     }
     reader.SetStream(&archive_);
-    reader.SetProgress(&progress);
-    result = FindOption("c") ? reader.Check() : reader.Read();
+    {
+        using Output = PackProgress::Output;
+        PackProgress progress(verb, printsJson_ ? Output::none : Output::terminal);
+        reader.SetProgress(&progress);
+        result = FindOption("c") ? reader.Check() : reader.Read();
+        reader.SetProgress(nullptr);
+    }
     auto const error = reader.GetReadError() != 0
                            ? fileError("Archive not readable", path_, reader.GetReadError())
                            : archiveError(reader, result);

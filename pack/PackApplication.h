@@ -45,8 +45,9 @@ private:
     /// that it contains, also through a link.
     bool RejectSourceAsTarget(core::StreamSequencerBuilder const& builder,
                               core::String const& path);
-    /// Opens the archive and reads it. Adds an error and returns false if it is not valid.
-    bool ReadArchive(core::StreamSequencerReader& reader, core::ICopyCallback& progress);
+    /// Opens the archive and reads it, showing the progress of the verb. Adds an error and returns
+    /// false if it is not valid.
+    bool ReadArchive(core::StreamSequencerReader& reader, char const* verb);
     core::String Value(char const* option) const;
 
     std::vector<core::Fault> errors_;

@@ -3,6 +3,7 @@
 #include "core/console/lines.h"
 #include "core/runtime/Application.h"
 #include "core/text/message.h"
+#include "sys/scheduler.h"
 
 namespace pack {
 
@@ -11,29 +12,29 @@ using core::String;
 
 namespace {
 
-long long const reportStep = 32LL << 20;  ///< bytes between reports
+long long now() {
+    return static_cast<long long>(sys::scheduler::getcurrtickms());
+}
 
 }  // namespace
 
-PackProgress::PackProgress(String const& verb) : verb_(verb) {
-    // Its first report must not overwrite the last one of the work before.
-    core::endReport();
+PackProgress::PackProgress(char const* verb, Output output)
+    : verb_(verb), output_(output), line_(sys::platform::StandardStream::output) {
+    meter_.Start(now());
+}
+
+PackProgress::~PackProgress() {
+    if (String const text = line_.Erase(); !text.IsEmpty()) {
+        core::printText(text);
+    }
 }
 
 bool PackProgress::Copied(long long done, long long total) {
-    bool const goOn = !core::Application::IsTerminationRequested();
-    if (done < next_) {
-        return goOn;
+    if (output_ == Output::terminal && line_.IsShown() && meter_.IsReportDue(now())) {
+        meter_.Add(now(), done);
+        core::printText(line_.Redraw(line_.TransferText(verb_, done, total, meter_.Rate())));
     }
-    // The first call only sets when to report: work of less than a step prints nothing.
-    if (next_ > 0 && !verb_.IsEmpty()) {
-        core::printReport(
-            core::message(">   %1 by now: %2 of %3", verb_,
-                          sizeInColor(done - done % reportStep, Console::Color::brightYellow),
-                          core::FormatByteSize(total, false)));
-    }
-    next_ = (done / reportStep + 1) * reportStep;
-    return goOn;
+    return !core::Application::IsTerminationRequested();
 }
 
 String fileCount(int count) {

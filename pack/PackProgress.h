@@ -3,21 +3,31 @@
 #include "core/console/Console.h"
 #include "core/stream/ICopyCallback.h"
 #include "core/text/String.h"
+#include "program/ProgressLine.h"
+#include "program/TransferMeter.h"
 
 namespace pack {
 
-/// Prints the progress of long work, in one line that it overwrites. Cancels the work when
-/// termination of the application is requested.
+/// Shows the progress of work that takes seconds as a line on a terminal, and nothing elsewhere.
+/// Cancels the work when termination of the application is requested.
 class PackProgress : public core::ICopyCallback {
 public:
-    /// verb names the work, such as "Packed"; if it is empty, nothing is printed.
-    explicit PackProgress(core::String const& verb);
+    enum class Output { terminal, none };
+
+    /// verb names the work, such as "Packing".
+    explicit PackProgress(char const* verb, Output output = Output::terminal);
+    PackProgress(PackProgress const&) = delete;
+    PackProgress& operator=(PackProgress const&) = delete;
+    /// Removes the line.
+    ~PackProgress() override;
 
     bool Copied(long long done, long long total) override;
 
 private:
-    core::String const verb_;
-    long long next_ = 0;
+    char const* const verb_;
+    Output const output_;
+    program::ProgressLine line_;
+    program::TransferMeter meter_;
 };
 
 /// Returns "1 file", "2 files" and so on.

@@ -39,9 +39,4 @@ void printReport(String const& text) {
     replacesReport = true;
 }
 
-void endReport() {
-    std::lock_guard const locked(lock);
-    replacesReport = false;
-}
-
 }  // namespace core

@@ -11,9 +11,7 @@ namespace core {
 void printLine(String const& text);
 /// Prints text without a line feed.
 void printText(String const& text);
-/// Prints text as a line, over the last report unless other text or endReport() followed it.
+/// Prints text as a line, over the last report unless other text followed it.
 void printReport(String const& text);
-/// Keeps the last report: the next report is a line of its own.
-void endReport();
 
 }  // namespace core

@@ -2,6 +2,8 @@
 
 import json
 import os
+import pty
+import re
 import signal
 import subprocess
 import zlib
@@ -269,15 +271,33 @@ def test_lists_as_a_table_and_as_json(pack, directory):
         "@bad.rvl", '*** Not an archive: No magic "QXRB5129" at offset 0', ""]
 
 
-def test_reports_long_work(pack, directory):
-    directory.write("m.conf", OTHER + directory.write("big", ""))
-    os.truncate(directory.path / "big", 70_000_000)
-    assert pack("-b @m.conf -o @a.rvl") == [">   Packed by now: 32.0 MB of 66.8 MB",
-                                            ">   Packed by now: 64.0 MB of 66.8 MB          ",
-                                            "- Archive built: 1 file, 66.8 MB          "]
-    assert pack("-x @a.rvl -d @out")[-1] == "- Extracted: 1 file          "
-    assert len(pack("-l @a.rvl -j")) == 1
-    assert os.path.getsize(directory.path / "out/big") == 70_000_000
+def test_copies_files_of_many_chunks(pack, directory):
+    data = bytes(range(251)) * 4000
+    directory.write("tree/big", data)
+    assert pack("-b @tree -o @a.rvl") == ["- Archive built: 1 file, 984.5 KB"]
+    assert pack("-x @a.rvl -d @out") == ["- Extracted: 1 file"]
+    assert directory.read("out/big") == data
+
+
+@pytest.mark.skipif(WINDOWS, reason="a Win32 console is no stream")
+def test_shows_progress_on_a_terminal_only(pack, directory):
+    archive = pack.golden("a.rvl", "files", "x")
+    directory.write("a.rvl", archive[:32] + (1 << 40).to_bytes(8, "little") + archive[40:4120])
+    os.truncate(directory.path / "a.rvl", 1 << 41)  # reading it takes minutes
+    command = ["env", "TERM=xterm", *pack.command, "-c", directory.at("@a.rvl")]
+    reader, terminal = pty.openpty()
+    with (subprocess.Popen(command, stdout=subprocess.PIPE) as piped,
+          subprocess.Popen(command, stdout=terminal) as process):
+        os.close(terminal)
+        shown = b""
+        while not re.search(rb"\r  Checking (\[.*\]  )?0%  \d+\.\d of 2097152\.0 MiB  \d+\.\d MiB/s",
+                            shown):
+            shown += os.read(reader, 4096)
+        process.terminate()
+        assert process.wait() == -signal.SIGTERM and os.read(reader, 4096).endswith(b" \r")
+        piped.terminate()
+        assert piped.stdout.read().decode() == pack.banner + "\n"
+    os.close(reader)
 
 
 TOO_LONG = 256 * "n"

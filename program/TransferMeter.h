@@ -2,33 +2,36 @@
 
 #include <deque>
 
-namespace job {
+namespace program {
 
-/// The speed of a transfer over the last seconds. Times are in milliseconds on one clock.
+/// The speed of a transfer, or of other work on bytes, over the last seconds. Times are in
+/// milliseconds on one clock.
 class TransferMeter {
 public:
     /// Begins a transfer.
     void Start(long long now);
-    /// sent is the number of bytes by now.
-    void Add(long long now, int sent);
+    /// done is the number of bytes by now.
+    void Add(long long now, long long done);
 
     long long StartTime() const { return start_; }
     /// Returns the bytes per second over the last five seconds.
-    int Rate() const;
+    long long Rate() const;
     /// Whether a second has passed since the start, or since this was last true.
     bool IsReportDue(long long now);
 
 private:
     struct Sample {
         long long time;
-        int sent;
+        long long done;
     };
     std::deque<Sample> samples_;
     long long start_ = 0;
     long long lastReport_ = 0;
 };
 
+/// Returns the part of total that is done, from 0 to 100 per cent.
+[[nodiscard]] int percentOf(long long done, long long total);
 /// Returns bytes per second, without overflow.
-[[nodiscard]] int rateOf(long long bytes, long long milliseconds);
+[[nodiscard]] long long rateOf(long long bytes, long long milliseconds);
 
-}  // namespace job
+}  // namespace program
