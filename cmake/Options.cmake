@@ -8,6 +8,11 @@ if(RAVELINK_WARNINGS_AS_ERRORS)
   target_compile_options(options INTERFACE -Werror)
 endif()
 
+if(CMAKE_SIZEOF_VOID_P EQUAL 4)
+  # Files of more than 2 GiB, and times after 2037, such as those of files.
+  target_compile_definitions(options INTERFACE _FILE_OFFSET_BITS=64 _TIME_BITS=64)
+endif()
+
 # Removes unused code, including the standard library's: nearly half of a release binary.
 target_compile_options(options INTERFACE -ffunction-sections -fdata-sections)
 target_link_options(options INTERFACE -Wl,--gc-sections -Wl,--as-needed)

@@ -1,6 +1,6 @@
 # cmake -D DIRECTORY=<scratch> -D BUILD=<build> | -D INSTALLED=<prefix> -D COMPILER=<compiler>
-#       [-D LINKING=<options> -D TOOLCHAIN=<file> -D EMULATOR=<command> -D SUFFIX=<of programs>]
-#       -P CheckConsumer.cmake
+#       [-D LINKING=<options> -D TOOLCHAIN=<file> -D PROCESSOR=<of the programs> -D EMULATOR=<command>
+#        -D SUFFIX=<of programs>] -P CheckConsumer.cmake
 # Builds the example of an installation, which is made first if it is not given, and updates a simulated
 # device with it.
 cmake_minimum_required(VERSION 3.25)
@@ -35,8 +35,8 @@ if(NOT SUFFIX)
 endif()
 run(${CMAKE_COMMAND} -S ${DIRECTORY}/source -B ${DIRECTORY}/build -G Ninja
     -D CMAKE_BUILD_TYPE=Release -D CMAKE_CXX_COMPILER=${COMPILER}
-    -D CMAKE_TOOLCHAIN_FILE=${TOOLCHAIN} -D CMAKE_CXX_FLAGS=-Werror
-    -D CMAKE_EXE_LINKER_FLAGS=${LINKING}
+    -D CMAKE_TOOLCHAIN_FILE=${TOOLCHAIN} -D CMAKE_SYSTEM_PROCESSOR=${PROCESSOR}
+    -D CMAKE_CXX_FLAGS=-Werror -D CMAKE_EXE_LINKER_FLAGS=${LINKING}
     -D ravelink_ROOT=${INSTALLED} -D CMAKE_FIND_ROOT_PATH=${INSTALLED})
 run(${CMAKE_COMMAND} --build ${DIRECTORY}/build)
 

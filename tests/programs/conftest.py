@@ -1,7 +1,7 @@
 """The programs under test, and the fixtures of their tests.
 
-RAVELINK_BIN is the directory of the built programs. RAVELINK_EMULATOR is the command that runs Windows
-programs. RAVELINK_UPDATER and RAVELINK_SIMULATED_DEVICE replace the commands of these two programs.
+RAVELINK_BIN is the directory of the built programs. RAVELINK_EMULATOR is the command that runs programs
+of another system or processor. RAVELINK_UPDATER and RAVELINK_SIMULATED_DEVICE replace the commands of these two programs.
 """
 
 import os
@@ -17,7 +17,8 @@ import pytest
 SOURCE = Path(__file__).resolve().parents[2]
 BIN = Path(os.environ["RAVELINK_BIN"])
 EMULATOR = shlex.split(os.environ.get("RAVELINK_EMULATOR", ""))
-WINDOWS = bool(EMULATOR)
+WINDOWS = bool(EMULATOR) and EMULATOR[0].endswith("run-wine")
+QEMU = bool(EMULATOR) and not WINDOWS
 VERSION = re.search(r"project\(ravelink VERSION (\S+)", (SOURCE / "CMakeLists.txt").read_text())[1]
 
 

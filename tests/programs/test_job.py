@@ -17,7 +17,7 @@ import zlib
 
 import pytest
 
-from conftest import SOURCE, WINDOWS, built, wait_until
+from conftest import QEMU, SOURCE, WINDOWS, built, wait_until
 
 COMMON = "schema:i event:s time:s elapsed:n device:s attempt:i "
 ERROR = "title:s message:s source:s status:i? statusName:s?"
@@ -186,6 +186,7 @@ def test_connects_only_with_a_good_file_and_log(job, pack, directory, device, up
     directory.write("empty", "")
     directory.write("huge", "")
     os.truncate(directory.path / "huge", 2 ** 31)
+    os.utime(directory.path / "huge", (2 ** 32, 2 ** 32))  # after 2038
     archive = bytearray(pack.golden("flipped", "files"))
     archive[-30] ^= 1
     directory.write("flipped", bytes(archive))
@@ -409,7 +410,7 @@ def interrupted(job, directory):
 
 @pytest.mark.skipif(WINDOWS, reason="no signals")
 def test_ends_by_a_signal(interrupted, directory, scenario, update, unused_address):
-    update(2_000_000_000)
+    update(50_000_000 if QEMU else 2_000_000_000)
     address = scenario(SLOW + "10").address
     for arguments, event, step, number in (
             (f"-a {address}", "start", "file", signal.SIGTERM),

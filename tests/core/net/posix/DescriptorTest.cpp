@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cstdint>
 #include <ctime>
 #include <utility>
 
@@ -59,7 +60,7 @@ TEST(Descriptors, ServerReportsMissingResources) {
     pthread_attr_t oversized;
     pthread_getattr_default_np(&standard);
     pthread_attr_init(&oversized);
-    pthread_attr_setstacksize(&oversized, std::size_t{1} << 50);
+    pthread_attr_setstacksize(&oversized, SIZE_MAX / 4 * 3);
     ASSERT_EQ(pthread_setattr_default_np(&oversized), 0);
     EXPECT_EQ(server.StartListen(), -1);
     EXPECT_EQ(server.LastError(), EAGAIN) << "no thread";
