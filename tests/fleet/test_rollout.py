@@ -200,16 +200,24 @@ def test_leaves_updates_running_when_interrupted(rollout, fleet, pausing):
 
 def test_sends_nothing_after_bad_input(rollout, fleet, directory):
     run_all = rollout(fleet.add(3))
-    for variables, name, text in [
-            ({"ravelink_sha256": 64 * "0"}, "press03", "the archive %s has the SHA-256" % run_all.archive),
-            ({"ravelink_archive": directory.at("@none")}, "press01", "the archive cannot be read"),
-            ({"ravelink_retry": "many"}, "press02", "'retry' is of type"),
-            ({"ravelink_address": "10.0.0.999:1"}, "press03", "Bad address"),
-            ({"ravelink_address": "{{ nothing }}"}, "press01", "'nothing' is undefined"),
-            ({"ravelink_folder": run_all.archive}, "press02", "it is not a directory")]:
-        ran = run_all(**variables)
-        assert ran.status == 2 and set(ran.outcomes.values()) <= {"file", "usage", "error"}, ran.text
-        assert re.search(rf"(?m)^  {name}  .*{re.escape(text)}", ran.text), ran.text
+    for variables, outcome, text in [
+            ({"ravelink_sha256": 64 * "0"}, "file", "the archive %s has the SHA-256" % run_all.archive),
+            ({"ravelink_archive": directory.at("@none")}, "file", "the archive cannot be read"),
+            ({"ravelink_folder": run_all.archive}, "file", "it is not a directory"),
+            ({"ravelink_retry": "many"}, "error", "'retry' is of type"),
+            # Of one device only; the others are not updated either.
+            ({"ravelink_address": "10.0.0.999:1"}, "usage", "Bad address"),
+            ({"ravelink_address": "{{ nothing }}"}, "error", "'nothing' is undefined"),
+            ({"ravelink_gateway": "127.0.0.2"}, "unreachable", "Failed to connect")]:
+        of_one = {"ravelink_address", "ravelink_gateway"} & {*variables}
+        host = dict(run_all.hosts["press02"])
+        run_all.hosts["press02"].update(variables if of_one else {})
+        ran = run_all(**({} if of_one else variables))
+        run_all.hosts["press02"] = host
+        others = "not tried" if of_one else outcome
+        assert ran.outcomes == {"press01": others, "press02": outcome, "press03": others}, ran.text
+        assert ran.status == 2
+        assert re.search(rf"(?m)^  press02  {outcome}  .*{re.escape(text)}", ran.text), ran.text
     # The archive changes between two waves.
     after = directory.write("after.yml", "- {ansible.builtin.copy: {dest: '%s', content: other}, delegate_to"
                             ": localhost}\n" % run_all.archive)
