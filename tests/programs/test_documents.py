@@ -1,12 +1,13 @@
 """The documents, compared with the sources and with the behaviour of the programs."""
 
+import json
 import re
 import socket
 from itertools import groupby
 
 import pytest
 
-from conftest import SOURCE, built, run, source
+from conftest import SOURCE, built, golden, run, source
 from test_job import COMMON, EVENTS, names as names_of, parse
 
 PROGRAMS = re.search(r"^set\(programs (.*)\)$", source("CMakeLists.txt"), re.M)[1].split()
@@ -198,6 +199,13 @@ def test_names_of_manifests_and_scenarios_are_documented():
 
 
 # Formats
+
+
+def test_members_of_listings_are_documented():
+    tables = part(source("docs/ravelink-pack.md"), "\n## JSON", "\n## Exit status")
+    rows = re.findall(r"^\| (`.*?`) \| [a-z ]+ \|", tables, re.M)
+    listed = json.loads(golden("list.json"))
+    assert set(re.findall(r"`(\w+)`", "".join(rows))) == {*listed, *listed["files"][0], "error"}
 
 
 def test_the_example_archive_is_what_its_manifest_gives(pack, directory):
