@@ -30,12 +30,16 @@ char const* StringArray::ClassName() const {
 }
 
 void StringArray::Clear() {
-    decltype(entries_)().swap(entries_);
-    capacity_ = 0;
+    StringArray none(step_);
+    SwapEntries(none);
 }
 
 int StringArray::Add(String const& text) {
-    return Append(std::make_unique<String>(text));
+    if (count_ == Capacity()) {
+        Grow();
+    }
+    Get(count_) = text;
+    return count_++;
 }
 
 int StringArray::Add(String const& name, String const& value) {
@@ -43,7 +47,7 @@ int StringArray::Add(String const& name, String const& value) {
     pair.Append(name.View());
     pair.Append(Separator);
     pair.Append(value.View());
-    return Append(std::make_unique<String>(pair.AsString()));
+    return Add(pair.AsString());
 }
 
 void StringArray::Add(StringArray const& other) {
@@ -55,7 +59,11 @@ void StringArray::Add(StringArray const& other) {
 
 void StringArray::Delete(int index) {
     if (Has(index)) {
-        entries_.erase(entries_.begin() + index);
+        Get(index).Clear();
+        // The slot becomes the first unused one.
+        auto const slot = slots_.begin() + index;
+        std::rotate(slot, slot + 1, slots_.begin() + count_);
+        --count_;
     }
 }
 
@@ -122,14 +130,14 @@ String StringArray::AsString() const {
     return result.AsString();
 }
 
-int StringArray::Append(std::unique_ptr<String> entry) {
-    bool const full = Count() == capacity_;
-    if (full && capacity_ > MaxCapacity - step_) {
+void StringArray::Grow() {
+    if (Capacity() > MaxCapacity - step_) {
         throw std::bad_alloc();
     }
-    entries_.push_back(std::move(entry));
-    capacity_ += full ? step_ : 0;
-    return Count() - 1;
+    auto const size = static_cast<std::size_t>(step_);
+    String* block = blocks_.emplace_back(std::make_unique<String[]>(size)).get();
+    slots_.resize(slots_.size() + size);
+    std::generate(slots_.end() - step_, slots_.end(), [&block] { return block++; });
 }
 
 }  // namespace core

@@ -33,13 +33,13 @@ public:
 
     char const* ClassName() const override;
 
-    int Count() const { return static_cast<int>(entries_.size()); }
+    int Count() const { return count_; }
     /// Returns the number of slots: a multiple of the step, increased by it when an entry does not
-    /// fit. The memory grows geometrically, so adding takes amortised constant time.
-    int Capacity() const { return capacity_; }
+    /// fit. Adding an entry takes amortised constant time.
+    int Capacity() const { return static_cast<int>(slots_.size()); }
     /// Returns an entry; the reference is valid until the entry is deleted.
-    String& Get(int index) { return *entries_[static_cast<std::size_t>(index)]; }
-    String const& Get(int index) const { return *entries_[static_cast<std::size_t>(index)]; }
+    String& Get(int index) { return *slots_[static_cast<std::size_t>(index)]; }
+    String const& Get(int index) const { return *slots_[static_cast<std::size_t>(index)]; }
     String& operator[](int index) { return Get(index); }
     String const& operator[](int index) const { return Get(index); }
 
@@ -91,10 +91,13 @@ private:
     bool Has(int index) const { return index >= 0 && index < Count(); }
     void SwapEntries(StringArray& other);
     void SetConfLines(StringArray const& lines);
-    int Append(std::unique_ptr<String> entry);
+    void Grow();
 
-    std::vector<std::unique_ptr<String>> entries_;
-    int capacity_ = 0;
+    /// Blocks of step_ strings. They never move, as references to entries must stay valid.
+    std::vector<std::unique_ptr<String[]>> blocks_;
+    /// All strings of the blocks: first the entries in their order, then unused, empty ones.
+    std::vector<String*> slots_;
+    int count_ = 0;
     int step_;
 };
 

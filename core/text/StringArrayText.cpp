@@ -124,8 +124,9 @@ bool StringArray::LoadAsConfFileFrom(IStream* stream) {
 }
 
 void StringArray::SwapEntries(StringArray& other) {
-    std::swap(entries_, other.entries_);
-    std::swap(capacity_, other.capacity_);
+    std::swap(blocks_, other.blocks_);
+    std::swap(slots_, other.slots_);
+    std::swap(count_, other.count_);
 }
 
 void StringArray::SetConfLines(StringArray const& lines) {
