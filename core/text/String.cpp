@@ -1,13 +1,23 @@
 #include "core/text/String.h"
 
 #include <algorithm>
-#include <memory>
+#include <functional>
 
 #include "core/text/Buffer.h"
 #include "core/text/StringPool.h"
 #include "core/text/TextBuilder.h"
 
 namespace core {
+
+namespace {
+
+/// Whether text is in the buffer.
+bool isInBuffer(String::StringData const& data, std::string_view text) {
+    std::less_equal<> const notAfter;
+    return notAfter(data.buffer, text.data()) && notAfter(text.data(), data.buffer + data.capacity);
+}
+
+}  // namespace
 
 void String::SetString(char const* text, int length) {
     if (text == nullptr || length == 0) {
@@ -45,8 +55,7 @@ String String::OfChar(char c, int count) {
 }
 
 void String::CopyOnWrite(int newLength) {
-    bool const shared = data_ != nullptr && data_->count > 1;
-    if (newLength < 0 && !shared) {
+    if (newLength < 0 && IsUnique()) {
         return;
     }
     std::string_view const before = View();
@@ -54,17 +63,11 @@ void String::CopyOnWrite(int newLength) {
         newLength < 0 ? before.size() : static_cast<std::size_t>(std::min(newLength, MaxLength));
     if (length == 0) {
         Clear();
-        return;
+    } else if (!IsUnique() || length != before.size()) {
+        std::size_t const kept = std::min(length, before.size());
+        SetParts(before.substr(0, kept), {}, {}, length - kept);
+        std::memset(data_->buffer + kept, 0, length + 1 - kept);
     }
-    if (!shared && data_ != nullptr && length == before.size()) {
-        return;
-    }
-
-    std::unique_ptr<char[]> resized(new char[length + 1]);
-    std::size_t const kept = std::min(length, before.size());
-    std::memcpy(resized.get(), before.data(), kept);
-    std::memset(resized.get() + kept, 0, length + 1 - kept);
-    Adopt(resized.release());
 }
 
 char* String::GetBuffer(int length) {
@@ -72,31 +75,67 @@ char* String::GetBuffer(int length) {
         return nullptr;
     }
     CopyOnWrite(length);
-    return data_ != nullptr ? data_->buffer : nullptr;
+    if (data_ == nullptr) {
+        return nullptr;
+    }
+    data_->length = StringData::unknownLength;
+    return data_->buffer;
 }
 
 void String::freeBlock(StringData* data) {
     StringPool::Instance().Release(data);
 }
 
-void String::SetParts(std::string_view first, std::string_view second, std::string_view third) {
-    std::size_t length = first.size() + second.size() + third.size();
-    if (length == 0) {
+void String::SetParts(std::string_view first, std::string_view second, std::string_view third,
+                      std::size_t spare) {
+    first = first.substr(0, MaxLength);
+    second = second.substr(0, MaxLength - first.size());
+    third = third.substr(0, MaxLength - first.size() - second.size());
+    std::size_t const length = first.size() + second.size() + third.size();
+    std::size_t const capacity = std::min<std::size_t>(length + spare, MaxLength);
+    if (capacity == 0) {
         Clear();
         return;
     }
-    if (length > MaxLength) {
-        first = first.substr(0, MaxLength);
-        second = second.substr(0, MaxLength - first.size());
-        third = third.substr(0, MaxLength - first.size() - second.size());
-        length = MaxLength;
+
+    // Keep the record if possible: to take another one needs the pool's lock. A short buffer cannot
+    // be replaced, because it is part of its record.
+    bool const keepsRecord = IsUnique() && capacity > StringData::shortCapacity;
+    StringData* const data = keepsRecord ? data_ : StringPool::Instance().Take(capacity);
+    char* const buffer = keepsRecord ? new char[capacity + 1] : data->buffer;
+    first.copy(buffer, first.size());
+    second.copy(buffer + first.size(), second.size());
+    third.copy(buffer + first.size() + second.size(), third.size());
+    buffer[length] = '\0';
+    // The parts may be in the old buffer: release it last.
+    if (keepsRecord) {
+        StringPool::SetBuffer(*data, buffer, capacity);
+    } else {
+        deleteStringData(std::exchange(data_, data));
     }
-    char* const text = new char[length + 1];
-    first.copy(text, first.size());
-    second.copy(text + first.size(), second.size());
-    third.copy(text + first.size() + second.size(), third.size());
-    text[length] = '\0';
-    Adopt(text);
+    data->length = static_cast<int>(length);
+}
+
+void String::Splice(std::string_view head, std::string_view text, std::string_view tail) {
+    std::size_t const length = head.size() + text.size() + tail.size();
+    bool const fits = IsUnique() && length <= static_cast<std::size_t>(data_->capacity);
+    if (length == 0 || !fits || isInBuffer(*data_, text)) {
+        // Reserve as much again for more text: repeated appending takes amortised constant time.
+        SetParts(head, text, tail, text.empty() ? 0 : length);
+        return;
+    }
+    char* const target = data_->buffer + head.size();
+    std::char_traits<char>::move(target + text.size(), tail.data(), tail.size());
+    text.copy(target, text.size());
+    data_->buffer[length] = '\0';
+    data_->length = static_cast<int>(length);
+}
+
+void String::AppendPart(std::string_view part) {
+    // Keep a shared record if nothing is appended.
+    if (!part.empty()) {
+        Splice(View(), part, {});
+    }
 }
 
 String String::Join(std::string_view first, std::string_view second, std::string_view third) const {
@@ -108,17 +147,6 @@ String String::Join(std::string_view first, std::string_view second, std::string
     String result;
     result.SetParts(first, second, third);
     return result;
-}
-
-void String::Adopt(char* buffer) {
-    if (data_ != nullptr && data_->count == 1) {
-        delete[] std::exchange(data_->buffer, buffer);
-        return;
-    }
-    deleteStringData(std::exchange(data_, nullptr));
-    data_ = StringPool::Instance().Take();
-    data_->buffer = buffer;
-    data_->count = 1;
 }
 
 }  // namespace core

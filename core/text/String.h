@@ -57,13 +57,22 @@ public:
     /// The maximum number of decimal places: no double has more.
     static constexpr int MaxPrecision = 1074;
 
-    /// The record that copies share. Records come from StringPool, which links the free ones.
+    /// The record that copies share, from StringPool, which links the free ones.
     struct StringData {
         int count;
+        /// The number of characters, or unknownLength: up to the first NUL.
+        int length;
         union {
             char* buffer;
             StringData* nextFree;
         };
+        /// The number of characters that fit into the buffer, besides a NUL.
+        int capacity;
+        /// The buffer of a short string.
+        char shortBuffer[12];
+
+        static constexpr std::size_t shortCapacity = sizeof shortBuffer - 1;
+        static constexpr int unknownLength = -1;
     };
 
     String() = default;
@@ -128,9 +137,13 @@ public:
     /// Returns the NUL-terminated characters; never null, valid until this string changes.
     char const* getCString() const { return data_ != nullptr ? data_->buffer : ""; }
     /// Returns the characters without the NUL; valid until this string changes.
-    std::string_view View() const { return getCString(); }
-    /// Returns the number of characters, counting them at each call.
-    int GetLength() const { return data_ != nullptr ? static_cast<int>(View().size()) : 0; }
+    std::string_view View() const {
+        return data_ == nullptr || data_->length == StringData::unknownLength
+                   ? std::string_view(getCString())
+                   : std::string_view(data_->buffer, static_cast<std::size_t>(data_->length));
+    }
+    /// Returns the number of characters. After GetBuffer it counts them at each call.
+    int GetLength() const { return static_cast<int>(View().size()); }
     bool IsEmpty() const { return *getCString() == '\0'; }
 
     // Comparison returns -1, 0 or 1. Bytes are compared as signed values: 0x80 sorts before "A".
@@ -226,6 +239,7 @@ public:
     void Delete(int start, int count = -1);
     void DeleteFromLeft(int count) { Delete(0, count); }
     void DeleteFromRight(int count);
+    /// Appends text. A string takes amortised constant time for each character appended.
     void Append(String const& text);
     void Append(char const* text);
     /// Appends c unless it is NUL.
@@ -386,7 +400,7 @@ public:
     template <Integer Value>
     [[nodiscard]] String argi(int index, Value value, int width = 0, int base = 10,
                               Align align = AlignDefault, char fill = '\0') && {
-        FillInInteger(index, Widen(value), width, base, align, fill);
+        FillInInteger(index, Widest<Value>(value), width, base, align, fill);
         return std::move(*this);
     }
     template <Integer Value>
@@ -417,7 +431,7 @@ public:
     [[nodiscard]] String argn(String const& name, Value value, int width = 0, int base = 10,
                               Align align = AlignDefault, char fill = '\0') const {
         String result(*this);
-        result.FillInInteger(name, Widen(value), width, base, align, fill);
+        result.FillInInteger(name, Widest<Value>(value), width, base, align, fill);
         return result;
     }
     [[nodiscard]] String argn(String const& name, double value, int width = 0, char format = 'g',
@@ -542,22 +556,21 @@ private:
     }
     static void freeBlock(StringData* data);
 
-    /// Assigns the concatenation of parts without NUL, which may be parts of this string.
-    void SetParts(std::string_view first, std::string_view second = {},
-                  std::string_view third = {});
+    /// Whether this string has a record that it does not share.
+    bool IsUnique() const { return data_ != nullptr && data_->count == 1; }
+    /// Assigns the concatenation of parts without NUL, which may be parts of this string, in a new
+    /// buffer with capacity for spare more characters.
+    void SetParts(std::string_view first, std::string_view second = {}, std::string_view third = {},
+                  std::size_t spare = 0);
+    /// Replaces the characters between head and tail, the start and the end of this string, by
+    /// text, which may be part of this string.
+    void Splice(std::string_view head, std::string_view text, std::string_view tail);
+    void AppendPart(std::string_view part);
     /// Returns the concatenation of parts without NUL; a copy of this string if that is equal.
     String Join(std::string_view first, std::string_view second = {},
                 std::string_view third = {}) const;
-    /// Takes ownership of buffer (new char[]) as the content, in an unshared record.
-    void Adopt(char* buffer);
     template <Integer Value>
-    static auto Widen(Value value) {
-        if constexpr (std::unsigned_integral<Value>) {
-            return static_cast<unsigned long long>(value);
-        } else {
-            return static_cast<long long>(value);
-        }
-    }
+    using Widest = std::conditional_t<std::unsigned_integral<Value>, unsigned long long, long long>;
     /// Replaces every occurrence of the placeholder in this string.
     void FillIn(int index, PaddedText const& value);
     void FillIn(String const& name, PaddedText const& value);
@@ -567,13 +580,6 @@ private:
     void FillInNumber(Key const& key, NumberText const& number);
     template <class Finder>
     void Substitute(PaddedText const& value, Finder find);
-
-    template <class Unit>
-    void SetUnits(Unit const* units, int length);
-    template <class Unit>
-    int GetUnits(Unit* out, int size) const;
-    template <class Unit>
-    Buffer GetUnitBuffer() const;
 
     StringData* data_ = nullptr;
 };

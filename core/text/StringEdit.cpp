@@ -128,7 +128,7 @@ void String::SetChar(int index, char c) {
 void String::Insert(String const& text, int position) {
     std::string_view const whole = View();
     std::string_view const head = whole.substr(0, static_cast<std::size_t>(std::max(position, 0)));
-    SetParts(head, text.View(), whole.substr(head.size()));
+    Splice(head, text.View(), whole.substr(head.size()));
 }
 
 void String::Delete(int start, int count) {
@@ -138,7 +138,7 @@ void String::Delete(int start, int count) {
         return;
     }
     auto const from = static_cast<std::size_t>(removed.data() - text.data());
-    SetParts(text.substr(0, from), text.substr(from + removed.size()));
+    Splice(text.substr(0, from), {}, text.substr(from + removed.size()));
 }
 
 void String::DeleteFromRight(int count) {
@@ -147,24 +147,19 @@ void String::DeleteFromRight(int count) {
 }
 
 void String::Append(String const& text) {
-    if (IsEmpty()) {
+    if (data_ == nullptr) {
         SetString(text);
     } else {
-        Append(text.getCString());
+        AppendPart(text.View());
     }
 }
 
 void String::Append(char const* text) {
-    // Keep a shared record if nothing is appended.
-    if (text != nullptr && *text != '\0') {
-        SetParts(View(), text);
-    }
+    AppendPart(text != nullptr ? text : "");
 }
 
 void String::Append(char c) {
-    if (c != '\0') {
-        SetParts(View(), {&c, 1});
-    }
+    AppendPart({&c, c != '\0' ? 1U : 0U});
 }
 
 void String::Append(Buffer const& bytes) {
@@ -184,21 +179,15 @@ String& String::operator+=(char const* text) {
 }
 
 String String::AppendNew(String const& text) const {
-    String result(*this);
-    result.Append(text);
-    return result;
+    return IsEmpty() ? text : Join(View(), text.View());
 }
 
 String String::AppendNew(char const* text) const {
-    String result(*this);
-    result.Append(text);
-    return result;
+    return Join(View(), text != nullptr ? text : "");
 }
 
 String String::AppendNew(char c) const {
-    String result(*this);
-    result.Append(c);
-    return result;
+    return Join(View(), {&c, c != '\0' ? 1U : 0U});
 }
 
 String String::AppendNew(Buffer const& bytes) const {

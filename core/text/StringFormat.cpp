@@ -101,7 +101,7 @@ void String::Substitute(PaddedText const& value, Finder find) {
     found = find(text, done);
     if (found.position == npos && value.IsPlain()) {
         // Nearly every call ends here, without a TextBuilder.
-        SetParts(before, value.text, text.substr(done));
+        Splice(before, value.text, text.substr(done));
         return;
     }
     TextBuilder result;

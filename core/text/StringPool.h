@@ -8,18 +8,25 @@
 namespace core {
 
 /// Allocates the records of all strings in chunks, so that a short-lived string needs no allocation
-/// for its record. Thread-safe. Frees all memory with the last string.
+/// for its record, nor for its characters if it is short. Thread-safe. Frees all memory with the
+/// last string.
 class StringPool {
 public:
     static constexpr int RecordsPerChunk = 128;
 
     /// Returns the process-wide pool, which is never destroyed: static strings are released at
     /// exit.
-    static StringPool& Instance();
+    static StringPool& Instance() {
+        static auto& pool = *new StringPool;
+        return pool;
+    }
 
-    /// Returns a record with count 0 and no buffer.
-    String::StringData* Take();
-    /// Frees the record and its buffer (new char[]).
+    /// Returns a record with count 1 and a buffer for at least capacity characters and a NUL. Their
+    /// values and the length are undefined.
+    String::StringData* Take(std::size_t capacity);
+    /// Replaces the buffer of a record by one from new char[], for capacity characters and a NUL.
+    static void SetBuffer(String::StringData& record, char* buffer, std::size_t capacity);
+    /// Frees the record and its buffer.
     void Release(String::StringData* record);
 
     /// Returns the number of chunks: 0 while there is no string.
@@ -32,7 +39,8 @@ private:
     };
 
     StringPool() { lock_.init(); }
-    String::StringData* TakeUnused();
+    static void FreeBuffer(String::StringData& record);
+    String::StringData* TakeRecord();
     void DeleteChunks();
 
     // Never destroyed with the last string: another thread could be waiting for the lock.

@@ -51,9 +51,13 @@ std::string_view extractValue(std::string_view& text) {
 
 int String::Split(StringArray& out, String const& delimiters) const {
     // Both strings may be entries of out: adding entries does not move them.
+    std::string_view const set = delimiters.View();
     for (std::string_view rest = View(); !rest.empty();) {
-        std::string_view const part = rest.substr(0, rest.find_first_of(delimiters.View()));
-        out.Add(String(part));
+        std::string_view const part =
+            rest.substr(0, set.size() == 1 ? rest.find(set.front()) : rest.find_first_of(set));
+        String entry;
+        entry.SetParts(part);
+        out.Add(entry);
         rest.remove_prefix(std::min(part.size() + 1, rest.size()));
     }
     return out.Count();

@@ -5,21 +5,14 @@
 
 namespace core {
 
-void TextBuilder::Append(std::string_view part) {
-    std::size_t count = part.size();
-    char* const target = Reserve(count);
-    if (count > 0) {
-        std::memcpy(target, part.data(), count);
-    }
-}
-
 void TextBuilder::Append(char c, int count) {
     if (count < 1 || c == '\0') {
         return;
     }
-    auto size = static_cast<std::size_t>(count);
-    char* const target = Reserve(size);
-    std::memset(target, c, size);
+    std::size_t const size = std::min(static_cast<std::size_t>(count), String::MaxLength - size_);
+    Reserve(size);
+    std::memset(data_ + size_, c, size);
+    size_ += size;
 }
 
 void TextBuilder::AppendAligned(std::string_view text, int width, String::Align align, char fill) {
@@ -42,20 +35,12 @@ String TextBuilder::AsString() const {
     return String(View());
 }
 
-/// Extends the text by count characters, reduced so that it does not exceed String::MaxLength, and
-/// returns where to write them.
-char* TextBuilder::Reserve(std::size_t& count) {
-    count = std::min(count, static_cast<std::size_t>(String::MaxLength) - size_);
-    if (size_ + count > capacity_) {
-        capacity_ = std::max(size_ + count, 2 * capacity_);
-        std::unique_ptr<char[]> larger(new char[capacity_]);
-        std::memcpy(larger.get(), data_, size_);
-        heap_ = std::move(larger);
-        data_ = heap_.get();
-    }
-    char* const target = data_ + size_;
-    size_ += count;
-    return target;
+void TextBuilder::Grow(std::size_t count) {
+    capacity_ = std::max(size_ + count, 2 * capacity_);
+    std::unique_ptr<char[]> larger(new char[capacity_]);
+    std::memcpy(larger.get(), data_, size_);
+    heap_ = std::move(larger);
+    data_ = heap_.get();
 }
 
 }  // namespace core

@@ -17,7 +17,12 @@ public:
 
     /// Appends a part. View() then contains its NUL characters, if any; AsString() ends at the
     /// first.
-    void Append(std::string_view part);
+    void Append(std::string_view part) {
+        part = part.substr(0, String::MaxLength - size_);
+        Reserve(part.size());
+        part.copy(data_ + size_, part.size());
+        size_ += part.size();
+    }
     /// Appends c count times; nothing if count is below 1 or c is NUL.
     void Append(char c, int count = 1);
     /// Appends text padded to width as String::GetAligned does.
@@ -31,7 +36,13 @@ public:
     [[nodiscard]] String AsString() const;
 
 private:
-    char* Reserve(std::size_t& count);
+    /// Ensures capacity for count more characters.
+    void Reserve(std::size_t count) {
+        if (count > capacity_ - size_) {
+            Grow(count);
+        }
+    }
+    void Grow(std::size_t count);
 
     char inline_[256];
     std::unique_ptr<char[]> heap_;

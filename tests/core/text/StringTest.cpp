@@ -91,11 +91,14 @@ TEST(StringPool, FreesItsChunksWithTheLastString) {
     {
         std::vector<String> strings;
         for (int i = 0; i < StringPool::RecordsPerChunk; ++i) {
-            strings.push_back(String::format("text %1").argi(1, i));
+            strings.push_back(String::OfChar('x', i + 1));
         }
         EXPECT_EQ(pool.ChunkCount(), 1);
         String const another("one more than fits into a chunk");
         EXPECT_EQ(pool.ChunkCount(), 2);
+        for (std::size_t i = 0; i < strings.size(); ++i) {
+            EXPECT_STREQ(strings[i].getCString(), std::string(i + 1, 'x').c_str());
+        }
         strings.clear();
         EXPECT_EQ(pool.ChunkCount(), 2) << "one string keeps all chunks";
     }
