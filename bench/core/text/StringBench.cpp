@@ -29,6 +29,17 @@ void FormatConnecting(benchmark::State& state) {
 }
 BENCHMARK(FormatConnecting);
 
+void MessageConnecting(benchmark::State& state) {
+    String const host(address);
+    int port = 3007;
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(port);
+        String text = core::message("- Connecting to: %1:%2 ...", host, port);
+        benchmark::DoNotOptimize(text);
+    }
+}
+BENCHMARK(MessageConnecting);
+
 void FormatConnectingSnprintf(benchmark::State& state) {
     std::string const host(address);
     int port = 3007;
