@@ -106,7 +106,10 @@ void DeviceServer::Serve(SessionThread& session) {
 
 void DeviceServer::RunSession(SessionThread& session, bool isBusy) {
     core::Socket& socket = *session.socket;
-    auto const busyObserver = isBusy ? observer_.CreateBusyObserver(++busySessions_) : nullptr;
+    std::unique_ptr<Observer> busyObserver;
+    if (isBusy) {
+        busyObserver = observer_.CreateBusyObserver(++busySessions_);
+    }
     Observer& observer = isBusy ? *busyObserver : observer_;
     UpdateResult result = UpdateResult::exhausted;
     try {

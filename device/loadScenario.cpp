@@ -182,8 +182,7 @@ String findScenario(String const& name) {
     String const directory =
         sys::env::getProgramPath().GetFilePath().AppendNewPath(RAVELINK_SCENARIOS);
     for (char const* const extension : {"", ".conf"}) {
-        if (String const path = directory.AppendNewPath(name + extension);
-            sys::file::exists(path)) {
+        if (String path = directory.AppendNewPath(name + extension); sys::file::exists(path)) {
             return path;
         }
     }

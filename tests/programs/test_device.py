@@ -91,7 +91,8 @@ def test_a_second_signal_ends_a_device_with_blocked_output():
      '*** Update not stored: "./127.0.0.1-PORT-1.rvl": File too large'),
 ])
 def test_reports_updates_not_stored_or_checked(device, directory, ravelink, options, limited, line):
-    directory.write("silent-request.conf", "header = notify Accepted")  # wins over the shipped one
+    # Wins over the shipped scenario.
+    directory.write("silent-request.conf", "header = notify Accepted")
     update = directory.write("u", 10_000 * "x")
     gone = directory.path / "a=\x01"
     gone.mkdir()
@@ -122,7 +123,8 @@ def test_rejects_another_updater_as_its_scenario_specifies(device, directory, ra
 def test_logs_one_verdict_on_each_archive(device, directory, pack, ravelink):
     served = device("-t", "other", "-s", "answer-to-header.conf", once=False)
     good = pack.golden("u", "files", "x")
-    for archive in (with_valid_crc(good[:24] + b"1" + good[25:]), pack.golden("u", "sample", "0x00020000", "3")):
+    for archive in (with_valid_crc(good[:24] + b"1" + good[25:]),
+                    pack.golden("u", "sample", "0x00020000", "3")):
         ravelink("-o", directory.write("u", archive), "-a", served.address)
     assert [line for line in served.lines if line.startswith("- Archive")] == [
         "- Archive: invalid (wrong offset of file[0])",
