@@ -62,6 +62,7 @@ String sortKey(String const& path) {
 /// null. Ignores empty paths.
 std::vector<char const*> findConflicts(std::vector<String> const& paths) {
     std::vector<String> keys;
+    keys.reserve(paths.size());
     for (String const& path : paths) {
         keys.push_back(sortKey(path));
     }

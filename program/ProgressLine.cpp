@@ -42,7 +42,7 @@ String ProgressLine::Erase() {
     if (drawn_ == 0) {
         return {};
     }
-    String const text = message("\r%1\r", String::OfChar(' ', drawn_));
+    String text = message("\r%1\r", String::OfChar(' ', drawn_));
     drawn_ = 0;
     return text;
 }
