@@ -23,10 +23,20 @@ if(WIN32)
   set(CPACK_COMPONENTS_ALL programs)
 endif()
 set(CPACK_PACKAGE_FILE_NAME ravelink-${PROJECT_VERSION}-${platform}-${CMAKE_SYSTEM_PROCESSOR})
+if(CPACK_DEBIAN_PACKAGE_ARCHITECTURE STREQUAL "armhf")
+  # "arm" would include processors without floating-point numbers.
+  string(APPEND CPACK_PACKAGE_FILE_NAME hf)
+endif()
 
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_SECTION net)
-set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
+if(CMAKE_CROSSCOMPILING)
+  # The packages of cross compilers do not record which version of a library each function needs. This is
+  # the version that they link; the release check compares it with the programs.
+  set(CPACK_DEBIAN_PACKAGE_DEPENDS "libc6 (>= 2.36)")
+else()
+  set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
+endif()
 # What docs/fleet.md uses.
 set(CPACK_DEBIAN_PACKAGE_SUGGESTS "ansible-core, jq, parallel")
 set(CPACK_DEB_COMPONENT_INSTALL ON)

@@ -48,9 +48,9 @@ check_debian_package() {
   need lintian
   say 'The Debian package'
   local package root directory
-  package=$(echo build/packages/*.deb)
-  # The package has no changelog besides the program's.
-  lintian --allow-root --suppress-tags no-changelog --fail-on error,warning "$package"
+  package=$(echo build/packages/*_amd64.deb)
+  # The packages have no changelog besides the program's.
+  lintian --allow-root --suppress-tags no-changelog --fail-on error,warning build/packages/*.deb
 
   bare_debian
   names_in "$root" >build/before
@@ -111,6 +111,34 @@ check_tar() {
   rehearse_job "$directory/rehearsal" "$directory/bin/%s"
   cmake -D INSTALLED="$directory" -D DIRECTORY="$directory/consumer" -D COMPILER=g++ \
     -P tests/install/CheckConsumer.cmake
+}
+
+# check_arm_packages ARCHITECTURE MACHINE: unpacks the Debian package and the tar.gz and runs their programs
+# under QEMU. The machine is that of readelf.
+check_arm_packages() {
+  say "The packages for $1"
+  local package directory program file newest
+  package=$(echo build/packages/*_"$1".deb)
+  [ "$(dpkg-deb -f "$package" Architecture)" = "$1" ] || die "Another architecture: $package"
+  diff <(dpkg-deb -c build/packages/*_amd64.deb | sed 's,.* \./,,') \
+    <(dpkg-deb -c "$package" | sed 's,.* \./,,') || die "Not the files of the package for amd64: $package"
+  new_directory
+  dpkg-deb -x "$package" "$directory/package"
+  mkdir "$directory/tar" "$directory/rehearsal"
+  tar xzf "build/packages/ravelink-"[0-9]*"-linux-${2,,}"*.tar.gz --strip-components=1 -C "$directory/tar"
+  for program in $(programs); do
+    for file in "$directory/package/usr/bin/$program" "$directory/tar/bin/$program"; do
+      [[ $(readelf -h "$file") == *"Machine:"*" $2"$'\n'* ]] || die "Not for $2: $file"
+      ! readelf -d "$file" | grep NEEDED | grep -vE '\[(libc|libm|ld-linux-.*)\.so' || die "Not in libc6: $file"
+    done
+    newest=$(readelf -V "$file" | grep -o 'GLIBC_[0-9.]*' | sort -uV | tail -n 1)
+    [[ $(dpkg-deb -f "$package" Depends) =~ ^libc6\ \(\>=\ ([0-9.]+)\)$ ]] &&
+      dpkg --compare-versions "${newest#GLIBC_}" le "${BASH_REMATCH[1]}" || die "Needs $newest: $file"
+  done
+  # shellcheck disable=SC2046
+  rehearse "$directory/rehearsal" $(emulator "$1") "$directory/package/usr/bin/%s"
+  # shellcheck disable=SC2046
+  rehearse_job "$directory/rehearsal" $(emulator "$1") "$directory/tar/bin/%s"
 }
 
 # Unpacks the ZIP and runs its programs.
