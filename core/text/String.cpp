@@ -98,9 +98,8 @@ void String::SetParts(std::string_view first, std::string_view second, std::stri
         return;
     }
 
-    // Keep the record if possible: to take another one needs the pool's lock. A short buffer cannot
-    // be replaced, because it is part of its record.
-    bool const keepsRecord = IsUnique() && capacity > StringData::shortCapacity;
+    // Keep the record if possible: to take another one needs the pool's lock.
+    bool const keepsRecord = IsUnique();
     StringData* const data = keepsRecord ? data_ : StringPool::Instance().Take(capacity);
     char* const buffer = keepsRecord ? new char[capacity + 1] : data->buffer;
     first.copy(buffer, first.size());

@@ -23,6 +23,8 @@ TEST(StringFormat, FindsPlaceholders) {
     }
     EXPECT_EQ(String::format("%1").argi(1, "%2").argi(2, "x"), "x")
         << "a later call searches the value";
+    String text("%1 abc");
+    EXPECT_EQ(std::move(text).argi(1, text.getCString() + 3), "abc abc");
 
     int position = 0;
     int length = 0;
