@@ -117,13 +117,14 @@ check_tar() {
 # under QEMU. The machine is that of readelf.
 check_arm_packages() {
   say "The packages for $1"
-  local package directory program file newest
+  local package directory libc program file newest
   package=$(echo build/packages/*_"$1".deb)
   [ "$(dpkg-deb -f "$package" Architecture)" = "$1" ] || die "Another architecture: $package"
   diff <(dpkg-deb -c build/packages/*_amd64.deb | sed 's,.* \./,,') \
     <(dpkg-deb -c "$package" | sed 's,.* \./,,') || die "Not the files of the package for amd64: $package"
   new_directory
   dpkg-deb -x "$package" "$directory/package"
+  libc=$(dpkg-deb -f "$package" Depends | sed -n 's/^libc6 (>= \([0-9.]*\))$/\1/p')
   mkdir "$directory/tar" "$directory/rehearsal"
   tar xzf "build/packages/ravelink-"[0-9]*"-linux-${2,,}"*.tar.gz --strip-components=1 -C "$directory/tar"
   for program in $(programs); do
@@ -132,8 +133,7 @@ check_arm_packages() {
       ! readelf -d "$file" | grep NEEDED | grep -vE '\[(libc|libm|ld-linux-.*)\.so' || die "Not in libc6: $file"
     done
     newest=$(readelf -V "$file" | grep -o 'GLIBC_[0-9.]*' | sort -uV | tail -n 1)
-    [[ $(dpkg-deb -f "$package" Depends) =~ ^libc6\ \(\>=\ ([0-9.]+)\)$ ]] &&
-      dpkg --compare-versions "${newest#GLIBC_}" le "${BASH_REMATCH[1]}" || die "Needs $newest: $file"
+    dpkg --compare-versions "${newest#GLIBC_}" le "$libc" || die "Needs $newest: $file"
   done
   # shellcheck disable=SC2046
   rehearse "$directory/rehearsal" $(emulator "$1") "$directory/package/usr/bin/%s"
