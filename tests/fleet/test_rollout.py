@@ -57,13 +57,12 @@ class Rollout:
         self.directory.write("hosts.json", json.dumps({"all": {
             "vars": {"ravelink_folder": at("@state"), "ravelink_archive": "update.rvl",
                      "ansible_remote_tmp": at("@tmp"), "ansible_async_dir": at("@async"),
-                     "ansible_python_interpreter": "/usr/bin/python3"},
+                     "ansible_python_interpreter": "/usr/bin/python3", "ravelink_wait": 0,
+                     "ravelink_retry": 0, **variables},
             "children": {"ravelink_devices": {"hosts": self.hosts},
                          "ravelink_gateways": {"hosts": self.gateways}}}}))
-        variables = {"ravelink_wait": 0, "ravelink_retry": 0, **variables}
         return subprocess.Popen(
-            ["ansible-playbook", "-i", at("@hosts.json"), "-e", json.dumps(variables), *options,
-             "ravelink.fleet.rollout"], stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True)
+            ["ansible-playbook", "-i", at("@hosts.json"), *options, "ravelink.fleet.rollout"], stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True)
 
     def __call__(self, *options, **variables):
         with self.start(*options, **variables) as process:
