@@ -21,7 +21,7 @@ bare_debian() {
   done
 }
 
-# A clone on a bare system: ./dev demo, then the commands that docs/contributing.md gives for systems
+# A clone on a bare system: the demos, then the commands that docs/contributing.md gives for systems
 # without ./dev.
 check_first_build() {
   say 'The first build'
@@ -29,6 +29,7 @@ check_first_build() {
   bare_debian
   git clone -q . "$root/ravelink"
   chroot "$root" /ravelink/dev demo
+  chroot "$root" /ravelink/dev demo fleet
   say 'The build without ./dev'
   rm -rf "$root/ravelink/build"
   echo 'APT::Get::Assume-Yes "true";' >"$root/etc/apt/apt.conf.d/assume-yes"
