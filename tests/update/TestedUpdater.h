@@ -35,7 +35,6 @@ public:
         return support::linesOf(support::outputOf([this] { Init(); }));
     }
 
-    using UpdateApplication::AdjustAndCheckResponse;
     using UpdateApplication::errors;
     using UpdateApplication::GetResponse;
     using UpdateApplication::timeouts;
