@@ -1,23 +1,18 @@
 """ravelink-device, run as users run it."""
 
-import fcntl
 import os
 import re
 import resource
 import shlex
 import shutil
-import signal
 import socket
 import subprocess
-import termios
-import time
 
 import pytest
 
 from conftest import DEVICE, UPDATER, VERSION, WINDOWS_DEVICE, golden, run, wait_until
 from test_pack import with_valid_crc
 
-NONE = bytes(4)
 BANNER = f"ravelink-device {VERSION} (Halvoren) - Simulated Device"
 
 
@@ -60,24 +55,6 @@ def test_leaves_no_partial_update_when_interrupted(device, directory):
         updater.kill()
     assert list(stored.iterdir()) == []
     assert served.lines[-1] == "*** Stopped: Update aborted: the device is stopping"
-
-
-@pytest.mark.skipif(WINDOWS_DEVICE, reason="no signals")
-def test_a_second_signal_ends_a_device_with_blocked_output():
-    reading, writing = os.pipe()
-    fcntl.fcntl(writing, fcntl.F_SETPIPE_SZ, 4096)
-    with subprocess.Popen([*DEVICE, "-b", "127.0.0.1:0", "-n", "500"], stdout=writing) as process:
-        buffered = 0
-        while (now := fcntl.ioctl(reading, termios.FIONREAD, b"1234")) != buffered or now == NONE:
-            buffered = now
-            time.sleep(0.2)
-        process.terminate()
-        with pytest.raises(subprocess.TimeoutExpired):
-            process.wait(0.5)
-        process.terminate()
-        assert process.wait(30) == -signal.SIGTERM
-    os.close(reading)
-    os.close(writing)
 
 
 @pytest.mark.skipif(WINDOWS_DEVICE, reason="no such limits and paths")

@@ -16,11 +16,14 @@ void pause(int ms) {
     std::this_thread::sleep_for(std::chrono::milliseconds(ms));
 }
 
-/// Sends the signals, with a pause after each, to a process with an interrupt handler, then
-/// destroys it.
+/// Sends the signals, with a pause after each, to a process whose interrupt handler does not return
+/// in time, as with blocked output.
 [[noreturn]] void interrupt(std::initializer_list<int> signals, int ms) {
     {
-        sys::platform::InterruptHandler handler([] { ++calls; });
+        sys::platform::InterruptHandler handler([] {
+            ++calls;
+            pause(60'000);
+        });
         for (int const number : signals) {
             kill(getpid(), number);
             while (calls == 0) {
