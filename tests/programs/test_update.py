@@ -61,21 +61,6 @@ def test_command_lines_that_reach_no_device(ravelink, directory, arguments, line
     assert result.status == 0
 
 
-def in_terminal(command):
-    """Returns the lines of a command on a terminal without control sequences."""
-    return run(["script", "-qec", "TERM=dumb " + " ".join(command), "/dev/null"],
-               stdin=subprocess.DEVNULL).lines
-
-
-@pytest.mark.skipif(WINDOWS_UPDATER, reason="has a Win32 console, whatever TERM is")
-def test_prints_each_report_on_a_line_without_control_sequences(device, directory):
-    update = directory.write("u", 600_000 * "x")
-    lines = in_terminal([*UPDATER, "-o", update, "-a", device().address])
-    assert [line.strip("\r") for line in lines[4:7]] == [
-        ">   Transferred by now: 256.0 KB", ">   Transferred by now: 512.0 KB          ",
-        "- File completely sent: 585.9 KB          "]
-
-
 @pytest.fixture
 def tmux(directory):
     """Returns a function that runs tmux commands with a server of its own."""

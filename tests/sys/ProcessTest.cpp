@@ -1,11 +1,8 @@
 #include <gtest/gtest.h>
 
-#include <mutex>
 #include <string>
-#include <thread>
 
 #include "sys/platform/Process.h"
-#include "sys/platform/locker.h"
 #include "sys/process.h"
 #include "tests/support/PrintText.h"
 #include "tests/support/system.h"
@@ -41,21 +38,6 @@ TEST(Env, ReadsValuesAndEntries) {
     list.Clear();
     EXPECT_TRUE(env::getPathDirectories(list));
     EXPECT_EQ(list.AsString(), support::onWindows() ? "a:b\r\n\r\nc\r\n" : "a;b\r\n\r\nc\r\n");
-}
-
-TEST(Locker, LocksBeforeInit) {
-    sys::locker lock;
-    int count = 0;
-    auto const add = [&] {
-        for (int i = 0; i < 500'000; ++i) {
-            std::lock_guard const locked(lock);
-            ++count;
-        }
-    };
-    std::thread other(add);
-    add();
-    other.join();
-    EXPECT_EQ(count, 1'000'000);
 }
 
 TEST(Process, RunsNoCommands) {
