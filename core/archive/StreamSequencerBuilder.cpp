@@ -4,6 +4,7 @@
 #include <cerrno>
 #include <climits>
 #include <cstdint>
+#include <cstring>
 
 #include "core/archive/descriptorRecord.h"
 #include "core/crc/crc32.h"
@@ -17,7 +18,7 @@ namespace {
 int const copyChunkSize = 0x40000;
 
 void putMagic(unsigned char* bytes) {
-    archive::putWord<std::uint64_t>(MChar8(archive::magic), bytes);
+    std::memcpy(bytes, MChar8(archive::magic).ptr(), MChar8::Size);
 }
 
 }  // namespace

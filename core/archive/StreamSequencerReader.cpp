@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstdint>
+#include <cstring>
 #include <tuple>
 
 #include "core/archive/descriptorRecord.h"
@@ -17,7 +18,7 @@ namespace {
 int const dataChunkSize = 0x40000;
 
 bool isMagic(unsigned char const* bytes) {
-    return MChar8(archive::magic) == archive::getWord<std::uint64_t>(bytes);
+    return std::memcmp(bytes, MChar8(archive::magic).ptr(), MChar8::Size) == 0;
 }
 
 /// The CRC-32 of an archive before and after the data of a file.
