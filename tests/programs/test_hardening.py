@@ -19,7 +19,7 @@ from conftest import BIN, run, source
     ("elf", "-t", r" __mem\w+_chk\b"),
     # Large stack frames touch each page.
     ("elf64-x86-64", "-d", r"orq +\$0x0,(0x\w+)?\(%rsp\)"),
-    ("elf64-(x86-64|littleaarch64)", "-d --disassemble=main", r"endbr64|paciasp"),
+    ("elf64-(x86-64|littleaarch64)", "-d --disassemble=main", r"endbr64|paciasp|bti\s+c"),
 ])
 def test_programs_are_protected(format, options, protection):
     for name in re.search(r"set\(programs (.*)\)", source("CMakeLists.txt"))[1].split():
