@@ -70,7 +70,7 @@ TEST(ReferenceCounted, CountsOnSeveralThreads) {
         std::vector<std::jthread> threads;
         for (int i = 0; i < 4; ++i) {
             threads.emplace_back([copy = shared] {
-                for (int round = 0; round < 1000; ++round) {
+                for (int round = 0; round < 100'000; ++round) {
                     core::ClassRef<Counted> another;
                     another = copy;
                 }
