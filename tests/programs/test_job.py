@@ -442,6 +442,21 @@ def test_ends_by_ctrl_c_on_a_terminal(job, directory, scenario, update):
     assert ended(log(directory), 130)[1]["outcome"] == "interrupted"
 
 
+@pytest.mark.skipif(WINDOWS, reason="a signal, and a pipe of known size")
+def test_a_second_signal_ends_it_at_once(job, directory, scenario, update):
+    update(16_000_000)
+    reader, writer = full_pipe()
+    with job.start(f"-o @u -a {scenario(SLOW + '10').address} -j -l @log", stdout=writer) as process:
+        logged(directory, "accepted")
+        for _ in range(2):
+            process.send_signal(signal.SIGINT)
+            time.sleep(0.5)
+        # The first signal alone would end it after a wait of five seconds for the reader.
+        assert process.wait(3) == -signal.SIGINT
+    os.close(reader)
+    os.close(writer)
+
+
 def full_pipe():
     reader, writer = os.pipe()
     os.set_blocking(writer, False)
@@ -555,3 +570,17 @@ def test_redraws_one_line_on_a_terminal(job, directory, scenario, update, column
         drawn = [line for part in text.split("\n") for line in part.split("\r")[1:-1]]
         assert all(len(line) < columns for line in drawn)
         assert text.endswith("\r" if stream == "stderr" else "Let the device restart.\n")
+
+
+# The default timeouts: minutes of waiting, so only ./dev test slow runs these.
+@pytest.mark.slow
+@pytest.mark.skipif(WINDOWS, reason="takes minutes")
+@pytest.mark.parametrize("lines, waiting", [("silent-complete", 30), ("flood", 0)])
+def test_waits_five_minutes_for_the_end(job, scenario, update, lines, waiting):
+    update()
+    job.command = built("job_program")
+    output = job.start(f"-o @u -a {scenario(lines).address} -r 3 -j").communicate(timeout=390)[0]
+    events, result = ended(output, 15)
+    assert (result["cause"], result["attempts"]) == ("completionTimeout", 1)
+    assert 300 <= result["duration"] < 360 and abs(len(of(events, "waiting")) - waiting) <= 1
+    assert len(of(events, "stage")) <= 305

@@ -60,7 +60,6 @@ int waitFor(SocketHandle socket, short events, int ms) {
     }
 }
 
-/// Waits for the result of a connect that a signal interrupted: the attempt continues.
 /// Returns the result of a connect that went on while the caller waited.
 int resultOfConnect(SocketHandle socket) {
     int error = 0;
@@ -68,6 +67,7 @@ int resultOfConnect(SocketHandle socket) {
     return getsockopt(socket, SOL_SOCKET, SO_ERROR, &error, &size) == 0 ? -error : -errno;
 }
 
+/// Waits for the result of a connect that a signal interrupted: the attempt continues.
 int finishConnect(SocketHandle socket) {
     pollfd waiting{socket, POLLOUT, 0};
     int const result = retryOnEintr([&] { return poll(&waiting, 1, -1); });
