@@ -1,7 +1,6 @@
 #pragma once
 
 #include <mutex>
-#include <variant>
 
 namespace sys {
 
@@ -10,26 +9,30 @@ class locker {
 public:
     /// Makes it a plain or a recursive lock; its owner may lock a recursive one again. No thread
     /// may own the lock meanwhile.
-    void init(bool recursive = false) {
-        if (recursive) {
-            mutex_.emplace<std::recursive_mutex>();
-        } else {
-            mutex_.emplace<std::mutex>();
-        }
-    }
+    void init(bool recursive = false) { isRecursive_ = recursive; }
     /// Waits until the lock is free and locks it.
     void lock() {
-        std::visit([](auto& mutex) { mutex.lock(); }, mutex_);
+        if (isRecursive_) {
+            recursive_.lock();
+        } else {
+            plain_.lock();
+        }
     }
     /// Unlocks; the calling thread must own the lock.
     void unlock() {
-        std::visit([](auto& mutex) { mutex.unlock(); }, mutex_);
+        if (isRecursive_) {
+            recursive_.unlock();
+        } else {
+            plain_.unlock();
+        }
     }
     /// Makes it a plain lock again. No thread may own the lock.
     void done() { init(); }
 
 private:
-    std::variant<std::mutex, std::recursive_mutex> mutex_;
+    std::mutex plain_;
+    std::recursive_mutex recursive_;
+    bool isRecursive_ = false;
 };
 
 }  // namespace sys
