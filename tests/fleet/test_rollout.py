@@ -104,7 +104,8 @@ def test_updates_each_device_once(rollout, fleet):
 
 
 def test_stops_at_a_failure_and_continues_later(rollout, fleet):
-    first, busy, rest = fleet.add(2), fleet.add(1, "status-06-system-busy"), fleet.add(9)
+    first, busy, rest = fleet.add(2), fleet.add(1, "status-06-system-busy"), fleet.add(8)
+    rest += fleet.add(1, "restart-power-cycle")
     run_all = rollout(first + busy + rest)
     waves = {"ravelink_waves": [1, 4, "100%"]}
     stopped = run_all(**waves)
@@ -118,6 +119,8 @@ def test_stops_at_a_failure_and_continues_later(rollout, fleet):
     fleet.replace(busy[0])
     resumed = run_all(**waves)
     assert resumed.status == 0 and sum(changed for changed, _ in resumed.recap.values()) == 8
+    assert resumed.text.endswith(
+        f": 8 updated, 4 already\n  press12  updated  {rest[-1]}; switch it off and on\n"), resumed.text
     assert fleet.connections == {**{address: 1 for address in first + rest}, busy[0]: 2}
 
 

@@ -9,7 +9,8 @@ version_added: 1.0.0
 author: ravelink maintainers (@ravelink)
 description:
   - At the end of a playbook, also of one that was aborted, lists each device of the group
-    C(ravelink_devices) that was not updated, with what to do next, and with C(-v) the others too.
+    C(ravelink_devices) that failed or needs something, with what to do next, and with C(-v) the others
+    too.
   - If the variable C(RAVELINK_REPORT) is set, writes the same as JSON to that file.
 requirements:
   - enabling in the configuration, C(callbacks_enabled = ravelink.fleet.report)
@@ -86,8 +87,8 @@ class CallbackModule(CallbackBase):
         archive = f"{os.path.basename(known['archive'])} {known['sha256'][:12]}: " if known else ""
         self._display.display(f"RAVELINK REPORT  {archive}{text}")
         for name, device in self.devices.items():
-            good = device["outcome"] in GOOD
-            if device["outcome"] != NOT_TRIED and not good or self._display.verbosity > 0:
+            quiet = device["outcome"] in (*GOOD, NOT_TRIED) and not device.get("advice")
+            if not quiet or self._display.verbosity > 0:
                 self._display.display(self.line(name, device))
         path = self.get_option("report")
         if path:
