@@ -14,7 +14,7 @@ namespace core {
 
 namespace {
 
-int const listenTimeout = 100;   ///< ms for a worker to start listening
+int const listenTimeout = 2000;  ///< ms for a worker to start listening, on a loaded computer
 int const stopPollInterval = 5;  ///< ms between two checks for workers that have ended
 
 }  // namespace
