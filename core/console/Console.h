@@ -119,9 +119,6 @@ public:
     /// Returns text without its sequences (ESC "[", digits and semicolons, a letter) and without a
     /// truncated one at its end.
     static String withoutSequences(String const& text);
-
-private:
-    static bool plain_;
 };
 
 }  // namespace core

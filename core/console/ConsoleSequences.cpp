@@ -1,4 +1,9 @@
+#include <initializer_list>
+#include <string>
+#include <string_view>
+
 #include "core/console/Console.h"
+#include "core/text/TextBuilder.h"
 
 namespace core {
 
@@ -6,16 +11,35 @@ namespace {
 
 int const basicColors = 8;
 
+bool isPlain = false;
+
+// Usage screens consist of many sequences: without intermediate strings, programs start faster.
+String joined(std::initializer_list<std::string_view> parts) {
+    TextBuilder text;
+    for (std::string_view const part : parts) {
+        text.Append(part);
+    }
+    return text.AsString();
+}
+
+String sequence(std::string_view letter, std::string_view params) {
+    return isPlain ? String() : joined({"\x1B[", params, letter});
+}
+
+String sequence(std::string_view letter, int n, bool omit) {
+    return sequence(letter, omit ? std::string() : std::to_string(n));
+}
+
 /// Returns a sequence that omits the number if it is 1, the terminal's default.
-String numbered(String const& letter, int n) {
-    return Console::escape(letter, n, n == 1);
+String numbered(std::string_view letter, int n) {
+    return sequence(letter, n, n == 1);
 }
 
 template <class Erase>
-String erase(char const* letter, Erase what) {
+String erase(std::string_view letter, Erase what) {
     // Any value but the first two erases all.
     int const n = what == Erase::toEnd ? 0 : what == Erase::toStart ? 1 : 2;
-    return Console::escape(letter, n, n == 0);
+    return sequence(letter, n, n == 0);
 }
 
 /// The codes of the first eight colours begin at base, those of the bright ones at bright.
@@ -39,25 +63,20 @@ String grey(int code, unsigned char level) {
 
 }  // namespace
 
-bool Console::plain_ = false;
-
 void Console::setPlain(bool plain) {
-    plain_ = plain;
+    isPlain = plain;
 }
 
 String Console::escape(String const& letter, String const& params) {
-    if (plain_) {
-        return {};
-    }
-    return String::format("\x1B[%2%1").argi(1, letter).argi(2, params);
+    return sequence(letter.View(), params.View());
 }
 
 String Console::escape(String const& letter, int n, bool omit) {
-    return escape(letter, omit ? String() : String::format("%1").argi(1, n));
+    return sequence(letter.View(), n, omit);
 }
 
 String Console::sgr(int n) {
-    return escape("m", n, n == 0);
+    return sequence("m", n, n == 0);
 }
 
 String Console::sgr(int n, String const& more) {
@@ -65,7 +84,8 @@ String Console::sgr(int n, String const& more) {
 }
 
 String Console::cursor(Direction d, int n) {
-    return numbered(String::OfChar(static_cast<char>('A' + static_cast<int>(d)), 1), n);
+    char const letter = static_cast<char>('A' + static_cast<int>(d));
+    return numbered({&letter, 1}, n);
 }
 
 String Console::prevLine(int n) {
@@ -170,8 +190,7 @@ int Console::rgb2index(unsigned char r, unsigned char g, unsigned char b) {
 }
 
 String Console::color(String const& text, Color c) {
-    // The text comes last: a placeholder in it must stay.
-    return String::format("%1%2%3").argi(1, color(c)).argi(3, color(false)).argi(2, text);
+    return joined({color(c).View(), text.View(), color(false).View()});
 }
 
 }  // namespace core
