@@ -131,6 +131,8 @@ class Comparison:
         with open(self.file, "wb") as file:
             for number in range(GIB // len(chunk)):
                 file.write(number.to_bytes(8, "big") + chunk[8:])
+            # Otherwise the system writes it to the disk while the senders are measured.
+            os.fsync(file)
         with open(self.file, "rb") as file:
             while file.read(1 << 20):
                 pass
