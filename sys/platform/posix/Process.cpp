@@ -10,6 +10,7 @@
 #include <chrono>
 #include <cstdlib>
 #include <cstring>
+#include <mutex>
 #include <string_view>
 #include <system_error>
 #include <thread>
@@ -119,7 +120,9 @@ struct InterruptHandler::State {
     bool ignoresTermination = false;
     std::atomic<bool> ending = false;
     std::atomic<int> interruption = 0;  ///< the number of the first signal
+    bool isWatching = false;
     std::thread thread;
+    std::once_flag stopped;
     std::thread acting;  ///< runs the function: a second signal must not wait for its end
 
     void Act(void (*act)()) {
@@ -145,6 +148,19 @@ struct InterruptHandler::State {
             }
         }
     }
+
+    void StopWatching() {
+        if (std::this_thread::get_id() == thread.get_id()) {
+            return;
+        }
+        std::call_once(stopped, [this] {
+            ending = true;
+            // The signal ends the wait of the thread, not the process.
+            // NOLINTNEXTLINE(bugprone-bad-signal-to-kill-thread)
+            pthread_kill(thread.native_handle(), SIGTERM);
+            thread.join();
+        });
+    }
 };
 
 InterruptHandler::InterruptHandler(void (*act)()) : state_(std::make_unique<State>()) {
@@ -158,20 +174,17 @@ InterruptHandler::InterruptHandler(void (*act)()) : state_(std::make_unique<Stat
     pthread_sigmask(SIG_BLOCK, &state_->watched, &state_->before);
     try {
         state_->thread = std::thread([state = state_.get(), act] { state->Watch(act); });
+        state_->isWatching = true;
     } catch (std::system_error const&) {
         pthread_sigmask(SIG_SETMASK, &state_->before, nullptr);
     }
 }
 
 InterruptHandler::~InterruptHandler() {
-    if (!state_->thread.joinable()) {
+    if (!state_->isWatching) {
         return;
     }
-    state_->ending = true;
-    // The signal ends the wait of the thread, not the process.
-    // NOLINTNEXTLINE(bugprone-bad-signal-to-kill-thread)
-    pthread_kill(state_->thread.native_handle(), SIGTERM);
-    state_->thread.join();
+    state_->StopWatching();
     if (state_->acting.joinable()) {
         state_->acting.join();
     }
@@ -192,6 +205,8 @@ void InterruptHandler::EndAtOnce(int /*exitStatus*/) {
 
 void InterruptHandler::EndIfInterrupted() {
     if (int const number = state_->interruption; number != 0) {
+        // QEMU sends the signal again, to the whole process: the waiting thread would take it.
+        state_->StopWatching();
         endBy(number);
     }
 }
