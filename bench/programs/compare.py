@@ -310,8 +310,8 @@ plot "{data}" using 2:(-$0):(1):2:(-$0-0.35):(-$0+0.35):ytic(1) with boxxyerror 
 
 
 def install(programs, directory):
-    """Copies the programs without symbols, as packages contain them. As the linker writes them, in
-    small pieces, they are cached in small pages and start 1 % slower."""
+    """Copies the programs without symbols, as packages contain them. The linker writes them in small
+    chunks, which leave them in small pages of the cache: they would start 1 % slower."""
     os.makedirs(directory, exist_ok=True)
     for name in ("fileCrc", "ravelink", "ravelink-job", "ravelink-pack", "sendfile"):
         stripped = f"{directory}/stripped"

@@ -31,8 +31,8 @@ PAIRS = [
     ("core_archive", "read an archive", "Read", "Zlib", "zlib's CRC-32", None),
 ]
 
-# Program, label, benchmark and number of entries. With four times as many it may take GROWTH times
-# as long: between linear time, 4, to which caches add up to a third, and quadratic time, 16.
+# Program, label, benchmark and number of entries. With four times as many it may take GROWTH times as
+# long. Linear time is 4, plus up to a third because of caches; quadratic time is 16.
 GROWING = [
     ("core_runtime", "collect option arguments", "OptionArguments", 500_000),
     ("core_text", "grow a list", "GrowList", 125_000),

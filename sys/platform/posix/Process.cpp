@@ -151,6 +151,7 @@ struct InterruptHandler::State {
 
     void StopWatching() {
         if (std::this_thread::get_id() == thread.get_id()) {
+            // Without a thread for it, this one runs the function.
             return;
         }
         std::call_once(stopped, [this] {
