@@ -38,7 +38,7 @@ void print(std::initializer_list<Line> lines) {
     for (Line const& line : lines) {
         longest = std::max(longest, line.meaning.IsEmpty() ? 0 : line.text.GetLength());
     }
-    // Prints the screen at once: each write takes 1 % of the start-up time.
+    // Print the screen in one write: with one for each line, programs would start slower.
     core::TextBuilder screen;
     for (Line const& line : lines) {
         if (line.meaning.IsEmpty()) {
