@@ -120,8 +120,8 @@ struct InterruptHandler::State {
     bool ignoresTermination = false;
     std::atomic<bool> ending = false;
     std::atomic<int> interruption = 0;  ///< the number of the first signal
-    bool isWatching = false;
     std::thread thread;
+    std::thread::id watcher;  ///< of the thread, also after its end
     std::once_flag stopped;
     std::thread acting;  ///< runs the function: a second signal must not wait for its end
 
@@ -150,7 +150,7 @@ struct InterruptHandler::State {
     }
 
     void StopWatching() {
-        if (std::this_thread::get_id() == thread.get_id()) {
+        if (std::this_thread::get_id() == watcher) {
             // Without a thread for it, this one runs the function.
             return;
         }
@@ -175,14 +175,14 @@ InterruptHandler::InterruptHandler(void (*act)()) : state_(std::make_unique<Stat
     pthread_sigmask(SIG_BLOCK, &state_->watched, &state_->before);
     try {
         state_->thread = std::thread([state = state_.get(), act] { state->Watch(act); });
-        state_->isWatching = true;
+        state_->watcher = state_->thread.get_id();
     } catch (std::system_error const&) {
         pthread_sigmask(SIG_SETMASK, &state_->before, nullptr);
     }
 }
 
 InterruptHandler::~InterruptHandler() {
-    if (!state_->isWatching) {
+    if (state_->watcher == std::thread::id()) {
         return;
     }
     state_->StopWatching();
